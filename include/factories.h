@@ -1,0 +1,23 @@
+#pragma once
+
+/// @file
+/// Factories with C linkage, for programs that load the library with dlopen.
+
+#include "database_client_export.h"
+
+class DataBaseClient;
+class ObjectFilter;
+class ObjectProperties;
+
+extern "C"
+{
+    /// A new, unconnected client. The caller deletes it, before the process exits.
+    /// @throws std::bad_alloc
+    DATABASE_CLIENT_API DataBaseClient* createDataBaseClient();
+    /// A new, empty document. The caller deletes it.
+    /// @throws std::bad_alloc
+    DATABASE_CLIENT_API ObjectProperties* createObjectProperties();
+    /// A new, empty filter. The caller deletes it.
+    /// @throws std::bad_alloc
+    DATABASE_CLIENT_API ObjectFilter* createObjectFilter();
+}

@@ -1,0 +1,84 @@
+#pragma once
+
+/// @file
+/// Builds a server query document call by call.
+
+#include "database_client_export.h"
+#include "object_properties.h"
+
+#include <memory>
+#include <string>
+
+class ObjectFilterPrivate;
+
+/// Comparison of a condition. The numbers are part of the library's interface.
+enum OperationType
+{
+    OperationTypeEqual = 0,          ///< {key: value}
+    OperationTypeNotEqual = 1,       ///< {key: {"$ne": value}}
+    OperationTypeGreater = 2,        ///< {key: {"$gt": value}}
+    OperationTypeGreaterOrEqual = 3, ///< {key: {"$gte": value}}
+    OperationTypeLess = 4,           ///< {key: {"$lt": value}}
+    OperationTypeLessOrEqual = 5,    ///< {key: {"$lte": value}}
+    OperationTypeExists = 6,         ///< {key: {"$exists": true}}; the value is ignored
+    OperationTypeNotExists = 7,      ///< {key: {"$exists": false}}; the value is ignored
+    OperationTypeRegex = 8,          ///< {key: {"$regex": value}}, texts with "$options" when options are given
+    OperationTypeUnknown = 9         ///< {key: {"": value}}, like every number above
+};
+
+/// A query under construction: one call per condition, "$and" and "$or" lists opened and closed like brackets. The
+/// result, toObjectProeprties(), is an ordinary document for DataBaseClient.
+///
+/// Inside an open list every condition is an element of its own; outside, conditions on one key merge. At most 100
+/// lists are open at once: further ones are counted, so that their ends pair up, and otherwise ignored. One thread at a
+/// time. Nothing here throws but `std::bad_alloc`.
+class DATABASE_CLIENT_API ObjectFilter
+{
+public:
+    /// An empty filter without open lists.
+    ObjectFilter();
+    /// A full copy, open lists included.
+    ObjectFilter(const ObjectFilter& other);
+
+    // Slot order is part of the library's interface and closed.
+
+    virtual ~ObjectFilter();
+
+    /// Opens an "$and" list.
+    virtual void start_and();
+    /// Closes the innermost list, of either kind: callers depend on it. Does nothing when none is open.
+    virtual void finish_and();
+    /// Opens an "$or" list.
+    virtual void start_or();
+    /// The same as finish_and().
+    virtual void finish_or();
+    /// Puts the following conditions inside a sub-document; no part of the lists.
+    virtual void beginGroup(const std::string& key);
+    virtual void endGroup();
+    /// @param options regular expression options such as "i"; ignored unless @p operation is OperationTypeRegex
+    virtual void setFilterString(OperationType operation, const std::string& key, const std::string& value,
+                                 const std::string& options);
+    virtual void setFilterBool(OperationType operation, const std::string& key, const bool& value);
+    virtual void setFilterInt(OperationType operation, const std::string& key, const int& value);
+    virtual void setFilterDouble(OperationType operation, const std::string& key, const double& value);
+    virtual void setFilterLongLong(OperationType operation, const std::string& key, const long long& value);
+    /// @param value milliseconds since 1970-01-01 UTC
+    virtual void setFilterTime(OperationType operation, const std::string& key, const long long& value);
+    /// @param value 24 hexadecimal digits
+    virtual void setFilterId(OperationType operation, const std::string& key, const std::string& value);
+    /// Adds the query of @p other as one element of the innermost list; without an open list it replaces this query.
+    virtual void include(const ObjectFilter& other);
+    /// Moves what stands under @p key into @p target, whose query and open lists are lost.
+    virtual void exclude(const std::string& key, ObjectFilter& target);
+    virtual bool isEmpty() const;
+    /// A copy of the query as it stands, also while lists are open. The misspelling is part of the interface.
+    virtual ObjectProperties toObjectProeprties() const;
+    /// Takes over a query; the lists that are open stay open.
+    virtual void fromObjectProperties(const ObjectProperties& properties);
+    virtual ObjectFilter& operator=(const ObjectFilter& other);
+
+private:
+    std::unique_ptr<ObjectFilterPrivate> d; // the only member: size and layout never change
+};
+
+static_assert(sizeof(ObjectFilter) == 2 * sizeof(void*), "callers were compiled against this layout");

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <bson/bson.h>
+
+#include <memory>
+
+/// The one place that names the destroy functions of the driver's BSON objects.
+template <auto Destroy>
+struct DestroyWith
+{
+    template <typename Handle>
+    void operator()(Handle* handle) const noexcept
+    {
+        Destroy(handle);
+    }
+};
+
+// The type of a document is over-aligned by an attribute, which a template argument cannot carry.
+struct DestroyBson
+{
+    using pointer = bson_t*;
+    void operator()(bson_t* bson) const noexcept { bson_destroy(bson); }
+};
+
+using BsonPointer = std::unique_ptr<void, DestroyBson>;
+using BsonText = std::unique_ptr<char, DestroyWith<bson_free>>;
+
+/// A document in automatic storage. It holds nothing to be freed until it is filled, so a converter may initialise it
+/// again.
+class OwnedBson
+{
+public:
+    OwnedBson() = default;
+    OwnedBson(const OwnedBson&) = delete;
+    OwnedBson& operator=(const OwnedBson&) = delete;
+    ~OwnedBson() { bson_destroy(&m_bson); }
+
+    bson_t* get() noexcept { return &m_bson; }
+    const bson_t* get() const noexcept { return &m_bson; }
+
+private:
+    bson_t m_bson = BSON_INITIALIZER;
+};

@@ -1,0 +1,141 @@
+#include "properties_to_bson.h"
+
+#include "object_properties.h"
+#include "property/nesting_stack.h"
+
+#include <bson/bson.h>
+
+#include <cstring>
+
+namespace {
+
+// A document whose fields are being appended. A nested one is built in place, inside the buffer of the one around it.
+struct OpenDocument
+{
+    explicit OpenDocument(const Property& node, bson_t* parentBson = nullptr)
+        : next(node.begin()), end(node.end()), isArray(node.isArray()), parent(parentBson)
+    {}
+
+    Property::Children::const_iterator next;
+    Property::Children::const_iterator end;
+    bool isArray;
+    bson_t* parent;
+    bson_t bson;
+};
+
+void appendId(bson_t* bson, const char* key, int keyLength, const char* text)
+{
+    // The driver reads 24 characters whatever the length of the text.
+    char padded[25] = {};
+    std::memcpy(padded, text, strnlen(text, sizeof(padded) - 1));
+    bson_oid_t id;
+    bson_oid_init_from_string(&id, padded);
+    bson_append_oid(bson, key, keyLength, &id);
+}
+
+void appendBinary(bson_t* bson, const std::string& key, const std::vector<unsigned char>& bytes)
+{
+    // A value without bytes is left out: callers depend on it.
+    if (!bytes.empty())
+        bson_append_binary(bson, key.c_str(), static_cast<int>(key.size()), BSON_SUBTYPE_BINARY, bytes.data(),
+                           static_cast<std::uint32_t>(bytes.size()));
+}
+
+void appendValue(bson_t* bson, Property& node)
+{
+    const std::string& fullKey = node.keyView();
+    const char* const key = fullKey.c_str();
+    const auto keyLength = static_cast<int>(std::strlen(key));
+    switch (static_cast<PropertyType>(node.type()))
+    {
+    case Undefined:
+        bson_append_undefined(bson, key, keyLength);
+        break;
+    case String:
+        bson_append_utf8(bson, key, keyLength, node.textView(), static_cast<int>(std::strlen(node.textView())));
+        break;
+    case Bool:
+        bson_append_bool(bson, key, keyLength, node.currentValueAsBool(false));
+        break;
+    case Int32:
+        bson_append_int32(bson, key, keyLength, node.currentValueAsInt32(0));
+        break;
+    case Int64:
+        bson_append_int64(bson, key, keyLength, node.currentValueAsInt64(0));
+        break;
+    case Double:
+        bson_append_double(bson, key, keyLength, node.currentValueAsDouble(0.0));
+        break;
+    case Time:
+        bson_append_date_time(bson, key, keyLength, node.currentValueAsTime(0));
+        break;
+    case Id:
+        appendId(bson, key, keyLength, node.textView());
+        break;
+    case Binary:
+        appendBinary(bson, fullKey, node.bytesView());
+        break;
+    case Regex:
+        bson_append_regex(bson, key, static_cast<int>(fullKey.size()), node.patternView().c_str(),
+                          node.optionsView().c_str());
+        break;
+    case None:
+    case Group:
+    case Array:
+        break;
+    }
+}
+
+bool beginNested(const Property& node, bson_t* parent, bson_t* child)
+{
+    const char* const key = node.keyView().c_str();
+    const auto keyLength = static_cast<int>(std::strlen(key));
+    return node.isArray() ? bson_append_array_begin(parent, key, keyLength, child)
+                          : bson_append_document_begin(parent, key, keyLength, child);
+}
+
+void endNested(OpenDocument& nested)
+{
+    if (nested.isArray)
+        bson_append_array_end(nested.parent, &nested.bson);
+    else
+        bson_append_document_end(nested.parent, &nested.bson);
+}
+
+} // namespace
+
+bool PropertiesToBson::convert(const ObjectProperties& properties, bson_t* bson)
+{
+    return bson && properties_to_bson(properties, bson);
+}
+
+bool PropertiesToBson::properties_to_bson(const ObjectProperties& properties, bson_t* bson)
+{
+    bson_init(bson);
+    return parse(properties.root(), bson);
+}
+
+bool PropertiesToBson::parse(std::shared_ptr<Property> node, bson_t* bson)
+{
+    NestingStack<OpenDocument> open;
+    open.push(*node);
+    for (;;)
+    {
+        OpenDocument& innermost = open.top();
+        bson_t* const target = innermost.parent ? &innermost.bson : bson;
+        if (innermost.next == innermost.end)
+        {
+            if (!innermost.parent)
+                return true;
+            endNested(innermost);
+            open.pop();
+            continue;
+        }
+        Property& child = *(innermost.next++)->second;
+        if (!child.isGroup() && !child.isArray())
+            appendValue(target, child);
+        // A document that outgrew the driver's limit takes no more: there is nothing to fill and nothing to end.
+        else if (!beginNested(child, target, &open.push(child, target).bson))
+            open.pop();
+    }
+}

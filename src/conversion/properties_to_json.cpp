@@ -1,0 +1,24 @@
+#include "properties_to_json.h"
+
+#include "conversion/bson_handles.h"
+#include "object_properties.h"
+#include "properties_to_bson.h"
+
+bool PropertiesToJson::convert(const ObjectProperties& properties, std::string& json)
+{
+    return properties_to_json(properties, json);
+}
+
+bool PropertiesToJson::properties_to_json(const ObjectProperties& properties, std::string& json)
+{
+    OwnedBson bson;
+    if (!PropertiesToBson::convert(properties, bson.get()))
+        return false;
+    std::size_t length = 0;
+    const BsonText text(bson_as_json(bson.get(), &length));
+    if (text)
+        json.assign(text.get(), length);
+    else
+        json.clear(); // a text that is not UTF-8 has no JSON form
+    return true;
+}

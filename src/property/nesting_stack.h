@@ -1,0 +1,69 @@
+#pragma once
+
+#include <cstddef>
+#include <list>
+#include <new>
+#include <utility>
+
+/// The open levels of a walk over a nested structure. The first levels stand in automatic storage, so that a walk of
+/// usual depth allocates nothing; deeper ones stand on the heap, so that no depth exhausts the thread's stack. A level
+/// never moves while it is open.
+template <typename Level>
+class NestingStack
+{
+public:
+    NestingStack() = default;
+    NestingStack(const NestingStack&) = delete;
+    NestingStack& operator=(const NestingStack&) = delete;
+
+    ~NestingStack()
+    {
+        while (!empty())
+            pop();
+    }
+
+    bool empty() const noexcept { return m_depth == 0; }
+
+    Level& top() noexcept { return m_depth <= nearLevels ? *near(m_depth - 1) : m_far.back().level; }
+
+    template <typename... Arguments>
+    Level& push(Arguments&&... arguments)
+    {
+        if (m_depth < nearLevels)
+            new (m_near + m_depth * sizeof(Level)) Level{std::forward<Arguments>(arguments)...};
+        else
+            m_far.emplace_back(std::forward<Arguments>(arguments)...);
+        ++m_depth;
+        return top();
+    }
+
+    void pop() noexcept
+    {
+        if (m_depth <= nearLevels)
+            near(m_depth - 1)->~Level();
+        else
+            m_far.pop_back();
+        --m_depth;
+    }
+
+private:
+    static constexpr std::size_t nearLevels = 16;
+
+    struct FarLevel
+    {
+        template <typename... Arguments>
+        explicit FarLevel(Arguments&&... arguments) : level{std::forward<Arguments>(arguments)...}
+        {}
+
+        Level level;
+    };
+
+    Level* near(std::size_t index) noexcept
+    {
+        return std::launder(reinterpret_cast<Level*>(m_near + index * sizeof(Level)));
+    }
+
+    alignas(Level) unsigned char m_near[nearLevels * sizeof(Level)];
+    std::list<FarLevel> m_far;
+    std::size_t m_depth = 0;
+};

@@ -1,0 +1,232 @@
+#include "property.h"
+
+#include <cstring>
+#include <memory>
+
+namespace {
+
+std::unique_ptr<char[]> newText(const char* text, std::size_t size)
+{
+    std::unique_ptr<char[]> copy(new char[size + 1]);
+    std::memcpy(copy.get(), text, size);
+    copy[size] = '\0';
+    return copy;
+}
+
+template <typename Container>
+void freeStorage(Container& container) noexcept
+{
+    Container().swap(container);
+}
+
+} // namespace
+
+Property::PropertyItem::PropertyValue::PropertyValue() : text(nullptr) {}
+
+Property::PropertyItem::PropertyValue::~PropertyValue() {}
+
+Property::PropertyItem::PropertyItem() = default;
+
+Property::PropertyItem::PropertyItem(const PropertyItem& other) : PropertyItem()
+{
+    copy(other);
+}
+
+Property::PropertyItem& Property::PropertyItem::operator=(const PropertyItem& other)
+{
+    copy(other);
+    return *this;
+}
+
+Property::PropertyItem::~PropertyItem()
+{
+    clearString();
+}
+
+// The value word is a number exactly for these kinds. For every other kind it is null or an owned text, also while a
+// text has been stored and its kind not yet set, so that no text is ever lost.
+bool Property::PropertyItem::holdsNumber() const noexcept
+{
+    return m_type >= Bool && m_type <= Time;
+}
+
+void Property::PropertyItem::swap(PropertyItem& other) noexcept
+{
+    std::swap(m_value, other.m_value);
+    m_binary.swap(other.m_binary);
+    m_regexPattern.swap(other.m_regexPattern);
+    m_regexOptions.swap(other.m_regexOptions);
+    m_key.swap(other.m_key);
+    std::swap(m_type, other.m_type);
+}
+
+// The setters make the new value before they release the old one: when memory is short the old one stays.
+
+void Property::PropertyItem::setValueString(const std::string& value)
+{
+    auto text = newText(value.data(), std::strlen(value.c_str()));
+    releaseMemory();
+    if (holdsNumber())
+        m_type = Undefined;
+    m_value.text = text.release();
+}
+
+void Property::PropertyItem::setValueBool(const bool& value)
+{
+    const bool copy = value;
+    releaseMemory();
+    m_value.boolean = copy;
+    m_type = Bool;
+}
+
+void Property::PropertyItem::setValueInt32(const int& value)
+{
+    const int copy = value;
+    releaseMemory();
+    m_value.int32 = copy;
+    m_type = Int32;
+}
+
+void Property::PropertyItem::setValueInt64(const long& value)
+{
+    const long copy = value;
+    releaseMemory();
+    m_value.int64 = copy;
+    m_type = Int64;
+}
+
+void Property::PropertyItem::setValueDouble(const double& value)
+{
+    const double copy = value;
+    releaseMemory();
+    m_value.binary64 = copy;
+    m_type = Double;
+}
+
+void Property::PropertyItem::setValueBinary(const std::vector<unsigned char>& value)
+{
+    std::vector<unsigned char> bytes(value);
+    releaseMemory();
+    m_binary.swap(bytes);
+}
+
+void Property::PropertyItem::setValueRegex(const std::pair<std::string, std::string>& value)
+{
+    std::pair<std::string, std::string> regex(value);
+    releaseMemory();
+    m_regexPattern.swap(regex.first);
+    m_regexOptions.swap(regex.second);
+}
+
+std::string Property::PropertyItem::valueAsString() const
+{
+    return holdsNumber() || !m_value.text ? std::string() : m_value.text;
+}
+
+bool Property::PropertyItem::valueAsBool() const
+{
+    return m_value.boolean;
+}
+
+int Property::PropertyItem::valueAsInt32() const
+{
+    return m_value.int32;
+}
+
+long Property::PropertyItem::valueAsInt64() const
+{
+    return m_value.int64;
+}
+
+double Property::PropertyItem::valueAsDouble() const
+{
+    return m_value.binary64;
+}
+
+std::vector<unsigned char> Property::PropertyItem::valueAsBinary() const
+{
+    return m_binary;
+}
+
+std::pair<std::string, std::string> Property::PropertyItem::valueAsRegex() const
+{
+    return {m_regexPattern, m_regexOptions};
+}
+
+void Property::PropertyItem::clearString()
+{
+    if (!holdsNumber())
+        delete[] m_value.text;
+    m_value.text = nullptr;
+}
+
+void Property::PropertyItem::clearBinary()
+{
+    if (m_type == Binary)
+        freeStorage(m_binary);
+}
+
+void Property::PropertyItem::clearRegex()
+{
+    if (m_type != Regex)
+        return;
+    freeStorage(m_regexPattern);
+    freeStorage(m_regexOptions);
+}
+
+void Property::PropertyItem::releaseMemory()
+{
+    clearString();
+    clearBinary();
+    clearRegex();
+}
+
+void Property::PropertyItem::clear()
+{
+    releaseMemory();
+    m_type = Undefined;
+}
+
+void Property::PropertyItem::copy(const PropertyItem& other)
+{
+    if (this == &other)
+        return;
+    std::string key(other.m_key);
+    switch (other.m_type)
+    {
+    case String:
+    case Id:
+        if (other.m_value.text)
+            setValueString(other.m_value.text);
+        else
+            releaseMemory();
+        break;
+    case Bool:
+        setValueBool(other.m_value.boolean);
+        break;
+    case Int32:
+        setValueInt32(other.m_value.int32);
+        break;
+    case Int64:
+    case Time:
+        setValueInt64(other.m_value.int64);
+        break;
+    case Double:
+        setValueDouble(other.m_value.binary64);
+        break;
+    case Binary:
+        setValueBinary(other.m_binary);
+        break;
+    case Regex:
+        setValueRegex({other.m_regexPattern, other.m_regexOptions});
+        break;
+    case None:
+    case Undefined:
+    case Group:
+    case Array:
+        releaseMemory();
+        break;
+    }
+    m_type = other.m_type;
+    m_key.swap(key);
+}
