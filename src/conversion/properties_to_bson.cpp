@@ -117,6 +117,8 @@ bool PropertiesToBson::properties_to_bson(const ObjectProperties& properties, bs
 
 bool PropertiesToBson::parse(std::shared_ptr<Property> node, bson_t* bson)
 {
+    if (!node)
+        return true;
     NestingStack<OpenDocument> open;
     open.push(*node);
     for (;;)
