@@ -155,6 +155,11 @@ public:
     void printAsJson() const;
     /// The root node. It lives at least as long as the pointer returned.
     std::shared_ptr<Property> root() const;
+    /// The node on which the cursor stands.
+    std::shared_ptr<Property> current() const;
+    /// Moves the cursor to @p node; false, and no move, when it is empty or no longer in this document's tree.
+    /// Takes time in proportion to the depth of the node.
+    bool moveTo(const std::shared_ptr<Property>& node) const;
 
 private:
     std::unique_ptr<ObjectPropertiesPrivate> d; // the only member: size and layout never change

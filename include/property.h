@@ -339,6 +339,7 @@ private:
     std::list<std::string> keysOfChildren(const std::string* (*keyIfWanted)(const Children::value_type&)) const;
     void assume(const Property& source, const std::string& key);
     void becomeGroup() noexcept;
+    bool holds(const Property& child) const noexcept;
     static Children copyOfChildren(const Property& source, const std::weak_ptr<Property>& parent);
     static void release(Children& children, int depth) noexcept;
 

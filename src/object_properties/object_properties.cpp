@@ -371,3 +371,13 @@ std::shared_ptr<Property> ObjectProperties::root() const
 {
     return d->root;
 }
+
+std::shared_ptr<Property> ObjectProperties::current() const
+{
+    return d->current;
+}
+
+bool ObjectProperties::moveTo(const std::shared_ptr<Property>& node) const
+{
+    return d->moveTo(node);
+}

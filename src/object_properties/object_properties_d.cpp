@@ -356,6 +356,20 @@ void ObjectPropertiesPrivate::exclude(const std::string& key, ObjectPropertiesPr
     leave(*node);
 }
 
+// A node that was removed keeps its parent link, so every step up is checked against the parent's children.
+bool ObjectPropertiesPrivate::moveTo(const std::shared_ptr<Property>& node) const
+{
+    for (auto place = node; place != root;)
+    {
+        const auto parent = place ? place->m_parent.lock() : nullptr;
+        if (!parent || !parent->holds(*place))
+            return false;
+        place = parent;
+    }
+    current = node;
+    return true;
+}
+
 // A cursor inside the subtree goes to the root, any other stays.
 void ObjectPropertiesPrivate::leave(const Property& subtree) const
 {

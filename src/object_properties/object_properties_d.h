@@ -86,6 +86,7 @@ public:
     void include(const std::string& key, const ObjectPropertiesPrivate& other);
     void includeElement(const std::string& key, const ObjectPropertiesPrivate& other);
     void exclude(const std::string& key, ObjectPropertiesPrivate& other);
+    bool moveTo(const std::shared_ptr<Property>& node) const;
     void print() const;
 
     std::shared_ptr<Property> root;

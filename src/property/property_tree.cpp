@@ -2,6 +2,7 @@
 
 #include "property/nesting_stack.h"
 
+#include <algorithm>
 #include <iterator>
 
 Property::Property(const std::string& key, std::shared_ptr<Property> parent) : m_parent(parent)
@@ -175,6 +176,14 @@ void Property::clear()
 {
     clearChilds();
     m_item.clear();
+}
+
+// The key leads to the node unless a copy into the node has changed it.
+bool Property::holds(const Property& child) const noexcept
+{
+    const auto isChild = [&child](const Children::value_type& entry) { return entry.second.get() == &child; };
+    const auto [first, last] = m_children.equal_range(child.m_item.m_key);
+    return std::any_of(first, last, isChild) || std::any_of(m_children.begin(), m_children.end(), isChild);
 }
 
 void Property::becomeGroup() noexcept
