@@ -158,7 +158,7 @@ public:
     /// The node on which the cursor stands.
     std::shared_ptr<Property> current() const;
     /// Moves the cursor to @p node; false, and no move, when it is empty or no longer in this document's tree.
-    /// Takes time in proportion to the depth of the node.
+    /// Takes time in proportion to the depth of the node and to the number of siblings with equal keys on the way.
     bool moveTo(const std::shared_ptr<Property>& node) const;
 
 private:
