@@ -1,0 +1,276 @@
+#include "bson_rewrite.h"
+
+#include <bson/bson.h>
+
+#include <cstring>
+#include <limits>
+#include <string>
+#include <string_view>
+
+namespace test_support {
+namespace {
+
+constexpr std::size_t kLengthSize = 4;
+constexpr std::size_t kSmallestDocument = 5;
+
+std::uint32_t readLength(const std::uint8_t* from)
+{
+    std::uint32_t value = 0;
+    std::memcpy(&value, from, sizeof value);
+    return BSON_UINT32_FROM_LE(value);
+}
+
+void writeLength(Bytes& output, std::size_t at, std::size_t length)
+{
+    const std::uint32_t value = BSON_UINT32_TO_LE(static_cast<std::uint32_t>(length));
+    std::memcpy(output.data() + at, &value, sizeof value);
+}
+
+/// The bytes that the value of an element takes up, or nothing when they run past @p available.
+std::optional<std::size_t> valueSize(bson_type_t type, const std::uint8_t* value, std::size_t available)
+{
+    const auto lengthPlus = [&](std::size_t extra) -> std::optional<std::size_t> {
+        if (available < kLengthSize)
+        {
+            return std::nullopt;
+        }
+        return readLength(value) + extra;
+    };
+    const auto cString = [&](std::size_t from) -> std::optional<std::size_t> {
+        const void* end = from < available ? std::memchr(value + from, 0, available - from) : nullptr;
+        if (end == nullptr)
+        {
+            return std::nullopt;
+        }
+        return static_cast<std::size_t>(static_cast<const std::uint8_t*>(end) - value) + 1;
+    };
+    switch (type)
+    {
+    case BSON_TYPE_UNDEFINED:
+    case BSON_TYPE_NULL:
+    case BSON_TYPE_MINKEY:
+    case BSON_TYPE_MAXKEY:
+        return 0;
+    case BSON_TYPE_BOOL:
+        return 1;
+    case BSON_TYPE_INT32:
+        return 4;
+    case BSON_TYPE_DOUBLE:
+    case BSON_TYPE_DATE_TIME:
+    case BSON_TYPE_TIMESTAMP:
+    case BSON_TYPE_INT64:
+        return 8;
+    case BSON_TYPE_OID:
+        return 12;
+    case BSON_TYPE_DECIMAL128:
+        return 16;
+    case BSON_TYPE_UTF8:
+    case BSON_TYPE_CODE:
+    case BSON_TYPE_SYMBOL:
+        return lengthPlus(4);
+    case BSON_TYPE_DBPOINTER:
+        return lengthPlus(4 + 12);
+    case BSON_TYPE_BINARY:
+        return lengthPlus(4 + 1);
+    case BSON_TYPE_DOCUMENT:
+    case BSON_TYPE_ARRAY:
+    case BSON_TYPE_CODEWSCOPE:
+        return lengthPlus(0);
+    case BSON_TYPE_REGEX: {
+        const auto pattern = cString(0);
+        return pattern ? cString(*pattern) : std::nullopt;
+    }
+    case BSON_TYPE_EOD:
+        break;
+    }
+    return std::nullopt;
+}
+
+/// One pass over a document with a stack of its open levels. Bytes that stay are copied in runs as long as possible.
+class Rewriter
+{
+public:
+    Rewriter(const std::uint8_t* document, std::size_t length, BsonRewrite rewrite)
+        : m_document(document), m_length(length), m_rewrite(rewrite)
+    {}
+
+    std::optional<Bytes> run()
+    {
+        if (m_length < kSmallestDocument || !enter(0, m_length, false))
+        {
+            return std::nullopt;
+        }
+        while (!m_open.empty())
+        {
+            if (!step())
+            {
+                return std::nullopt;
+            }
+        }
+        if (!m_changed || m_at != m_length)
+        {
+            return std::nullopt;
+        }
+        copyUpTo(m_length);
+        for (const Patch& patch : m_lengths)
+        {
+            writeLength(m_output, patch.at, patch.length);
+        }
+        return std::move(m_output);
+    }
+
+private:
+    struct Level
+    {
+        std::size_t end;         // in the input, one past the closing zero
+        std::size_t start;       // of the level in what the output would hold now
+        std::size_t nextElement; // the number the next element of an array gets
+        bool isArray;
+    };
+    struct Patch
+    {
+        std::size_t at;
+        std::size_t length;
+    };
+
+    /// Where the next input byte would land in the output.
+    std::size_t outputPosition() const { return m_output.size() + (m_at - m_copied); }
+
+    void copyUpTo(std::size_t end)
+    {
+        m_output.insert(m_output.end(), m_document + m_copied, m_document + end);
+        m_copied = end;
+    }
+
+    bool enter(std::size_t at, std::size_t limit, bool isArray)
+    {
+        if (limit - at < kSmallestDocument)
+        {
+            return false;
+        }
+        const std::size_t length = readLength(m_document + at);
+        if (length < kSmallestDocument || length > limit - at || m_document[at + length - 1] != 0)
+        {
+            return false;
+        }
+        m_at = at;
+        m_open.push_back({at + length, outputPosition(), 0, isArray});
+        m_at += kLengthSize;
+        return true;
+    }
+
+    bool step()
+    {
+        Level& level = m_open.back();
+        const std::size_t last = level.end - 1;
+        if (m_at >= last)
+        {
+            return leave(level);
+        }
+        const auto type = static_cast<bson_type_t>(m_document[m_at]);
+        const std::uint8_t* key = m_document + m_at + 1;
+        const void* keyEnd = std::memchr(key, 0, last - m_at - 1);
+        if (keyEnd == nullptr)
+        {
+            return false;
+        }
+        const std::size_t keyLength = static_cast<std::size_t>(static_cast<const std::uint8_t*>(keyEnd) - key);
+        const std::size_t valueAt = m_at + 1 + keyLength + 1;
+        const auto size = valueSize(type, m_document + valueAt, last - valueAt);
+        if (!size || *size > last - valueAt)
+        {
+            return false;
+        }
+        return element(level, type, {reinterpret_cast<const char*>(key), keyLength}, valueAt, *size);
+    }
+
+    bool element(Level& level, bson_type_t type, std::string_view key, std::size_t valueAt, std::size_t size)
+    {
+        if (type == BSON_TYPE_UNDEFINED)
+        {
+            copyUpTo(m_at);
+            m_at = m_copied = valueAt;
+            m_changed = true;
+            return true;
+        }
+        if (level.isArray)
+        {
+            renumber(key, level.nextElement++, valueAt);
+        }
+        const bool nests = type == BSON_TYPE_DOCUMENT || type == BSON_TYPE_ARRAY;
+        if (nests && emptied(key) && size > kSmallestDocument)
+        {
+            static constexpr std::uint8_t kEmpty[kSmallestDocument] = {5, 0, 0, 0, 0};
+            copyUpTo(valueAt);
+            m_output.insert(m_output.end(), std::begin(kEmpty), std::end(kEmpty));
+            m_at = m_copied = valueAt + size;
+            m_changed = true;
+            return true;
+        }
+        if (nests)
+        {
+            return enter(valueAt, valueAt + size, type == BSON_TYPE_ARRAY);
+        }
+        m_at = valueAt + size;
+        return true;
+    }
+
+    bool emptied(std::string_view key) const
+    {
+        return m_rewrite == BsonRewrite::ArraysAndUserData && m_open.size() == 1 &&
+               (key == "roles" || key == "customData");
+    }
+
+    void renumber(std::string_view key, std::size_t number, std::size_t valueAt)
+    {
+        char buffer[16];
+        const char* wanted = nullptr;
+        const std::size_t length =
+            bson_uint32_to_string(static_cast<std::uint32_t>(number), &wanted, buffer, sizeof buffer);
+        if (key == std::string_view(wanted, length))
+        {
+            return;
+        }
+        copyUpTo(m_at + 1);
+        m_output.insert(m_output.end(), wanted, wanted + length + 1);
+        m_copied = valueAt;
+        m_at = valueAt; // keeps outputPosition() true; the value follows
+        m_changed = true;
+    }
+
+    bool leave(const Level& level)
+    {
+        if (m_at != level.end - 1)
+        {
+            return false;
+        }
+        m_at = level.end;
+        const std::size_t length = outputPosition() - level.start;
+        if (length > std::numeric_limits<std::int32_t>::max())
+        {
+            return false;
+        }
+        m_lengths.push_back({level.start, length});
+        m_open.pop_back();
+        return true;
+    }
+
+    const std::uint8_t* m_document;
+    std::size_t m_length;
+    BsonRewrite m_rewrite;
+    std::size_t m_at = 0;     // next input byte to look at
+    std::size_t m_copied = 0; // input bytes before this one are in the output
+    bool m_changed = false;
+    Bytes m_output;
+    std::vector<Level> m_open;
+    std::vector<Patch> m_lengths;
+};
+
+} // namespace
+
+std::optional<Bytes> rewriteBson(const std::uint8_t* document, std::size_t length, BsonRewrite rewrite)
+{
+    return Rewriter(document, length, rewrite).run();
+}
+
+} // namespace test_support

@@ -1,0 +1,113 @@
+#pragma once
+
+#include "driver_handles.h"
+#include "wire_gateway.h"
+#include "wire_socket.h"
+
+#include <sys/types.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace test_support {
+
+/// The server that scripts/with-server put into the environment, behind one gateway for each of its two addresses.
+class TestServer
+{
+public:
+    enum class Kind
+    {
+        MongoDb,
+        FerretDb,
+    };
+
+    /// The one of this process, made at the first call.
+    /// @throws std::runtime_error  the environment names no server: run the test through scripts/with-server.
+    static TestServer& instance();
+
+    Kind kind() const { return m_kind; }
+    bool isFerretDb() const { return m_kind == Kind::FerretDb; }
+
+    /// In front of the server without authentication, and in front of the one that knows users, as root.
+    WireGateway& gateway() { return m_gateway; }
+    WireGateway& authGateway() { return m_authGateway; }
+    std::string uri() const { return m_gateway.uri(); }
+    std::string authUri() const { return m_authGateway.uri(); }
+
+    /// The servers themselves, past the gateways.
+    const std::string& directUri() const { return m_directUri; }
+    const std::string& directAuthUri() const { return m_directAuthUri; }
+
+private:
+    TestServer();
+
+    std::string m_directUri;
+    std::string m_directAuthUri;
+    Kind m_kind;
+    WireGateway m_gateway;
+    WireGateway m_authGateway;
+};
+
+/// A database of its own name, read and written past the gateway, and dropped with its users at the end of the block.
+/// Documents are texts in extended JSON, going in and coming out relaxed.
+class ScratchDatabase
+{
+public:
+    /// On the server without authentication.
+    ScratchDatabase();
+    /// On another one, directAuthUri() say.
+    explicit ScratchDatabase(const std::string& uri);
+    ~ScratchDatabase();
+    ScratchDatabase(const ScratchDatabase&) = delete;
+    ScratchDatabase& operator=(const ScratchDatabase&) = delete;
+
+    const std::string& name() const { return m_name; }
+    mongoc_client_t* client() const { return m_client.get(); }
+
+    /// All of these throw std::runtime_error with the driver's text when the server refuses.
+    void insert(const std::string& collection, const std::string& document);
+    std::vector<std::string> documents(const std::string& collection, const std::string& filter = "{}",
+                                       const std::string& options = R"({"sort": {"_id": 1}})") const;
+    std::vector<Bytes> documentBytes(const std::string& collection, const std::string& filter = "{}",
+                                     const std::string& options = R"({"sort": {"_id": 1}})") const;
+    std::size_t count(const std::string& collection, const std::string& filter = "{}") const;
+    std::vector<std::string> collections() const; ///< in the order of their names
+    /// Runs a command on this database and gives the server's reply.
+    std::string run(const std::string& command) const;
+
+private:
+    DriverClient m_client;
+    std::string m_name;
+};
+
+/// A server of the test's own, of the same program, to be ended and started again on the same port with the same data.
+/// The thread that starts it must not end before it: the server is killed with that thread.
+class ServerProcess
+{
+public:
+    /// Whether there is a program to start; not so with a server given by MONGODB_URI.
+    static bool available();
+
+    /// Starts it and waits until it takes connections.
+    ServerProcess();
+    ~ServerProcess();
+    ServerProcess(const ServerProcess&) = delete;
+    ServerProcess& operator=(const ServerProcess&) = delete;
+
+    std::string uri() const;
+    WireGateway::Rewrite rewrite() const;
+    /// Ends it; connections to it are then refused.
+    void stop();
+    void start();
+
+private:
+    std::vector<std::string> commandLine() const;
+
+    std::string m_directory;
+    std::uint16_t m_port = 0;
+    FileDescriptor m_reservation; // the port stays ours while no server listens on it
+    pid_t m_process = -1;
+};
+
+} // namespace test_support

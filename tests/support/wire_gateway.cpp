@@ -1,0 +1,1046 @@
+#include "wire_gateway.h"
+
+#include "owned_bson.h"
+#include "wire_message.h"
+#include "wire_socket.h"
+
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <poll.h>
+#include <pthread.h>
+#include <sys/socket.h>
+
+#include <algorithm>
+#include <condition_variable>
+#include <csignal>
+#include <cstdio>
+#include <deque>
+#include <exception>
+#include <list>
+#include <mutex>
+#include <optional>
+#include <stdexcept>
+#include <string_view>
+#include <thread>
+#include <utility>
+
+namespace test_support {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr std::string_view kScheme = "mongodb://";
+
+/// The pieces of a connection string that the gateway needs.
+struct ServerAddress
+{
+    std::string credentials; // "user:password@" or empty
+    std::string host;
+    std::string port = "27017";
+    std::string suffix; // from the "/" on
+};
+
+/// An option that would send the driver past the gateway or make it speak what the gateway does not.
+bool staysOut(std::string_view option)
+{
+    std::string name(option.substr(0, option.find('=')));
+    std::transform(name.begin(), name.end(), name.begin(),
+                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
+    if ((name == "tls" || name == "ssl") && option.substr(option.find('=') + 1) == "true")
+    {
+        throw std::invalid_argument("TLS does not pass through the wire gateway");
+    }
+    return name == "replicaset" || name == "compressors";
+}
+
+std::string keptOptions(std::string_view options)
+{
+    std::string kept;
+    while (!options.empty())
+    {
+        const std::size_t length = std::min(options.find('&'), options.size());
+        const std::string_view option = options.substr(0, length);
+        if (!option.empty() && !staysOut(option))
+        {
+            kept += kept.empty() ? '?' : '&';
+            kept += option;
+        }
+        options.remove_prefix(std::min(length + 1, options.size()));
+    }
+    return kept;
+}
+
+ServerAddress parseUri(const std::string& uri)
+{
+    std::string_view rest(uri);
+    if (rest.substr(0, kScheme.size()) != kScheme)
+    {
+        throw std::invalid_argument("the wire gateway needs a mongodb:// URI");
+    }
+    rest.remove_prefix(kScheme.size());
+    const std::size_t authorityLength = std::min(rest.find_first_of("/?"), rest.size());
+    std::string_view authority = rest.substr(0, authorityLength);
+    rest.remove_prefix(authorityLength);
+
+    ServerAddress address;
+    const std::size_t at = authority.rfind('@');
+    if (at != std::string_view::npos)
+    {
+        address.credentials = authority.substr(0, at + 1);
+        authority.remove_prefix(at + 1);
+    }
+    const bool bracketed = !authority.empty() && authority.front() == '[';
+    const std::size_t hostEnd = bracketed ? authority.find(']') : authority.find(':');
+    if (authority.empty() || authority.find_first_of(",%") != std::string_view::npos ||
+        (bracketed && hostEnd == std::string_view::npos))
+    {
+        throw std::invalid_argument("the wire gateway needs a URI with one host name or address");
+    }
+    address.host = bracketed ? authority.substr(1, hostEnd - 1) : authority.substr(0, hostEnd);
+    const std::size_t colon = authority.find(':', bracketed ? hostEnd : 0);
+    if (colon != std::string_view::npos)
+    {
+        address.port = authority.substr(colon + 1);
+    }
+    const std::size_t question = rest.find('?');
+    address.suffix = rest.substr(0, question);
+    if (address.suffix.empty())
+    {
+        address.suffix = "/";
+    }
+    if (question != std::string_view::npos)
+    {
+        address.suffix += keptOptions(rest.substr(question + 1));
+    }
+    return address;
+}
+
+Bytes bsonFromJson(const std::string& json)
+{
+    bson_error_t error{};
+    OwnedBson document;
+    if (!bson_init_from_json(document.get(), json.c_str(), static_cast<ssize_t>(json.size()), &error))
+    {
+        throw std::invalid_argument(std::string("not a document: ") + error.message);
+    }
+    const std::uint8_t* data = bson_get_data(document.get());
+    return {data, data + document.get()->len};
+}
+
+/// Threads of the gateway take no signal that is meant for the test.
+template <typename Function>
+std::thread startQuietThread(Function function)
+{
+    sigset_t all;
+    sigset_t before;
+    sigfillset(&all);
+    pthread_sigmask(SIG_SETMASK, &all, &before);
+    struct Restore
+    {
+        const sigset_t& mask;
+        ~Restore() { pthread_sigmask(SIG_SETMASK, &mask, nullptr); }
+    } const restore{before};
+    return std::thread(std::move(function));
+}
+
+/// Reads one message; nothing when the connection ended or what came is no message.
+std::optional<WireMessage> receiveMessage(int socket)
+{
+    Bytes bytes(WireMessage::kHeaderSize);
+    if (!receiveAll(socket, bytes.data(), bytes.size()))
+    {
+        return std::nullopt;
+    }
+    const std::size_t length = announcedLength(bytes.data());
+    if (length == 0)
+    {
+        return std::nullopt;
+    }
+    bytes.resize(length);
+    if (!receiveAll(socket, bytes.data() + WireMessage::kHeaderSize, length - WireMessage::kHeaderSize))
+    {
+        return std::nullopt;
+    }
+    return WireMessage(std::move(bytes));
+}
+
+void complain(const char* what)
+{
+    std::fprintf(stderr, "wire gateway: %s\n", what);
+}
+
+} // namespace
+
+Fault Fault::answer(const std::string& json)
+{
+    return answer(bsonFromJson(json));
+}
+
+Fault Fault::answer(Bytes document)
+{
+    Fault fault(Kind::Answer);
+    fault.m_bytes = std::move(document);
+    return fault;
+}
+
+Fault Fault::replaceReply(const std::string& json)
+{
+    return replaceReply(bsonFromJson(json));
+}
+
+Fault Fault::replaceReply(Bytes document)
+{
+    Fault fault(Kind::ReplaceReply);
+    fault.m_bytes = std::move(document);
+    return fault;
+}
+
+Fault Fault::dropBeforeForwarding()
+{
+    return Fault(Kind::DropBeforeForwarding);
+}
+
+Fault Fault::dropAfterForwarding()
+{
+    return Fault(Kind::DropAfterForwarding);
+}
+
+Fault Fault::cutReply(std::size_t bytes)
+{
+    Fault fault(Kind::CutReply);
+    fault.m_count = bytes;
+    return fault;
+}
+
+Fault Fault::shortenReply(std::size_t bytes)
+{
+    Fault fault(Kind::ShortenReply);
+    fault.m_count = std::max(bytes, WireMessage::kHeaderSize);
+    return fault;
+}
+
+Fault Fault::malformedReply(Bytes bytes)
+{
+    Fault fault(Kind::MalformedReply);
+    fault.m_bytes = std::move(bytes);
+    return fault;
+}
+
+Fault Fault::rawReply(Bytes bytes)
+{
+    Fault fault(Kind::RawReply);
+    fault.m_bytes = std::move(bytes);
+    return fault;
+}
+
+Fault Fault::delayReply(std::chrono::milliseconds time)
+{
+    Fault fault(Kind::DelayReply);
+    fault.m_time = time;
+    return fault;
+}
+
+Fault Fault::holdReply()
+{
+    return Fault(Kind::HoldReply);
+}
+
+Fault Fault::onCommand(std::string name) &&
+{
+    m_name = std::move(name);
+    return std::move(*this);
+}
+
+Fault Fault::onTarget(std::string target) &&
+{
+    m_target = std::move(target);
+    return std::move(*this);
+}
+
+Fault Fault::number(std::size_t n) &&
+{
+    m_number = n;
+    return std::move(*this);
+}
+
+Fault Fault::andLater() &&
+{
+    m_andLater = true;
+    return std::move(*this);
+}
+
+bool Fault::concerns(const RecordedCommand& command) const
+{
+    const bool byName = m_name.empty() ? !command.isHandshake : m_name == command.name;
+    return byName && (m_target.empty() || m_target == command.target);
+}
+
+class WireGateway::Implementation
+{
+public:
+    Implementation(const std::string& serverUri, Rewrite rewrite)
+        : m_rewrite(rewrite), m_server(parseUri(serverUri)), m_reservation(reservePort(m_port)),
+          m_listener(listenOn(m_port))
+    {
+        m_acceptor = startQuietThread([this] { acceptLoop(); });
+    }
+
+    ~Implementation()
+    {
+        {
+            const std::lock_guard lock(m_mutex);
+            m_stopping = true;
+            for (const auto& connection : m_connections)
+            {
+                connection->shutdown();
+            }
+            wakeAll();
+        }
+        m_acceptor.join();
+        for (const auto& connection : m_connections)
+        {
+            connection->thread.join();
+        }
+    }
+
+    Implementation(const Implementation&) = delete;
+    Implementation& operator=(const Implementation&) = delete;
+
+    std::uint16_t port() const { return m_port; }
+
+    std::string uri() const
+    {
+        const std::lock_guard lock(m_mutex);
+        return std::string(kScheme) + m_server.credentials + "127.0.0.1:" + std::to_string(m_port) + m_server.suffix;
+    }
+
+    void setServer(const std::string& serverUri)
+    {
+        ServerAddress address = parseUri(serverUri);
+        const std::lock_guard lock(m_mutex);
+        m_server = std::move(address);
+    }
+
+    template <typename Chooser>
+    std::vector<RecordedCommand> commandsIf(Chooser chosen) const
+    {
+        std::vector<RecordedCommand> result;
+        const std::lock_guard lock(m_mutex);
+        std::copy_if(m_records.begin(), m_records.end(), std::back_inserter(result), chosen);
+        return result;
+    }
+
+    std::vector<std::string> names() const
+    {
+        std::vector<std::string> result;
+        const std::lock_guard lock(m_mutex);
+        for (const RecordedCommand& command : m_records)
+        {
+            if (!command.isHandshake)
+            {
+                result.push_back(command.name);
+            }
+        }
+        return result;
+    }
+
+    void clear()
+    {
+        const std::lock_guard lock(m_mutex);
+        m_records.clear();
+    }
+
+    void record(bool on)
+    {
+        const std::lock_guard lock(m_mutex);
+        m_recording = on;
+    }
+
+    void inject(Fault fault)
+    {
+        const std::lock_guard lock(m_mutex);
+        m_faults.push_back({std::move(fault), 0, true});
+    }
+
+    void clearFaults()
+    {
+        {
+            const std::lock_guard lock(m_mutex);
+            m_faults.clear();
+            m_paused = false;
+            ++m_releases;
+            m_changed.notify_all();
+            wakeAll();
+        }
+        acceptConnections();
+    }
+
+    std::size_t pendingFaults() const
+    {
+        const std::lock_guard lock(m_mutex);
+        return pendingFaultsLocked();
+    }
+
+    void releaseReplies()
+    {
+        const std::lock_guard lock(m_mutex);
+        ++m_releases;
+        wakeAll();
+    }
+
+    void pause(bool on)
+    {
+        const std::lock_guard lock(m_mutex);
+        m_paused = on;
+        wakeAll();
+    }
+
+    /// The accepting thread closes its listener itself: nobody may close what another thread waits for.
+    void refuseConnections()
+    {
+        std::unique_lock lock(m_mutex);
+        m_refusing = true;
+        m_acceptorWakeup.wake();
+        m_changed.wait(lock, [this] { return !m_listener || m_stopping; });
+    }
+
+    void acceptConnections()
+    {
+        const std::lock_guard lock(m_mutex);
+        m_refusing = false;
+        if (!m_listener)
+        {
+            m_listener = listenOn(m_port);
+            m_acceptorWakeup.wake();
+        }
+    }
+
+    void closeConnections()
+    {
+        std::unique_lock lock(m_mutex);
+        std::vector<std::size_t> open;
+        for (const auto& connection : m_connections)
+        {
+            if (!connection->finished)
+            {
+                open.push_back(connection->number);
+                connection->shutdown();
+            }
+        }
+        m_changed.wait(lock, [&] {
+            return std::none_of(m_connections.begin(), m_connections.end(), [&](const auto& connection) {
+                return !connection->finished && std::binary_search(open.begin(), open.end(), connection->number);
+            });
+        });
+    }
+
+    std::size_t acceptedConnections() const
+    {
+        const std::lock_guard lock(m_mutex);
+        return m_accepted;
+    }
+
+    std::size_t openConnections() const
+    {
+        const std::lock_guard lock(m_mutex);
+        return openConnectionsLocked();
+    }
+
+    bool waitForCommands(const std::string& name, std::size_t count, std::chrono::milliseconds patience) const
+    {
+        return waitFor(patience, [&] {
+            const auto named = [&](const RecordedCommand& command) { return command.name == name; };
+            return static_cast<std::size_t>(std::count_if(m_records.begin(), m_records.end(), named)) >= count;
+        });
+    }
+
+    bool waitForOpenConnections(std::size_t count, std::chrono::milliseconds patience) const
+    {
+        return waitFor(patience, [&] { return openConnectionsLocked() == count; });
+    }
+
+    bool waitForFaults(std::chrono::milliseconds patience) const
+    {
+        return waitFor(patience, [&] { return pendingFaultsLocked() == 0; });
+    }
+
+    bool waitForHeldReplies(std::size_t count, std::chrono::milliseconds patience) const
+    {
+        return waitFor(patience, [&] { return m_held == count; });
+    }
+
+private:
+    /// A client and, from its first forwarded message on, the server. Its thread opens and closes the descriptors and
+    /// uses them freely; other threads only touch them under the gateway's lock, and so does every change.
+    struct Connection
+    {
+        std::size_t number = 0;
+        FileDescriptor client;
+        FileDescriptor server;
+        Wakeup wakeup;
+        std::thread thread;
+        bool finished = false;
+
+        void shutdown() const
+        {
+            for (const FileDescriptor* descriptor : {&client, &server})
+            {
+                if (*descriptor)
+                {
+                    ::shutdown(descriptor->get(), SHUT_RDWR);
+                }
+            }
+        }
+    };
+
+    struct Injected
+    {
+        Fault fault;
+        std::size_t seen;
+        bool pending;
+    };
+
+    // --- under the lock ---
+
+    void wakeAll()
+    {
+        m_acceptorWakeup.wake();
+        for (const auto& connection : m_connections)
+        {
+            connection->wakeup.wake();
+        }
+    }
+
+    std::size_t openConnectionsLocked() const
+    {
+        const auto open = [](const auto& connection) { return !connection->finished; };
+        return static_cast<std::size_t>(std::count_if(m_connections.begin(), m_connections.end(), open));
+    }
+
+    std::size_t pendingFaultsLocked() const
+    {
+        const auto pending = [](const Injected& injected) { return injected.pending; };
+        return static_cast<std::size_t>(std::count_if(m_faults.begin(), m_faults.end(), pending));
+    }
+
+    /// Every fault that concerns the command counts it; the first whose turn it is happens. Another one that is due at
+    /// the same command stays due for the next.
+    std::optional<Fault> faultFor(const RecordedCommand& command)
+    {
+        std::optional<Fault> chosen;
+        for (auto it = m_faults.begin(); it != m_faults.end();)
+        {
+            const bool concerned = it->fault.concerns(command);
+            const bool due = concerned && it->seen + 1 >= it->fault.m_number;
+            if (concerned && !due)
+            {
+                ++it->seen;
+            }
+            if (!due || chosen)
+            {
+                ++it;
+                continue;
+            }
+            chosen = it->fault;
+            it->pending = false;
+            it = chosen->m_andLater ? std::next(it) : m_faults.erase(it);
+        }
+        return chosen;
+    }
+
+    template <typename Condition>
+    bool waitFor(std::chrono::milliseconds patience, Condition condition) const
+    {
+        std::unique_lock lock(m_mutex);
+        return m_changed.wait_for(lock, patience, condition);
+    }
+
+    // --- the accepting thread ---
+
+    void acceptLoop()
+    {
+        for (;;)
+        {
+            int listener = -1;
+            {
+                const std::lock_guard lock(m_mutex);
+                if (m_stopping)
+                {
+                    return;
+                }
+                if (m_refusing)
+                {
+                    m_listener.reset();
+                    m_changed.notify_all();
+                }
+                listener = m_listener.get();
+            }
+            pollfd waiting[] = {{m_acceptorWakeup.descriptor(), POLLIN, 0}, {listener, POLLIN, 0}}; // -1 is passed over
+            ::poll(waiting, 2, -1);
+            if (waiting[0].revents != 0)
+            {
+                m_acceptorWakeup.drain();
+            }
+            else if (waiting[1].revents != 0)
+            {
+                acceptOne(listener);
+            }
+        }
+    }
+
+    void acceptOne(int listener)
+    {
+        FileDescriptor client(::accept4(listener, nullptr, nullptr, SOCK_CLOEXEC));
+        if (!client)
+        {
+            return;
+        }
+        const int yes = 1;
+        ::setsockopt(client.get(), IPPROTO_TCP, TCP_NODELAY, &yes, sizeof yes);
+        std::list<std::unique_ptr<Connection>> finished;
+        try
+        {
+            auto made = std::make_unique<Connection>();
+            made->client = std::move(client);
+            const std::lock_guard lock(m_mutex);
+            if (m_stopping)
+            {
+                return;
+            }
+            takeFinished(finished);
+            made->number = m_accepted;
+            m_connections.push_back(std::move(made));
+            Connection& connection = *m_connections.back();
+            startServing(connection);
+            ++m_accepted;
+            m_changed.notify_all();
+        }
+        catch (const std::exception& problem)
+        {
+            complain(problem.what());
+        }
+        for (const auto& connection : finished)
+        {
+            connection->thread.join();
+        }
+    }
+
+    void takeFinished(std::list<std::unique_ptr<Connection>>& finished)
+    {
+        for (auto it = m_connections.begin(); it != m_connections.end();)
+        {
+            const auto next = std::next(it);
+            if ((*it)->finished)
+            {
+                finished.splice(finished.end(), m_connections, it);
+            }
+            it = next;
+        }
+    }
+
+    void startServing(Connection& connection)
+    {
+        try
+        {
+            connection.thread = startQuietThread([this, &connection] { serve(connection); });
+        }
+        catch (...)
+        {
+            m_connections.pop_back();
+            throw;
+        }
+    }
+
+    // --- a connection's thread ---
+
+    void serve(Connection& connection)
+    {
+        try
+        {
+            while (waitForMessage(connection))
+            {
+                const auto message = receiveMessage(connection.client.get());
+                if (!message || !handle(connection, *message))
+                {
+                    break;
+                }
+            }
+        }
+        catch (const std::exception& problem)
+        {
+            complain(problem.what());
+        }
+        const std::lock_guard lock(m_mutex);
+        connection.client.reset();
+        connection.server.reset();
+        connection.finished = true;
+        m_changed.notify_all();
+    }
+
+    /// Until the client sends something. An end of the server's side ends the client's too, as if it were the server's
+    /// own.
+    bool waitForMessage(const Connection& connection) const
+    {
+        for (;;)
+        {
+            pollfd waiting[] = {{connection.client.get(), POLLIN, 0}, {connection.server.get(), POLLIN, 0}};
+            if (::poll(waiting, 2, -1) < 0)
+            {
+                continue;
+            }
+            if (waiting[1].revents != 0)
+            {
+                return false;
+            }
+            if (waiting[0].revents != 0)
+            {
+                return true;
+            }
+        }
+    }
+
+    bool handle(Connection& connection, const WireMessage& message)
+    {
+        auto command = message.command();
+        if (!command)
+        {
+            complain(message.isCompressed() ? "a compressed message; the URI must not name compressors"
+                                            : "a message that is not understood");
+            return false;
+        }
+        command->connection = connection.number;
+        std::optional<Fault> fault;
+        {
+            const std::lock_guard lock(m_mutex);
+            command->order = m_received++;
+            fault = faultFor(*command);
+            if (m_recording)
+            {
+                m_records.push_back(std::move(*command));
+            }
+            m_changed.notify_all();
+        }
+        return waitUntil(connection, [this] { return !m_paused; }) &&
+               (fault ? misbehave(connection, message, *fault) : forward(connection, message));
+    }
+
+    /// Waits for a condition on the gateway's state. False when the client or the gateway goes first.
+    template <typename Condition>
+    bool waitUntil(const Connection& connection, Condition condition,
+                   std::optional<Clock::time_point> end = std::nullopt)
+    {
+        for (;;)
+        {
+            {
+                const std::lock_guard lock(m_mutex);
+                if (m_stopping)
+                {
+                    return false;
+                }
+                if (condition())
+                {
+                    return true;
+                }
+            }
+            int timeout = -1;
+            if (end)
+            {
+                const auto left = std::chrono::ceil<std::chrono::milliseconds>(*end - Clock::now());
+                if (left.count() <= 0)
+                {
+                    return true;
+                }
+                timeout = static_cast<int>(left.count());
+            }
+            pollfd waiting[] = {{connection.wakeup.descriptor(), POLLIN, 0}, {connection.client.get(), POLLRDHUP, 0}};
+            ::poll(waiting, 2, timeout);
+            if (waiting[1].revents != 0)
+            {
+                return false;
+            }
+            connection.wakeup.drain();
+        }
+    }
+
+    void openServer(Connection& connection)
+    {
+        ServerAddress address;
+        {
+            const std::lock_guard lock(m_mutex);
+            address = m_server;
+        }
+        FileDescriptor server = connectTo(address.host, address.port);
+        const std::lock_guard lock(m_mutex);
+        connection.server = std::move(server);
+        if (m_stopping)
+        {
+            connection.shutdown();
+        }
+    }
+
+    bool sendToServer(Connection& connection, const WireMessage& message)
+    {
+        if (!connection.server)
+        {
+            try
+            {
+                openServer(connection);
+            }
+            catch (const std::runtime_error&)
+            {
+                return false; // what a client sees of a server that is gone is for the test to judge
+            }
+        }
+        const auto rewritten = m_rewrite == Rewrite::ForFerretDb ? message.rewrittenForFerretDb() : std::nullopt;
+        const Bytes& bytes = rewritten ? *rewritten : message.bytes();
+        return sendAll(connection.server.get(), bytes.data(), bytes.size());
+    }
+
+    bool forward(Connection& connection, const WireMessage& message)
+    {
+        if (!sendToServer(connection, message))
+        {
+            return false;
+        }
+        if (!message.expectsReply())
+        {
+            return true;
+        }
+        for (;;)
+        {
+            const auto reply = receiveMessage(connection.server.get());
+            if (!reply || !waitUntil(connection, [this] { return !m_paused; }) ||
+                !sendToClient(connection, reply->bytes()))
+            {
+                return false;
+            }
+            if (!reply->hasMoreToCome())
+            {
+                return true;
+            }
+        }
+    }
+
+    static bool sendToClient(const Connection& connection, const Bytes& bytes)
+    {
+        return sendAll(connection.client.get(), bytes.data(), bytes.size());
+    }
+
+    bool misbehave(Connection& connection, const WireMessage& message, const Fault& fault)
+    {
+        if (fault.m_kind == Fault::Kind::DropBeforeForwarding)
+        {
+            return false;
+        }
+        if (fault.m_kind == Fault::Kind::Answer)
+        {
+            return !message.expectsReply() || sendToClient(connection, message.replyWith(fault.m_bytes));
+        }
+        if (!sendToServer(connection, message))
+        {
+            return false;
+        }
+        if (!message.expectsReply())
+        {
+            return fault.m_kind != Fault::Kind::DropAfterForwarding;
+        }
+        const auto reply = receiveMessage(connection.server.get());
+        return reply && spoil(connection, message, reply->bytes(), fault);
+    }
+
+    /// What is left to do when the server has carried the command out.
+    bool spoil(Connection& connection, const WireMessage& message, Bytes reply, const Fault& fault)
+    {
+        switch (fault.m_kind)
+        {
+        case Fault::Kind::Answer:
+        case Fault::Kind::DropBeforeForwarding:
+        case Fault::Kind::DropAfterForwarding:
+            return false;
+        case Fault::Kind::ReplaceReply:
+            return sendToClient(connection, message.replyWith(fault.m_bytes));
+        case Fault::Kind::CutReply:
+            reply.resize(std::min(fault.m_count, reply.size()));
+            sendToClient(connection, reply);
+            return false;
+        case Fault::Kind::ShortenReply:
+            reply.resize(std::min(fault.m_count, reply.size()));
+            setAnnouncedLength(reply);
+            return sendToClient(connection, reply);
+        case Fault::Kind::MalformedReply:
+            reply.resize(WireMessage::kHeaderSize);
+            reply.insert(reply.end(), fault.m_bytes.begin(), fault.m_bytes.end());
+            setAnnouncedLength(reply);
+            return sendToClient(connection, reply);
+        case Fault::Kind::RawReply:
+            return sendToClient(connection, fault.m_bytes);
+        case Fault::Kind::DelayReply:
+            return waitUntil(
+                       connection, [] { return false; }, Clock::now() + fault.m_time) &&
+                   sendToClient(connection, reply);
+        case Fault::Kind::HoldReply:
+            return hold(connection) && sendToClient(connection, reply);
+        }
+        return false;
+    }
+
+    bool hold(const Connection& connection)
+    {
+        std::size_t releases = 0;
+        {
+            const std::lock_guard lock(m_mutex);
+            releases = m_releases;
+            ++m_held;
+            m_changed.notify_all();
+        }
+        const bool released = waitUntil(connection, [&] { return m_releases != releases; });
+        const std::lock_guard lock(m_mutex);
+        --m_held;
+        m_changed.notify_all();
+        return released;
+    }
+
+    const Rewrite m_rewrite;
+    mutable std::mutex m_mutex;
+    mutable std::condition_variable m_changed;
+    ServerAddress m_server;
+    std::uint16_t m_port = 0;
+    FileDescriptor m_reservation;
+    FileDescriptor m_listener;
+    Wakeup m_acceptorWakeup;
+    std::deque<RecordedCommand> m_records;
+    std::list<Injected> m_faults;
+    std::list<std::unique_ptr<Connection>> m_connections;
+    std::size_t m_accepted = 0;
+    std::size_t m_received = 0;
+    std::size_t m_releases = 0;
+    std::size_t m_held = 0;
+    bool m_recording = true;
+    bool m_refusing = false;
+    bool m_paused = false;
+    bool m_stopping = false;
+    std::thread m_acceptor;
+};
+
+WireGateway::WireGateway(const std::string& serverUri, Rewrite rewrite)
+    : d(std::make_unique<Implementation>(serverUri, rewrite))
+{}
+
+WireGateway::~WireGateway() = default;
+
+std::string WireGateway::uri() const
+{
+    return d->uri();
+}
+
+std::uint16_t WireGateway::port() const
+{
+    return d->port();
+}
+
+void WireGateway::setServer(const std::string& serverUri)
+{
+    d->setServer(serverUri);
+}
+
+std::vector<RecordedCommand> WireGateway::commands() const
+{
+    return d->commandsIf([](const RecordedCommand& command) { return !command.isHandshake; });
+}
+
+std::vector<RecordedCommand> WireGateway::commands(const std::string& name) const
+{
+    return d->commandsIf([&](const RecordedCommand& command) { return command.name == name; });
+}
+
+std::vector<std::string> WireGateway::names() const
+{
+    return d->names();
+}
+
+void WireGateway::clear()
+{
+    d->clear();
+}
+
+void WireGateway::record(bool on)
+{
+    d->record(on);
+}
+
+void WireGateway::inject(Fault fault)
+{
+    d->inject(std::move(fault));
+}
+
+void WireGateway::clearFaults()
+{
+    d->clearFaults();
+}
+
+std::size_t WireGateway::pendingFaults() const
+{
+    return d->pendingFaults();
+}
+
+void WireGateway::releaseReplies()
+{
+    d->releaseReplies();
+}
+
+void WireGateway::refuseConnections()
+{
+    d->refuseConnections();
+}
+
+void WireGateway::acceptConnections()
+{
+    d->acceptConnections();
+}
+
+void WireGateway::closeConnections()
+{
+    d->closeConnections();
+}
+
+void WireGateway::pause()
+{
+    d->pause(true);
+}
+
+void WireGateway::resume()
+{
+    d->pause(false);
+}
+
+std::size_t WireGateway::acceptedConnections() const
+{
+    return d->acceptedConnections();
+}
+
+std::size_t WireGateway::openConnections() const
+{
+    return d->openConnections();
+}
+
+bool WireGateway::waitForCommands(const std::string& name, std::size_t count, std::chrono::milliseconds patience) const
+{
+    return d->waitForCommands(name, count, patience);
+}
+
+bool WireGateway::waitForOpenConnections(std::size_t count, std::chrono::milliseconds patience) const
+{
+    return d->waitForOpenConnections(count, patience);
+}
+
+bool WireGateway::waitForFaults(std::chrono::milliseconds patience) const
+{
+    return d->waitForFaults(patience);
+}
+
+bool WireGateway::waitForHeldReplies(std::size_t count, std::chrono::milliseconds patience) const
+{
+    return d->waitForHeldReplies(count, patience);
+}
+
+} // namespace test_support

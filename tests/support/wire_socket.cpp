@@ -1,0 +1,178 @@
+#include "wire_socket.h"
+
+#include <netdb.h>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <sys/eventfd.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <memory>
+#include <stdexcept>
+#include <system_error>
+#include <utility>
+
+namespace test_support {
+namespace {
+
+[[noreturn]] void throwSystemError(const char* what)
+{
+    throw std::system_error(errno, std::generic_category(), what);
+}
+
+sockaddr_in loopback(std::uint16_t port)
+{
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(port);
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    return address;
+}
+
+/// Both the reservation and the listener are bound to one port, which the system allows if both say so.
+FileDescriptor boundTo(std::uint16_t port)
+{
+    FileDescriptor made(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+    const int yes = 1;
+    const sockaddr_in address = loopback(port);
+    if (!made || ::setsockopt(made.get(), SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes) != 0 ||
+        ::bind(made.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0)
+    {
+        throwSystemError("cannot bind to 127.0.0.1");
+    }
+    return made;
+}
+
+} // namespace
+
+FileDescriptor& FileDescriptor::operator=(FileDescriptor&& other) noexcept
+{
+    if (this != &other)
+    {
+        reset();
+        m_descriptor = other.release();
+    }
+    return *this;
+}
+
+int FileDescriptor::release()
+{
+    return std::exchange(m_descriptor, -1);
+}
+
+void FileDescriptor::reset()
+{
+    if (m_descriptor >= 0)
+    {
+        ::close(release());
+    }
+}
+
+FileDescriptor reservePort(std::uint16_t& port)
+{
+    FileDescriptor made = boundTo(0);
+    sockaddr_in address{};
+    socklen_t length = sizeof address;
+    if (::getsockname(made.get(), reinterpret_cast<sockaddr*>(&address), &length) != 0)
+    {
+        throwSystemError("cannot tell the port");
+    }
+    port = ntohs(address.sin_port);
+    return made;
+}
+
+FileDescriptor listenOn(std::uint16_t port)
+{
+    FileDescriptor made = boundTo(port);
+    if (::listen(made.get(), SOMAXCONN) != 0)
+    {
+        throwSystemError("cannot listen on 127.0.0.1");
+    }
+    return made;
+}
+
+FileDescriptor connectTo(const std::string& host, const std::string& port)
+{
+    addrinfo hints{};
+    hints.ai_socktype = SOCK_STREAM;
+    addrinfo* list = nullptr;
+    const int failure = ::getaddrinfo(host.c_str(), port.c_str(), &hints, &list);
+    if (failure != 0)
+    {
+        throw std::runtime_error("cannot resolve " + host + ": " + ::gai_strerror(failure));
+    }
+    const std::unique_ptr<addrinfo, decltype(&::freeaddrinfo)> owner(list, &::freeaddrinfo);
+    for (const addrinfo* entry = list; entry != nullptr; entry = entry->ai_next)
+    {
+        FileDescriptor made(::socket(entry->ai_family, entry->ai_socktype | SOCK_CLOEXEC, entry->ai_protocol));
+        if (made && ::connect(made.get(), entry->ai_addr, entry->ai_addrlen) == 0)
+        {
+            const int yes = 1;
+            ::setsockopt(made.get(), IPPROTO_TCP, TCP_NODELAY, &yes, sizeof yes);
+            return made;
+        }
+    }
+    throw std::runtime_error("cannot connect to " + host + ":" + port);
+}
+
+bool receiveAll(int socket, std::uint8_t* data, std::size_t length)
+{
+    while (length > 0)
+    {
+        const ssize_t count = ::recv(socket, data, length, 0);
+        if (count < 0 && errno == EINTR)
+        {
+            continue;
+        }
+        if (count <= 0)
+        {
+            return false;
+        }
+        data += count;
+        length -= static_cast<std::size_t>(count);
+    }
+    return true;
+}
+
+bool sendAll(int socket, const std::uint8_t* data, std::size_t length)
+{
+    while (length > 0)
+    {
+        const ssize_t count = ::send(socket, data, length, MSG_NOSIGNAL);
+        if (count < 0 && errno == EINTR)
+        {
+            continue;
+        }
+        if (count <= 0)
+        {
+            return false;
+        }
+        data += count;
+        length -= static_cast<std::size_t>(count);
+    }
+    return true;
+}
+
+Wakeup::Wakeup() : m_event(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))
+{
+    if (!m_event)
+    {
+        throwSystemError("cannot make an event descriptor");
+    }
+}
+
+void Wakeup::wake() const
+{
+    const std::uint64_t one = 1;
+    // A full counter has woken the reader already.
+    [[maybe_unused]] const ssize_t written = ::write(m_event.get(), &one, sizeof one);
+}
+
+void Wakeup::drain() const
+{
+    std::uint64_t count = 0;
+    [[maybe_unused]] const ssize_t got = ::read(m_event.get(), &count, sizeof count);
+}
+
+} // namespace test_support
