@@ -12,7 +12,7 @@
 class ObjectFilterPrivate;
 
 /// Comparison of a condition. The numbers are part of the library's interface.
-enum OperationType
+enum OperationType : int
 {
     OperationTypeEqual = 0,          ///< {key: value}
     OperationTypeNotEqual = 1,       ///< {key: {"$ne": value}}
@@ -29,15 +29,22 @@ enum OperationType
 /// A query under construction: one call per condition, "$and" and "$or" lists opened and closed like brackets. The
 /// result, toObjectProeprties(), is an ordinary document for DataBaseClient.
 ///
-/// Inside an open list every condition is an element of its own; outside, conditions on one key merge. At most 100
-/// lists are open at once: further ones are counted, so that their ends pair up, and otherwise ignored. One thread at a
-/// time. Nothing here throws but `std::bad_alloc`.
+/// Inside an open list every condition is an element of its own; outside, conditions on one key merge, and so do two
+/// "$and" or two "$or" lists. At most 100 lists are open at once: further ones are counted, so that their ends pair up,
+/// and otherwise ignored, conditions going into the hundredth.
+///
+/// Keys are those of ObjectProperties: use one segment. "a.b" is a field inside a field as the server reads it, while
+/// "a/b" is a path whose groups a condition leaves by one level only, and an empty key is the whole query, which a
+/// value replaces: callers depend on both.
+///
+/// One thread at a time. Nothing here throws but `std::bad_alloc`; a filter that threw is incomplete and can only be
+/// assigned to or destroyed.
 class DATABASE_CLIENT_API ObjectFilter
 {
 public:
     /// An empty filter without open lists.
     ObjectFilter();
-    /// A full copy, open lists included.
+    /// A full copy: it goes on in the innermost list that @p other has open, without open lists at the top level.
     ObjectFilter(const ObjectFilter& other);
 
     // Slot order is part of the library's interface and closed.
@@ -66,15 +73,17 @@ public:
     virtual void setFilterTime(OperationType operation, const std::string& key, const long long& value);
     /// @param value 24 hexadecimal digits
     virtual void setFilterId(OperationType operation, const std::string& key, const std::string& value);
-    /// Adds the query of @p other as one element of the innermost list; without an open list it replaces this query.
+    /// Adds the query of @p other as a new element of the innermost list; without an open list it replaces this query.
     virtual void include(const ObjectFilter& other);
-    /// Moves what stands under @p key into @p target, whose query and open lists are lost.
+    /// Moves what stands under @p key, if anything, into @p target, whose query and open lists are lost in any case.
     virtual void exclude(const std::string& key, ObjectFilter& target);
     virtual bool isEmpty() const;
     /// A copy of the query as it stands, also while lists are open. The misspelling is part of the interface.
     virtual ObjectProperties toObjectProeprties() const;
-    /// Takes over a query; the lists that are open stay open.
+    /// Takes over a query and goes on at its top level. Lists that are open still wait for their end: use a filter
+    /// without any.
     virtual void fromObjectProperties(const ObjectProperties& properties);
+    /// Like the copy constructor. Assigning a filter to itself changes nothing.
     virtual ObjectFilter& operator=(const ObjectFilter& other);
 
 private:

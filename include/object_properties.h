@@ -151,6 +151,9 @@ public:
 
     /// Like include(), but with the cursor on an array always as a new element.
     void includeElement(const std::string& key, const ObjectProperties& other);
+    /// Deep copy; the cursor goes to the copy of the node where that of @p other stands, or to the root when that node
+    /// is no longer part of the document.
+    void copyWithCursor(const ObjectProperties& other);
     /// Writes the whole document to standard output as indented, JSON-like text, for diagnosis.
     void printAsJson() const;
     /// The root node. It lives at least as long as the pointer returned.

@@ -367,6 +367,11 @@ void ObjectProperties::printAsJson() const
     d->print();
 }
 
+void ObjectProperties::copyWithCursor(const ObjectProperties& other)
+{
+    d->copyWithCursor(*other.d);
+}
+
 std::shared_ptr<Property> ObjectProperties::root() const
 {
     return d->root;

@@ -321,6 +321,36 @@ void ObjectPropertiesPrivate::copy(const ObjectPropertiesPrivate& other)
     current = root;
 }
 
+void ObjectPropertiesPrivate::copyWithCursor(const ObjectPropertiesPrivate& other)
+{
+    const std::vector<int> positions = other.positionsToCursor();
+    copy(other);
+    for (auto position = positions.rbegin(); position != positions.rend(); ++position)
+        beginObject(*position);
+}
+
+// The indexes that lead from the root to the cursor, innermost first; none when the cursor is outside the tree. Keys
+// would not do: elements of a list share one.
+std::vector<int> ObjectPropertiesPrivate::positionsToCursor() const
+{
+    std::vector<int> positions;
+    for (auto node = current; node != root;)
+    {
+        auto parent = node->m_parent.lock();
+        if (!parent)
+            return {};
+        int position = 0;
+        auto entry = parent->begin();
+        for (; entry != parent->end() && entry->second != node; ++entry)
+            ++position;
+        if (entry == parent->end())
+            return {};
+        positions.push_back(position);
+        node = std::move(parent);
+    }
+    return positions;
+}
+
 void ObjectPropertiesPrivate::include(const std::string& key, const ObjectPropertiesPrivate& other)
 {
     Property& anchor = rootGroup(key);

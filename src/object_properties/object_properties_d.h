@@ -83,6 +83,7 @@ public:
                                                      const std::string& options) const;
 
     void copy(const ObjectPropertiesPrivate& other);
+    void copyWithCursor(const ObjectPropertiesPrivate& other);
     void include(const std::string& key, const ObjectPropertiesPrivate& other);
     void includeElement(const std::string& key, const ObjectPropertiesPrivate& other);
     void exclude(const std::string& key, ObjectPropertiesPrivate& other);
@@ -96,4 +97,5 @@ public:
 private:
     static void becomeGroupLike(Property& target, const ObjectPropertiesPrivate& other);
     void leave(const Property& subtree) const;
+    std::vector<int> positionsToCursor() const;
 };
