@@ -1,0 +1,7 @@
+#include "database_client.h"
+#include "factories.h"
+
+DataBaseClient* createDataBaseClient()
+{
+    return new DataBaseClient;
+}

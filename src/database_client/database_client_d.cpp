@@ -1,0 +1,101 @@
+#include "database_client/database_client_d.h"
+
+#include "database_client/DatabaseDriverManager.h"
+#include "properties_to_bson.h"
+
+#include <stdexcept>
+
+DataBaseClientPrivate::DataBaseClientPrivate()
+{
+    DatabaseDriverManager::init();
+}
+
+DataBaseClientPrivate::~DataBaseClientPrivate() = default;
+
+std::string DataBaseClientPrivate::uri(const std::string& host, const int& port, const std::string& user,
+                                       const std::string& password, const std::string& database)
+{
+    std::string text = "mongodb://";
+    if (!user.empty() && !password.empty())
+        text.append(user).append(":").append(password).append("@");
+    return text.append(host).append(":").append(std::to_string(port)).append("/").append(database);
+}
+
+void DataBaseClientPrivate::connect(const std::string& uri)
+{
+    disconnect();
+    m_client.reset(mongoc_client_new(uri.c_str()));
+    if (!m_client)
+        throw_runtime_error("Connection failed", "", 0);
+}
+
+void DataBaseClientPrivate::disconnect()
+{
+    m_client.reset();
+}
+
+bool DataBaseClientPrivate::isConnected() const
+{
+    return m_client != nullptr;
+}
+
+void DataBaseClientPrivate::getDatabaseName(std::string& name)
+{
+    name.clear();
+    if (!m_client)
+        return; // the driver ends the process when it is asked without a client
+    if (const char* const database = mongoc_uri_get_database(mongoc_client_get_uri(m_client.get())))
+        name.append(database);
+}
+
+std::string DataBaseClientPrivate::createId() const
+{
+    bson_oid_t id;
+    bson_oid_init(&id, nullptr);
+    char text[25];
+    bson_oid_to_string(&id, text);
+    return text;
+}
+
+void DataBaseClientPrivate::check_connection() const
+{
+    if (!m_client)
+        throw std::invalid_argument("Connection is not established. Run connect before");
+}
+
+void DataBaseClientPrivate::check_argument(const std::string& value, const std::string& name)
+{
+    // The driver sees a name up to its first zero byte, and ends the process over one that is empty to it.
+    if (value.c_str()[0] == '\0')
+        throw std::invalid_argument(name + " is empty");
+}
+
+void DataBaseClientPrivate::throw_runtime_error(const std::string& message, const std::string& detail, int code)
+{
+    std::string text = message;
+    if (!detail.empty())
+        text.append(": ").append(detail);
+    if (code != 0)
+        text.append("(code: ").append(std::to_string(code)).append(")");
+    throw std::runtime_error(text);
+}
+
+void DataBaseClientPrivate::throwDriverError(const std::string& message, const bson_error_t& error)
+{
+    throw_runtime_error(message, error.message, static_cast<int>(error.code));
+}
+
+bool DataBaseClientPrivate::toBson(const ObjectProperties& properties, OwnedBson& bson)
+{
+    return PropertiesToBson::convert(properties, bson.get());
+}
+
+DatabaseHandle DataBaseClientPrivate::openDatabase(const std::string& database) const
+{
+    return DatabaseHandle(mongoc_client_get_database(m_client.get(), database.c_str()));
+}
+
+CollectionHandle DataBaseClientPrivate::openCollection(const std::string& database, const std::string& collection) const
+{
+    return CollectionHandle(mongoc_client_get_collection(m_client.get(), database.c_str(), collection.c_str()));
+}

@@ -1,0 +1,80 @@
+#pragma once
+
+#include "database_client.h"
+#include "database_client/mongoc_handles.h"
+
+#include <list>
+#include <string>
+
+class ObjectProperties;
+
+/// What a client does. Operations are documented with DataBaseClient; those that are missing here are built there, on
+/// its virtual operations.
+class DataBaseClientPrivate
+{
+public:
+    DataBaseClientPrivate();
+    DataBaseClientPrivate(const DataBaseClientPrivate&) = delete;
+    DataBaseClientPrivate& operator=(const DataBaseClientPrivate&) = delete;
+    ~DataBaseClientPrivate();
+
+    static std::string uri(const std::string& host, const int& port, const std::string& user,
+                           const std::string& password, const std::string& database);
+    void connect(const std::string& uri);
+    void disconnect();
+    bool isConnected() const;
+    void getDatabaseName(std::string& name);
+    std::string createId() const;
+
+    // Documents: document_operations.cpp, document_queries.cpp.
+    void write(const std::string& database, const std::string& collection, const ObjectProperties& document,
+               std::string& id);
+    void update(const std::string& database, const std::string& collection, const ObjectProperties& query,
+                const ObjectProperties& document, const UpdateFlag& flag, const UpdateCommand& command);
+    void remove(const std::string& database, const std::string& collection, const ObjectProperties& query);
+    void read(const std::string& database, const std::string& collection, const ObjectProperties& query,
+              std::list<ObjectProperties*>& results);
+    void find(const std::string& database, const std::string& collection, const ObjectProperties& query,
+              const ObjectProperties& projection, std::list<ObjectProperties*>& results, int limit, int skip);
+    void aggregate(const std::string& database, const std::string& collection, const ObjectProperties& pipeline,
+                   std::list<ObjectProperties*>& results);
+
+    // Users: user_operations.cpp.
+    void addUser(const std::string& database, std::string user, const std::string& password,
+                 const ObjectProperties& roles, const ObjectProperties& customData);
+    void updateUser(const std::string& database, std::string user, const ObjectProperties& roles,
+                    const ObjectProperties& customData);
+    void changeUserPassword(const std::string& database, std::string user, const std::string& password);
+    void removeUser(const std::string& database, std::string user);
+
+    // Files: file_operations.cpp.
+    void readFile(const std::string& database, const std::string& gridFsCollection, const std::string& fileName,
+                  std::iostream* stream);
+    void writeFile(const std::string& database, const std::string& gridFsCollection, const std::string& fileName,
+                   const std::string& inputFilePath);
+    void listFiles(const std::string& database, const std::string& gridFsCollection, std::list<std::string>& names);
+    void removeFile(const std::string& database, const std::string& gridFsCollection, const std::string& fileName);
+
+    /// @throws std::invalid_argument "Connection is not established. Run connect before"
+    void check_connection() const;
+    /// @throws std::invalid_argument "<name> is empty"
+    static void check_argument(const std::string& value, const std::string& name);
+    /// Throws std::runtime_error: the message, ": " and the detail unless that is empty, "(code: <code>)" unless that
+    /// is 0.
+    [[noreturn]] static void throw_runtime_error(const std::string& message, const std::string& detail, int code);
+    /// The operator's text, empty for a replacement; false for an unknown command.
+    bool stringCommand(const UpdateCommand& command, std::string& text) const;
+    /// The driver's flag; false for an unknown one.
+    bool toMongoUpdateFlag(const UpdateFlag& flag, mongoc_update_flags_t& mongoFlag) const;
+
+private:
+    [[noreturn]] static void throwDriverError(const std::string& message, const bson_error_t& error);
+    /// Converts for sending; false for what the driver cannot take, too.
+    static bool toBson(const ObjectProperties& properties, OwnedBson& bson);
+
+    DatabaseHandle openDatabase(const std::string& database) const;
+    CollectionHandle openCollection(const std::string& database, const std::string& collection) const;
+    GridFsHandle openGridFs(const std::string& database, const std::string& gridFsCollection) const;
+
+    ClientHandle m_client; ///< null when not connected
+};

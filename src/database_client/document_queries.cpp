@@ -1,0 +1,106 @@
+// Operations that return documents: find, read, aggregate.
+
+#include "bson_to_properties.h"
+#include "database_client/database_client_d.h"
+#include "object_properties.h"
+
+#include <cstdint>
+#include <cstring>
+#include <stdexcept>
+
+namespace {
+
+// The driver ends the process over a "$query" that is not a document.
+bool isQueryForm(const bson_t* query)
+{
+    bson_iter_t iter;
+    if (!bson_iter_init(&iter, query))
+        return false;
+    while (bson_iter_next(&iter))
+    {
+        if (std::strcmp(bson_iter_key(&iter), "$query") == 0 && !BSON_ITER_HOLDS_DOCUMENT(&iter))
+            return false;
+    }
+    return true;
+}
+
+// The legacy call, because it understands {"$query": ..., "$orderby": ...}: callers build queries of that form.
+CursorHandle openFind(const CollectionHandle& collection, const OwnedBson& query, const OwnedBson& fields, int limit,
+                      int skip)
+{
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
+    return CursorHandle(mongoc_collection_find(collection.get(), MONGOC_QUERY_NONE, static_cast<std::uint32_t>(skip),
+                                               static_cast<std::uint32_t>(limit), 0, query.get(), fields.get(),
+                                               nullptr));
+#pragma GCC diagnostic pop
+}
+
+void appendResult(const bson_t* bson, std::list<ObjectProperties*>& results)
+{
+    auto document = std::make_unique<ObjectProperties>();
+    if (!BsonToProperties::convert(bson, document.get()))
+        throw std::invalid_argument("Bad results");
+    if (document->isEmpty())
+        return;
+    results.push_back(document.get());
+    document.release(); // only now: a list that cannot grow leaves the document with its handle
+}
+
+// Appends what the cursor delivers; the error that ended it, if there was one, is then in the record.
+bool appendResults(const CursorHandle& cursor, std::list<ObjectProperties*>& results, bson_error_t& error)
+{
+    const bson_t* bson = nullptr;
+    while (mongoc_cursor_more(cursor.get()) && mongoc_cursor_next(cursor.get(), &bson))
+        appendResult(bson, results);
+    return !mongoc_cursor_error(cursor.get(), &error);
+}
+
+} // namespace
+
+void DataBaseClientPrivate::find(const std::string& database, const std::string& collection,
+                                 const ObjectProperties& query, const ObjectProperties& projection,
+                                 std::list<ObjectProperties*>& results, int limit, int skip)
+{
+    check_connection();
+    check_argument(database, "Database name");
+    check_argument(collection, "Collection name");
+
+    OwnedBson condition;
+    if (!toBson(query, condition) || !isQueryForm(condition.get()))
+        throw std::invalid_argument("Bad condition");
+    OwnedBson fields;
+    if (!projection.isEmpty() && !toBson(projection, fields))
+        throw std::invalid_argument("Bad propjection");
+
+    const CollectionHandle source = openCollection(database, collection);
+    const CursorHandle cursor = openFind(source, condition, fields, limit, skip);
+    bson_error_t error{};
+    if (!appendResults(cursor, results, error))
+        throwDriverError("Find error.", error);
+}
+
+void DataBaseClientPrivate::read(const std::string& database, const std::string& collection,
+                                 const ObjectProperties& query, std::list<ObjectProperties*>& results)
+{
+    find(database, collection, query, ObjectProperties(), results, 0, 0);
+}
+
+void DataBaseClientPrivate::aggregate(const std::string& database, const std::string& collection,
+                                      const ObjectProperties& pipeline, std::list<ObjectProperties*>& results)
+{
+    check_connection();
+    check_argument(database, "Database name");
+    check_argument(collection, "Collection name");
+
+    OwnedBson stages;
+    if (!toBson(pipeline, stages))
+        throw std::invalid_argument("Bad pipeline");
+
+    const CollectionHandle source = openCollection(database, collection);
+    const CursorHandle cursor(
+        mongoc_collection_aggregate(source.get(), MONGOC_QUERY_NONE, stages.get(), nullptr, nullptr));
+    bson_error_t error{};
+    if (!appendResults(cursor, results, error))
+        throwDriverError("Aggregation error.", error);
+}
