@@ -96,6 +96,7 @@ public:
     ServerProcess& operator=(const ServerProcess&) = delete;
 
     std::string uri() const;
+    std::uint16_t port() const { return m_port; }
     WireGateway::Rewrite rewrite() const;
     /// Ends it; connections to it are then refused.
     void stop();

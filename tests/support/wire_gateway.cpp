@@ -796,6 +796,12 @@ private:
         return sendAll(connection.server.get(), bytes.data(), bytes.size());
     }
 
+    /// FerretDB answers an unacknowledged write too, which the driver would take for the answer to its next command.
+    bool swallowUnwantedReply(const Connection& connection) const
+    {
+        return m_rewrite == Rewrite::Nothing || receiveMessage(connection.server.get()).has_value();
+    }
+
     bool forward(Connection& connection, const WireMessage& message)
     {
         if (!sendToServer(connection, message))
@@ -804,7 +810,7 @@ private:
         }
         if (!message.expectsReply())
         {
-            return true;
+            return swallowUnwantedReply(connection);
         }
         for (;;)
         {
@@ -842,7 +848,7 @@ private:
         }
         if (!message.expectsReply())
         {
-            return fault.m_kind != Fault::Kind::DropAfterForwarding;
+            return swallowUnwantedReply(connection) && fault.m_kind != Fault::Kind::DropAfterForwarding;
         }
         const auto reply = receiveMessage(connection.server.get());
         return reply && spoil(connection, message, reply->bytes(), fault);
