@@ -86,6 +86,13 @@ public:
     /// Like the copy constructor. Assigning a filter to itself changes nothing.
     virtual ObjectFilter& operator=(const ObjectFilter& other);
 
+    // Beside the closed table: not virtual.
+
+    /// Adds the condition {key: operators}, for operators that have no call of their own. Outside a list it merges with
+    /// other conditions on the key. With the empty key the members of @p operators stand in the place of a condition
+    /// themselves, as "$nor" does.
+    void setFilterDocument(const std::string& key, const ObjectProperties& operators);
+
 private:
     std::unique_ptr<ObjectFilterPrivate> d; // the only member: size and layout never change
 };

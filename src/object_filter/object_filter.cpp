@@ -5,6 +5,11 @@
 
 // Every operation forwards; what it does stands with ObjectFilterPrivate.
 
+void ObjectFilter::setFilterDocument(const std::string& key, const ObjectProperties& operators)
+{
+    d->setFilterDocument(key, operators);
+}
+
 ObjectFilter* createObjectFilter()
 {
     return new ObjectFilter;

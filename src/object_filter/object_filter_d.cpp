@@ -139,6 +139,20 @@ void ObjectFilterPrivate::setFilterId(OperationType operation, const std::string
     setFilter(operation, key, [&](auto& target, const auto&... under) { target.setValueId(under..., value); });
 }
 
+// Member by member into the node where the condition stands, so that a second condition on the key merges.
+void ObjectFilterPrivate::setFilterDocument(const std::string& key, const ObjectProperties& operators)
+{
+    begin_operation();
+    if (!key.empty())
+        m_query.beginGroup(key);
+    const auto condition = m_query.current();
+    for (const auto& [name, operand] : *operators.root())
+        condition->createSingleProperty(name)->copy(*operand);
+    if (!key.empty())
+        m_query.endGroup();
+    end_operation();
+}
+
 void ObjectFilterPrivate::include(const ObjectFilterPrivate& other)
 {
     const std::string name = innermostListName();

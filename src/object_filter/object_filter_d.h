@@ -59,6 +59,9 @@ public:
     /// Closes what begin_operation() opened.
     virtual void end_operation();
 
+    // Beside the closed table: not virtual.
+    void setFilterDocument(const std::string& key, const ObjectProperties& operators);
+
 protected:
     static constexpr int maximumDepth = 100;
 

@@ -1,0 +1,161 @@
+#pragma once
+
+/// @file
+/// What an exception of the client was about, read from its fixed text.
+
+#include <cstddef>
+#include <exception>
+#include <optional>
+#include <stdexcept>
+#include <string>
+
+namespace companion {
+
+/// What a caller can do about a failure depends on its kind.
+enum class ErrorKind
+{
+    NotConnected,   ///< connect() was not called, or its connection string was not one.
+    BadArgument,    ///< An empty name, an enumerator out of range, a document that does not convert. Nothing was sent.
+    DuplicateKey,   ///< A unique index refused the document.
+    NotFound,       ///< No such user, file or namespace.
+    Authentication, ///< Wrong credentials.
+    NotAuthorized,  ///< The user may not do this.
+    Timeout,        ///< The server took too long, or none was found in time.
+    Network,        ///< The connection broke.
+    TooLarge,       ///< The document is over the server's limit.
+    Other           ///< Anything else that the driver or the server refused.
+};
+
+/// Text of a kind, for messages.
+inline const char* nameOf(ErrorKind kind)
+{
+    switch (kind)
+    {
+    case ErrorKind::NotConnected:
+        return "not connected";
+    case ErrorKind::BadArgument:
+        return "bad argument";
+    case ErrorKind::DuplicateKey:
+        return "duplicate key";
+    case ErrorKind::NotFound:
+        return "not found";
+    case ErrorKind::Authentication:
+        return "authentication";
+    case ErrorKind::NotAuthorized:
+        return "not authorized";
+    case ErrorKind::Timeout:
+        return "timeout";
+    case ErrorKind::Network:
+        return "network";
+    case ErrorKind::TooLarge:
+        return "too large";
+    case ErrorKind::Other:
+        return "other";
+    }
+    return "";
+}
+
+struct ErrorInfo
+{
+    ErrorKind kind = ErrorKind::Other;
+    /// The code of the driver or the server; nothing where the text carries none.
+    std::optional<int> code;
+    /// The text without the code.
+    std::string text;
+};
+
+namespace detail {
+
+/// The number between "(code: " and a ")" that ends the text.
+inline std::optional<int> codeOf(const std::string& text, std::size_t begin)
+{
+    static const std::string opening = "(code: ";
+    if (begin == std::string::npos || text.empty() || text.back() != ')')
+        return std::nullopt;
+    const std::string digits = text.substr(begin + opening.size(), text.size() - 1 - begin - opening.size());
+    try
+    {
+        std::size_t used = 0;
+        const int code = std::stoi(digits, &used);
+        return used == digits.size() ? std::optional<int>(code) : std::nullopt;
+    }
+    catch (const std::logic_error&)
+    {
+        return std::nullopt;
+    }
+}
+
+inline bool contains(const std::string& text, const char* part)
+{
+    return text.find(part) != std::string::npos;
+}
+
+/// Numbers are the server's own unless noted; the driver reports its failures under small and five-digit numbers.
+inline ErrorKind kindOf(const std::string& text, std::optional<int> code)
+{
+    const bool isTimeout = contains(text, "imeout") || contains(text, "timed out");
+    switch (code.value_or(0))
+    {
+    case 11000:
+    case 11001:
+    case 12582:
+        return ErrorKind::DuplicateKey;
+    case 18:
+        // The driver uses the server's "authentication failed" number for a document that is too large.
+        return contains(text, "too large") ? ErrorKind::TooLarge : ErrorKind::Authentication;
+    case 10334:
+        return ErrorKind::TooLarge;
+    case 13:
+        return ErrorKind::NotAuthorized;
+    case 26: // no such namespace
+        return ErrorKind::NotFound;
+    case 50: // time limit of the operation
+        return ErrorKind::Timeout;
+    case 11:
+        // Driver: the login failed. Server: no such user.
+        return contains(text, "uthentication") ? ErrorKind::Authentication : ErrorKind::NotFound;
+    case 13053: // driver: no suitable server
+        return isTimeout ? ErrorKind::Timeout : ErrorKind::Network;
+    case 4: // driver: socket
+        return isTimeout ? ErrorKind::Timeout : ErrorKind::Network;
+    default:
+        break;
+    }
+    if (contains(text, "mongoc_gridfs_find_one_by_filename") && !code)
+        return ErrorKind::NotFound;
+    if (contains(text, "uthentication failed"))
+        return ErrorKind::Authentication;
+    if (isTimeout)
+        return ErrorKind::Timeout;
+    if (contains(text, "ocket") || contains(text, "onnection refused") || contains(text, "No servers yet eligible"))
+        return ErrorKind::Network;
+    return ErrorKind::Other;
+}
+
+} // namespace detail
+
+/// Reads the kind and the code from an exception that an operation of DataBaseClient threw.
+inline ErrorInfo describe(const std::exception& error)
+{
+    ErrorInfo info;
+    info.text = error.what();
+    if (dynamic_cast<const std::invalid_argument*>(&error))
+    {
+        info.kind = detail::contains(info.text, "Connection is not established") ? ErrorKind::NotConnected
+                                                                                 : ErrorKind::BadArgument;
+        return info;
+    }
+    if (info.text == "Connection failed")
+    {
+        info.kind = ErrorKind::NotConnected;
+        return info;
+    }
+    const std::size_t begin = info.text.rfind("(code: ");
+    info.code = detail::codeOf(info.text, begin);
+    if (info.code)
+        info.text.erase(begin);
+    info.kind = detail::kindOf(info.text, info.code);
+    return info;
+}
+
+} // namespace companion
