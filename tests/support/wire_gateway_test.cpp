@@ -256,7 +256,8 @@ TEST_F(Gateway, TakesADocumentOfSixteenMegabytesAndManyThousandsOfCommands)
 {
     Client client(gateway.uri());
     OwnedBson large;
-    const std::string text(16'000'000, 'x');
+    std::string text;
+    text.resize(16'000'000, 'x');
     BSON_APPEND_INT32(large.get(), "_id", 1);
     BSON_APPEND_UNDEFINED(large.get(), "u");
     BSON_APPEND_UTF8(large.get(), "t", text.c_str());
