@@ -1,0 +1,115 @@
+#include "allocation_failure.h"
+
+#include <cstdlib>
+
+namespace {
+
+thread_local std::size_t allocationsUntilFailure = 0; // 0: none fails
+thread_local bool failureHappened = false;
+
+bool failsNow() noexcept
+{
+    if (allocationsUntilFailure == 0 || --allocationsUntilFailure != 0)
+        return false;
+    failureHappened = true;
+    return true;
+}
+
+void* allocate(std::size_t size)
+{
+    void* memory = failsNow() ? nullptr : std::malloc(size ? size : 1);
+    if (!memory)
+        throw std::bad_alloc();
+    return memory;
+}
+
+void* allocate(std::size_t size, std::align_val_t alignment)
+{
+    const auto unit = static_cast<std::size_t>(alignment);
+    void* memory = failsNow() ? nullptr : std::aligned_alloc(unit, (size + unit - 1) / unit * unit);
+    if (!memory)
+        throw std::bad_alloc();
+    return memory;
+}
+
+} // namespace
+
+namespace test_support {
+
+FailingAllocation::FailingAllocation(std::size_t number)
+{
+    failureHappened = false;
+    allocationsUntilFailure = number;
+}
+
+FailingAllocation::~FailingAllocation()
+{
+    allocationsUntilFailure = 0;
+}
+
+bool FailingAllocation::happened() const
+{
+    return failureHappened;
+}
+
+} // namespace test_support
+
+void* operator new(std::size_t size)
+{
+    return allocate(size);
+}
+
+void* operator new[](std::size_t size)
+{
+    return allocate(size);
+}
+
+void* operator new(std::size_t size, std::align_val_t alignment)
+{
+    return allocate(size, alignment);
+}
+
+void* operator new[](std::size_t size, std::align_val_t alignment)
+{
+    return allocate(size, alignment);
+}
+
+void operator delete(void* memory) noexcept
+{
+    std::free(memory);
+}
+
+void operator delete[](void* memory) noexcept
+{
+    std::free(memory);
+}
+
+void operator delete(void* memory, std::size_t /*size*/) noexcept
+{
+    std::free(memory);
+}
+
+void operator delete[](void* memory, std::size_t /*size*/) noexcept
+{
+    std::free(memory);
+}
+
+void operator delete(void* memory, std::align_val_t /*alignment*/) noexcept
+{
+    std::free(memory);
+}
+
+void operator delete[](void* memory, std::align_val_t /*alignment*/) noexcept
+{
+    std::free(memory);
+}
+
+void operator delete(void* memory, std::size_t /*size*/, std::align_val_t /*alignment*/) noexcept
+{
+    std::free(memory);
+}
+
+void operator delete[](void* memory, std::size_t /*size*/, std::align_val_t /*alignment*/) noexcept
+{
+    std::free(memory);
+}

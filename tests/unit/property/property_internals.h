@@ -1,0 +1,30 @@
+#pragma once
+
+#include "private_member.h"
+#include "property.h"
+
+/// The kind that an item stores.
+struct StoredKind
+{
+    using Member = PropertyType Property::PropertyItem::*;
+    friend Member revealed(StoredKind);
+};
+template struct RevealMember<StoredKind, &Property::PropertyItem::m_type>;
+
+/// The item of a node.
+struct ItemOfNode
+{
+    using Member = Property::PropertyItem Property::*;
+    friend Member revealed(ItemOfNode);
+};
+template struct RevealMember<ItemOfNode, &Property::m_item>;
+
+inline PropertyType& storedKind(Property::PropertyItem& item)
+{
+    return item.*revealed(StoredKind());
+}
+
+inline Property::PropertyItem& itemOf(Property& node)
+{
+    return node.*revealed(ItemOfNode());
+}
