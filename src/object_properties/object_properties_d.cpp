@@ -2,9 +2,10 @@
 
 namespace {
 
+// A key without segments: empty, or nothing but "/".
 bool isRootKey(const std::string& key) noexcept
 {
-    return key.empty() || (key.size() == 1 && key[0] == '/');
+    return key.find_first_not_of('/') == std::string::npos;
 }
 
 } // namespace
