@@ -1,0 +1,74 @@
+# The Debian packages: libdatabase-client1 with the component "runtime", libdatabase-client-dev with "development".
+set(runtime_package libdatabase-client${PROJECT_VERSION_MAJOR})
+set(development_package libdatabase-client-dev)
+set(revision 1)
+set(debian_version ${PROJECT_VERSION}-${revision})
+set(maintainer "database_client maintainers <maintainers@example.org>")
+
+set(short_description "typed documents, query filters and a client for MongoDB servers")
+set(long_description
+  "A document is a tree of typed values with a cursor that walks through it.
+Query filters are built call by call. The client writes, updates, finds,
+aggregates and removes documents, administers users, and stores files in
+GridFS. Documents convert to BSON and JSON and back.
+.
+")
+
+# Documents that every package has to hold.
+string(TIMESTAMP changelog_date "%a, %d %b %Y %H:%M:%S +0000" UTC) # SOURCE_DATE_EPOCH, where it is set
+set(documents ${PROJECT_BINARY_DIR}/packaging)
+configure_file(${CMAKE_CURRENT_LIST_DIR}/debian/changelog.in ${documents}/changelog.Debian @ONLY)
+file(STRINGS ${PROJECT_SOURCE_DIR}/LICENSE licence_lines)
+set(debian_licence "")
+foreach(line IN LISTS licence_lines)
+  if(line MATCHES "^(MIT License|Copyright .*|)$")
+    continue()
+  endif()
+  string(APPEND debian_licence " ${line}\n")
+endforeach()
+string(REPLACE "\n The above" "\n .\n The above" debian_licence "${debian_licence}")
+string(REPLACE "\n THE SOFTWARE IS" "\n .\n THE SOFTWARE IS" debian_licence "${debian_licence}")
+configure_file(${CMAKE_CURRENT_LIST_DIR}/debian/copyright.in ${documents}/copyright @ONLY)
+# Without name and time in the header the same sources give the same package.
+execute_process(COMMAND gzip --best --no-name --force --keep changelog.Debian
+  WORKING_DIRECTORY ${documents} COMMAND_ERROR_IS_FATAL ANY)
+foreach(component IN ITEMS runtime development)
+  install(FILES ${documents}/copyright ${documents}/changelog.Debian.gz
+    DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/${${component}_package} COMPONENT ${component})
+endforeach()
+
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_NAME database-client)
+set(CPACK_PACKAGE_VENDOR "database_client")
+set(CPACK_PACKAGE_CONTACT "${maintainer}")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "${short_description}")
+set(CPACK_PACKAGING_INSTALL_PREFIX ${CMAKE_INSTALL_PREFIX})
+set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
+  OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_COMPONENTS_ALL runtime development)
+
+set(CPACK_POST_BUILD_SCRIPTS ${CMAKE_CURRENT_LIST_DIR}/repack.cmake)
+
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_RELEASE ${revision})
+set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+set(CPACK_DEBIAN_PACKAGE_SOURCE database-client)
+
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME ${runtime_package})
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
+set(CPACK_DEBIAN_RUNTIME_DESCRIPTION "${long_description}This package holds the shared library.")
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_SHLIBDEPS ON)
+# What dpkg-shlibdeps reads for a program that links the library: it needs this version or a later one.
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
+
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME ${development_package})
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
+set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION
+  "${long_description}This package holds what a program is built with: the headers, the CMake
+package database_client and the pkg-config file.")
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "${runtime_package} (= ${debian_version}), libbson-dev (>= 1.23)")
+
+include(CPack)

@@ -1,0 +1,18 @@
+# Run by CPack after the packages are made: what CPack of version 3.25 cannot say.
+# - ldconfig runs by a trigger, once for all packages of an installation, not by a script of each package.
+# - Several architectures can be installed side by side.
+foreach(package IN LISTS CPACK_PACKAGE_FILES)
+  set(tree ${CPACK_TEMPORARY_DIRECTORY}/repack)
+  file(REMOVE_RECURSE ${tree})
+  execute_process(COMMAND dpkg-deb --raw-extract ${package} ${tree} COMMAND_ERROR_IS_FATAL ANY)
+  if(EXISTS ${tree}/DEBIAN/shlibs)
+    file(REMOVE ${tree}/DEBIAN/postinst ${tree}/DEBIAN/postrm)
+    file(WRITE ${tree}/DEBIAN/triggers "activate-noawait ldconfig\n")
+  endif()
+  file(READ ${tree}/DEBIAN/control control)
+  string(REPLACE "\nPackage: " "\nMulti-Arch: same\nPackage: " control "${control}")
+  file(WRITE ${tree}/DEBIAN/control "${control}")
+  execute_process(COMMAND dpkg-deb --root-owner-group -Zxz --build ${tree} ${package}
+    OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)
+  file(REMOVE_RECURSE ${tree})
+endforeach()
