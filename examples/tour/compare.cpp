@@ -1,0 +1,144 @@
+// Chapter "compare": what comes back is what was sent, value by value, and what to mind when comparing.
+#include "tour.h"
+
+#include <map>
+#include <stdexcept>
+
+namespace tour {
+
+namespace {
+
+bool sameValue(Property& a, Property& b)
+{
+    switch (static_cast<PropertyType>(a.type()))
+    {
+    case PropertyType::None:
+    case PropertyType::Undefined:
+    case PropertyType::Group:
+    case PropertyType::Array:
+        return true; // their content is in the children
+    case PropertyType::String:
+    case PropertyType::Id:
+        return std::string(a.textView()) == b.textView();
+    case PropertyType::Bool:
+        return a.currentValueAsBool(false) == b.currentValueAsBool(false);
+    case PropertyType::Int32:
+        return a.currentValueAsInt32(0) == b.currentValueAsInt32(0);
+    case PropertyType::Int64:
+        return a.currentValueAsInt64(0) == b.currentValueAsInt64(0);
+    case PropertyType::Time:
+        return a.currentValueAsTime(0) == b.currentValueAsTime(0);
+    case PropertyType::Double:
+        return a.currentValueAsDouble(0) == b.currentValueAsDouble(0); // the same bits, not just nearly
+    case PropertyType::Binary:
+        return a.bytesView() == b.bytesView();
+    case PropertyType::Regex:
+        return a.patternView() == b.patternView() && a.optionsView() == b.optionsView();
+    }
+    return false;
+}
+
+// Where two subtrees differ first, or an empty text. Members of a group stand in the order of their keys on both sides;
+// elements of an array are put in order first.
+std::string difference(Property& sent, Property& came, const std::string& where)
+{
+    if (sent.type() != came.type() || sent.childCount() != came.childCount() || !sameValue(sent, came))
+    {
+        return where;
+    }
+    const bool elements = sent.isArray();
+    const std::vector<std::shared_ptr<Property>> left = elements ? elementsInOrder(sent) : members(sent);
+    const std::vector<std::shared_ptr<Property>> right = elements ? elementsInOrder(came) : members(came);
+    for (std::size_t i = 0; i < left.size(); ++i)
+    {
+        const std::string key = elements ? std::to_string(i) : left[i]->key();
+        if (!elements && key != right[i]->key())
+        {
+            return where + "/" + key;
+        }
+        std::string found = difference(*left[i], *right[i], where + "/" + key);
+        if (!found.empty())
+        {
+            return found;
+        }
+    }
+    return "";
+}
+
+template <typename Record>
+std::map<std::string, const Record*> byId(const std::vector<Record>& records)
+{
+    std::map<std::string, const Record*> index;
+    for (const Record& record : records)
+    {
+        index[record.id] = &record;
+    }
+    return index;
+}
+
+// Reads the collection and compares each document with the one that was sent. Returns what came.
+template <typename Record>
+Results compareAll(Tour& tour, const char* collection, const std::vector<Record>& records)
+{
+    const std::map<std::string, const Record*> sent = byId(records);
+    Step step(std::string("read ") + collection + " back and compare every value");
+    Results came = newResults();
+    tour.client->read(tour.database, collection, ObjectProperties(), *came);
+    agree(collection, came->size(), records.size());
+    std::size_t done = 0;
+    for (ObjectProperties* const document : *came)
+    {
+        const auto origin = sent.find(document->valueAsId("_id", ""));
+        if (origin == sent.end())
+        {
+            throw std::runtime_error(std::string(collection) +
+                                     ": a document that was never written: " + toJson(*document));
+        }
+        document->remove("_id"); // the server's, not ours
+        const std::string found = difference(*origin->second->document.root(), *document->root(), "");
+        if (!found.empty())
+        {
+            throw std::runtime_error(std::string(collection) + ": " + origin->second->code + " differs in " + found);
+        }
+        step.progress(++done, records.size());
+    }
+    step.done(done);
+    show("equal: " + std::to_string(done) + " of " + std::to_string(records.size()));
+    return came;
+}
+
+// The text of a document that was read shows its arrays in the order of the tree: 0, 1, 10, 2 ...
+void showTheArrayTrap(Tour& tour, const std::list<ObjectProperties*>& came)
+{
+    std::map<std::string, const Country*> sent;
+    for (const Country& country : tour.countries)
+    {
+        sent[country.code] = &country;
+    }
+    Step step("compare the same countries as JSON text");
+    std::size_t differ = 0;
+    std::size_t beyondTen = 0;
+    for (const ObjectProperties* const document : came)
+    {
+        const Country& country = *sent.at(document->valueAsString("code", ""));
+        differ += toJson(country.document) != toJson(*document) ? 1 : 0;
+        beyondTen += country.subdivisions.size() > 10 ? 1 : 0;
+    }
+    step.done(came.size());
+    show(std::to_string(differ) + " differ; " + std::to_string(beyondTen) + " have more than ten subdivisions");
+    note("an array that was read keeps its elements as 0, 1, 10, 11, 2 ...: put them in order by number before using "
+         "them");
+}
+
+} // namespace
+
+void compare(Tour& tour)
+{
+    needStored(tour);
+    title("compare", "what comes back is what was sent");
+    compareAll(tour, subdivisionsCollection, tour.subdivisions);
+    const Results countries = compareAll(tour, countriesCollection, tour.countries);
+    showTheArrayTrap(tour, *countries);
+}
+
+} // namespace tour

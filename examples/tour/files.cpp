@@ -1,0 +1,191 @@
+// Chapter "files": files of this system are stored, listed, read back and removed.
+#include "tour.h"
+
+#include <zlib.h>
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <stdexcept>
+
+namespace tour {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* store = "files"; // the store's collections are files.files and files.chunks
+
+struct File
+{
+    std::string name; ///< what the server knows it by
+    std::string path;
+    std::size_t size = 0;
+    unsigned long checksum = 0; ///< CRC-32
+};
+
+unsigned long checksumOf(std::istream& content, std::size_t& size)
+{
+    unsigned long checksum = crc32(0, nullptr, 0);
+    std::array<char, 4096> buffer{};
+    size = 0;
+    while (content.read(buffer.data(), buffer.size()), content.gcount() > 0)
+    {
+        const auto read = static_cast<uInt>(content.gcount());
+        checksum = crc32(checksum, reinterpret_cast<const Bytef*>(buffer.data()), read);
+        size += read;
+    }
+    return checksum;
+}
+
+std::string lowerCase(std::string text)
+{
+    std::transform(text.begin(), text.end(), text.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    return text;
+}
+
+// Takes the file unless it cannot be read, or another one's name differs from its own in letter case alone:
+// removeFile() could not tell the two apart.
+void take(const fs::path& path, const fs::path& folder, std::vector<File>& files)
+{
+    File file;
+    file.name = path.lexically_relative(folder.parent_path()).string();
+    file.path = path.string();
+    const auto sameName = [&](const File& other) { return lowerCase(other.name) == lowerCase(file.name); };
+    std::ifstream content(path, std::ios::binary);
+    if (content && std::none_of(files.begin(), files.end(), sameName))
+    {
+        file.checksum = checksumOf(content, file.size);
+        files.push_back(file);
+    }
+}
+
+// Real files: the records themselves, then what the share folders hold.
+std::vector<File> someFiles(const std::string& data)
+{
+    constexpr std::size_t most = 20;
+    std::vector<File> files;
+    for (const fs::path& folder :
+         {fs::path(data), fs::path("/usr/share/common-licenses"), fs::path("/usr/share/licenses"),
+          fs::path("/usr/share/doc"), fs::path("/usr/local/share")})
+    {
+        std::error_code none; // a folder that is missing or closed is passed over
+        fs::recursive_directory_iterator entry(folder, fs::directory_options::skip_permission_denied, none);
+        for (; !none && entry != fs::recursive_directory_iterator() && files.size() < most; entry.increment(none))
+        {
+            std::error_code unknown;
+            if (entry->is_regular_file(unknown) && !entry->is_symlink(unknown))
+            {
+                take(entry->path(), folder, files);
+            }
+        }
+    }
+    if (files.empty())
+    {
+        throw std::runtime_error("no file to store found in " + data + " and below /usr/share");
+    }
+    return files;
+}
+
+void storeAll(Tour& tour, const std::vector<File>& files)
+{
+    Step step("store files of this system");
+    std::size_t done = 0;
+    std::size_t bytes = 0;
+    for (const File& file : files)
+    {
+        tour.client->writeFile(tour.database, store, file.name, file.path);
+        bytes += file.size;
+        step.progress(++done, files.size());
+    }
+    step.done(done, "files");
+    show(std::to_string(bytes) + " bytes");
+}
+
+void listAll(Tour& tour, const std::vector<File>& files)
+{
+    Step step("list them");
+    std::list<std::string> names;
+    tour.client->listFiles(tour.database, store, names);
+    step.done(names.size(), "files");
+    show("from " + names.front() + " to " + names.back());
+
+    std::vector<std::string> expected;
+    std::transform(files.begin(), files.end(), std::back_inserter(expected),
+                   [](const File& file) { return file.name; });
+    std::sort(expected.begin(), expected.end());
+    if (!std::equal(names.begin(), names.end(), expected.begin(), expected.end()))
+    {
+        throw std::runtime_error("the list of files is not the one that was stored");
+    }
+}
+
+void readBack(Tour& tour, const std::vector<File>& files)
+{
+    Step step("read them back and compare checksums");
+    std::size_t done = 0;
+    for (const File& file : files)
+    {
+        std::stringstream content; // any stream will do; the library itself holds 4096 bytes at a time
+        tour.client->readFile(tour.database, store, file.name, &content);
+        std::size_t size = 0;
+        if (checksumOf(content, size) != file.checksum || size != file.size)
+        {
+            throw std::runtime_error(file.name + " came back changed");
+        }
+        step.progress(++done, files.size());
+    }
+    step.done(done, "files");
+    const auto& largest =
+        *std::max_element(files.begin(), files.end(), [](const File& a, const File& b) { return a.size < b.size; });
+    char checksum[16];
+    std::snprintf(checksum, sizeof checksum, "%08lx", largest.checksum);
+    show("the largest: " + largest.name + ", " + std::to_string(largest.size) + " bytes, CRC-32 " + checksum);
+}
+
+void removeAll(Tour& tour, const std::vector<File>& files)
+{
+    const File& twice = files.front();
+    tour.client->writeFile(tour.database, store, twice.name, twice.path);
+    note("a name can be stored more than once, and removeFile() takes them all, letter case set aside");
+
+    Step step("remove them");
+    std::size_t done = 0;
+    for (const File& file : files)
+    {
+        tour.client->removeFile(tour.database, store, lowerCase(file.name));
+        step.progress(++done, files.size());
+    }
+    step.done(done, "files");
+    std::list<std::string> names;
+    tour.client->listFiles(tour.database, store, names);
+    agree("files left", names.size(), 0);
+}
+
+void missing(Tour& tour, const std::string& name)
+{
+    Step step("read one that is gone");
+    std::stringstream content;
+    const std::string said = answer([&] { tour.client->readFile(tour.database, store, name, &content); });
+    step.done(0, "files");
+    show(said);
+}
+
+} // namespace
+
+void files(Tour& tour)
+{
+    title("files", "files of this system are stored, listed, read back and removed");
+    const std::vector<File> files = someFiles(tour.options.data);
+    storeAll(tour, files);
+    listAll(tour, files);
+    readBack(tour, files);
+    removeAll(tour, files);
+    missing(tour, files.front().name);
+}
+
+} // namespace tour

@@ -1,0 +1,104 @@
+// Chapter "filter": queries built call by call with ObjectFilter. Every answer is compared with a plain loop.
+#include "tour.h"
+
+#include <object_filter.h>
+
+#include <algorithm>
+#include <functional>
+
+namespace tour {
+
+namespace {
+
+void run(Tour& tour, const std::string& what, const ObjectFilter& filter,
+         const std::function<bool(const Country&)>& same)
+{
+    const ObjectProperties query = filter.toObjectProeprties();
+    Step step(what);
+    const Results found = newResults();
+    tour.client->read(tour.database, countriesCollection, query, *found);
+    step.done(found->size());
+    showShort(toJson(query));
+
+    const auto expected = std::count_if(tour.countries.begin(), tour.countries.end(), same);
+    agree(what, found->size(), static_cast<std::size_t>(expected));
+}
+
+void range(Tour& tour)
+{
+    ObjectFilter filter; // outside a list, conditions on one key merge
+    filter.setFilterInt(OperationTypeGreaterOrEqual, "numeric", 100);
+    filter.setFilterInt(OperationTypeLess, "numeric", 200);
+    run(tour, "a range", filter, [](const Country& c) { return c.numeric >= 100 && c.numeric < 200; });
+}
+
+void regularExpression(Tour& tour)
+{
+    ObjectFilter filter;
+    filter.setFilterString(OperationTypeRegex, "code", "^b[a-e]$", "i");
+    run(tour, "a regular expression, upper and lower case alike", filter,
+        [](const Country& c) { return c.code[0] == 'B' && c.code[1] <= 'E'; });
+}
+
+void absentField(Tour& tour)
+{
+    ObjectFilter filter;
+    filter.setFilterBool(OperationTypeNotExists, "names.official", true); // the value plays no part
+    run(tour, "a field that is not there", filter, [](const Country& c) { return c.officialName.empty(); });
+}
+
+// Lists open and close like brackets. Inside one, every condition is an element of its own.
+ObjectFilter shortOrUndivided()
+{
+    ObjectFilter filter;
+    filter.start_or();
+    filter.setFilterString(OperationTypeRegex, "name", "^.{1,4}$", "");
+    filter.start_and();
+    filter.setFilterBool(OperationTypeEqual, "divided", false);
+    filter.setFilterInt(OperationTypeGreaterOrEqual, "numeric", 800);
+    filter.finish_and();
+    filter.finish_or();
+    return filter;
+}
+
+bool isShortOrUndivided(const Country& country)
+{
+    const auto characters = std::count_if(country.name.begin(), country.name.end(), [](char c) {
+        return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U; // counts a UTF-8 character at its first byte
+    });
+    return characters <= 4 || (country.subdivisions.empty() && country.numeric >= 800);
+}
+
+void lists(Tour& tour)
+{
+    run(tour, "an \"$and\" inside an \"$or\"", shortOrUndivided(), isShortOrUndivided);
+}
+
+// A filter can be an element of another one's list: conditions that belong together are written once.
+void oneInsideAnother(Tour& tour)
+{
+    ObjectFilter filter;
+    filter.start_and();
+    filter.include(shortOrUndivided());
+    filter.setFilterId(OperationTypeEqual, "batch", tour.batch);
+    filter.setFilterTime(OperationTypeGreater, "loaded", 0);
+    filter.setFilterString(OperationTypeNotEqual, "code", "WF", "");
+    filter.finish_and();
+    run(tour, "that filter inside another one, with an id and a time", filter,
+        [](const Country& c) { return isShortOrUndivided(c) && c.code != "WF"; });
+}
+
+} // namespace
+
+void filter(Tour& tour)
+{
+    needStored(tour);
+    title("filter", "queries built call by call, and the JSON they make");
+    range(tour);
+    regularExpression(tour);
+    absentField(tour);
+    lists(tour);
+    oneInsideAnother(tour);
+}
+
+} // namespace tour

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <object_properties.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace tour {
+
+/// A record of iso_3166-2.json.
+struct Subdivision
+{
+    std::string code; ///< "DE-BY"
+    std::string name;
+    std::string type;   ///< "Land"
+    std::string parent; ///< code of the subdivision it is part of; mostly empty
+    ObjectProperties document;
+    std::string id; ///< what the server knows it by, once written
+
+    std::string country() const { return code.substr(0, 2); }
+};
+
+/// A record of iso_3166-1.json, with its subdivisions.
+struct Country
+{
+    std::string code;   ///< "DE"
+    std::string alpha3; ///< "DEU"
+    std::string name;
+    std::string officialName; ///< empty when the record has none
+    std::string flag;         ///< two characters of Unicode that make a flag
+    int numeric = 0;
+    std::vector<const Subdivision*> subdivisions;
+    ObjectProperties document;
+    std::string id;
+};
+
+/// Reads a JSON file whole into a document. @throws std::runtime_error that names the file
+ObjectProperties readJsonFile(const std::string& path);
+
+std::vector<Country> countriesFrom(const ObjectProperties& json);
+std::vector<Subdivision> subdivisionsFrom(const ObjectProperties& json);
+
+/// Fills the documents that go to the server: every kind of value a field can have.
+/// @param batch  an object id, the same in all of them
+/// @param now    milliseconds since 1970-01-01 UTC
+void fillDocument(Subdivision& subdivision, const std::string& batch, long long now);
+void fillDocument(Country& country, std::size_t allSubdivisions, const std::string& batch, long long now);
+
+/// The children of a node in the order of their keys.
+std::vector<std::shared_ptr<Property>> members(const Property& node);
+/// The elements of an array in the order in which they were meant. Children are ordered by key as text, so that the
+/// elements of an array that was read (keys 0, 1, 2 ...) stand as 0, 1, 10, 11, 2 ...
+std::vector<std::shared_ptr<Property>> elementsInOrder(const Property& array);
+
+} // namespace tour

@@ -1,0 +1,98 @@
+// Chapter "update": the document passed is the operand of the operator that the command names.
+#include "tour.h"
+
+namespace tour {
+
+namespace {
+
+constexpr const char* notesCollection = "notes";
+
+std::size_t countWith(Tour& tour, const std::string& field)
+{
+    return count(tour, subdivisionsCollection, fromJson("{\"" + field + "\": {\"$exists\": true}}"));
+}
+
+// One field comes, gets another name and goes again, in every document.
+void everyDocument(Tour& tour)
+{
+    struct Round
+    {
+        const char* what;
+        UpdateCommand command;
+        const char* operand;
+        const char* field; ///< what every document has afterwards
+    };
+    const Round rounds[] = {
+        {"$set, every document", UpdateCommandSet, R"({"visited": true})", "visited"},
+        {"$rename, every document", UpdateCommandRename, R"({"visited": "seen"})", "seen"},
+        {"$unset, every document", UpdateCommandUnset, R"({"seen": ""})", "code"},
+    };
+    const ObjectProperties all;
+    for (const Round& round : rounds)
+    {
+        Step step(round.what);
+        tour.client->update(tour.database, subdivisionsCollection, all, fromJson(round.operand), UpdateFlagMultiUpdate,
+                            round.command);
+        step.done(tour.subdivisions.size());
+        show(std::string(round.operand) + ": " + std::to_string(countWith(tour, round.field)) + " have \"" +
+             round.field + "\" now");
+        agree(round.what, countWith(tour, round.field), tour.subdivisions.size());
+    }
+    agree("what $unset left", countWith(tour, "seen") + countWith(tour, "visited"), 0);
+}
+
+// The document that has this id, changed or, when there is none, inserted.
+void oneNote(Tour& tour, const ObjectProperties& query, const std::string& what, UpdateFlag flag, UpdateCommand command,
+             const std::string& operand)
+{
+    Step step(what);
+    tour.client->update(tour.database, notesCollection, query, fromJson(operand), flag, command);
+    step.done(1);
+
+    const Results found = newResults();
+    tour.client->find(tour.database, notesCollection, query, fromJson(R"({"_id": 0})"), *found, 0, 0);
+    agree("notes with that id", found->size(), 1);
+    show(operand + " -> " + toJson(*found->front()));
+}
+
+void oneDocument(Tour& tour)
+{
+    ObjectProperties query;
+    query.setValueId("_id", tour.client->createId()); // here, and not in write(), an id can be chosen
+    const auto change = [&](const std::string& what, UpdateFlag flag, UpdateCommand command,
+                            const std::string& operand) { oneNote(tour, query, what, flag, command, operand); };
+    change("upsert: there is no such document yet", UpdateFlagUpsert, UpdateCommandSet,
+           R"({"title": "to see", "codes": ["DE"]})");
+    change("$push", UpdateFlagNone, UpdateCommandPush, R"({"codes": "FR"})");
+    change("$addToSet: it is there already", UpdateFlagNone, UpdateCommandAddToSet, R"({"codes": "FR"})");
+    change("$push", UpdateFlagNone, UpdateCommandPush, R"({"codes": "IT"})");
+    change("$pop: 1 is the last element, -1 the first", UpdateFlagNone, UpdateCommandPop, R"({"codes": -1})");
+    change("$pull", UpdateFlagNone, UpdateCommandPull, R"({"codes": "IT"})");
+    change("replace: no operator, a whole document", UpdateFlagNone, UpdateCommandReplace, R"({"title": "seen"})");
+    change("replace with an operator of one's own", UpdateFlagNone, UpdateCommandReplace, R"({"$inc": {"visits": 2}})");
+}
+
+void refused(Tour& tour)
+{
+    const ObjectProperties operand = fromJson(R"({"title": 1})");
+    Step step("$push to a field that is no array");
+    const std::string said = answer([&] {
+        tour.client->update(tour.database, notesCollection, ObjectProperties(), operand, UpdateFlagNone,
+                            UpdateCommandPush);
+    });
+    step.done(0);
+    show(said);
+}
+
+} // namespace
+
+void update(Tour& tour)
+{
+    needStored(tour);
+    title("update", "operators on one document, on every one, and on one that is not there yet");
+    everyDocument(tour);
+    oneDocument(tour);
+    refused(tour);
+}
+
+} // namespace tour

@@ -1,0 +1,164 @@
+// Chapter "users": a user is added, logs in, gets another password and is removed, on a server with authentication.
+#include "tour.h"
+
+#include "own_database.h"
+
+#include <stdexcept>
+
+namespace tour {
+
+namespace {
+
+constexpr const char* userName = "traveller";
+
+// The administrator's address with another user, who is known to the database of the tour.
+std::string uriFor(const Tour& tour, const std::string& password)
+{
+    const std::string& uri = tour.options.authUri;
+    const std::size_t scheme = uri.find("://");
+    const std::size_t begin = scheme == std::string::npos ? 0 : scheme + 3;
+    const std::size_t at = uri.find('@', begin);
+    const std::size_t host = at == std::string::npos ? begin : at + 1;
+    const std::size_t end = uri.find_first_of("/?", host);
+    return uri.substr(0, begin) + userName + ":" + password + "@" + uri.substr(host, end - host) + "/" + tour.database;
+}
+
+// connect() sends nothing: whether a password is right shows at the first operation.
+std::string logIn(const Tour& tour, const std::string& password)
+{
+    DataBaseClient client;
+    client.connect(uriFor(tour, password));
+    return answer([&] {
+        const Results found = newResults();
+        client.read(tour.database, "visits", ObjectProperties(), *found);
+    });
+}
+
+void mustBe(const std::string& said, bool accepted)
+{
+    show(said);
+    if ((said == "accepted") != accepted)
+    {
+        throw std::runtime_error(std::string("the server should have ") + (accepted ? "accepted" : "refused") +
+                                 " that");
+    }
+}
+
+void tryPassword(const Tour& tour, const std::string& what, const std::string& password, bool accepted)
+{
+    Step step(what);
+    const std::string said = logIn(tour, password);
+    step.done(1, "log-in");
+    mustBe(said, accepted);
+}
+
+ObjectProperties rolesIn(const std::string& database)
+{
+    ObjectProperties roles; // a list: its members are 0, 1, 2 ...
+    roles.beginGroup("0");
+    roles.setValueString("role", "readWrite");
+    roles.setValueString("db", database);
+    roles.endGroup();
+    return roles;
+}
+
+// Writes and reads one document as the new user.
+void work(const Tour& tour, const std::string& password)
+{
+    DataBaseClient client;
+    client.connect(uriFor(tour, password));
+    Step step("write and read a document as this user");
+    ObjectProperties visit;
+    visit.setValueString("place", "Andorra");
+    client.write(tour.database, "visits", visit);
+    const Results found = newResults();
+    client.read(tour.database, "visits", visit, *found);
+    step.done(found->size());
+    agree("visits", found->size(), 1);
+    show(toJson(*found->front()));
+}
+
+/// Removes the user when the chapter ends early: dropping a database leaves its users in place.
+class AddedUser
+{
+public:
+    AddedUser(DataBaseClient& administrator, const std::string& database)
+        : m_administrator(administrator), m_database(database)
+    {}
+    AddedUser(const AddedUser&) = delete;
+    AddedUser& operator=(const AddedUser&) = delete;
+    ~AddedUser()
+    {
+        if (!m_removed)
+        {
+            answer([&] { m_administrator.removeUser(m_database, userName); });
+        }
+    }
+    void remove()
+    {
+        m_removed = true;
+        m_administrator.removeUser(m_database, userName);
+    }
+
+private:
+    DataBaseClient& m_administrator;
+    const std::string m_database;
+    bool m_removed = false;
+};
+
+AddedUser add(const Tour& tour, DataBaseClient& administrator, const std::string& password)
+{
+    ObjectProperties customData;
+    customData.setValueString("purpose", "tour");
+    Step step("add a user with a role and data of its own");
+    administrator.addUser(tour.database, userName, password, rolesIn(tour.database), customData);
+    step.done(1, "user");
+    return AddedUser(administrator, tour.database);
+}
+
+void change(const Tour& tour, DataBaseClient& administrator, const std::string& password)
+{
+    Step step("change its password");
+    administrator.changeUserPassword(tour.database, userName, password);
+    step.done(1, "user");
+}
+
+void giveRoles(const Tour& tour, DataBaseClient& administrator)
+{
+    ObjectProperties customData;
+    customData.setValueString("purpose", "second visit");
+    Step step("give it roles and data anew");
+    const std::string said =
+        answer([&] { administrator.updateUser(tour.database, userName, rolesIn(tour.database), customData); });
+    step.done(1, "user");
+    showShort(said);
+}
+
+} // namespace
+
+void users(Tour& tour)
+{
+    title("users", "a user is added, logs in, gets another password and is removed");
+    DataBaseClient administrator;
+    administrator.connect(tour.options.authUri);
+    const std::string first = administrator.createId();
+    const std::string second = administrator.createId();
+
+    AddedUser user = add(tour, administrator, first);
+    OwnDatabase visits(tour.options.authUri, tour.database);
+    tryPassword(tour, "log in", first, true);
+    work(tour, first);
+    tryPassword(tour, "log in with a wrong password", second, false);
+    change(tour, administrator, second);
+    tryPassword(tour, "log in with the old password", first, false);
+    tryPassword(tour, "log in with the new password", second, true);
+    giveRoles(tour, administrator);
+
+    Step step("remove the user");
+    user.remove();
+    step.done(1, "user");
+    tryPassword(tour, "log in once more", second, false);
+    visits.drop();
+}
+
+} // namespace tour
