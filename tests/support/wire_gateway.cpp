@@ -688,13 +688,13 @@ private:
             {
                 continue;
             }
-            if (waiting[1].revents != 0)
-            {
-                return false;
-            }
             if (waiting[0].revents != 0)
             {
                 return true;
+            }
+            if (waiting[1].revents != 0 && !receiveMessage(connection.server.get()))
+            {
+                return false;
             }
         }
     }
@@ -796,10 +796,17 @@ private:
         return sendAll(connection.server.get(), bytes.data(), bytes.size());
     }
 
-    /// FerretDB answers an unacknowledged write too, which the driver would take for the answer to its next command.
-    bool swallowUnwantedReply(const Connection& connection) const
+    /// FerretDB answers unacknowledged writes too. The driver would take such a reply for that to its next command, so
+    /// what answers another request is left out. (MongoDB's streamed replies answer one another: there everything goes
+    /// on.)
+    std::optional<WireMessage> receiveReply(const Connection& connection, const WireMessage& request) const
     {
-        return m_rewrite == Rewrite::Nothing || receiveMessage(connection.server.get()).has_value();
+        auto reply = receiveMessage(connection.server.get());
+        while (reply && m_rewrite == Rewrite::ForFerretDb && !reply->answers(request))
+        {
+            reply = receiveMessage(connection.server.get());
+        }
+        return reply;
     }
 
     bool forward(Connection& connection, const WireMessage& message)
@@ -810,11 +817,11 @@ private:
         }
         if (!message.expectsReply())
         {
-            return swallowUnwantedReply(connection);
+            return true;
         }
         for (;;)
         {
-            const auto reply = receiveMessage(connection.server.get());
+            const auto reply = receiveReply(connection, message);
             if (!reply || !waitUntil(connection, [this] { return !m_paused; }) ||
                 !sendToClient(connection, reply->bytes()))
             {
@@ -848,9 +855,9 @@ private:
         }
         if (!message.expectsReply())
         {
-            return swallowUnwantedReply(connection) && fault.m_kind != Fault::Kind::DropAfterForwarding;
+            return fault.m_kind != Fault::Kind::DropAfterForwarding;
         }
-        const auto reply = receiveMessage(connection.server.get());
+        const auto reply = receiveReply(connection, message);
         return reply && spoil(connection, message, reply->bytes(), fault);
     }
 

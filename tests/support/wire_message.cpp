@@ -318,6 +318,13 @@ bool WireMessage::isCompressed() const
     return opCode() == kOpCompressed;
 }
 
+bool WireMessage::answers(const WireMessage& request) const
+{
+    constexpr std::size_t kRequestId = 4;
+    constexpr std::size_t kResponseTo = 8;
+    return readInt32(m_bytes.data() + kResponseTo) == readInt32(request.m_bytes.data() + kRequestId);
+}
+
 bool WireMessage::expectsReply() const
 {
     return opCode() == kOpQuery || (opCode() == kOpMsg && !hasMoreToCome());

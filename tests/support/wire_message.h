@@ -19,6 +19,8 @@ public:
 
     const Bytes& bytes() const { return m_bytes; }
     bool isCompressed() const;
+    /// Whether this is the answer to that request.
+    bool answers(const WireMessage& request) const;
     /// Whether the sender waits for an answer; an unacknowledged write does not.
     bool expectsReply() const;
     /// Whether the same sender goes on with another message by itself.
