@@ -69,7 +69,7 @@ public:
 
 private:
     [[noreturn]] static void throwDriverError(const std::string& message, const bson_error_t& error);
-    /// Converts for sending; false for what the driver cannot take, too.
+    /// Converts for sending; false also for documents nested deeper than the driver can walk.
     static bool toBson(const ObjectProperties& properties, OwnedBson& bson);
 
     DatabaseHandle openDatabase(const std::string& database) const;

@@ -74,6 +74,11 @@ GridFsFileListHandle openFileList(const GridFsHandle& store)
 #pragma GCC diagnostic pop
 }
 
+bool isAtEnd(const bson_error_t& error)
+{
+    return error.domain == MONGOC_ERROR_CURSOR && error.code == MONGOC_ERROR_CURSOR_INVALID_CURSOR;
+}
+
 // Calls visit with each file. False, and the error filled, when the list broke off.
 template <typename Visit>
 bool visitFiles(const GridFsHandle& store, bson_error_t& error, Visit visit)
@@ -86,7 +91,14 @@ bool visitFiles(const GridFsHandle& store, bson_error_t& error, Visit visit)
             return false;
     }
     // A list that a broken connection cut short tells so only here.
-    return !mongoc_gridfs_file_list_error(list.get(), &error);
+    if (mongoc_gridfs_file_list_error(list.get(), &error))
+        return false;
+    // The driver gives no file for a record that it cannot read either. It refuses to go on only where the list ends.
+    const GridFsFileHandle next(mongoc_gridfs_file_list_next(list.get()));
+    if (!next && mongoc_gridfs_file_list_error(list.get(), &error) && isAtEnd(error))
+        return true;
+    bson_set_error(&error, MONGOC_ERROR_GRIDFS, 0, "the record of a stored file is malformed");
+    return false;
 }
 
 FileStreamHandle openInput(const std::string& path)
