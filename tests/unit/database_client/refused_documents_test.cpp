@@ -1,0 +1,292 @@
+// What the driver would end the process over becomes the operation's own error. Nothing listens where the clients are
+// connected to: an error about servers would mean that something was to be sent.
+
+#include "database_client.h"
+#include "object_properties.h"
+#include "row_name.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <list>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+
+namespace {
+
+class RefusedDocument : public testing::Test
+{
+public:
+    template <typename Call>
+    static std::string refusal(Call call)
+    {
+        DataBaseClient client;
+        client.connect("mongodb://127.0.0.1:1/?serverSelectionTimeoutMS=1");
+        try
+        {
+            call(client);
+        }
+        catch (const std::invalid_argument& error)
+        {
+            return error.what();
+        }
+        catch (const std::runtime_error& error)
+        {
+            return std::string("runtime_error: ") + error.what();
+        }
+        return "nothing was thrown";
+    }
+
+    static std::string findRefusal(const ObjectProperties& query, const ObjectProperties& projection = {})
+    {
+        return refusal([&](DataBaseClient& client) {
+            std::list<ObjectProperties*> results;
+            client.find("d", "c", query, projection, results, 0, 0);
+        });
+    }
+
+    static bool reachesTheDriver(const std::string& text) { return text.find("No suitable servers") != text.npos; }
+
+    static ObjectProperties nested(int levels)
+    {
+        ObjectProperties document;
+        for (int level = 0; level < levels; ++level)
+            document.beginGroup("a");
+        document.setValueInt32("a", 1);
+        return document;
+    }
+};
+
+struct QueryRow
+{
+    const char* name;
+    void (*fill)(ObjectProperties& query);
+};
+
+void PrintTo(const QueryRow& row, std::ostream* out)
+{
+    *out << row.name;
+}
+
+class QueryOfKind : public RefusedDocument, public testing::WithParamInterface<QueryRow>
+{};
+
+TEST_P(QueryOfKind, UnderTheKeyOfTheWrittenOutFormIsABadCondition)
+{
+    ObjectProperties query;
+    GetParam().fill(query);
+
+    EXPECT_EQ(findRefusal(query), "Bad condition");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Kinds, QueryOfKind,
+    testing::Values(QueryRow{"Undefined", [](ObjectProperties& query) { query.valueAsInt32("$query", 0); }},
+                    QueryRow{"Array",
+                             [](ObjectProperties& query) {
+                                 query.beginArray("$query");
+                                 query.endArray();
+                             }},
+                    QueryRow{"String", [](ObjectProperties& query) { query.setValueString("$query", "text"); }},
+                    QueryRow{"Bool", [](ObjectProperties& query) { query.setValueBool("$query", true); }},
+                    QueryRow{"Int32", [](ObjectProperties& query) { query.setValueInt32("$query", 1); }},
+                    QueryRow{"Int64", [](ObjectProperties& query) { query.setValueLongLong("$query", 1); }},
+                    QueryRow{"Double", [](ObjectProperties& query) { query.setValueDouble("$query", 1.5); }},
+                    QueryRow{"Time", [](ObjectProperties& query) { query.setValueTime("$query", 1LL); }},
+                    QueryRow{"Id",
+                             [](ObjectProperties& query) { query.setValueId("$query", "507f1f77bcf86cd799439011"); }},
+                    QueryRow{"Binary",
+                             [](ObjectProperties& query) {
+                                 query.setValueBinary("$query", {1, 2});
+                             }},
+                    QueryRow{"Regex", [](ObjectProperties& query) { query.setValueRegex("$query", "^a", "i"); }}),
+    RowName());
+
+TEST_F(RefusedDocument, QueryInTheWrittenOutFormGoesToTheDriver)
+{
+    ObjectProperties query;
+    query.beginGroup("$query");
+    query.setValueInt32("a", 1);
+    query.endGroup();
+
+    EXPECT_TRUE(reachesTheDriver(findRefusal(query)));
+}
+
+TEST_F(RefusedDocument, NestedKeyOfTheWrittenOutFormIsTheServersBusiness)
+{
+    ObjectProperties query;
+    query.beginGroup("a");
+    query.setValueInt32("$query", 1);
+
+    EXPECT_TRUE(reachesTheDriver(findRefusal(query)));
+}
+
+struct DeepRow
+{
+    const char* name;
+    const char* text;
+    std::function<void(DataBaseClient&, const ObjectProperties&)> call;
+};
+
+void PrintTo(const DeepRow& row, std::ostream* out)
+{
+    *out << row.name;
+}
+
+class DeepDocument : public RefusedDocument, public testing::WithParamInterface<DeepRow>
+{};
+
+TEST_P(DeepDocument, IsRefusedBeforeTheDriverExhaustsTheStack)
+{
+    for (const int levels : {1001, 20'000})
+    {
+        const ObjectProperties document = nested(levels);
+        EXPECT_EQ(refusal([&](DataBaseClient& client) { GetParam().call(client, document); }), GetParam().text)
+            << levels << " levels";
+    }
+}
+
+TEST_P(DeepDocument, OfAThousandLevelsGoesToTheDriver)
+{
+    const ObjectProperties document = nested(1000);
+    EXPECT_TRUE(reachesTheDriver(refusal([&](DataBaseClient& client) { GetParam().call(client, document); })));
+}
+
+const ObjectProperties& empty()
+{
+    static const ObjectProperties document;
+    return document;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Operations, DeepDocument,
+    testing::Values(DeepRow{"Write", "Bad properties",
+                            [](DataBaseClient& client, const ObjectProperties& deep) { client.write("d", "c", deep); }},
+                    DeepRow{"UpdateDocument", "Bad properties",
+                            [](DataBaseClient& client, const ObjectProperties& deep) {
+                                client.update("d", "c", empty(), deep, UpdateFlagNone, UpdateCommandSet);
+                            }},
+                    DeepRow{"UpdateCondition", "Bad condition",
+                            [](DataBaseClient& client, const ObjectProperties& deep) {
+                                client.update("d", "c", deep, empty(), UpdateFlagNone, UpdateCommandSet);
+                            }},
+                    DeepRow{
+                        "Remove", "Bad condition",
+                        [](DataBaseClient& client, const ObjectProperties& deep) { client.remove("d", "c", deep); }},
+                    DeepRow{"FindCondition", "Bad condition",
+                            [](DataBaseClient& client, const ObjectProperties& deep) {
+                                std::list<ObjectProperties*> results;
+                                client.read("d", "c", deep, results);
+                            }},
+                    DeepRow{"FindProjection", "Bad propjection",
+                            [](DataBaseClient& client, const ObjectProperties& deep) {
+                                std::list<ObjectProperties*> results;
+                                client.find("d", "c", empty(), deep, results, 0, 0);
+                            }},
+                    DeepRow{"Aggregate", "Bad pipeline",
+                            [](DataBaseClient& client, const ObjectProperties& deep) {
+                                std::list<ObjectProperties*> results;
+                                client.aggregate("d", "c", deep, results);
+                            }},
+                    DeepRow{"AddUserRoles", "Bad roles.",
+                            [](DataBaseClient& client, const ObjectProperties& deep) {
+                                client.addUser("d", "u", "p", deep, empty());
+                            }},
+                    DeepRow{"AddUserCustomData", "Bad custom data",
+                            [](DataBaseClient& client, const ObjectProperties& deep) {
+                                client.addUser("d", "u", "", empty(), deep);
+                            }},
+                    DeepRow{"UpdateUserRoles", "Bad roles.",
+                            [](DataBaseClient& client, const ObjectProperties& deep) {
+                                client.updateUser("d", "u", deep, empty());
+                            }},
+                    DeepRow{"UpdateUserCustomData", "Bad custom data",
+                            [](DataBaseClient& client, const ObjectProperties& deep) {
+                                client.updateUser("d", "u", empty(), deep);
+                            }}),
+    RowName());
+
+TEST_F(RefusedDocument, UpdateNamesTheDocumentBeforeTheCondition)
+{
+    const ObjectProperties deep = nested(2000);
+    EXPECT_EQ(
+        refusal([&](DataBaseClient& client) { client.update("d", "c", deep, deep, UpdateFlagNone, UpdateCommandSet); }),
+        "Bad properties");
+}
+
+TEST_F(RefusedDocument, UsersNameTheRolesBeforeTheCustomData)
+{
+    const ObjectProperties deep = nested(2000);
+    EXPECT_EQ(refusal([&](DataBaseClient& client) { client.addUser("d", "u", "p", deep, deep); }), "Bad roles.");
+    EXPECT_EQ(refusal([&](DataBaseClient& client) { client.updateUser("d", "u", deep, deep); }), "Bad roles.");
+}
+
+TEST_F(RefusedDocument, FindNamesTheConditionBeforeTheProjection)
+{
+    const ObjectProperties deep = nested(2000);
+    EXPECT_EQ(findRefusal(deep, deep), "Bad condition");
+}
+
+TEST_F(RefusedDocument, WideAndLongDocumentsOfLittleDepthGoToTheDriver)
+{
+    ObjectProperties document;
+    for (int index = 0; index < 5000; ++index)
+    {
+        document.beginGroup("g" + std::to_string(index));
+        document.setValueString("text", "value");
+        document.endGroup();
+    }
+    EXPECT_TRUE(reachesTheDriver(findRefusal(document)));
+}
+
+struct StoreRow
+{
+    const char* name;
+    std::function<void(DataBaseClient&, const std::string&)> call;
+};
+
+void PrintTo(const StoreRow& row, std::ostream* out)
+{
+    *out << row.name;
+}
+
+class StoreName : public RefusedDocument, public testing::WithParamInterface<StoreRow>
+{};
+
+TEST_P(StoreName, OfMoreThanAHundredAndNineteenBytesIsRefused)
+{
+    for (const std::size_t length : {120U, 121U, 128U, 100'000U})
+        EXPECT_EQ(refusal([&](DataBaseClient& client) { GetParam().call(client, std::string(length, 'n')); }),
+                  "runtime_error: Error occurred while mongoc_client_get_gridfs operation: the name of the store is "
+                  "longer than 119 bytes");
+}
+
+TEST_P(StoreName, OfAHundredAndNineteenBytesGoesToTheDriver)
+{
+    EXPECT_TRUE(
+        reachesTheDriver(refusal([&](DataBaseClient& client) { GetParam().call(client, std::string(119, 'n')); })));
+}
+
+INSTANTIATE_TEST_SUITE_P(Operations, StoreName,
+                         testing::Values(StoreRow{"ReadFile",
+                                                  [](DataBaseClient& client, const std::string& store) {
+                                                      std::stringstream content;
+                                                      client.readFile("d", store, "f", &content);
+                                                  }},
+                                         StoreRow{"WriteFile",
+                                                  [](DataBaseClient& client, const std::string& store) {
+                                                      client.writeFile("d", store, "f", "/dev/null");
+                                                  }},
+                                         StoreRow{"ListFiles",
+                                                  [](DataBaseClient& client, const std::string& store) {
+                                                      std::list<std::string> names;
+                                                      client.listFiles("d", store, names);
+                                                  }},
+                                         StoreRow{"RemoveFile",
+                                                  [](DataBaseClient& client, const std::string& store) {
+                                                      client.removeFile("d", store, "f");
+                                                  }}),
+                         RowName());
+
+} // namespace
