@@ -368,3 +368,14 @@ TEST(FilterSteps, CopyAFilterOntoItself)
     const Bytes list = query::list("$or", {query::group("$or", {query::int32("a", 1)}), query::group("b", {})});
     EXPECT_EQ(queryOf(filter), expected({list, query::int32("c", 2)}));
 }
+
+TEST(FilterSteps, StayInASubDocumentWhenAFilterIsCopiedOntoItself)
+{
+    RecordingFilter filter;
+    filter.beginGroup("sub");
+
+    filter.copy(filter);
+    filter.setFilterInt(OperationTypeEqual, "a", 1);
+
+    EXPECT_EQ(queryOf(filter), expected({query::group("sub", {query::int32("a", 1)})}));
+}
