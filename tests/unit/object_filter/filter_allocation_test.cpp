@@ -1,0 +1,97 @@
+#include "allocation_failure.h"
+#include "query_bytes.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+
+using test_support::failEveryAllocation;
+
+namespace {
+
+// Keys and values too long for a text's own storage, so that every step allocates.
+const std::string longKey(100, 'k');
+const std::string longText(100, 't');
+
+std::unique_ptr<ObjectFilter> makeFilter()
+{
+    auto filter = std::make_unique<ObjectFilter>();
+    filter->setFilterInt(OperationTypeGreater, longKey, 1);
+    filter->start_or();
+    filter->setFilterString(OperationTypeRegex, longKey, longText, longText);
+    filter->start_and();
+    filter->setFilterString(OperationTypeEqual, longKey, longText, "");
+    return filter;
+}
+
+// What may be done with a filter whose operation failed.
+void checkCanBeAssigned(const std::unique_ptr<ObjectFilter>& filter)
+{
+    const auto other = makeFilter();
+    *filter = *other;
+    EXPECT_EQ(query::of(*filter), query::of(*other));
+}
+
+template <typename Work>
+void checkEveryFailure(Work work)
+{
+    const std::size_t failures = failEveryAllocation(makeFilter, work, checkCanBeAssigned);
+    EXPECT_GT(failures, 0U);
+}
+
+} // namespace
+
+TEST(FilterShortOfMemory, CanBeAssignedAfterAFailedCondition)
+{
+    checkEveryFailure([](auto& f) { f->setFilterString(OperationTypeRegex, longKey, longText, longText); });
+    checkEveryFailure([](auto& f) { f->setFilterString(OperationTypeUnknown, longKey, longText, longText); });
+    checkEveryFailure([](auto& f) { f->setFilterId(OperationTypeEqual, longKey, longText); });
+    checkEveryFailure([](auto& f) { f->setFilterBool(OperationTypeExists, longKey, true); });
+}
+
+TEST(FilterShortOfMemory, CanBeAssignedAfterAFailedList)
+{
+    checkEveryFailure([](auto& f) { f->start_or(); });
+    checkEveryFailure([](auto& f) { f->beginGroup(longKey); });
+}
+
+TEST(FilterShortOfMemory, CanBeAssignedAfterPartsFailedToMove)
+{
+    checkEveryFailure([](auto& f) { f->include(*f); });
+    checkEveryFailure([](auto& f) { f->exclude("/$or", *f); });
+}
+
+TEST(FilterShortOfMemory, IsUntouchedByAFailedAssignment)
+{
+    const auto source = makeFilter();
+    const auto makeOther = [] {
+        auto filter = std::make_unique<ObjectFilter>();
+        filter->start_and();
+        filter->setFilterString(OperationTypeEqual, longKey, "old", "");
+        return filter;
+    };
+    const auto checkUntouched = [&makeOther](const std::unique_ptr<ObjectFilter>& filter) {
+        const auto other = makeOther();
+        EXPECT_EQ(query::of(*filter), query::of(*other));
+        filter->setFilterInt(OperationTypeEqual, "a", 1);
+        other->setFilterInt(OperationTypeEqual, "a", 1);
+        EXPECT_EQ(query::of(*filter), query::of(*other));
+    };
+
+    const auto assign = [&source](const auto& filter) { *filter = *source; };
+    EXPECT_GT(failEveryAllocation(makeOther, assign, checkUntouched), 0U);
+    const ObjectProperties document = source->toObjectProeprties();
+    const auto takeOver = [&document](const auto& filter) { filter->fromObjectProperties(document); };
+    EXPECT_GT(failEveryAllocation(makeOther, takeOver, checkUntouched), 0U);
+}
+
+TEST(FilterShortOfMemory, LeavesTheSourceOfAFailedCopyAlone)
+{
+    const auto before = query::of(*makeFilter());
+
+    EXPECT_GT(failEveryAllocation(
+                  makeFilter, [](auto& filter) { const ObjectFilter copy(*filter); },
+                  [&before](const auto& filter) { EXPECT_EQ(query::of(*filter), before); }),
+              0U);
+}
