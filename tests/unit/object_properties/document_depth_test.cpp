@@ -1,0 +1,106 @@
+#include "object_properties.h"
+#include "row_name.h"
+#include "small_stack.h"
+
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <string>
+#include <utility>
+
+namespace {
+
+struct StackRow
+{
+    std::string name;
+    std::size_t bytes;
+};
+
+std::ostream& operator<<(std::ostream& stream, const StackRow& row)
+{
+    return stream << row.bytes << " bytes";
+}
+
+class DeepDocument : public testing::TestWithParam<StackRow>
+{};
+
+constexpr int depth = 100000;
+
+ObjectProperties nested()
+{
+    ObjectProperties document;
+    for (int level = 0; level < depth; ++level)
+    {
+        if (level % 2)
+            document.beginArray("a");
+        else
+            document.beginGroup("g");
+    }
+    document.setValueInt32("v", 1);
+    return document;
+}
+
+// Walks in with the cursor and back out.
+int depthOf(const ObjectProperties& document)
+{
+    int levels = 0;
+    document.beginGroup("");
+    while (document.beginObject(0))
+        ++levels;
+    for (int level = 0; level < levels; ++level)
+        document.endObject();
+    EXPECT_EQ(document.group(), "");
+    return levels;
+}
+
+} // namespace
+
+TEST_P(DeepDocument, IsWrittenAndReadWithTheCursor)
+{
+    test_support::runWithStack(GetParam().bytes, [] { EXPECT_EQ(depthOf(nested()), depth + 1); });
+}
+
+TEST_P(DeepDocument, IsCopiedMovedAndAssigned)
+{
+    test_support::runWithStack(GetParam().bytes, [] {
+        ObjectProperties document = nested();
+        ObjectProperties copy(document);
+        copy = document;
+        const ObjectProperties moved(std::move(document));
+        document = moved;
+        EXPECT_EQ(depthOf(document), depth + 1);
+        EXPECT_EQ(depthOf(copy), depth + 1);
+    });
+}
+
+TEST_P(DeepDocument, IsIncludedAndExcluded)
+{
+    test_support::runWithStack(GetParam().bytes, [] {
+        const ObjectProperties document = nested();
+        ObjectProperties outer;
+        outer.include("a/b/c", document);
+        outer.include("a/b/c", outer);
+        EXPECT_EQ(depthOf(outer), depth + 7);
+        ObjectProperties cut;
+        outer.beginGroup("a/b/c/a");
+        outer.exclude("/a/b", cut);
+        EXPECT_EQ(outer.group(), "");
+        EXPECT_EQ(depthOf(cut), depth + 5);
+        cut.exclude("c", cut);
+        EXPECT_EQ(depthOf(cut), depth + 4);
+    });
+}
+
+TEST_P(DeepDocument, IsFreedWhileTheCursorStandsAtItsBottom)
+{
+    test_support::runWithStack(GetParam().bytes, [] {
+        ObjectProperties document = nested();
+        while (document.beginObject(0))
+        {}
+        document.setValueInt32("/", 1);
+        EXPECT_EQ(document.key(), "v");
+    });
+}
+
+INSTANTIATE_TEST_SUITE_P(Stacks, DeepDocument,
+                         testing::Values(StackRow{"Of8MiB", 8U << 20U}, StackRow{"Of256KiB", 256U << 10U}), RowName());
