@@ -1,0 +1,123 @@
+#include "conversions.h"
+#include "json_to_properties.h"
+#include "properties_to_json.h"
+#include "row_name.h"
+#include "small_stack.h"
+
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace {
+
+struct StackRow
+{
+    std::string name;
+    std::size_t bytes;
+};
+
+std::ostream& operator<<(std::ostream& stream, const StackRow& row)
+{
+    return stream << row.bytes << " bytes";
+}
+
+class DeepConversion : public testing::TestWithParam<StackRow>
+{};
+
+constexpr int depth = 100000;
+
+// Groups and arrays in turn, each in a field of eight bytes: type, key, length, end.
+std::vector<std::uint8_t> nestedBytes(int levels)
+{
+    constexpr int perLevel = 8;
+    std::vector<std::uint8_t> bytes;
+    bytes.reserve(static_cast<std::size_t>(perLevel) * static_cast<std::size_t>(levels) + 5);
+    for (int level = 0; level <= levels; ++level)
+    {
+        bytes.resize(bytes.size() + 4);
+        test_support::putInt32(bytes, bytes.size() - 4, (levels - level) * perLevel + 5);
+        if (level == levels)
+            break;
+        const bool isArray = level % 2 == 1;
+        bytes.insert(bytes.end(), {static_cast<std::uint8_t>(isArray ? BSON_TYPE_ARRAY : BSON_TYPE_DOCUMENT),
+                                   static_cast<std::uint8_t>(isArray ? 'a' : 'g'), 0});
+    }
+    bytes.resize(bytes.size() + static_cast<std::size_t>(levels) + 1);
+    return bytes;
+}
+
+} // namespace
+
+TEST_P(DeepConversion, FromBsonAndBackGivesTheSameBytes)
+{
+    test_support::runWithStack(GetParam().bytes, [] {
+        const std::vector<std::uint8_t> bytes = nestedBytes(depth);
+        const test_support::BorrowedBson bson(bytes);
+        ASSERT_TRUE(bson.isValid());
+
+        const ObjectProperties document = readBson(bson.get());
+
+        EXPECT_EQ(document.key(), "");
+        EXPECT_EQ(written(document).bytes(), bytes);
+    });
+}
+
+TEST_P(DeepConversion, ToJsonEndsWhereTheDriverDoes)
+{
+    test_support::runWithStack(GetParam().bytes, [] {
+        const ObjectProperties document = readBson(test_support::BorrowedBson(nestedBytes(depth)).get());
+        std::string json;
+
+        EXPECT_TRUE(PropertiesToJson::convert(document, json));
+
+        EXPECT_NE(json.find("..."), std::string::npos);
+    });
+}
+
+TEST_P(DeepConversion, FromJsonDeeperThanTheDriverReadsIsRefused)
+{
+    test_support::runWithStack(GetParam().bytes, [] {
+        std::string json;
+        for (int level = 0; level < depth; ++level)
+            json += "{\"g\":";
+        json += "1" + std::string(depth, '}');
+        ObjectProperties document;
+
+        EXPECT_FALSE(JsonToProperties::convert(json, &document));
+
+        EXPECT_TRUE(document.isEmpty());
+    });
+}
+
+INSTANTIATE_TEST_SUITE_P(Stacks, DeepConversion,
+                         testing::Values(StackRow{"Of8MiB", 8U << 20U}, StackRow{"Of256KiB", 256U << 10U}), RowName());
+
+TEST(WideConversion, OfAMillionFieldsGoesBothWays)
+{
+    OwnedBson bson;
+    for (int number = 1000000; number < 2000000; ++number)
+        bson_append_int32(bson.get(), std::to_string(number).c_str(), -1, number);
+
+    const ObjectProperties document = readBson(bson.get());
+
+    ASSERT_EQ(document.childCount(), 1000000U);
+    EXPECT_EQ(written(document), BsonBytes(bson.get()));
+}
+
+TEST(WideConversion, OfAMillionElementsGoesBothWays)
+{
+    OwnedBson bson;
+    appendArray(bson.get(), "list", [](bson_t* list) {
+        for (int number = 1000000; number < 2000000; ++number)
+            bson_append_int32(list, std::to_string(number).c_str(), -1, number);
+    });
+
+    const ObjectProperties document = readBson(bson.get());
+
+    document.beginArray("list");
+    ASSERT_EQ(document.childCount(), 1000000U);
+    EXPECT_EQ(written(document), BsonBytes(bson.get()));
+}
