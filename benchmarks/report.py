@@ -1,0 +1,170 @@
+#!/usr/bin/env python3
+"""Prints the table of ratios from the JSON of a benchmark run, and draws it.
+
+usage: report.py BENCHMARKS.json... [--memory FILE] [--svg FILE] [--markdown]
+
+A ratio is the median time of the library divided by the median time of the peer, both from the repetitions of one run;
+below 1 the library is faster. A goal is the largest ratio wanted.
+"""
+
+import argparse
+import json
+import re
+import statistics
+import sys
+
+SHAPES = {
+    "flat": "flat record, 12 fields",
+    "nested": "nested order, 60 values in 3 levels",
+    "wide_sorted": "1,000 fields, sorted",
+    "wide_shuffled": "1,000 fields, random order",
+    "array_of_documents": "1,000 documents in an array",
+    "deep": "100 levels deep",
+    "texts": "100 texts of 1 KiB",
+    "binary": "1 MiB binary",
+    "array_of_numbers": "array of 10,000 numbers",
+    "conditions": "20 conditions",
+}
+ALL = [shape for shape in SHAPES if shape != "conditions"]
+TREES = [shape for shape in ALL if shape != "array_of_numbers"]
+SMALL = [shape for shape in TREES if shape not in ("texts", "binary")]
+
+# operation, peer, {shape: goal}
+ROWS = [
+    ("bson_to_document", "nlohmann_json",
+     {"flat": 0.55, "nested": 0.60, "wide_sorted": 0.40, "wide_shuffled": 0.70, "array_of_documents": 0.80,
+      "deep": 0.70, "texts": 0.10, "array_of_numbers": 3}),
+    ("bson_to_document", "poco", dict.fromkeys(TREES, 0.5)),
+    ("bson_to_document", "libbson", dict.fromkeys(SMALL, 5)),
+    ("document_to_bson", "libbson", dict.fromkeys(ALL, 1.1)),
+    ("document_to_bson", "nlohmann_json", dict.fromkeys(ALL, 1)),
+    ("copy", "nlohmann_json", {"flat": 2, "nested": 2}),
+    ("free", "nlohmann_json", {"flat": 1.2, "nested": 1.2}),
+    ("read_by_key", "nlohmann_json", {"flat": 1, "nested": 1, "wide_shuffled": 1}),
+    ("read_by_path", "nlohmann_json", {"nested": 0.35}),
+    ("build_by_setters", "nlohmann_json", {"flat": 1.2, "nested": 1.2}),
+    ("set_by_key", "nlohmann_json", {"flat": None, "wide_shuffled": None}),
+    ("filter", "nlohmann_json", {"conditions": 1.5}),
+]
+
+
+def read_times(paths):
+    """Median time in nanoseconds of each benchmark."""
+    times = {}
+    for path in paths:
+        with open(path, encoding="utf-8") as file:
+            benchmarks = json.load(file)["benchmarks"]
+        for entry in benchmarks:
+            if entry.get("error_occurred"):
+                sys.exit(f"{entry['name']}: {entry['error_message']}")
+            if entry["run_type"] == "iteration":
+                times.setdefault(entry["run_name"].replace("/manual_time", ""), []).append(entry["real_time"])
+    return {name: statistics.median(list_of_times) for name, list_of_times in times.items()}
+
+
+def ratios(times):
+    """Rows (operation, shape, peer, ratio, goal, nanoseconds) of what was measured."""
+    for operation, peer, goals in ROWS:
+        for shape, goal in goals.items():
+            own = times.get(f"{operation}/{shape}/database_client")
+            other = times.get(f"{operation}/{shape}/{peer}")
+            if own and other:
+                yield operation.replace("_", " "), SHAPES[shape], peer, own / other, goal, own
+
+
+def memory_row(path):
+    with open(path, encoding="utf-8") as file:
+        found = re.search(r"^flat +database_client +([0-9.]+) bytes", file.read(), re.MULTILINE)
+    return ("memory", SHAPES["flat"], "bytes per field", float(found[1]), 400) if found else None
+
+
+def growth(times):
+    """Per operation: nanoseconds per field at each size."""
+    rows = {}
+    for name, time in times.items():
+        found = re.fullmatch(r"growth/(\w+)/(\d+)", name)
+        if found:
+            rows.setdefault(found[1], {})[int(found[2])] = time / int(found[2])
+    return rows
+
+
+def number(value):
+    return f"{value:.0f}" if value >= 100 else f"{value:.2f}"
+
+
+def print_table(titles, rows, markdown):
+    widths = [max(len(str(row[i])) for row in [titles, *rows]) for i in range(len(titles))]
+    left, right = ("| ", " |") if markdown else ("", "")
+    middle = " | " if markdown else "  "
+    print(left + middle.join(title.ljust(width) for title, width in zip(titles, widths)).rstrip() + right)
+    print(left + middle.join("-" * width for width in widths) + right)
+    for row in rows:
+        print(left + middle.join(str(cell).ljust(width) for cell, width in zip(row, widths)).rstrip() + right)
+    print()
+
+
+def svg(rows):
+    """Bars on a logarithmic scale from 1/32 to 32; the goal is a tick on the bar, the line in the middle is 1."""
+    import math
+    from xml.sax.saxutils import escape
+
+    row_height, left, width = 20, 430, 480
+    def place(ratio):
+        return left + width * (math.log2(min(max(ratio, 1 / 32), 32)) + 5) / 10
+    height = row_height * len(rows) + 70
+    lines = [f'<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 {left + width + 90} {height}" '
+             'font-family="sans-serif" font-size="12">',
+             f'<rect width="{left + width + 90}" height="{height}" fill="#ffffff"/>',
+             '<text x="10" y="20" font-size="14">Time of the library divided by time of the peer '
+             '(left of 1: faster; black tick: goal)</text>']
+    for power in range(-5, 6):
+        x = place(2.0 ** power)
+        label = str(2 ** power) if power >= 0 else f"1/{2 ** -power}"
+        lines.append(f'<line x1="{x:.1f}" y1="45" x2="{x:.1f}" y2="{height - 15}" '
+                     f'stroke="{"#444444" if power == 0 else "#dddddd"}"/>')
+        lines.append(f'<text x="{x:.1f}" y="40" text-anchor="middle" fill="#666666">{label}</text>')
+    for index, (operation, shape, peer, ratio, goal, _) in enumerate(rows):
+        y = 52 + index * row_height
+        begin, end = sorted((place(1), place(ratio)))
+        colour = "#8888aa" if goal is None else "#3a8a5f" if ratio <= goal else "#c06030"
+        lines.append(f'<text x="10" y="{y + 12}">{escape(f"{operation}, {shape}, {peer}")}</text>')
+        lines.append(f'<rect x="{begin:.1f}" y="{y}" width="{max(end - begin, 1):.1f}" height="14" fill="{colour}"/>')
+        if goal is not None:
+            lines.append(f'<rect x="{place(goal) - 1:.1f}" y="{y - 2}" width="2" height="18" fill="#000000"/>')
+        lines.append(f'<text x="{left + width + 10}" y="{y + 12}">{number(ratio)}</text>')
+    return "\n".join([*lines, "</svg>", ""])
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("json", nargs="+")
+    parser.add_argument("--memory", help="output of memory_of_a_document")
+    parser.add_argument("--svg", help="file for the chart")
+    parser.add_argument("--markdown", action="store_true")
+    arguments = parser.parse_args()
+
+    times = read_times(arguments.json)
+    rows = list(ratios(times))
+    table = [(operation, shape, peer, number(ratio), "" if goal is None else goal,
+              "" if goal is None else "yes" if ratio <= goal else "no", f"{own / 1000:.2f}")
+             for operation, shape, peer, ratio, goal, own in rows]
+    memory = arguments.memory and memory_row(arguments.memory)
+    if memory:
+        *what, value, goal = memory
+        table.append((*what, number(value), goal, "yes" if value <= goal else "no", ""))
+    print_table(("operation", "shape", "against", "ratio", "goal", "met", "own time, us"), table, arguments.markdown)
+
+    by_operation = growth(times)
+    if by_operation:
+        sizes = sorted({size for row in by_operation.values() for size in row})
+        print("Nanoseconds per field as documents grow:\n")
+        print_table(("operation", *(f"{size:,} fields" for size in sizes)),
+                    [(operation.replace("_", " "), *(number(row[size]) if size in row else "" for size in sizes))
+                     for operation, row in by_operation.items()], arguments.markdown)
+    if arguments.svg:
+        with open(arguments.svg, "w", encoding="utf-8") as file:
+            file.write(svg(rows))
+
+
+if __name__ == "__main__":
+    main()

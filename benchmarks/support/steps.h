@@ -1,0 +1,44 @@
+#pragma once
+
+#include "object_properties.h"
+
+#include <bson/bson.h>
+#include <nlohmann/json.hpp>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+/// One call that builds a document: a value, or the begin or the end of a nested one.
+struct Step
+{
+    enum Kind
+    {
+        Int32,
+        Int64,
+        Double,
+        Bool,
+        Text,
+        Binary,
+        BeginGroup,
+        BeginArray,
+        EndGroup,
+        EndArray
+    };
+
+    Kind kind;
+    std::string key;
+    std::int64_t integer = 0;
+    double number = 0;
+    std::string text;
+    std::vector<unsigned char> bytes;
+};
+
+std::vector<Step> stepsOf(const std::vector<std::uint8_t>& bson);
+
+/// Follows the steps with the append functions of libbson. @p bson must be initialised.
+void build(const std::vector<Step>& steps, bson_t* bson);
+/// Follows the steps with the setters of the document, from its cursor.
+void build(const std::vector<Step>& steps, ObjectProperties& document);
+/// Follows the steps with operator[] and push_back() of nlohmann/json.
+void build(const std::vector<Step>& steps, nlohmann::json& json);
