@@ -16,22 +16,22 @@ void commonTypes(Tour& tour)
         {"$sort": {"count": -1}},
         {"$limit": 5}]})");
     Step step("the five most common types of subdivision");
-    const Results groups = newResults();
-    tour.client->aggregate(tour.database, subdivisionsCollection, pipeline, *groups);
-    step.done(groups->size());
+    companion::Results groups;
+    tour.client->aggregate(tour.database, subdivisionsCollection, pipeline, groups);
+    step.done(groups.size());
 
     std::map<std::string, long long> expected;
     for (const Subdivision& subdivision : tour.subdivisions)
     {
         ++expected[subdivision.type];
     }
-    for (const ObjectProperties* const group : *groups)
+    for (const ObjectProperties& group : groups)
     {
-        const std::string type = group->valueAsString("_id", "");
-        show(std::to_string(number(*group, "count")) + "  " + type);
-        agree(type, static_cast<std::size_t>(number(*group, "count")), static_cast<std::size_t>(expected[type]));
+        const std::string type = group.valueAsString("_id", "");
+        show(std::to_string(number(group, "count")) + "  " + type);
+        agree(type, static_cast<std::size_t>(number(group, "count")), static_cast<std::size_t>(expected[type]));
     }
-    agree("groups", groups->size(), std::min<std::size_t>(5, expected.size()));
+    agree("groups", groups.size(), std::min<std::size_t>(5, expected.size()));
 }
 
 void matchThenGroup(Tour& tour)
@@ -41,9 +41,9 @@ void matchThenGroup(Tour& tour)
         {"$group": {"_id": "$country", "count": {"$sum": 1}}},
         {"$sort": {"_id": 1}}]})");
     Step step("countries whose subdivisions have parts of their own");
-    const Results groups = newResults();
-    tour.client->aggregate(tour.database, subdivisionsCollection, pipeline, *groups);
-    step.done(groups->size());
+    companion::Results groups;
+    tour.client->aggregate(tour.database, subdivisionsCollection, pipeline, groups);
+    step.done(groups.size());
 
     std::map<std::string, std::size_t> expected;
     for (const Subdivision& subdivision : tour.subdivisions)
@@ -54,14 +54,14 @@ void matchThenGroup(Tour& tour)
         }
     }
     std::string line;
-    for (const ObjectProperties* const group : *groups)
+    for (const ObjectProperties& group : groups)
     {
-        const std::string country = group->valueAsString("_id", "");
-        agree(country, static_cast<std::size_t>(number(*group, "count")), expected[country]);
-        line += country + " " + std::to_string(number(*group, "count")) + "  ";
+        const std::string country = group.valueAsString("_id", "");
+        agree(country, static_cast<std::size_t>(number(group, "count")), expected[country]);
+        line += country + " " + std::to_string(number(group, "count")) + "  ";
     }
     showShort(line);
-    agree("groups", groups->size(), expected.size());
+    agree("groups", groups.size(), expected.size());
 }
 
 void unwind(Tour& tour)
@@ -70,18 +70,18 @@ void unwind(Tour& tour)
         {"$unwind": "$subdivisions"},
         {"$count": "elements"}]})");
     Step step("elements of all arrays of subdivisions");
-    const Results counted = newResults();
-    tour.client->aggregate(tour.database, countriesCollection, pipeline, *counted);
-    step.done(counted->size());
-    agree("answers", counted->size(), 1);
-    show(toJson(*counted->front()));
+    companion::Results counted;
+    tour.client->aggregate(tour.database, countriesCollection, pipeline, counted);
+    step.done(counted.size());
+    agree("answers", counted.size(), 1);
+    show(toJson(counted.front()));
 
     std::size_t expected = 0;
     for (const Country& country : tour.countries)
     {
         expected += country.subdivisions.size();
     }
-    agree("elements", static_cast<std::size_t>(number(*counted->front(), "elements")), expected);
+    agree("elements", static_cast<std::size_t>(number(counted.front(), "elements")), expected);
 }
 
 } // namespace

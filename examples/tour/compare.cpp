@@ -1,6 +1,8 @@
 // Chapter "compare": what comes back is what was sent, value by value, and what to mind when comparing.
 #include "tour.h"
 
+#include <algorithm>
+#include <cstdlib>
 #include <map>
 #include <stdexcept>
 
@@ -29,7 +31,7 @@ bool sameValue(Property& a, Property& b)
     case PropertyType::Time:
         return a.currentValueAsTime(0) == b.currentValueAsTime(0);
     case PropertyType::Double:
-        return a.currentValueAsDouble(0) == b.currentValueAsDouble(0); // the same bits, not just nearly
+        return a.currentValueAsDouble(0) == b.currentValueAsDouble(0); // exactly, not just nearly
     case PropertyType::Binary:
         return a.bytesView() == b.bytesView();
     case PropertyType::Regex:
@@ -38,8 +40,27 @@ bool sameValue(Property& a, Property& b)
     return false;
 }
 
-// Where two subtrees differ first, or an empty text. Members of a group stand in the order of their keys on both sides;
-// elements of an array are put in order first.
+// The children of a node in the order of their keys; those of an array by number, where the tree itself has 10
+// before 2. companion::elements() does it for an array in a document, here it is done for any node.
+std::vector<std::shared_ptr<Property>> childrenInOrder(const Property& node)
+{
+    std::vector<std::shared_ptr<Property>> children;
+    children.reserve(node.childCount());
+    for (const auto& [key, child] : node) // not childByIndex(i), which starts at the first child every time
+    {
+        children.push_back(child);
+    }
+    if (node.isArray())
+    {
+        const auto position = [](const auto& element) { return std::strtol(element->keyView().c_str(), nullptr, 10); };
+        std::stable_sort(children.begin(), children.end(),
+                         [&](const auto& a, const auto& b) { return position(a) < position(b); });
+    }
+    return children;
+}
+
+// Where two subtrees differ first, or an empty text. Elements of an array are compared by their places: their keys are
+// numbers in one document and all the same in the other.
 std::string difference(Property& sent, Property& came, const std::string& where)
 {
     if (sent.type() != came.type() || sent.childCount() != came.childCount() || !sameValue(sent, came))
@@ -47,8 +68,8 @@ std::string difference(Property& sent, Property& came, const std::string& where)
         return where;
     }
     const bool elements = sent.isArray();
-    const std::vector<std::shared_ptr<Property>> left = elements ? elementsInOrder(sent) : members(sent);
-    const std::vector<std::shared_ptr<Property>> right = elements ? elementsInOrder(came) : members(came);
+    const std::vector<std::shared_ptr<Property>> left = childrenInOrder(sent);
+    const std::vector<std::shared_ptr<Property>> right = childrenInOrder(came);
     for (std::size_t i = 0; i < left.size(); ++i)
     {
         const std::string key = elements ? std::to_string(i) : left[i]->key();
@@ -78,24 +99,24 @@ std::map<std::string, const Record*> byId(const std::vector<Record>& records)
 
 // Reads the collection and compares each document with the one that was sent. Returns what came.
 template <typename Record>
-Results compareAll(Tour& tour, const char* collection, const std::vector<Record>& records)
+companion::Results compareAll(Tour& tour, const char* collection, const std::vector<Record>& records)
 {
     const std::map<std::string, const Record*> sent = byId(records);
     Step step(std::string("read ") + collection + " back and compare every value");
-    Results came = newResults();
-    tour.client->read(tour.database, collection, ObjectProperties(), *came);
-    agree(collection, came->size(), records.size());
+    companion::Results came;
+    tour.client->read(tour.database, collection, ObjectProperties(), came);
+    agree(collection, came.size(), records.size());
     std::size_t done = 0;
-    for (ObjectProperties* const document : *came)
+    for (ObjectProperties& document : came)
     {
-        const auto origin = sent.find(document->valueAsId("_id", ""));
+        const auto origin = sent.find(document.valueAsId("_id", ""));
         if (origin == sent.end())
         {
             throw std::runtime_error(std::string(collection) +
-                                     ": a document that was never written: " + toJson(*document));
+                                     ": a document that was never written: " + toJson(document));
         }
-        document->remove("_id"); // the server's, not ours
-        const std::string found = difference(*origin->second->document.root(), *document->root(), "");
+        document.remove("_id"); // the server's, not ours
+        const std::string found = difference(*origin->second->document.root(), *document.root(), "");
         if (!found.empty())
         {
             throw std::runtime_error(std::string(collection) + ": " + origin->second->code + " differs in " + found);
@@ -108,7 +129,7 @@ Results compareAll(Tour& tour, const char* collection, const std::vector<Record>
 }
 
 // The text of a document that was read shows its arrays in the order of the tree: 0, 1, 10, 2 ...
-void showTheArrayTrap(Tour& tour, const std::list<ObjectProperties*>& came)
+void showTheArrayTrap(Tour& tour, const companion::Results& came)
 {
     std::map<std::string, const Country*> sent;
     for (const Country& country : tour.countries)
@@ -118,16 +139,16 @@ void showTheArrayTrap(Tour& tour, const std::list<ObjectProperties*>& came)
     Step step("compare the same countries as JSON text");
     std::size_t differ = 0;
     std::size_t beyondTen = 0;
-    for (const ObjectProperties* const document : came)
+    for (const ObjectProperties& document : came)
     {
-        const Country& country = *sent.at(document->valueAsString("code", ""));
-        differ += toJson(country.document) != toJson(*document) ? 1 : 0;
+        const Country& country = *sent.at(document.valueAsString("code", ""));
+        differ += toJson(country.document) != toJson(document) ? 1 : 0;
         beyondTen += country.subdivisions.size() > 10 ? 1 : 0;
     }
     step.done(came.size());
     show(std::to_string(differ) + " differ; " + std::to_string(beyondTen) + " have more than ten subdivisions");
-    note("an array that was read keeps its elements as 0, 1, 10, 11, 2 ...: put them in order by number before using "
-         "them");
+    note("an array that was read keeps its elements as 0, 1, 10, 11, 2 ...: put them in order by number "
+         "(companion::elements())");
 }
 
 } // namespace
@@ -137,8 +158,8 @@ void compare(Tour& tour)
     needStored(tour);
     title("compare", "what comes back is what was sent");
     compareAll(tour, subdivisionsCollection, tour.subdivisions);
-    const Results countries = compareAll(tour, countriesCollection, tour.countries);
-    showTheArrayTrap(tour, *countries);
+    const companion::Results countries = compareAll(tour, countriesCollection, tour.countries);
+    showTheArrayTrap(tour, countries);
 }
 
 } // namespace tour

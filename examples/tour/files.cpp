@@ -1,11 +1,13 @@
 // Chapter "files": files of this system are stored, listed, read back and removed.
 #include "tour.h"
 
-#include <zlib.h>
+#include <companion/files.h>
 
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <cstdint>
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -24,22 +26,8 @@ struct File
     std::string name; ///< what the server knows it by
     std::string path;
     std::size_t size = 0;
-    unsigned long checksum = 0; ///< CRC-32
+    std::uint32_t checksum = 0; ///< CRC-32
 };
-
-unsigned long checksumOf(std::istream& content, std::size_t& size)
-{
-    unsigned long checksum = crc32(0, nullptr, 0);
-    std::array<char, 4096> buffer{};
-    size = 0;
-    while (content.read(buffer.data(), buffer.size()), content.gcount() > 0)
-    {
-        const auto read = static_cast<uInt>(content.gcount());
-        checksum = crc32(checksum, reinterpret_cast<const Bytef*>(buffer.data()), read);
-        size += read;
-    }
-    return checksum;
-}
 
 std::string lowerCase(std::string text)
 {
@@ -57,11 +45,19 @@ void take(const fs::path& path, const fs::path& folder, std::vector<File>& files
     file.path = path.string();
     const auto sameName = [&](const File& other) { return lowerCase(other.name) == lowerCase(file.name); };
     std::ifstream content(path, std::ios::binary);
-    if (content && std::none_of(files.begin(), files.end(), sameName))
+    if (!content || std::any_of(files.begin(), files.end(), sameName))
     {
-        file.checksum = checksumOf(content, file.size);
-        files.push_back(file);
+        return;
     }
+    companion::Crc32 checksum;
+    std::array<char, 4096> buffer{};
+    while (content.read(buffer.data(), buffer.size()), content.gcount() > 0)
+    {
+        checksum.add(buffer.data(), static_cast<std::size_t>(content.gcount()));
+        file.size += static_cast<std::size_t>(content.gcount());
+    }
+    file.checksum = checksum.value();
+    files.push_back(file);
 }
 
 // Real files: the records themselves, then what the share folders hold.
@@ -130,10 +126,10 @@ void readBack(Tour& tour, const std::vector<File>& files)
     std::size_t done = 0;
     for (const File& file : files)
     {
-        std::stringstream content; // any stream will do; the library itself holds 4096 bytes at a time
-        tour.client->readFile(tour.database, store, file.name, &content);
-        std::size_t size = 0;
-        if (checksumOf(content, size) != file.checksum || size != file.size)
+        std::ofstream nowhere("/dev/null");
+        companion::Download download(nowhere); // any iostream will do; this one counts and makes the checksum
+        tour.client->readFile(tour.database, store, file.name, &download);
+        if (download.crc32() != file.checksum || download.bytes() != file.size)
         {
             throw std::runtime_error(file.name + " came back changed");
         }
@@ -143,7 +139,7 @@ void readBack(Tour& tour, const std::vector<File>& files)
     const auto& largest =
         *std::max_element(files.begin(), files.end(), [](const File& a, const File& b) { return a.size < b.size; });
     char checksum[16];
-    std::snprintf(checksum, sizeof checksum, "%08lx", largest.checksum);
+    std::snprintf(checksum, sizeof checksum, "%08lx", static_cast<unsigned long>(largest.checksum));
     show("the largest: " + largest.name + ", " + std::to_string(largest.size) + " bytes, CRC-32 " + checksum);
 }
 

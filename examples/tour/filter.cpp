@@ -15,13 +15,13 @@ void run(Tour& tour, const std::string& what, const ObjectFilter& filter,
 {
     const ObjectProperties query = filter.toObjectProeprties();
     Step step(what);
-    const Results found = newResults();
-    tour.client->read(tour.database, countriesCollection, query, *found);
-    step.done(found->size());
+    companion::Results found;
+    tour.client->read(tour.database, countriesCollection, query, found);
+    step.done(found.size());
     showShort(toJson(query));
 
     const auto expected = std::count_if(tour.countries.begin(), tour.countries.end(), same);
-    agree(what, found->size(), static_cast<std::size_t>(expected));
+    agree(what, found.size(), static_cast<std::size_t>(expected));
 }
 
 void range(Tour& tour)

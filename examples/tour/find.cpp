@@ -16,11 +16,11 @@ void oneByField(Tour& tour)
     query.setValueString("code", wanted.code);
 
     Step step("query: the country whose code is " + wanted.code);
-    const Results found = newResults();
-    tour.client->read(tour.database, countriesCollection, query, *found);
-    step.done(found->size());
-    agree("countries with that code", found->size(), 1);
-    const ObjectProperties& country = *found->front();
+    companion::Results found;
+    tour.client->read(tour.database, countriesCollection, query, found);
+    step.done(found.size());
+    agree("countries with that code", found.size(), 1);
+    const ObjectProperties& country = found.front();
     show(country.valueAsString("name", "?") + ", " + std::to_string(country.valueAsInt32("numeric", 0)) + ", " +
          country.valueAsString("names/alpha3", "?") + ", flag of " +
          std::to_string(country.valueAsBinary("flag", {}).size()) + " bytes");
@@ -34,11 +34,11 @@ void oneByNestedField(Tour& tour)
     query.setValueString("subdivisions.code", wanted.code);
 
     Step step("query: the country that holds " + wanted.code);
-    const Results found = newResults();
-    tour.client->read(tour.database, countriesCollection, query, *found);
-    step.done(found->size());
-    agree("countries that hold it", found->size(), 1);
-    show(found->front()->valueAsString("name", "?") + " holds " + wanted.name);
+    companion::Results found;
+    tour.client->read(tour.database, countriesCollection, query, found);
+    step.done(found.size());
+    agree("countries that hold it", found.size(), 1);
+    show(found.front().valueAsString("name", "?") + " holds " + wanted.name);
 }
 
 // A query with an order has the form {"$query": {...}, "$orderby": {...}}. Fields are written in the order of their
@@ -46,21 +46,17 @@ void oneByNestedField(Tour& tour)
 void someInOrder(Tour& tour)
 {
     ObjectProperties query;
-    query.beginGroup("$query");
-    query.setValueBool("divided", false);
-    query.endGroup();
-    query.beginGroup("$orderby");
-    query.setValueInt32("name", -1);
-    query.endGroup();
+    query.setValueBool("$query/divided", false);
+    query.setValueInt32("$orderby/name", -1);
 
     ObjectProperties projection;
     projection.setValueInt32("name", 1);
     projection.setValueInt32("_id", 0);
 
     Step step("projection, order, limit 3, skip 2: undivided, from Z to A");
-    const Results found = newResults();
-    tour.client->find(tour.database, countriesCollection, query, projection, *found, 3, 2);
-    step.done(found->size());
+    companion::Results found;
+    tour.client->find(tour.database, countriesCollection, query, projection, found, 3, 2);
+    step.done(found.size());
 
     std::vector<std::string> names;
     for (const Country& country : tour.countries)
@@ -73,10 +69,10 @@ void someInOrder(Tour& tour)
     std::sort(names.rbegin(), names.rend());
     std::size_t place = 2;
     std::size_t inPlace = 0;
-    for (const ObjectProperties* const country : *found)
+    for (const ObjectProperties& country : found)
     {
-        show(toJson(*country));
-        inPlace += country->valueAsString("name", "") == names.at(place++) ? 1 : 0;
+        show(toJson(country));
+        inPlace += country.valueAsString("name", "") == names.at(place++) ? 1 : 0;
     }
     agree("countries in their place", inPlace, 3);
 }
@@ -85,25 +81,22 @@ void allPageByPage(Tour& tour)
 {
     constexpr int pageSize = 1000;
     ObjectProperties query;
-    query.beginGroup("$query");
-    query.endGroup();
-    query.beginGroup("$orderby"); // without an order the pages of a changing collection may overlap
-    query.setValueInt32("code", 1);
-    query.endGroup();
+    query.include("$query", ObjectProperties()); // an empty query matches everything
+    query.setValueInt32("$orderby/code", 1);     // without an order the pages of a changing collection may overlap
 
     Step step("all subdivisions in pages of " + std::to_string(pageSize));
-    const Results found = newResults(); // find() appends: one list takes all pages
-    for (int skip = 0; found->size() == static_cast<std::size_t>(skip); skip += pageSize)
+    companion::Results found; // find() appends: one list takes all pages
+    for (int skip = 0; found.size() == static_cast<std::size_t>(skip); skip += pageSize)
     {
-        tour.client->find(tour.database, subdivisionsCollection, query, ObjectProperties(), *found, pageSize, skip);
-        step.progress(found->size(), tour.subdivisions.size());
+        tour.client->find(tour.database, subdivisionsCollection, query, ObjectProperties(), found, pageSize, skip);
+        step.progress(found.size(), tour.subdivisions.size());
     }
-    step.done(found->size());
+    step.done(found.size());
 
     std::set<std::string> codes;
-    for (const ObjectProperties* const subdivision : *found)
+    for (const ObjectProperties& subdivision : found)
     {
-        codes.insert(subdivision->valueAsString("code", ""));
+        codes.insert(subdivision.valueAsString("code", ""));
     }
     agree("different codes", codes.size(), tour.subdivisions.size());
 }
@@ -112,9 +105,9 @@ void refused(Tour& tour)
 {
     const ObjectProperties query = fromJson(R"({"name": {"$nearly": "France"}})");
     Step step("a query that is none: " + toJson(query));
-    const Results found = newResults();
-    const std::string said = answer([&] { tour.client->read(tour.database, countriesCollection, query, *found); });
-    step.done(found->size());
+    companion::Results found;
+    const std::string said = answer([&] { tour.client->read(tour.database, countriesCollection, query, found); });
+    step.done(found.size());
     show(said);
 }
 

@@ -1,6 +1,6 @@
 // A tour of the library on real data: reads the ISO 3166 records of countries and their subdivisions and takes them
 // through everything that the library does. Start reading at load.cpp; each chapter is one function in one file.
-#include "own_database.h"
+#include "driver.h"
 #include "tour.h"
 
 #include <CLI/CLI.hpp>
@@ -26,7 +26,7 @@ constexpr Chapter chapters[] = {
     {"write", "insert thousands of documents", tour::write, true},
     {"find", "query, projection, order, limit and skip", tour::find, true},
     {"filter", "queries built call by call, and the JSON they make", tour::filter, true},
-    {"update", "operators, every document at once, upsert", tour::update, true},
+    {"update", "operators, every match at once, upsert", tour::update, true},
     {"aggregate", "group, sort and count on the server", tour::aggregate, true},
     {"compare", "read everything back and compare every value", tour::compare, true},
     {"remove", "delete what matches a query", tour::remove, true},
@@ -55,13 +55,6 @@ void list()
     }
 }
 
-// connect() sends nothing: the first operation tells whether there is a server.
-void connect(Tour& tour)
-{
-    tour.client->connect(tour.options.uri);
-    tour::count(tour, "nothing", ObjectProperties());
-}
-
 void run(Tour& tour, const std::vector<std::string>& wanted)
 {
     tour.client = std::make_unique<DataBaseClient>();
@@ -70,7 +63,7 @@ void run(Tour& tour, const std::vector<std::string>& wanted)
     std::unique_ptr<tour::OwnDatabase> database;
     if (std::any_of(wanted.begin(), wanted.end(), [](const std::string& name) { return chapter(name).needsServer; }))
     {
-        connect(tour);
+        tour::connect(*tour.client, tour.options.uri, tour.database);
         database = std::make_unique<tour::OwnDatabase>(tour.options.uri, tour.database);
     }
     for (const std::string& name : wanted)
@@ -80,21 +73,24 @@ void run(Tour& tour, const std::vector<std::string>& wanted)
     if (database)
     {
         database->drop();
-        std::cout << "\ndropped the database of the tour, " << tour.database << '\n';
+        std::cout << "\ndropped the database of the tour, " << tour.database << std::endl;
     }
 }
 
-// All of them, without the users when there is no server to have them on.
-std::vector<std::string> everything(const tour::Options& options)
+// All of them, but the users only when there is a server to have them on.
+void runAll(Tour& tour)
 {
     std::vector<std::string> wanted = names();
-    if (options.authUri.empty())
+    const bool withUsers = !tour.options.authUri.empty();
+    if (!withUsers)
     {
         wanted.pop_back();
-        std::cout
-            << "chapter users is left out: it needs --auth-uri, an administrator on a server with authentication\n";
     }
-    return wanted;
+    run(tour, wanted);
+    if (!withUsers)
+    {
+        std::cout << "left out chapter users: it needs --auth-uri, an administrator on a server with authentication\n";
+    }
 }
 
 } // namespace
@@ -129,9 +125,10 @@ int main(int argc, char** argv)
     try
     {
         tour::endOnInterrupt();
+        tour::onlyWarningsOfTheDriver();
         Tour tour;
         tour.options = options;
-        run(tour, wanted.empty() ? everything(options) : wanted);
+        wanted.empty() ? runAll(tour) : run(tour, wanted);
         return 0;
     }
     catch (const std::exception& problem)

@@ -47,10 +47,4 @@ std::vector<Subdivision> subdivisionsFrom(const ObjectProperties& json);
 void fillDocument(Subdivision& subdivision, const std::string& batch, long long now);
 void fillDocument(Country& country, std::size_t allSubdivisions, const std::string& batch, long long now);
 
-/// The children of a node in the order of their keys.
-std::vector<std::shared_ptr<Property>> members(const Property& node);
-/// The elements of an array in the order in which they were meant. Children are ordered by key as text, so that the
-/// elements of an array that was read (keys 0, 1, 2 ...) stand as 0, 1, 10, 11, 2 ...
-std::vector<std::shared_ptr<Property>> elementsInOrder(const Property& array);
-
 } // namespace tour

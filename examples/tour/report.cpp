@@ -63,8 +63,9 @@ void Step::done(std::size_t count, const std::string& unit)
     {
         std::cout << "\r\033[K"; // back to the first column, and clears the line
     }
+    const std::string counted = count == 1 && unit.back() == 's' ? unit.substr(0, unit.size() - 1) : unit;
     char figures[96];
-    std::snprintf(figures, sizeof figures, "%6zu %-9s %8.3f s", count, unit.c_str(), time.count());
+    std::snprintf(figures, sizeof figures, "%6zu %-9s %8.3f s", count, counted.c_str(), time.count());
     std::cout << "  " << m_what << std::string(m_what.size() < 58 ? 58 - m_what.size() : 1, ' ') << figures;
     if (count > 1 && time.count() > 0)
     {

@@ -12,9 +12,9 @@ std::size_t count(Tour& tour, const std::string& collection, const ObjectPropert
 {
     ObjectProperties onlyIds;
     onlyIds.setValueInt32("_id", 1);
-    const Results found = newResults();
-    tour.client->find(tour.database, collection, query, onlyIds, *found, 0, 0);
-    return found->size();
+    companion::Results found;
+    tour.client->find(tour.database, collection, query, onlyIds, found, 0, 0);
+    return found.size();
 }
 
 ObjectProperties fromJson(const std::string& json)

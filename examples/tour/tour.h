@@ -1,8 +1,8 @@
 #pragma once
 
-#include "../results.h"
 #include "records.h"
 #include "report.h"
+#include <companion/results.h>
 
 #include <database_client.h>
 

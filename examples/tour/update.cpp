@@ -1,6 +1,8 @@
 // Chapter "update": the document passed is the operand of the operator that the command names.
 #include "tour.h"
 
+#include <algorithm>
+
 namespace tour {
 
 namespace {
@@ -9,36 +11,41 @@ constexpr const char* notesCollection = "notes";
 
 std::size_t countWith(Tour& tour, const std::string& field)
 {
-    return count(tour, subdivisionsCollection, fromJson("{\"" + field + "\": {\"$exists\": true}}"));
+    return count(tour, countriesCollection, fromJson("{\"" + field + "\": {\"$exists\": true}}"));
 }
 
-// One field comes, gets another name and goes again, in every document.
-void everyDocument(Tour& tour)
+// One field comes, gets another name and goes again, in every country that has no subdivisions.
+void everyMatch(Tour& tour)
 {
     struct Round
     {
         const char* what;
         UpdateCommand command;
         const char* operand;
-        const char* field; ///< what every document has afterwards
+        bool visited; ///< whether the countries have this field afterwards
+        bool seen;
     };
     const Round rounds[] = {
-        {"$set, every document", UpdateCommandSet, R"({"visited": true})", "visited"},
-        {"$rename, every document", UpdateCommandRename, R"({"visited": "seen"})", "seen"},
-        {"$unset, every document", UpdateCommandUnset, R"({"seen": ""})", "code"},
+        {"$set, every undivided country", UpdateCommandSet, R"({"visited": true})", true, false},
+        {"$rename", UpdateCommandRename, R"({"visited": "seen"})", false, true},
+        {"$unset", UpdateCommandUnset, R"({"seen": ""})", false, false},
     };
-    const ObjectProperties all;
+    const auto undivided = static_cast<std::size_t>(std::count_if(
+        tour.countries.begin(), tour.countries.end(), [](const Country& c) { return c.subdivisions.empty(); }));
+    const ObjectProperties query = fromJson(R"({"divided": false})");
     for (const Round& round : rounds)
     {
         Step step(round.what);
-        tour.client->update(tour.database, subdivisionsCollection, all, fromJson(round.operand), UpdateFlagMultiUpdate,
+        tour.client->update(tour.database, countriesCollection, query, fromJson(round.operand), UpdateFlagMultiUpdate,
                             round.command);
-        step.done(tour.subdivisions.size());
-        show(std::string(round.operand) + ": " + std::to_string(countWith(tour, round.field)) + " have \"" +
-             round.field + "\" now");
-        agree(round.what, countWith(tour, round.field), tour.subdivisions.size());
+        step.done(undivided);
+        const std::size_t visited = countWith(tour, "visited");
+        const std::size_t seen = countWith(tour, "seen");
+        show(std::string(round.operand) + " -> " + std::to_string(visited) + " have \"visited\", " +
+             std::to_string(seen) + " have \"seen\"");
+        agree("visited", visited, round.visited ? undivided : 0);
+        agree("seen", seen, round.seen ? undivided : 0);
     }
-    agree("what $unset left", countWith(tour, "seen") + countWith(tour, "visited"), 0);
 }
 
 // The document that has this id, changed or, when there is none, inserted.
@@ -49,10 +56,10 @@ void oneNote(Tour& tour, const ObjectProperties& query, const std::string& what,
     tour.client->update(tour.database, notesCollection, query, fromJson(operand), flag, command);
     step.done(1);
 
-    const Results found = newResults();
-    tour.client->find(tour.database, notesCollection, query, fromJson(R"({"_id": 0})"), *found, 0, 0);
-    agree("notes with that id", found->size(), 1);
-    show(operand + " -> " + toJson(*found->front()));
+    companion::Results found;
+    tour.client->find(tour.database, notesCollection, query, fromJson(R"({"_id": 0})"), found, 0, 0);
+    agree("notes with that id", found.size(), 1);
+    show(operand + " -> " + toJson(found.front()));
 }
 
 void oneDocument(Tour& tour)
@@ -89,8 +96,8 @@ void refused(Tour& tour)
 void update(Tour& tour)
 {
     needStored(tour);
-    title("update", "operators on one document, on every one, and on one that is not there yet");
-    everyDocument(tour);
+    title("update", "operators on every match, on one document, and on one that is not there yet");
+    everyMatch(tour);
     oneDocument(tour);
     refused(tour);
 }

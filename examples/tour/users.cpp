@@ -1,7 +1,7 @@
 // Chapter "users": a user is added, logs in, gets another password and is removed, on a server with authentication.
 #include "tour.h"
 
-#include "own_database.h"
+#include "driver.h"
 
 #include <stdexcept>
 
@@ -29,8 +29,8 @@ std::string logIn(const Tour& tour, const std::string& password)
     DataBaseClient client;
     client.connect(uriFor(tour, password));
     return answer([&] {
-        const Results found = newResults();
-        client.read(tour.database, "visits", ObjectProperties(), *found);
+        companion::Results found;
+        client.read(tour.database, "visits", ObjectProperties(), found);
     });
 }
 
@@ -48,17 +48,15 @@ void tryPassword(const Tour& tour, const std::string& what, const std::string& p
 {
     Step step(what);
     const std::string said = logIn(tour, password);
-    step.done(1, "log-in");
+    step.done(1, "log-ins");
     mustBe(said, accepted);
 }
 
 ObjectProperties rolesIn(const std::string& database)
 {
     ObjectProperties roles; // a list: its members are 0, 1, 2 ...
-    roles.beginGroup("0");
-    roles.setValueString("role", "readWrite");
-    roles.setValueString("db", database);
-    roles.endGroup();
+    roles.setValueString("0/role", "readWrite");
+    roles.setValueString("0/db", database);
     return roles;
 }
 
@@ -71,11 +69,11 @@ void work(const Tour& tour, const std::string& password)
     ObjectProperties visit;
     visit.setValueString("place", "Andorra");
     client.write(tour.database, "visits", visit);
-    const Results found = newResults();
-    client.read(tour.database, "visits", visit, *found);
-    step.done(found->size());
-    agree("visits", found->size(), 1);
-    show(toJson(*found->front()));
+    companion::Results found;
+    client.read(tour.database, "visits", visit, found);
+    step.done(found.size());
+    agree("visits", found.size(), 1);
+    show(toJson(found.front()));
 }
 
 /// Removes the user when the chapter ends early: dropping a database leaves its users in place.
@@ -112,7 +110,7 @@ AddedUser add(const Tour& tour, DataBaseClient& administrator, const std::string
     customData.setValueString("purpose", "tour");
     Step step("add a user with a role and data of its own");
     administrator.addUser(tour.database, userName, password, rolesIn(tour.database), customData);
-    step.done(1, "user");
+    step.done(1, "users");
     return AddedUser(administrator, tour.database);
 }
 
@@ -120,7 +118,7 @@ void change(const Tour& tour, DataBaseClient& administrator, const std::string& 
 {
     Step step("change its password");
     administrator.changeUserPassword(tour.database, userName, password);
-    step.done(1, "user");
+    step.done(1, "users");
 }
 
 void giveRoles(const Tour& tour, DataBaseClient& administrator)
@@ -130,7 +128,7 @@ void giveRoles(const Tour& tour, DataBaseClient& administrator)
     Step step("give it roles and data anew");
     const std::string said =
         answer([&] { administrator.updateUser(tour.database, userName, rolesIn(tour.database), customData); });
-    step.done(1, "user");
+    step.done(1, "users");
     showShort(said);
 }
 
@@ -140,7 +138,7 @@ void users(Tour& tour)
 {
     title("users", "a user is added, logs in, gets another password and is removed");
     DataBaseClient administrator;
-    administrator.connect(tour.options.authUri);
+    connect(administrator, tour.options.authUri, tour.database);
     const std::string first = administrator.createId();
     const std::string second = administrator.createId();
 
@@ -156,7 +154,7 @@ void users(Tour& tour)
 
     Step step("remove the user");
     user.remove();
-    step.done(1, "user");
+    step.done(1, "users");
     tryPassword(tour, "log in once more", second, false);
     visits.drop();
 }

@@ -1,0 +1,127 @@
+// What the library leaves to the driver: its messages, and dropping a database. Everything else of the tour needs the
+// library alone. The driver is running by then: the first DataBaseClient has started it.
+#include "driver.h"
+
+#include <companion/results.h>
+
+#include <database_client.h>
+
+#include <mongoc/mongoc.h>
+
+#include <iostream>
+#include <memory>
+#include <stdexcept>
+#include <utility>
+
+namespace tour {
+
+namespace {
+
+template <auto Destroy>
+struct DestroyWith
+{
+    template <typename Handle>
+    void operator()(Handle* handle) const noexcept
+    {
+        Destroy(handle);
+    }
+};
+using ClientHandle = std::unique_ptr<mongoc_client_t, DestroyWith<mongoc_client_destroy>>;
+using DatabaseHandle = std::unique_ptr<mongoc_database_t, DestroyWith<mongoc_database_destroy>>;
+
+// What the driver says goes to standard error; while a DriverMessages lives it goes there.
+void takeMessage(mongoc_log_level_t level, const char* domain, const char* message, void* kept)
+{
+    if (kept != nullptr)
+    {
+        std::string& text = *static_cast<std::string*>(kept);
+        text += (text.empty() ? "" : "; ") + std::string(message);
+    }
+    else if (level <= MONGOC_LOG_LEVEL_WARNING)
+    {
+        mongoc_log_default_handler(level, domain, message, nullptr);
+    }
+}
+
+class DriverMessages
+{
+public:
+    DriverMessages() { mongoc_log_set_handler(takeMessage, &m_text); }
+    DriverMessages(const DriverMessages&) = delete;
+    DriverMessages& operator=(const DriverMessages&) = delete;
+    ~DriverMessages() { onlyWarningsOfTheDriver(); }
+    const std::string& text() const { return m_text; }
+
+private:
+    std::string m_text;
+};
+
+// The library says that a connection string is wrong, the driver why.
+void connectWithReason(DataBaseClient& client, const std::string& uri)
+{
+    const DriverMessages messages;
+    try
+    {
+        client.connect(uri);
+    }
+    catch (const std::runtime_error& failed)
+    {
+        throw std::runtime_error(std::string(failed.what()) + ": " + messages.text());
+    }
+}
+
+} // namespace
+
+void onlyWarningsOfTheDriver()
+{
+    mongoc_log_set_handler(takeMessage, nullptr);
+}
+
+void connect(DataBaseClient& client, const std::string& uri, const std::string& database)
+{
+    connectWithReason(client, uri);
+    try
+    {
+        companion::Results found;
+        client.find(database, "nothing", ObjectProperties(), ObjectProperties(), found, 1, 0);
+    }
+    catch (const std::runtime_error& failed)
+    {
+        throw std::runtime_error(std::string("no answer from the server: ") + failed.what());
+    }
+}
+
+OwnDatabase::OwnDatabase(std::string uri, std::string name) : m_uri(std::move(uri)), m_name(std::move(name)) {}
+
+OwnDatabase::~OwnDatabase()
+{
+    try
+    {
+        drop();
+    }
+    catch (const std::exception& problem)
+    {
+        std::cerr << "tour: the database " << m_name << " is left behind: " << problem.what() << '\n';
+    }
+}
+
+void OwnDatabase::drop()
+{
+    if (std::exchange(m_dropped, true))
+    {
+        return;
+    }
+    const ClientHandle client(mongoc_client_new(m_uri.c_str()));
+    if (!client)
+    {
+        throw std::runtime_error("no connection");
+    }
+    const DatabaseHandle database(mongoc_client_get_database(client.get(), m_name.c_str()));
+    bson_error_t error{};
+    if (!mongoc_database_drop(database.get(), &error))
+    {
+        throw std::runtime_error(error.message);
+    }
+}
+
+} // namespace tour
