@@ -1,0 +1,74 @@
+// Builds a query call by call, shows it as JSON and uses it.
+#include "example.h"
+
+#include <object_filter.h>
+#include <properties_to_json.h>
+
+#include <iostream>
+
+namespace {
+
+void writePeople(DataBaseClient& client, const std::string& database)
+{
+    const struct
+    {
+        const char* name;
+        int age;
+    } people[] = {{"Ada", 36}, {"Alan", 41}, {"Edsger", 72}, {"Grace", 85}, {"Konrad", 85}};
+    for (const auto& person : people)
+    {
+        ObjectProperties document;
+        document.setValueString("name", person.name);
+        document.setValueInt32("age", person.age);
+        client.write(database, "people", document);
+    }
+}
+
+// The name begins with "a", or the age lies between 60 and 80.
+ObjectFilter someOfThem()
+{
+    ObjectFilter filter;
+    filter.start_or();
+    filter.setFilterString(OperationTypeRegex, "name", "^a", "i");
+    filter.start_and(); // inside a list every condition is an element of its own
+    filter.setFilterInt(OperationTypeGreaterOrEqual, "age", 60);
+    filter.setFilterInt(OperationTypeLess, "age", 80);
+    filter.finish_and();
+    filter.finish_or();
+    return filter;
+}
+
+void printMatches(DataBaseClient& client, const std::string& database, const ObjectProperties& query)
+{
+    std::string json;
+    PropertiesToJson::convert(query, json);
+    std::cout << json << '\n';
+
+    ObjectProperties inOrder;
+    inOrder.include("$query", query);
+    inOrder.setValueInt32("$orderby/name", 1);
+    companion::Results found;
+    client.read(database, "people", inOrder, found);
+    for (const ObjectProperties& person : found)
+    {
+        std::cout << "  " << person.valueAsString("name", "?") << '\n';
+    }
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+try
+{
+    DataBaseClient client;
+    client.connect(uriFrom(argc, argv));
+    const std::string database = databaseOf(client);
+    writePeople(client, database);
+    printMatches(client, database, someOfThem().toObjectProeprties());
+    client.remove(database, "people", ObjectProperties());
+}
+catch (const std::exception& problem)
+{
+    std::cerr << problem.what() << '\n';
+    return 1;
+}

@@ -1,0 +1,76 @@
+// Loads the library at run time: this program is not linked with it. Three factories are looked up by name; everything
+// else is called through the virtual interfaces. Members that are not virtual, such as DataBaseClient::instance(), and
+// objects made without a factory would need the library at link time.
+#include <companion/results.h>
+#include <database_client.h>
+#include <object_filter.h>
+#include <object_properties.h>
+
+#include <dlfcn.h>
+
+#include <cstdlib>
+#include <iostream>
+#include <stdexcept>
+
+namespace {
+
+struct CloseLibrary
+{
+    void operator()(void* library) const { dlclose(library); }
+};
+using Library = std::unique_ptr<void, CloseLibrary>;
+
+// A new object from the factory of this name, owned.
+template <typename Object>
+std::unique_ptr<Object> make(const Library& library, const char* factory)
+{
+    void* const found = dlsym(library.get(), factory);
+    if (found == nullptr)
+    {
+        throw std::runtime_error(dlerror());
+    }
+    return std::unique_ptr<Object>(reinterpret_cast<Object* (*)()>(found)());
+}
+
+void run(const Library& library, const std::string& uri)
+{
+    const auto client = make<DataBaseClient>(library, "createDataBaseClient");
+    client->connect(uri);
+    std::string database;
+    client->getDatabaseName(database);
+
+    const auto document = make<ObjectProperties>(library, "createObjectProperties");
+    document->setValueString("name", "Lisbon");
+    client->write(database, "cities", *document);
+
+    const auto filter = make<ObjectFilter>(library, "createObjectFilter");
+    filter->setFilterString(OperationTypeRegex, "name", "^lis", "i");
+    // Built in place: neither copied nor destroyed as a temporary, for which the library would have to be linked.
+    const std::unique_ptr<ObjectProperties> query(new ObjectProperties(filter->toObjectProeprties()));
+
+    companion::Results found;
+    client->read(database, "cities", *query, found);
+    for (const ObjectProperties& city : found)
+    {
+        std::cout << city.valueAsString("name", "?") << '\n';
+    }
+    client->remove(database, "cities", *query);
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+try
+{
+    const Library library(dlopen("libdatabase_client.so.1", RTLD_NOW));
+    if (!library)
+    {
+        throw std::runtime_error(dlerror());
+    }
+    run(library, argc > 1 ? argv[1] : "mongodb://127.0.0.1:27017/example"); // every object ends before the library
+}
+catch (const std::exception& problem)
+{
+    std::cerr << problem.what() << '\n';
+    return 1;
+}

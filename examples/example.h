@@ -1,0 +1,23 @@
+#pragma once
+
+#include <companion/results.h>
+
+#include <database_client.h>
+
+#include <cstdlib>
+#include <string>
+
+// Where the examples find their server: the first argument, else MONGODB_URI, else this machine.
+inline std::string uriFrom(int argc, char** argv)
+{
+    const char* const fromEnvironment = std::getenv("MONGODB_URI");
+    return argc > 1 ? argv[1] : fromEnvironment != nullptr ? fromEnvironment : "mongodb://127.0.0.1:27017/";
+}
+
+// The database that the connection string names, as in mongodb://host/name.
+inline std::string databaseOf(DataBaseClient& client)
+{
+    std::string name;
+    client.getDatabaseName(name);
+    return name.empty() ? "example" : name;
+}
