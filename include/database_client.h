@@ -80,6 +80,7 @@ public:
     virtual void connect(const std::string& uri);
     /// Drops the connection, if there is one.
     virtual void disconnect();
+    /// Whether connect() has succeeded since the last disconnect(). Asks no server.
     virtual bool isConnected() const;
     /// Inserts a document; the id is thrown away. Calls the virtual four-argument write.
     virtual void write(const std::string& database, const std::string& collection, const ObjectProperties& document);

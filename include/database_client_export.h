@@ -3,4 +3,5 @@
 /// @file
 /// Marks what the library exports. Everything else is compiled with hidden visibility.
 
+/// Goes before the name of a class or function that programs may use.
 #define DATABASE_CLIENT_API __attribute__((visibility("default")))

@@ -61,22 +61,31 @@ public:
     virtual void finish_or();
     /// Puts the following conditions inside a sub-document; no part of the lists.
     virtual void beginGroup(const std::string& key);
+    /// Ends the innermost beginGroup().
     virtual void endGroup();
-    /// @param options regular expression options such as "i"; ignored unless @p operation is OperationTypeRegex
+    /// @name Conditions
+    /// What each adds to the query is told at OperationType.
+    /// @{
+
+    /// Adds a condition: the value under @p key compares with @p value as @p operation says.
+    /// For texts also options of a regular expression, such as "i", ignored unless @p operation is OperationTypeRegex.
     virtual void setFilterString(OperationType operation, const std::string& key, const std::string& value,
                                  const std::string& options);
     virtual void setFilterBool(OperationType operation, const std::string& key, const bool& value);
     virtual void setFilterInt(OperationType operation, const std::string& key, const int& value);
     virtual void setFilterDouble(OperationType operation, const std::string& key, const double& value);
     virtual void setFilterLongLong(OperationType operation, const std::string& key, const long long& value);
-    /// @param value milliseconds since 1970-01-01 UTC
+    /// Adds a condition on a time. @param value milliseconds since 1970-01-01 UTC
     virtual void setFilterTime(OperationType operation, const std::string& key, const long long& value);
-    /// @param value 24 hexadecimal digits
+    /// Adds a condition on an object id. @param value 24 hexadecimal digits
     virtual void setFilterId(OperationType operation, const std::string& key, const std::string& value);
+    /// @}
+
     /// Adds the query of @p other as a new element of the innermost list; without an open list it replaces this query.
     virtual void include(const ObjectFilter& other);
     /// Moves what stands under @p key, if anything, into @p target, whose query and open lists are lost in any case.
     virtual void exclude(const std::string& key, ObjectFilter& target);
+    /// Whether the query holds nothing yet; an open list counts as something.
     virtual bool isEmpty() const;
     /// A copy of the query as it stands, also while lists are open. The misspelling is part of the interface.
     virtual ObjectProperties toObjectProeprties() const;

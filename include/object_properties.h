@@ -68,22 +68,28 @@ public:
     /// The same as group().
     virtual std::string key() const;
 
-    // Setters at the cursor: the current node takes the value and loses its children.
+    /// @name Setters at the cursor
+    /// @{
 
+    /// Gives the current node the value and takes its children away.
     virtual void setValueString(const std::string& value);
     virtual void setValueBool(const bool& value);
     virtual void setValueInt32(const int& value);
     virtual void setValueInt64(const long& value);
-    virtual void setValueInt(const int& value);            ///< Kind Int32.
-    virtual void setValueLongLong(const long long& value); ///< Kind Int64.
+    virtual void setValueInt(const int& value);            ///< The same as setValueInt32(): kind Int32.
+    virtual void setValueLongLong(const long long& value); ///< The same as setValueInt64(): kind Int64.
     virtual void setValueDouble(const double& value);
-    virtual void setValueTime(const long& value); ///< Milliseconds since 1970-01-01 UTC.
+    virtual void setValueTime(const long& value); ///< Sets a time, milliseconds since 1970-01-01 UTC.
     virtual void setValueId(const std::string& value);
     virtual void setValueBinary(const std::vector<unsigned char>& value);
     virtual void setValueRegex(const std::string& pattern, const std::string& options);
 
-    // Getters at the cursor: the value when the current node is of that very kind, otherwise the default.
+    /// @}
 
+    /// @name Getters at the cursor
+    /// @{
+
+    /// The value of the current node when that is of this very kind, otherwise the default. There is no conversion.
     virtual std::string currentValueAsString(const std::string& def) const;
     virtual bool currentValueAsBool(const bool& def) const;
     virtual int currentValueAsInt32(const int& def) const;
@@ -97,23 +103,35 @@ public:
     virtual std::pair<std::string, std::string> currentValueAsRegex(const std::string& pattern,
                                                                     const std::string& options) const;
 
-    // Setters by key: missing nodes are created; on an array every call adds an element.
+    /// @}
 
+    /// @name Setters by key
+    /// @{
+
+    /// Gives the node of the key the value and takes its children away. Missing nodes are created; on an array every
+    /// call adds an element.
     virtual void setValueString(const std::string& key, const std::string& value);
     virtual void setValueBool(const std::string& key, const bool& value);
     virtual void setValueInt32(const std::string& key, const int& value);
     virtual void setValueInt64(const std::string& key, const long& value);
-    virtual void setValueInt(const std::string& key, const int& value);            ///< Kind Int32.
-    virtual void setValueLongLong(const std::string& key, const long long& value); ///< Kind Int64.
+    /// The same as setValueInt32(): kind Int32.
+    virtual void setValueInt(const std::string& key, const int& value);
+    /// The same as setValueInt64(): kind Int64.
+    virtual void setValueLongLong(const std::string& key, const long long& value);
     virtual void setValueDouble(const std::string& key, const double& value);
-    virtual void setValueTime(const std::string& key, const long long& value); ///< Milliseconds since 1970-01-01 UTC.
+    /// Sets a time, milliseconds since 1970-01-01 UTC.
+    virtual void setValueTime(const std::string& key, const long long& value);
     virtual void setValueId(const std::string& key, const std::string& value);
     virtual void setValueBinary(const std::string& key, const std::vector<unsigned char>& value);
     virtual void setValueRegex(const std::string& key, const std::string& pattern, const std::string& options);
 
-    // Getters by key. Callers depend on it: a missing key is added as a node of kind Undefined and the default
-    // returned.
+    /// @}
 
+    /// @name Getters by key
+    /// @{
+
+    /// The value of the node of the key when that is of this very kind, otherwise the default. Callers depend on it: a
+    /// missing key is added as a node of kind Undefined.
     virtual std::string valueAsString(const std::string& key, const std::string& def) const;
     virtual bool valueAsBool(const std::string& key, const bool& def) const;
     virtual int valueAsInt32(const std::string& key, const int& def) const;
@@ -127,6 +145,8 @@ public:
                                                      const std::vector<unsigned char>& def) const;
     virtual std::pair<std::string, std::string> valueAsRegex(const std::string& key, const std::string& pattern,
                                                              const std::string& options) const;
+
+    /// @}
 
     /// Removes the first child of the anchor (root or cursor) whose key is exactly @p key, if there is one. The key is
     /// no path here: callers depend on it.

@@ -9,7 +9,8 @@
 #include <memory>
 
 class ObjectProperties;
-typedef struct _bson_t bson_t; // declared ahead: callers that never touch BSON need no driver header
+/// A BSON document of libbson. Declared ahead: callers that never touch BSON need no driver header.
+typedef struct _bson_t bson_t;
 
 /// Writes a document as BSON, fields in key order. Always from the root, wherever the cursor stands. Stateless.
 class DATABASE_CLIENT_API PropertiesToBson

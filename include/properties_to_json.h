@@ -17,5 +17,6 @@ public:
     /// @return true
     /// @throws std::bad_alloc
     static bool convert(const ObjectProperties& properties, std::string& json);
+    /// The same as convert().
     static bool properties_to_json(const ObjectProperties& properties, std::string& json);
 };

@@ -65,22 +65,36 @@ public:
             double binary64; ///< Double.
         };
 
+        /// An item without a value, of kind Undefined.
         PropertyItem();
+        /// A copy of key, kind and value.
         PropertyItem(const PropertyItem& other);
+        /// The same as copy().
         PropertyItem& operator=(const PropertyItem& other);
+        /// Frees the value.
         ~PropertyItem();
 
-        /// Stores the text up to its first zero byte. The kind stays: the node sets it to String or Id.
-        void setValueString(const std::string& value);
+        /// @name Setters
+        /// @{
+
+        /// Frees the value held and stores another one.
         void setValueBool(const bool& value);
         void setValueInt32(const int& value);
         void setValueInt64(const long& value);
         void setValueDouble(const double& value);
+        /// Stores the text up to its first zero byte. The kind stays: the node sets it to String or Id.
+        void setValueString(const std::string& value);
         /// Stores the bytes. The kind stays: the node sets it to Binary.
         void setValueBinary(const std::vector<unsigned char>& value);
         /// Stores pattern and options. The kind stays: the node sets it to Regex.
         void setValueRegex(const std::pair<std::string, std::string>& value);
 
+        /// @}
+
+        /// @name Getters
+        /// @{
+
+        /// The value, which must be of this kind: that is not checked.
         std::string valueAsString() const;
         bool valueAsBool() const;
         int valueAsInt32() const;
@@ -88,6 +102,8 @@ public:
         double valueAsDouble() const;
         std::vector<unsigned char> valueAsBinary() const;
         std::pair<std::string, std::string> valueAsRegex() const;
+
+        /// @}
 
         /// Frees the text, if one is held, and zeroes the value word.
         void clearString();
@@ -147,8 +163,11 @@ public:
 
     /// @name Key and kind
     /// @{
+    /// The node's own key, as a copy.
     std::string key() const;
+    /// The node's kind, a PropertyType.
     int type() const;
+    /// Whether the node is of this kind.
     bool isGroup() const;
     bool isArray() const;
     bool isString() const;
@@ -225,24 +244,28 @@ public:
     /// @}
 
     /// @name Value of this node
-    /// A setter removes all children. When it fails with `std::bad_alloc` the node is as it was before.
     /// @{
+
+    /// Sets value and kind and removes all children. On `std::bad_alloc` the node is as it was before.
     void setValueString(const std::string& value);
     void setValueBool(const bool& value);
     void setValueInt32(const int& value);
     void setValueInt64(const long& value);
     void setValueDouble(const double& value);
-    /// @param value milliseconds since 1970-01-01 UTC
+    /// Sets a time, milliseconds since 1970-01-01 UTC.
     void setValueTime(const long& value);
-    /// @param value 24 hexadecimal digits; not checked
+    /// Sets an object id, 24 hexadecimal digits; they are not checked.
     void setValueId(const std::string& value);
     void setValueBinary(const std::vector<unsigned char>& value);
     void setValueRegex(const std::string& pattern, const std::string& options);
+    /// Takes the value away: kind Undefined.
     void setValueUndefined();
     /// @}
 
-    /// @name Value of this node, or the default when the node is of any other kind. There is no conversion.
+    /// @name Value of this node, or a default
     /// @{
+
+    /// The value when the node is of this very kind, otherwise the default. There is no conversion.
     std::string currentValueAsString(const std::string& def);
     bool currentValueAsBool(const bool& def);
     int currentValueAsInt32(const int& def);
@@ -255,8 +278,10 @@ public:
                                                             const std::string& options) const;
     /// @}
 
-    /// @name Value of the node that createPropertyIfNotExists() gives for the path
+    /// @name Value of the node at a path
     /// @{
+
+    /// Sets the value of the node that createPropertyIfNotExists() gives for the path.
     void setValueString(const std::string& path, const std::string& value);
     void setValueBool(const std::string& path, const bool& value);
     void setValueInt32(const std::string& path, const int& value);
@@ -269,9 +294,11 @@ public:
     void setValueUndefined(const std::string& path);
     /// @}
 
-    /// @name Value of the node that createPropertyIfNotExists() gives for the path, or the default
-    /// Callers depend on it: reading a path that names no node leaves a node of kind Undefined there.
+    /// @name Value of the node at a path, or a default
     /// @{
+
+    /// The value of the node that createPropertyIfNotExists() gives for the path, or the default when that is of
+    /// another kind. Callers depend on it: reading a path that names no node leaves a node of kind Undefined there.
     std::string valueAsString(const std::string& path, const std::string& def);
     bool valueAsBool(const std::string& path, const bool& def);
     int valueAsInt32(const std::string& path, const int& def);

@@ -11,7 +11,8 @@
 
 namespace {
 
-template <typename Object> std::unique_ptr<Object> make(void* library, const char* factory)
+template <typename Object>
+std::unique_ptr<Object> make(void* library, const char* factory)
 {
     const auto create = reinterpret_cast<Object* (*)()>(dlsym(library, factory));
     return std::unique_ptr<Object>(create ? create() : nullptr);
