@@ -12,7 +12,20 @@ set(database_client_headers
   properties_to_bson.h
   properties_to_json.h
   property.h)
+set(companion_headers
+  access.h
+  build.h
+  connection_string.h
+  errors.h
+  files.h
+  filter.h
+  loss_guard.h
+  pool.h
+  results.h
+  scopes.h
+  values.h)
 list(TRANSFORM database_client_headers PREPEND ${PROJECT_SOURCE_DIR}/include/)
+list(TRANSFORM companion_headers PREPEND ${PROJECT_SOURCE_DIR}/include/companion/)
 
 install(TARGETS database_client EXPORT database_client
   LIBRARY COMPONENT runtime NAMELINK_COMPONENT development
@@ -20,6 +33,8 @@ install(TARGETS database_client EXPORT database_client
   INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/database_client)
 install(FILES ${database_client_headers}
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/database_client COMPONENT development)
+install(FILES ${companion_headers}
+  DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/database_client/companion COMPONENT development)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/database_client)
 install(EXPORT database_client NAMESPACE database_client:: FILE database_client-targets.cmake

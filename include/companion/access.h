@@ -60,11 +60,16 @@ inline void setTime(ObjectProperties& document, const std::string& path, Time va
 class Children
 {
 public:
+    /// The children of @p node; of none for an empty pointer.
     explicit Children(std::shared_ptr<Property> node) : m_node(std::move(node)) {}
 
+    /// The first pair of key and node.
     Property::Children::const_iterator begin() const { return m_node ? m_node->begin() : none().begin(); }
+    /// The place behind the last pair.
     Property::Children::const_iterator end() const { return m_node ? m_node->end() : none().end(); }
+    /// Number of children.
     std::size_t size() const { return m_node ? m_node->childCount() : 0; }
+    /// Whether there is no child.
     bool empty() const { return size() == 0; }
 
 private:

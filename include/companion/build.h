@@ -27,9 +27,14 @@ using Field = std::pair<std::string, Value>;
 class Value
 {
 public:
+    /// The value of a node of kind Undefined.
     struct Undefined
     {};
 
+    /// @name From a value
+    /// @{
+
+    /// A value of the kind that the type of the argument stands for; without an argument Undefined.
     Value() : m_value(Undefined()) {}
     Value(const char* text) : m_value(std::string(text)) {}
     Value(std::string text) : m_value(std::move(text)) {}
@@ -45,8 +50,11 @@ public:
     /// Any other pointer would become a truth value in silence.
     template <typename T>
     Value(const T*) = delete;
+    /// @}
 
+    /// A group with these members.
     static Value object(std::vector<Field> fields);
+    /// An array of these elements.
     static Value array(std::vector<Value> elements);
 
     /// Sets this value as the child of @p parent with this key. It takes the place of an older one, except in an array,
@@ -77,11 +85,13 @@ inline std::string elementKey(std::size_t index, std::size_t count)
     return std::string(width - key.size(), '0') + key;
 }
 
+/// A group with these members.
 inline Value object(std::vector<Field> fields = {})
 {
     return Value::object(std::move(fields));
 }
 
+/// An array of these elements.
 inline Value array(std::vector<Value> elements = {})
 {
     return Value::array(std::move(elements));

@@ -36,6 +36,7 @@ inline std::string percentEncoded(const std::string& text)
 class ConnectionString
 {
 public:
+    /// Unit of the time limits.
     using Milliseconds = std::chrono::milliseconds;
 
     /// Adds a server; several are members of one replica set. Without a call: localhost. An IPv6 address is bracketed.
@@ -53,6 +54,7 @@ public:
         return *this;
     }
 
+    /// The database that DataBaseClient::getDatabaseName() answers.
     ConnectionString& database(const std::string& name)
     {
         m_database = percentEncoded(name);
@@ -66,7 +68,9 @@ public:
         return *this;
     }
 
+    /// The database that knows the user.
     ConnectionString& authSource(const std::string& name) { return option("authSource", name); }
+    /// Name of the replica set whose members the hosts are.
     ConnectionString& replicaSet(const std::string& name) { return option("replicaSet", name); }
     /// Name under which the server lists this program.
     ConnectionString& appName(const std::string& name) { return option("appName", name); }
@@ -76,10 +80,14 @@ public:
     ConnectionString& tlsCaFile(const std::string& path) { return option("tlsCAFile", path); }
     /// Presents the certificate and key in this PEM file to the server.
     ConnectionString& tlsCertificateKeyFile(const std::string& path) { return option("tlsCertificateKeyFile", path); }
+    /// Longest wait for a connection to open.
     ConnectionString& connectTimeout(Milliseconds limit) { return time("connectTimeoutMS", limit); }
+    /// Longest wait for a reply.
     ConnectionString& socketTimeout(Milliseconds limit) { return time("socketTimeoutMS", limit); }
+    /// Longest search for a server that can take an operation.
     ConnectionString& serverSelectionTimeout(Milliseconds limit) { return time("serverSelectionTimeoutMS", limit); }
 
+    /// The connection string.
     std::string text() const
     {
         std::string result = "mongodb://" + m_credentials + (m_hosts.empty() ? "localhost" : "");

@@ -55,8 +55,10 @@ inline const char* nameOf(ErrorKind kind)
     return "";
 }
 
+/// What an exception says, taken apart.
 struct ErrorInfo
 {
+    /// What the failure was about.
     ErrorKind kind = ErrorKind::Other;
     /// The code of the driver or the server; nothing where the text carries none.
     std::optional<int> code;

@@ -24,12 +24,14 @@ namespace companion {
 class Crc32
 {
 public:
+    /// Takes in more bytes.
     void add(const char* bytes, std::size_t count) noexcept
     {
         for (const char* end = bytes + count; bytes != end; ++bytes)
             m_value = table()[(m_value ^ static_cast<unsigned char>(*bytes)) & 0xffU] ^ (m_value >> 8);
     }
 
+    /// The checksum of the bytes so far.
     std::uint32_t value() const noexcept { return m_value ^ 0xffffffffU; }
 
 private:
@@ -73,6 +75,7 @@ public:
     /// Called after each piece with the bytes so far; false cancels.
     using Progress = std::function<bool(std::uint64_t bytes)>;
 
+    /// Passes what is written to it on to @p target, which must outlive it.
     explicit Download(std::ostream& target, Progress progress = nullptr)
         : std::iostream(nullptr), m_buffer(target, std::move(progress))
     {
@@ -80,7 +83,9 @@ public:
         exceptions(std::ios::badbit); // what the buffer throws goes on through readFile()
     }
 
+    /// Bytes so far.
     std::uint64_t bytes() const noexcept { return m_buffer.m_bytes; }
+    /// Checksum of the bytes so far.
     std::uint32_t crc32() const noexcept { return m_buffer.m_checksum.value(); }
 
 private:

@@ -3,7 +3,7 @@
 /// @file
 /// Names what a BSON document holds that the document model drops or bends. Needs libbson.
 
-#include <bson/bson.h>
+#include "bson_to_properties.h"
 
 #include <cstdint>
 #include <cstring>
@@ -86,7 +86,9 @@ inline const char* nameOf(Loss loss)
 /// One field and what happens to it. The path is that of the field, its keys joined by ".".
 struct LossAt
 {
+    /// Keys from the root, joined by ".".
     std::string path;
+    /// What happens to the field.
     Loss loss = Loss::Corrupt;
 };
 

@@ -31,9 +31,11 @@ public:
     class Lease
     {
     public:
+        /// Takes over the client of @p other.
         Lease(Lease&& other) noexcept
             : m_pool(std::exchange(other.m_pool, nullptr)), m_client(std::move(other.m_client))
         {}
+        /// Gives its own client back and takes over that of @p other.
         Lease& operator=(Lease&& other) noexcept
         {
             if (this != &other)
@@ -44,9 +46,12 @@ public:
             }
             return *this;
         }
+        /// Gives the client back.
         ~Lease() { giveBack(); }
 
+        /// The client.
         DataBaseClient& operator*() const noexcept { return *m_client; }
+        /// The client.
         DataBaseClient* operator->() const noexcept { return m_client.get(); }
 
     private:

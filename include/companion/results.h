@@ -60,12 +60,18 @@ class Results
     };
 
 public:
+    /// What the container holds.
     using value_type = ObjectProperties;
+    /// Visits the documents.
     using iterator = Iterator<List::iterator, ObjectProperties>;
+    /// Visits the documents without changing them.
     using const_iterator = Iterator<List::const_iterator, const ObjectProperties>;
 
+    /// No documents.
     Results() = default;
+    /// Takes over the documents of @p other.
     Results(Results&& other) noexcept { m_documents.swap(other.m_documents); }
+    /// Deletes its own documents and takes over those of @p other.
     Results& operator=(Results&& other) noexcept
     {
         if (this != &other)
@@ -77,18 +83,27 @@ public:
     }
     Results(const Results&) = delete;
     Results& operator=(const Results&) = delete;
+    /// Deletes the documents.
     ~Results() { clear(); }
 
     /// The list for the client to append to. What is appended belongs to this object.
     operator std::list<ObjectProperties*>&() noexcept { return m_documents; }
 
+    /// Number of documents.
     std::size_t size() const noexcept { return m_documents.size(); }
+    /// Whether there is no document.
     bool empty() const noexcept { return m_documents.empty(); }
+    /// The first document.
     iterator begin() { return iterator(m_documents.begin()); }
+    /// The place behind the last document.
     iterator end() { return iterator(m_documents.end()); }
+    /// The first document.
     const_iterator begin() const { return const_iterator(m_documents.begin()); }
+    /// The place behind the last document.
     const_iterator end() const { return const_iterator(m_documents.end()); }
+    /// The first document; there must be one.
     ObjectProperties& front() { return *m_documents.front(); }
+    /// The last document; there must be one.
     ObjectProperties& back() { return *m_documents.back(); }
 
     /// Moves the first document out; an empty pointer when there is none.

@@ -17,10 +17,12 @@ namespace companion {
 class CursorScope
 {
 public:
+    /// Remembers where the cursor of @p document stands. The document must outlive this object.
     explicit CursorScope(const ObjectProperties& document) : m_document(document), m_origin(document.current()) {}
     CursorScope(const CursorScope&) = delete;
     CursorScope& operator=(const CursorScope&) = delete;
 
+    /// Puts the cursor back.
     ~CursorScope()
     {
         if (!m_document.moveTo(m_origin))
@@ -28,7 +30,9 @@ public:
     }
 
 protected:
+    /// The document.
     const ObjectProperties& document() const noexcept { return m_document; }
+    /// The node that the cursor stood on.
     const std::shared_ptr<Property>& origin() const noexcept { return m_origin; }
 
 private:
@@ -41,6 +45,7 @@ private:
 class GroupScope : private CursorScope
 {
 public:
+    /// Enters the group of the key.
     GroupScope(const ObjectProperties& document, const std::string& key) : CursorScope(document)
     {
         document.beginGroup(key);
@@ -58,6 +63,7 @@ private:
 class ArrayScope : private CursorScope
 {
 public:
+    /// Enters the array of the key.
     ArrayScope(const ObjectProperties& document, const std::string& key) : CursorScope(document)
     {
         document.beginArray(key);
@@ -76,6 +82,7 @@ private:
 class ObjectScope : private CursorScope
 {
 public:
+    /// Enters the child at the index.
     ObjectScope(const ObjectProperties& document, int index)
         : CursorScope(document), m_entered(document.beginObject(index))
     {}

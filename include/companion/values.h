@@ -13,6 +13,7 @@
 
 namespace companion {
 
+/// Value of a Binary.
 using Bytes = std::vector<unsigned char>;
 /// A time as the server keeps it: whole milliseconds since 1970-01-01 UTC.
 using Time = std::chrono::time_point<std::chrono::system_clock, std::chrono::milliseconds>;
@@ -20,14 +21,18 @@ using Time = std::chrono::time_point<std::chrono::system_clock, std::chrono::mil
 /// Text of an object id; apart from std::string, so that an Id is never taken for a String.
 struct ObjectId
 {
+    /// 24 hexadecimal digits.
     std::string text;
     friend bool operator==(const ObjectId& left, const ObjectId& right) { return left.text == right.text; }
     friend bool operator!=(const ObjectId& left, const ObjectId& right) { return !(left == right); }
 };
 
+/// Value of a Regex.
 struct RegularExpression
 {
+    /// The expression.
     std::string pattern;
+    /// Letters such as "i", in the order of the alphabet.
     std::string options;
     friend bool operator==(const RegularExpression& left, const RegularExpression& right)
     {
@@ -43,11 +48,13 @@ Time toTime(std::chrono::time_point<std::chrono::system_clock, Duration> time)
     return std::chrono::floor<std::chrono::milliseconds>(time);
 }
 
+/// The time so many milliseconds after 1970-01-01 UTC.
 inline Time timeFromMilliseconds(long long milliseconds)
 {
     return Time(std::chrono::milliseconds(milliseconds));
 }
 
+/// Milliseconds since 1970-01-01 UTC.
 inline long millisecondsOf(Time time)
 {
     return static_cast<long>(time.time_since_epoch().count());

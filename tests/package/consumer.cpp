@@ -1,5 +1,16 @@
 // Uses something of every public header, as a program outside this repository would.
 #include <bson_to_properties.h>
+#include <companion/access.h>
+#include <companion/build.h>
+#include <companion/connection_string.h>
+#include <companion/errors.h>
+#include <companion/files.h>
+#include <companion/filter.h>
+#include <companion/loss_guard.h>
+#include <companion/pool.h>
+#include <companion/results.h>
+#include <companion/scopes.h>
+#include <companion/values.h>
 #include <database_client.h>
 #include <factories.h>
 #include <json_to_properties.h>
