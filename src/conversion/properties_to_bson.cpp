@@ -12,7 +12,8 @@ namespace {
 // A document whose fields are being appended. A nested one is built in place, inside the buffer of the one around it.
 struct OpenDocument
 {
-    explicit OpenDocument(const Property& node, bson_t* parentBson = nullptr)
+    // The name of the type that carries no alignment: it is lost on the way through a template argument.
+    explicit OpenDocument(const Property& node, _bson_t* parentBson = nullptr)
         : next(node.begin()), end(node.end()), isArray(node.isArray()), parent(parentBson)
     {}
 
