@@ -1,0 +1,241 @@
+// The client when memory runs out. What the driver itself takes from malloc is not made to fail: it ends the process
+// then, by its own design.
+
+#include "database_client.h"
+#include "every_allocation_fails.h"
+#include "factories.h"
+#include "object_properties.h"
+#include "test_server.h"
+
+#include <array>
+#include <fstream>
+#include <iostream>
+#include <list>
+#include <memory>
+#include <stdexcept>
+#include <streambuf>
+#include <string>
+
+namespace {
+
+using test_support::ScratchDatabase;
+using test_support::TestServer;
+
+const std::string longText = "a text that is too long for the small buffer of a string";
+
+// A target that needs no memory: a string stream would keep the failure to itself.
+class FixedBuffer : public std::streambuf
+{
+public:
+    FixedBuffer() { setp(m_space.data(), m_space.data() + m_space.size()); }
+
+private:
+    std::array<char, 8192> m_space{};
+};
+
+ScratchDatabase& scratch()
+{
+    static ScratchDatabase database;
+    return database;
+}
+
+DataBaseClient& connectedClient()
+{
+    static DataBaseClient client;
+    if (!client.isConnected())
+        client.connect(TestServer::instance().uri());
+    return client;
+}
+
+DataBaseClient& connectedUserClient()
+{
+    static DataBaseClient client;
+    if (!client.isConnected())
+        client.connect(TestServer::instance().authUri());
+    return client;
+}
+
+// The way of a failure has allocations too: its text.
+template <typename Call>
+void expectFailure(Call call)
+{
+    try
+    {
+        call();
+    }
+    catch (const std::runtime_error&)
+    {}
+}
+
+std::string inputFile()
+{
+    const std::string path = testing::TempDir() + "client_allocation_test.input";
+    std::ofstream(path) << std::string(5000, 'x');
+    return path;
+}
+
+const std::string& database()
+{
+    static const std::string name = scratch().name();
+    return name;
+}
+
+const std::string collection = "a collection whose name is long enough";
+
+struct Setting
+{
+    Setting() : stream(&buffer)
+    {
+        document.setValueString("text", longText);
+        document.setValueInt32("group/number", 1);
+        query.setValueInt32("group/number", 1);
+        change.setValueString("text", longText + longText);
+    }
+    ~Setting()
+    {
+        for (ObjectProperties* result : results)
+            delete result;
+    }
+    Setting(const Setting&) = delete;
+    Setting& operator=(const Setting&) = delete;
+
+    void use()
+    {
+        EXPECT_TRUE(client.isConnected());
+        ObjectProperties nothing;
+        nothing.setValueString("text", "none has this");
+        EXPECT_NO_THROW(client.read(database(), collection, nothing, results));
+    }
+
+    DataBaseClient& client = connectedClient();
+    DataBaseClient& userClient = connectedUserClient();
+    const ObjectProperties none;
+    ObjectProperties document;
+    ObjectProperties query;
+    ObjectProperties change;
+    std::list<ObjectProperties*> results;
+    std::list<std::string> names;
+    FixedBuffer buffer;
+    std::iostream stream;
+};
+
+class ClientWithoutMemory : public testing::TestWithParam<AllocatingOperation<Setting>>
+{
+protected:
+    static void SetUpTestSuite()
+    {
+        // What is made once, before blocks are counted.
+        Setting setting;
+        for (int i = 0; i < 3; ++i)
+            setting.client.write(database(), collection, setting.document);
+        setting.client.writeFile(database(), "files", "stored", inputFile());
+        expectFailure([&] { setting.userClient.removeUser(database(), "nobody"); });
+        setting.use();
+    }
+};
+
+TEST_P(ClientWithoutMemory, ThrowsAndStaysUsableWhicheverAllocationFails)
+{
+    everyAllocationFails<Setting>(GetParam().operate);
+}
+
+const AllocatingOperation<Setting> operations[] = {
+    {"construction", [](Setting&) { const DataBaseClient made; }},
+    {"factory", [](Setting&) { const std::unique_ptr<DataBaseClient> made(createDataBaseClient()); }},
+    {"uri", [](Setting&) { DataBaseClient::uri(longText, 1, longText, longText, longText); }},
+    {"connect",
+     [](Setting&) {
+         DataBaseClient made;
+         made.connect("a-database-with-a-long-name", "127.0.0.1", 1, "user", "password");
+     }},
+    {"connectThatFails",
+     [](Setting&) {
+         DataBaseClient made;
+         expectFailure([&made] { made.connect("no connection string"); });
+     }},
+    {"connectToAHost",
+     [](Setting&) {
+         DataBaseClient made;
+         made.connect("127.0.0.1", 1);
+     }},
+    {"getDatabaseName",
+     [](Setting& s) {
+         std::string name;
+         s.client.getDatabaseName(name);
+     }},
+    {"createId", [](Setting& s) { s.client.createId(); }},
+    {"parseOldCollectionName",
+     [](Setting&) {
+         std::string before;
+         std::string after;
+         parseOldCollectionName(longText + "." + longText, before, after);
+     }},
+    {"write", [](Setting& s) { s.client.write(database(), collection, s.document); }},
+    {"writeWithId",
+     [](Setting& s) {
+         std::string id;
+         s.client.write(database(), collection, s.document, id);
+     }},
+    {"writeWithFullName", [](Setting& s) { s.client.write(database() + "." + collection, s.document); }},
+    {"update",
+     [](Setting& s) { s.client.update(database(), collection, s.query, s.change, UpdateFlagNone, UpdateCommandSet); }},
+    {"replace",
+     [](Setting& s) {
+         s.client.update(database(), collection, s.query, s.document, UpdateFlagNone, UpdateCommandReplace);
+     }},
+    {"find", [](Setting& s) { s.client.find(database(), collection, s.query, s.change, s.results, 2, 1); }},
+    {"read", [](Setting& s) { s.client.find(database(), collection, s.query, ObjectProperties(), s.results, 3, 0); }},
+    {"readWithFullName",
+     [](Setting& s) {
+         ObjectProperties noMatch;
+         noMatch.setValueInt32("none", 1);
+         s.client.read(database() + "." + collection, noMatch, s.results);
+     }},
+    {"aggregate",
+     [](Setting& s) {
+         ObjectProperties pipeline;
+         pipeline.setValueInt32("0/$limit", 2);
+         s.client.aggregate(database(), collection, pipeline, s.results);
+     }},
+    {"findThatFails",
+     [](Setting& s) {
+         ObjectProperties bad;
+         bad.setValueString("$a name that is no operator", longText);
+         expectFailure([&] { s.client.read(database(), collection, bad, s.results); });
+     }},
+    {"remove",
+     [](Setting& s) {
+         ObjectProperties noMatch;
+         noMatch.setValueInt32("none", 1);
+         s.client.remove(database(), collection, noMatch);
+     }},
+    {"removeWithFullName",
+     [](Setting& s) {
+         ObjectProperties noMatch;
+         noMatch.setValueInt32("none", 1);
+         s.client.remove(database() + "." + collection, noMatch);
+     }},
+    {"writeFile", [](Setting& s) { s.client.writeFile(database(), "files", "again", inputFile()); }},
+    {"readFile", [](Setting& s) { s.client.readFile(database(), "files", "stored", &s.stream); }},
+    {"listFiles", [](Setting& s) { s.client.listFiles(database(), "files", s.names); }},
+    {"removeFile", [](Setting& s) { s.client.removeFile(database(), "files", "again"); }},
+    {"readFileThatFails",
+     [](Setting& s) { expectFailure([&s] { s.client.readFile(database(), "files", "missing", &s.stream); }); }},
+    {"addUser",
+     [](Setting& s) { s.userClient.addUser(database(), "a user with a long name", longText, s.none, s.none); }},
+    {"addUserThatFails",
+     [](Setting& s) { expectFailure([&s] { s.userClient.addUser(database(), "another user", "", s.none, s.none); }); }},
+    // FerretDB refuses a change of nothing.
+    {"updateUser",
+     [](Setting& s) {
+         expectFailure([&s] { s.userClient.updateUser(database(), "a user with a long name", s.none, s.none); });
+     }},
+    {"changeUserPassword",
+     [](Setting& s) { s.userClient.changeUserPassword(database(), "a user with a long name", longText); }},
+    {"removeUser", [](Setting& s) { s.userClient.removeUser(database(), "a user with a long name"); }},
+};
+
+INSTANTIATE_TEST_SUITE_P(Client, ClientWithoutMemory, testing::ValuesIn(operations),
+                         [](const auto& row) { return row.param.name; });
+
+} // namespace
