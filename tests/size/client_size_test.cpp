@@ -1,0 +1,155 @@
+// Documents near and beyond what a server takes, and many results.
+
+#include "database_client.h"
+#include "object_properties.h"
+#include "owned_bson.h"
+#include "properties_to_bson.h"
+#include "test_server.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <list>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace {
+
+using test_support::ScratchDatabase;
+using test_support::TestServer;
+
+constexpr std::size_t limit = std::size_t{16} << 20U; // bytes of one document
+
+class Results : public std::list<ObjectProperties*>
+{
+public:
+    Results() = default;
+    ~Results()
+    {
+        for (ObjectProperties* result : *this)
+            delete result;
+    }
+    Results(const Results&) = delete;
+    Results& operator=(const Results&) = delete;
+};
+
+// A document that is @p bytes long with the "_id" that it gets.
+ObjectProperties documentOf(std::size_t bytes)
+{
+    // Length and end, a binary "b" with its head, an id "_id".
+    constexpr std::size_t around = 5 + (1 + 2 + 4 + 1) + (1 + 4 + 12);
+    ObjectProperties document;
+    document.setValueBinary("b", std::vector<unsigned char>(bytes - around, 7));
+    return document;
+}
+
+class LargeDocument : public testing::Test
+{
+protected:
+    LargeDocument() { m_client.connect(TestServer::instance().uri()); }
+
+    std::string failureOf(const ObjectProperties& document)
+    {
+        try
+        {
+            m_client.write(m_database.name(), "c", document);
+        }
+        catch (const std::runtime_error& error)
+        {
+            return error.what();
+        }
+        return "";
+    }
+
+    ScratchDatabase m_database;
+    DataBaseClient m_client;
+};
+
+TEST_F(LargeDocument, IsWrittenAndFoundJustBelowTheLimit)
+{
+    const ObjectProperties document = documentOf(limit - 1024);
+    std::string id;
+    m_client.write(m_database.name(), "c", document, id);
+    Results results;
+    m_client.read(m_database.name(), "c", ObjectProperties(), results);
+    ASSERT_EQ(results.size(), 1U);
+    EXPECT_EQ(results.front()->valueAsId("_id", ""), id);
+    EXPECT_EQ(results.front()->valueAsBinary("b", {}), document.valueAsBinary("b", {}));
+}
+
+TEST_F(LargeDocument, IsRefusedBeyondTheLimitAndNothingIsWritten)
+{
+    m_client.write(m_database.name(), "c", ObjectProperties());
+    for (const std::size_t size : {limit + 17 * 1024, 2 * limit, 4 * limit})
+    {
+        EXPECT_THAT(failureOf(documentOf(size)),
+                    testing::MatchesRegex("Error occurred while insert operation: .+\\(code: [0-9]+\\)"));
+    }
+    EXPECT_EQ(m_database.count("c"), 1U);
+    EXPECT_EQ(failureOf(ObjectProperties()), "") << "the client works on";
+}
+
+TEST_F(LargeDocument, IsRefusedAsAnUpdateAndNothingIsChanged)
+{
+    ObjectProperties query;
+    query.setValueInt32("n", 1);
+    m_client.write(m_database.name(), "c", query);
+    const auto update = [&] {
+        m_client.update(m_database.name(), "c", query, documentOf(4 * limit), UpdateFlagNone, UpdateCommandSet);
+    };
+    EXPECT_THROW(update(), std::runtime_error);
+    EXPECT_EQ(m_database.count("c", R"({"n": 1, "b": {"$exists": false}})"), 1U);
+}
+
+TEST_F(LargeDocument, IsRefusedAsAQueryAndNothingIsFoundOrRemoved)
+{
+    m_client.write(m_database.name(), "c", ObjectProperties());
+    const ObjectProperties query = documentOf(4 * limit);
+    Results results;
+    EXPECT_THROW(m_client.read(m_database.name(), "c", query, results), std::runtime_error);
+    EXPECT_TRUE(results.empty());
+    EXPECT_THROW(m_client.remove(m_database.name(), "c", query), std::runtime_error);
+    EXPECT_EQ(m_database.count("c"), 1U);
+}
+
+// A second insert of the driver's own, many documents at a time: writing them one by one would take minutes.
+void insertMany(ScratchDatabase& database, const std::string& collection, int count)
+{
+    const test_support::DriverCollection target(
+        mongoc_client_get_collection(database.client(), database.name().c_str(), collection.c_str()));
+    constexpr int batch = 1000;
+    for (int first = 0; first < count; first += batch)
+    {
+        std::vector<std::unique_ptr<test_support::OwnedBson>> owned;
+        std::vector<const _bson_t*> documents; // without the alignment that a template argument cannot carry
+        for (int i = 0; i < batch; ++i)
+        {
+            owned.push_back(std::make_unique<test_support::OwnedBson>());
+            BSON_APPEND_INT32(owned.back()->get(), "n", first + i);
+            documents.push_back(owned.back()->get());
+        }
+        bson_error_t error;
+        if (!mongoc_collection_insert_many(target.get(), documents.data(), documents.size(), nullptr, nullptr, &error))
+            throw std::runtime_error(error.message);
+    }
+}
+
+TEST_F(LargeDocument, AHundredThousandResultsAllArriveOnce)
+{
+    constexpr int count = 100000;
+    insertMany(m_database, "many", count);
+    Results results;
+    m_client.read(m_database.name(), "many", ObjectProperties(), results);
+    ASSERT_EQ(results.size(), static_cast<std::size_t>(count));
+    std::vector<bool> seen(count);
+    for (ObjectProperties* result : results)
+    {
+        const int n = result->valueAsInt32("n", -1);
+        ASSERT_TRUE(n >= 0 && n < count && !seen[static_cast<std::size_t>(n)]) << n;
+        seen[static_cast<std::size_t>(n)] = true;
+    }
+}
+
+} // namespace
