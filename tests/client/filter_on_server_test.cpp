@@ -13,6 +13,7 @@
 #include <cstdint>
 #include <list>
 #include <memory>
+#include <ostream>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -87,6 +88,8 @@ struct Row
     const char* name;
     void (*build)(ObjectFilter& filter, const Records& records);
     bool (*matches)(const Record& record, const Records& records);
+
+    friend std::ostream& operator<<(std::ostream& out, const Row& row) { return out << row.name; }
 };
 
 const Row rows[] = {

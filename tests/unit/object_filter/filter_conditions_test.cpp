@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <ostream>
 #include <string>
 #include <tuple>
 
@@ -19,6 +20,8 @@ struct Operation
     const char* name;
     OperationType number;
     const char* text; // null: the value stands directly under the key
+
+    friend std::ostream& operator<<(std::ostream& out, const Operation& operation) { return out << operation.name; }
 };
 
 const Operation operations[] = {
@@ -42,6 +45,8 @@ struct Kind
     const char* name;
     void (*set)(ObjectFilter& filter, OperationType operation, const std::string& key);
     Bytes (*value)(const std::string& key);
+
+    friend std::ostream& operator<<(std::ostream& out, const Kind& kind) { return out << kind.name; }
 };
 
 const Kind kinds[] = {
