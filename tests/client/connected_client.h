@@ -1,0 +1,49 @@
+#pragma once
+
+#include "database_client.h"
+#include "object_properties.h"
+#include "result_list.h"
+#include "test_server.h"
+#include "thrown_text.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace test_support {
+
+/// A client of the test server, through the gateway, and a database of its own.
+class ConnectedClient : public testing::Test
+{
+public:
+    ConnectedClient() { m_client.connect(TestServer::instance().uri()); }
+
+    DataBaseClient& client() { return m_client; }
+    ScratchDatabase& scratch() { return m_scratch; }
+    const std::string& database() const { return m_scratch.name(); }
+    WireGateway& gateway() { return TestServer::instance().gateway(); }
+
+    static ObjectProperties number(const std::string& key, int value)
+    {
+        ObjectProperties document;
+        document.setValueInt32(key, value);
+        return document;
+    }
+
+    /// A pipeline of one stage.
+    template <typename Fill>
+    static ObjectProperties pipeline(Fill fillStage)
+    {
+        ObjectProperties document;
+        document.beginArray("pipeline");
+        document.beginGroup("0");
+        fillStage(document);
+        return document;
+    }
+
+private:
+    ScratchDatabase m_scratch;
+    DataBaseClient m_client;
+};
+
+} // namespace test_support

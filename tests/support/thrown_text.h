@@ -1,0 +1,27 @@
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+namespace test_support {
+
+/// What a call threw, as "invalid_argument: <text>" or "runtime_error: <text>"; an empty text when it threw neither.
+template <typename Call>
+std::string thrownText(Call call)
+{
+    try
+    {
+        call();
+    }
+    catch (const std::invalid_argument& error)
+    {
+        return std::string("invalid_argument: ") + error.what();
+    }
+    catch (const std::runtime_error& error)
+    {
+        return std::string("runtime_error: ") + error.what();
+    }
+    return "";
+}
+
+} // namespace test_support
