@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <map>
+#include <optional>
 #include <stdexcept>
 
 namespace tour {
@@ -59,31 +60,26 @@ std::vector<std::shared_ptr<Property>> childrenInOrder(const Property& node)
     return children;
 }
 
-// Where two subtrees differ first, or an empty text. Elements of an array are compared by their places: their keys are
-// numbers in one document and all the same in the other.
-std::string difference(Property& sent, Property& came, const std::string& where)
+// The path at which two subtrees differ first; nothing when they are equal. Elements of an array are compared by their
+// places: their keys are numbers in one document and all the same in the other.
+std::optional<std::string> difference(Property& sent, Property& came)
 {
     if (sent.type() != came.type() || sent.childCount() != came.childCount() || !sameValue(sent, came))
     {
-        return where;
+        return "";
     }
-    const bool elements = sent.isArray();
     const std::vector<std::shared_ptr<Property>> left = childrenInOrder(sent);
     const std::vector<std::shared_ptr<Property>> right = childrenInOrder(came);
     for (std::size_t i = 0; i < left.size(); ++i)
     {
-        const std::string key = elements ? std::to_string(i) : left[i]->key();
-        if (!elements && key != right[i]->key())
+        const bool sameKey = sent.isArray() || left[i]->keyView() == right[i]->keyView();
+        const std::optional<std::string> below = sameKey ? difference(*left[i], *right[i]) : "";
+        if (below)
         {
-            return where + "/" + key;
-        }
-        std::string found = difference(*left[i], *right[i], where + "/" + key);
-        if (!found.empty())
-        {
-            return found;
+            return "/" + (sent.isArray() ? std::to_string(i) : left[i]->key()) + *below;
         }
     }
-    return "";
+    return std::nullopt;
 }
 
 template <typename Record>
@@ -116,10 +112,10 @@ companion::Results compareAll(Tour& tour, const char* collection, const std::vec
                                      ": a document that was never written: " + toJson(document));
         }
         document.remove("_id"); // the server's, not ours
-        const std::string found = difference(*origin->second->document.root(), *document.root(), "");
-        if (!found.empty())
+        const std::optional<std::string> found = difference(*origin->second->document.root(), *document.root());
+        if (found)
         {
-            throw std::runtime_error(std::string(collection) + ": " + origin->second->code + " differs in " + found);
+            throw std::runtime_error(std::string(collection) + ": " + origin->second->code + " differs in " + *found);
         }
         step.progress(++done, records.size());
     }

@@ -1,6 +1,8 @@
 // Chapter "load": JSON text becomes documents, through JsonToProperties and the setters of ObjectProperties.
 #include "tour.h"
 
+#include <companion/values.h>
+
 #include <chrono>
 #include <map>
 
@@ -27,8 +29,7 @@ void giveCountriesTheirParts(Tour& tour)
 
 void fillDocuments(Tour& tour)
 {
-    using namespace std::chrono;
-    const long long now = duration_cast<milliseconds>(system_clock::now().time_since_epoch()).count();
+    const long now = companion::millisecondsOf(companion::toTime(std::chrono::system_clock::now()));
     for (Subdivision& subdivision : tour.subdivisions)
     {
         fillDocument(subdivision, tour.batch, now);

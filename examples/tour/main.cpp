@@ -96,6 +96,7 @@ void runAll(Tour& tour)
 } // namespace
 
 int main(int argc, char** argv)
+try
 {
     CLI::App app("A tour of the library on real data. Without CHAPTER: all of them.");
     tour::Options options;
@@ -122,18 +123,14 @@ int main(int argc, char** argv)
         std::cerr << "tour: chapter users needs --auth-uri, an administrator on a server with authentication\n";
         return 2;
     }
-    try
-    {
-        tour::endOnInterrupt();
-        tour::onlyWarningsOfTheDriver();
-        Tour tour;
-        tour.options = options;
-        wanted.empty() ? runAll(tour) : run(tour, wanted);
-        return 0;
-    }
-    catch (const std::exception& problem)
-    {
-        std::cerr << "tour: " << problem.what() << std::endl;
-        return 1;
-    }
+    tour::endOnInterrupt();
+    tour::onlyWarningsOfTheDriver();
+    Tour tour;
+    tour.options = options;
+    wanted.empty() ? runAll(tour) : run(tour, wanted);
+}
+catch (const std::exception& problem)
+{
+    std::cerr << "tour: " << problem.what() << '\n';
+    return 1;
 }
