@@ -1,0 +1,180 @@
+// The life of a client and of its result lists. Needs a server: scripts/with-server.
+#include "example.h"
+
+#include "test_server.h"
+
+#include <companion/build.h>
+#include <companion/results.h>
+#include <database_client.h>
+#include <factories.h>
+
+#include <list>
+#include <memory>
+#include <stdexcept>
+
+namespace {
+
+void life(const std::string& address, const std::string& database)
+{
+    section("life");
+    //! [life]
+    DataBaseClient client;
+    client.connect(address); // "mongodb://localhost:27017/"
+
+    ObjectProperties person;
+    person.setValueString("name", "Ada");
+    std::string id;
+    client.write(database, "people", person, id);
+    std::cout << id.size() << " hexadecimal digits\n";
+
+    client.disconnect(); // the destructor does this too
+    std::cout << client.isConnected() << '\n';
+    //! [life]
+}
+
+void factory(const std::string& address, const std::string& database)
+{
+    section("factory");
+    //! [factory]
+    const std::unique_ptr<DataBaseClient> client(createDataBaseClient()); // made with new: the caller deletes it
+    client->connect(address);
+    client->remove(database, "people", ObjectProperties());
+    //! [factory]
+    std::cout << client->isConnected() << '\n';
+}
+
+void shared(const std::string& address)
+{
+    section("shared");
+    //! [shared]
+    DataBaseClient::instance()->connect(address);                   // once, before other threads use the library
+    std::cout << DataBaseClient::instance()->isConnected() << '\n'; // the same client everywhere; never delete it
+    //! [shared]
+    DataBaseClient::instance()->disconnect();
+}
+
+//! [owner]
+// Deletes what the client appended, on every way out.
+struct DeleteResults
+{
+    void operator()(std::list<ObjectProperties*>* results) const
+    {
+        for (const ObjectProperties* const document : *results)
+            delete document;
+        delete results;
+    }
+};
+using Results = std::unique_ptr<std::list<ObjectProperties*>, DeleteResults>;
+//! [owner]
+
+void results(DataBaseClient& client, const std::string& database)
+{
+    section("results");
+    for (const char* const name : {"Ada", "Bob"})
+        client.write(database, "people", companion::document({{"name", name}}));
+    //! [results]
+    const Results found(new std::list<ObjectProperties*>);
+    client.read(database, "people", ObjectProperties(), *found);
+    for (const ObjectProperties* const person : *found)
+        std::cout << person->valueAsString("name", "?") << '\n';
+    //! [results]
+
+    //! [companion_results]
+    companion::Results people; // the same owner, ready made
+    client.read(database, "people", ObjectProperties(), people);
+    for (const ObjectProperties& person : people)
+        std::cout << person.valueAsString("name", "?") << '\n';
+    //! [companion_results]
+}
+
+void find(DataBaseClient& client, const std::string& database)
+{
+    section("find");
+    //! [find]
+    ObjectProperties query;
+    query.beginGroup("$query"); // empty: every document
+    query.endGroup();
+    query.setValueInt32("$orderby/name", -1);
+
+    ObjectProperties projection;
+    projection.setValueInt32("name", 1);
+    projection.setValueInt32("_id", 0);
+
+    companion::Results people;
+    client.find(database, "people", query, projection, people, 1, 1); // at most one, after skipping one
+    std::cout << text(people.front()) << '\n';
+    //! [find]
+}
+
+void update(DataBaseClient& client, const std::string& database)
+{
+    section("update");
+    //! [update]
+    ObjectProperties query;
+    query.setValueString("name", "Bob");
+    ObjectProperties change;
+    change.setValueInt32("age", 40);
+    client.update(database, "people", query, change, UpdateFlagNone, UpdateCommandSet); // {"$set": {"age": 40}}
+
+    // Several operators at once: the document holds them, and no operator is put around it.
+    const ObjectProperties both = companion::update(
+        {{"$set", companion::object({{"age", 41}})}, {"$push", companion::object({{"tags", "older"}})}});
+    client.update(database, "people", query, both, UpdateFlagMultiUpdate, UpdateCommandReplace);
+    //! [update]
+    companion::Results people;
+    client.read(database, "people", query, people);
+    people.front().remove("_id");
+    std::cout << text(people.front()) << '\n';
+}
+
+void aggregate(DataBaseClient& client, const std::string& database)
+{
+    section("aggregate");
+    //! [aggregate]
+    const ObjectProperties pipeline =
+        companion::pipeline({companion::object({{"$match", companion::object({{"age", 41}})}}),
+                             companion::object({{"$project", companion::object({{"_id", 0}, {"name", 1}})}})});
+    companion::Results people;
+    client.aggregate(database, "people", pipeline, people);
+    std::cout << text(people.front()) << '\n';
+    //! [aggregate]
+}
+
+void failure(DataBaseClient& client)
+{
+    section("failure");
+    //! [failure]
+    try
+    {
+        companion::Results people;
+        client.read("shop", "", ObjectProperties(), people);
+    }
+    catch (const std::invalid_argument& error) // the call was wrong; nothing was sent
+    {
+        std::cout << error.what() << '\n';
+    }
+    catch (const std::runtime_error& error) // the driver or the server refused
+    {
+        std::cout << error.what() << '\n';
+    }
+    //! [failure]
+}
+
+} // namespace
+
+int main()
+{
+    const std::string address = test_support::TestServer::instance().uri();
+    const test_support::ScratchDatabase database;
+    life(address, database.name());
+    factory(address, database.name());
+    shared(address);
+
+    DataBaseClient client;
+    client.connect(address);
+    results(client, database.name());
+    find(client, database.name());
+    update(client, database.name());
+    aggregate(client, database.name());
+    failure(client);
+}

@@ -1,0 +1,83 @@
+// Kinds of values.
+#include "example.h"
+
+#include <json_to_properties.h>
+
+namespace {
+
+void every()
+{
+    section("every");
+    //! [every]
+    ObjectProperties document;
+    document.setValueString("string", "text");
+    document.setValueBool("bool", true);
+    document.setValueInt32("int32", 1);
+    document.setValueInt64("int64", 1L << 40);
+    document.setValueDouble("double", 0.5);
+    document.setValueTime("time", 1500000000000LL); // milliseconds: 2017-07-14T02:40:00Z
+    document.setValueId("id", "507f1f77bcf86cd799439011");
+    document.setValueBinary("binary", {1, 2, 255});
+    document.setValueRegex("regex", "^A", "i");
+    for (const std::string& key : document.childKeys())
+        std::cout << key << ' ' << document.type(key) << '\n';
+    std::cout << text(document) << '\n';
+    //! [every]
+}
+
+void exact()
+{
+    section("exact");
+    //! [exact]
+    ObjectProperties document;
+    document.setValueInt("n", 5); // Int and Int32 are one kind; LongLong and Int64 are another
+    std::cout << document.valueAsInt32("n", -1) << ' ' << document.valueAsInt64("n", -1) << '\n';
+    //! [exact]
+}
+
+void number()
+{
+    section("number");
+    ObjectProperties document;
+    JsonToProperties::convert(R"({"a": 1, "b": 5000000000, "c": 2.5})", &document);
+    //! [number]
+    const auto number = [&document](const std::string& key, double otherwise) {
+        switch (document.type(key))
+        {
+        case Int32:
+            return static_cast<double>(document.valueAsInt32(key, 0));
+        case Int64:
+            return static_cast<double>(document.valueAsInt64(key, 0));
+        case Double:
+            return document.valueAsDouble(key, 0);
+        default:
+            return otherwise;
+        }
+    };
+    std::cout << number("a", -1) << ' ' << number("b", -1) << ' ' << number("c", -1) << ' ' << number("d", -1) << '\n';
+    //! [number]
+}
+
+void losses()
+{
+    section("losses");
+    //! [losses]
+    ObjectProperties document;
+    JsonToProperties::convert(R"({"a": null, "b": {"$undefined": true}, "c": 1})", &document);
+    std::cout << text(document) << '\n'; // null and undefined have no place in a document
+
+    document.setValueBinary("bytes", {}); // a value, but written as no field at all
+    document.setValueString("cut", std::string("ab\0cd", 5));
+    std::cout << document.contains("bytes") << ' ' << text(document) << '\n';
+    //! [losses]
+}
+
+} // namespace
+
+int main()
+{
+    every();
+    exact();
+    number();
+    losses();
+}
