@@ -1,0 +1,108 @@
+// Writes through a connection that breaks in every way, at moments chosen by chance: what was acknowledged is there.
+//
+// DATABASE_CLIENT_TEST_FAULTS is how many faults, DATABASE_CLIENT_TEST_SEED chooses them.
+
+#include "database_client.h"
+#include "object_properties.h"
+#include "test_server.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <list>
+#include <random>
+#include <set>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace {
+
+using test_support::Bytes;
+using test_support::Fault;
+using test_support::ScratchDatabase;
+using test_support::TestServer;
+using test_support::WireGateway;
+
+std::size_t fromEnvironment(const char* name, std::size_t usual)
+{
+    const char* const text = std::getenv(name);
+    return text ? std::stoul(text) : usual;
+}
+
+Fault chosen(std::mt19937_64& random)
+{
+    switch (random() % 9)
+    {
+    case 0:
+        return Fault::dropBeforeForwarding();
+    case 1:
+        return Fault::dropAfterForwarding();
+    case 2:
+        return Fault::cutReply(random() % 60);
+    case 3:
+        return Fault::answer(R"({"ok": 0, "errmsg": "not primary", "code": 10107, "codeName": "NotWritablePrimary"})");
+    case 4:
+        return Fault::answer(R"({"ok": 1, "n": 0, "writeErrors": [{"index": 0, "code": 11000, "errmsg": "taken"}]})");
+    case 5:
+        return Fault::replaceReply(R"({"ok": 0, "errmsg": "interrupted", "code": 11601})");
+    case 6:
+        return Fault::replaceReply(
+            R"({"ok": 1, "n": 1, "writeConcernError": {"code": 64, "errmsg": "waiting for replication timed out"}})");
+    case 7:
+        return Fault::shortenReply(16 + random() % 20);
+    default:
+        return Fault::rawReply(Bytes{1, 2, 3});
+    }
+}
+
+TEST(AcknowledgedWrites, AreAllFoundWhateverHappensToTheConnection)
+{
+    WireGateway& gateway = TestServer::instance().gateway();
+    ScratchDatabase database;
+    DataBaseClient client;
+    client.connect(TestServer::instance().uri() + "?socketTimeoutMS=2000&serverSelectionTimeoutMS=5000");
+    const auto seed = fromEnvironment("DATABASE_CLIENT_TEST_SEED", 1);
+    const auto faults = fromEnvironment("DATABASE_CLIENT_TEST_FAULTS", 20);
+    std::mt19937_64 random(seed);
+    std::vector<std::string> acknowledged;
+    std::size_t failures = 0;
+    for (std::size_t i = 0; i < faults; ++i)
+    {
+        gateway.inject(chosen(random).onCommand("insert").number(1 + random() % 3));
+        for (int write = 0; write < 4; ++write)
+        {
+            std::string id;
+            try
+            {
+                client.write(database.name(), "c", ObjectProperties(), id);
+                acknowledged.push_back(id);
+            }
+            catch (const std::runtime_error& error)
+            {
+                ++failures;
+                EXPECT_EQ(std::string(error.what()).find("Error occurred while insert operation: "), 0U)
+                    << "seed " << seed << ", fault " << i << ": " << error.what();
+            }
+            EXPECT_EQ(id.size(), 24U);
+        }
+        gateway.clearFaults();
+    }
+    EXPECT_GE(failures, faults) << "every fault is noticed";
+
+    DataBaseClient reader; // the first client may still be in the pause after a fault
+    reader.connect(TestServer::instance().uri());
+    std::list<ObjectProperties*> results;
+    reader.read(database.name(), "c", ObjectProperties(), results);
+    std::set<std::string> stored;
+    for (ObjectProperties* result : results)
+    {
+        stored.insert(result->valueAsId("_id", ""));
+        delete result;
+    }
+    for (const auto& id : acknowledged)
+        EXPECT_EQ(stored.count(id), 1U) << "seed " << seed << ": " << id << " was acknowledged and is lost";
+    EXPECT_LE(stored.size(), acknowledged.size() + failures);
+}
+
+} // namespace

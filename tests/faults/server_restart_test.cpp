@@ -1,0 +1,256 @@
+// A server that is ended and started again while clients work with it.
+
+#include "database_client.h"
+#include "object_properties.h"
+#include "test_server.h"
+
+#include <gtest/gtest.h>
+
+#include <condition_variable>
+#include <list>
+#include <memory>
+#include <mutex>
+#include <set>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace {
+
+using test_support::Fault;
+using test_support::ServerProcess;
+using test_support::WireGateway;
+
+// Limits that a test can wait for; the driver's own pause after a dropped connection is half a second.
+const std::string limits = "?serverSelectionTimeoutMS=5000&connectTimeoutMS=2000&socketTimeoutMS=60000";
+
+std::set<std::string> idsOf(DataBaseClient& client, const std::string& collection)
+{
+    std::list<ObjectProperties*> results;
+    client.read("restart", collection, ObjectProperties(), results);
+    std::set<std::string> ids;
+    for (ObjectProperties* result : results)
+    {
+        ids.insert(result->valueAsId("_id", ""));
+        delete result;
+    }
+    return ids;
+}
+
+/// Writes without end, in a thread of its own, and keeps what write() promised.
+class Writer
+{
+public:
+    explicit Writer(const std::string& uri) : m_thread([this, uri] { write(uri); }) {}
+    ~Writer() { end(); }
+    Writer(const Writer&) = delete;
+    Writer& operator=(const Writer&) = delete;
+
+    void end()
+    {
+        {
+            const std::lock_guard<std::mutex> lock(m_mutex);
+            m_ended = true;
+        }
+        if (m_thread.joinable())
+            m_thread.join();
+    }
+
+    void waitForFurtherSuccesses(std::size_t count)
+    {
+        std::unique_lock<std::mutex> lock(m_mutex);
+        const std::size_t wanted = m_acknowledged.size() + count;
+        m_changed.wait(lock, [&] { return m_acknowledged.size() >= wanted; });
+    }
+
+    void waitForAFurtherFailure()
+    {
+        std::unique_lock<std::mutex> lock(m_mutex);
+        const std::size_t wanted = m_failures.size() + 1;
+        m_changed.wait(lock, [&] { return m_failures.size() >= wanted; });
+    }
+
+    // After end().
+    const std::vector<std::string>& acknowledged() const { return m_acknowledged; }
+    const std::vector<std::string>& failures() const { return m_failures; }
+
+private:
+    void write(const std::string& uri)
+    {
+        DataBaseClient client;
+        client.connect(uri);
+        const ObjectProperties document;
+        for (;;)
+        {
+            std::string id;
+            std::string failure;
+            try
+            {
+                client.write("restart", "c", document, id);
+            }
+            catch (const std::exception& error)
+            {
+                failure = error.what();
+            }
+            const std::lock_guard<std::mutex> lock(m_mutex);
+            if (failure.empty())
+                m_acknowledged.push_back(id);
+            else
+                m_failures.push_back(failure);
+            m_changed.notify_all();
+            if (m_ended)
+                return;
+        }
+    }
+
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
+    std::vector<std::string> m_acknowledged;
+    std::vector<std::string> m_failures;
+    bool m_ended = false;
+    std::thread m_thread; // last: it uses the others
+};
+
+class ServerRestart : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        if (!ServerProcess::available())
+            GTEST_SKIP() << "the server given by MONGODB_URI cannot be ended";
+        DataBaseClient::instance(); // the driver is initialised before there are threads
+        m_server = std::make_unique<ServerProcess>();
+    }
+
+    std::unique_ptr<ServerProcess> m_server;
+};
+
+TEST_F(ServerRestart, LosesNoWriteThatWasAcknowledgedAndTheSameClientWorksAgain)
+{
+    Writer writer(m_server->uri() + limits);
+    for (int round = 0; round < 3; ++round)
+    {
+        writer.waitForFurtherSuccesses(50);
+        m_server->stop();
+        writer.waitForAFurtherFailure();
+        m_server->start();
+        writer.waitForFurtherSuccesses(50);
+    }
+    writer.end();
+
+    for (const auto& failure : writer.failures())
+        EXPECT_EQ(failure.find("Error occurred while insert operation: "), 0U) << failure;
+    DataBaseClient client;
+    client.connect(m_server->uri() + limits);
+    const auto stored = idsOf(client, "c");
+    for (const auto& id : writer.acknowledged())
+        EXPECT_EQ(stored.count(id), 1U) << id << " was acknowledged and is lost";
+    // What was not acknowledged may have been stored all the same: one write for each failure, no more.
+    EXPECT_LE(stored.size(), writer.acknowledged().size() + writer.failures().size());
+}
+
+TEST_F(ServerRestart, KeepsTheResultsDeliveredBeforeAndTheNextReadDeliversAll)
+{
+    WireGateway gateway(m_server->uri(), m_server->rewrite());
+    DataBaseClient client;
+    client.connect(gateway.uri() + limits);
+    constexpr std::size_t count = 300; // more than a first batch
+    for (std::size_t i = 0; i < count; ++i)
+        client.write("restart", "c", ObjectProperties());
+
+    gateway.inject(Fault::holdReply().onCommand("getMore"));
+    std::list<ObjectProperties*> results;
+    std::string failure;
+    std::thread reader([&] {
+        try
+        {
+            client.read("restart", "c", ObjectProperties(), results);
+        }
+        catch (const std::runtime_error& error)
+        {
+            failure = error.what();
+        }
+    });
+    EXPECT_TRUE(gateway.waitForHeldReplies(1));
+    m_server->stop();
+    gateway.closeConnections();
+    reader.join();
+    gateway.clearFaults();
+
+    EXPECT_EQ(failure.find("Find error.: "), 0U) << failure;
+    EXPECT_GT(results.size(), 0U);
+    EXPECT_LT(results.size(), count);
+    for (const ObjectProperties* result : results)
+        delete result;
+
+    m_server->start();
+    EXPECT_EQ(idsOf(client, "c").size(), count) << "the same client works again";
+}
+
+TEST_F(ServerRestart, LeavesEveryOperationWithItsOwnExceptionWhileTheServerIsAway)
+{
+    DataBaseClient client;
+    client.connect(m_server->uri() + "?serverSelectionTimeoutMS=200&connectTimeoutMS=200");
+    m_server->stop();
+    const ObjectProperties empty;
+    const auto failureOf = [](const auto& call) {
+        try
+        {
+            call();
+        }
+        catch (const std::runtime_error& error)
+        {
+            const std::string text = error.what();
+            return text.substr(0, text.find(": "));
+        }
+        return std::string("none");
+    };
+    std::list<ObjectProperties*> results;
+    std::list<std::string> names;
+    EXPECT_EQ(failureOf([&] { client.write("d", "c", empty); }), "Error occurred while insert operation");
+    EXPECT_EQ(failureOf([&] { client.update("d", "c", empty, empty, UpdateFlagNone, UpdateCommandSet); }),
+              "Updating failed");
+    EXPECT_EQ(failureOf([&] { client.remove("d", "c", empty); }), "Error occurred while remove operation");
+    EXPECT_EQ(failureOf([&] { client.read("d", "c", empty, results); }), "Find error.");
+    EXPECT_EQ(failureOf([&] { client.aggregate("d", "c", empty, results); }), "Aggregation error.");
+    EXPECT_EQ(failureOf([&] { client.addUser("d", "u", "p", empty, empty); }), "Error occurred while adding user");
+    EXPECT_EQ(failureOf([&] { client.updateUser("d", "u", empty, empty); }), "Error occurred while updating user");
+    EXPECT_EQ(failureOf([&] { client.changeUserPassword("d", "u", "p"); }), "Error occurred while changing password");
+    EXPECT_EQ(failureOf([&] { client.removeUser("d", "u"); }), "Error occurred while removing user");
+    EXPECT_EQ(failureOf([&] { client.listFiles("d", "f", names); }),
+              "Error occurred while mongoc_client_get_gridfs operation");
+    EXPECT_TRUE(results.empty());
+    EXPECT_TRUE(names.empty());
+    EXPECT_TRUE(client.isConnected());
+}
+
+// No clock is read: the server never answers, so only the limit of the connection string can end the operation.
+TEST_F(ServerRestart, EndsAnOperationAtTheSocketTimeLimitWhenTheServerNeverAnswers)
+{
+    WireGateway gateway(m_server->uri(), m_server->rewrite());
+    DataBaseClient client;
+    client.connect(gateway.uri() + "?socketTimeoutMS=300&serverSelectionTimeoutMS=10000");
+    client.write("restart", "c", ObjectProperties());
+    gateway.inject(Fault::holdReply().onCommand("insert"));
+    EXPECT_THROW(client.write("restart", "c", ObjectProperties()), std::runtime_error);
+    gateway.clearFaults();
+    EXPECT_NO_THROW(client.write("restart", "c", ObjectProperties())) << "the same client works again";
+}
+
+TEST_F(ServerRestart, EndsAnOperationAtTheSelectionTimeLimitWhenNobodyAccepts)
+{
+    WireGateway gateway(m_server->uri(), m_server->rewrite());
+    gateway.refuseConnections();
+    DataBaseClient client;
+    client.connect(gateway.uri() + "?serverSelectionTimeoutMS=300");
+    EXPECT_THROW(client.write("restart", "c", ObjectProperties()), std::runtime_error);
+    gateway.pause();
+    gateway.acceptConnections();
+    DataBaseClient another;
+    another.connect(gateway.uri() + "?serverSelectionTimeoutMS=300&connectTimeoutMS=200");
+    EXPECT_THROW(another.write("restart", "c", ObjectProperties()), std::runtime_error);
+    gateway.resume();
+}
+
+} // namespace
