@@ -18,9 +18,11 @@ inline void closeAndDestroyStream(mongoc_stream_t* stream) noexcept
 using ClientHandle = std::unique_ptr<mongoc_client_t, DestroyWith<mongoc_client_destroy>>;
 using DatabaseHandle = std::unique_ptr<mongoc_database_t, DestroyWith<mongoc_database_destroy>>;
 using CollectionHandle = std::unique_ptr<mongoc_collection_t, DestroyWith<mongoc_collection_destroy>>;
+using BulkHandle = std::unique_ptr<mongoc_bulk_operation_t, DestroyWith<mongoc_bulk_operation_destroy>>;
 using CursorHandle = std::unique_ptr<mongoc_cursor_t, DestroyWith<mongoc_cursor_destroy>>;
 using GridFsHandle = std::unique_ptr<mongoc_gridfs_t, DestroyWith<mongoc_gridfs_destroy>>;
 using GridFsFileHandle = std::unique_ptr<mongoc_gridfs_file_t, DestroyWith<mongoc_gridfs_file_destroy>>;
 using GridFsFileListHandle = std::unique_ptr<mongoc_gridfs_file_list_t, DestroyWith<mongoc_gridfs_file_list_destroy>>;
 using GridFsStreamHandle = std::unique_ptr<mongoc_stream_t, DestroyWith<mongoc_stream_destroy>>;
+using UriHandle = std::unique_ptr<mongoc_uri_t, DestroyWith<mongoc_uri_destroy>>;
 using FileStreamHandle = std::unique_ptr<mongoc_stream_t, DestroyWith<closeAndDestroyStream>>;

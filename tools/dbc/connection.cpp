@@ -1,0 +1,118 @@
+#include "connection.h"
+
+#include "companion/connection_string.h"
+#include "failure.h"
+
+#include <fcntl.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+
+namespace {
+
+const std::string scheme = "mongodb://";
+const std::string seedScheme = "mongodb+srv://";
+
+std::size_t schemeLength(const std::string& uri)
+{
+    for (const std::string& candidate : {scheme, seedScheme})
+    {
+        if (uri.compare(0, candidate.size(), candidate) == 0)
+            return candidate.size();
+    }
+    throw Failure(UsageError, "--uri is not a connection string: it begins with mongodb://");
+}
+
+std::string passwordOf(const ConnectionOptions& options)
+{
+    if (!options.passwordFile.empty())
+        return readSecretFile(options.passwordFile);
+    if (const char* password = std::getenv("DBC_PASSWORD"))
+        return password;
+    return promptSecret("Password of " + options.user + ": ");
+}
+
+// Puts the terminal back as it was, whatever ends the prompt.
+class HiddenInput
+{
+public:
+    explicit HiddenInput(int terminal) : m_terminal(terminal)
+    {
+        if (::tcgetattr(m_terminal, &m_before) != 0)
+            throw Failure(UsageError, "the terminal cannot hide what is typed");
+        termios hidden = m_before;
+        hidden.c_lflag &= ~static_cast<tcflag_t>(ECHO);
+        ::tcsetattr(m_terminal, TCSAFLUSH, &hidden);
+    }
+    HiddenInput(const HiddenInput&) = delete;
+    HiddenInput& operator=(const HiddenInput&) = delete;
+    ~HiddenInput() { ::tcsetattr(m_terminal, TCSAFLUSH, &m_before); }
+
+private:
+    int m_terminal;
+    termios m_before = {};
+};
+
+} // namespace
+
+std::string readSecretFile(const std::string& path)
+{
+    std::ifstream file(path);
+    std::string secret;
+    if (!std::getline(file, secret))
+        throw Failure(UsageError, "cannot read a password from " + path);
+    return secret;
+}
+
+std::string promptSecret(const std::string& question)
+{
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> terminal(std::fopen("/dev/tty", "r+"), &std::fclose);
+    if (!terminal)
+        throw Failure(UsageError, "no terminal to ask for a password: use a password file or the environment");
+    std::fputs(question.c_str(), terminal.get());
+    std::fflush(terminal.get());
+    std::string secret;
+    {
+        const HiddenInput hidden(::fileno(terminal.get()));
+        for (int character = 0; (character = std::fgetc(terminal.get())) != EOF && character != '\n';)
+            secret += static_cast<char>(character);
+    }
+    std::fputs("\n", terminal.get());
+    return secret;
+}
+
+std::string connectionString(const ConnectionOptions& options)
+{
+    if (options.uri.empty())
+        throw Failure(UsageError, "no server named: give --uri or set DBC_URI");
+    if (options.user.empty())
+        return options.uri;
+    const std::size_t begin = schemeLength(options.uri);
+    if (options.uri.find('@', begin) != std::string::npos)
+        throw Failure(UsageError, "--user together with credentials in the connection string");
+    return options.uri.substr(0, begin) + companion::percentEncoded(options.user) + ":" +
+           companion::percentEncoded(passwordOf(options)) + "@" + options.uri.substr(begin);
+}
+
+std::unique_ptr<DataBaseClient> connect(const ConnectionOptions& options)
+{
+    auto client = std::make_unique<DataBaseClient>();
+    client->connect(connectionString(options));
+    return client;
+}
+
+void hidePasswords(int argumentCount, char** arguments)
+{
+    for (int index = 1; index < argumentCount; ++index)
+    {
+        char* const begin = std::strstr(arguments[index], "://");
+        char* const end = begin ? std::strrchr(begin, '@') : nullptr;
+        char* const colon = end ? std::strchr(begin + 3, ':') : nullptr;
+        if (colon && colon < end)
+            std::memset(colon + 1, '*', static_cast<std::size_t>(end - colon - 1));
+    }
+}

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "database_client.h"
+
+#include <memory>
+#include <string>
+
+/// Where to connect, and as whom. A password never has to stand on the command line, where other users see it.
+struct ConnectionOptions
+{
+    std::string uri;          ///< --uri or DBC_URI
+    std::string user;         ///< --user
+    std::string passwordFile; ///< --password-file
+    bool askPassword = false; ///< --ask-password
+    bool quiet = false;       ///< --quiet
+};
+
+/// The connection string with the credentials in it, percent-encoded. The password comes from the file, from
+/// DBC_PASSWORD or from a prompt, in this order.
+std::string connectionString(const ConnectionOptions& options);
+
+/// A connected client.
+std::unique_ptr<DataBaseClient> connect(const ConnectionOptions& options);
+
+/// First line of a file.
+std::string readSecretFile(const std::string& path);
+
+/// Asks on the terminal without showing what is typed. @throws Failure when there is no terminal
+std::string promptSecret(const std::string& question);
+
+/// Hides the password of a connection string that was given on the command line from the list of processes.
+void hidePasswords(int argumentCount, char** arguments);

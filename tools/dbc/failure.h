@@ -1,0 +1,26 @@
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+/// What a shell script can tell from how the program ended.
+enum ExitStatus : int
+{
+    Success = 0,
+    NothingFound = 1,
+    UsageError = 2,
+    ConnectionError = 3,
+    ServerRefused = 4,
+    Interrupted = 130 // as a shell reports a program that SIGINT ended
+};
+
+/// Ends the program with one line and a status of its own.
+class Failure : public std::runtime_error
+{
+public:
+    Failure(ExitStatus status, const std::string& text) : std::runtime_error(text), m_status(status) {}
+    ExitStatus status() const noexcept { return m_status; }
+
+private:
+    ExitStatus m_status;
+};

@@ -1,0 +1,138 @@
+#include "commands.h"
+
+#include "companion/errors.h"
+#include "companion/files.h"
+#include "failure.h"
+#include "interrupt.h"
+#include "progress.h"
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <list>
+#include <memory>
+#include <string>
+
+namespace {
+
+struct FileCommand
+{
+    std::string database;
+    std::string store = "fs";
+    std::string name;
+    std::string path;
+};
+
+int put(const GlobalOptions& global, const FileCommand& command)
+{
+    const std::string name =
+        command.name.empty() ? std::filesystem::path(command.path).filename().string() : command.name;
+    const auto client = connect(global.connection);
+    if (command.path == "-")
+        companion::writeFile(*client, command.database, command.store, name, std::cin);
+    else
+        client->writeFile(command.database, command.store, name, command.path);
+    return Success;
+}
+
+void copyTo(std::ostream& target, const GlobalOptions& global, const FileCommand& command)
+{
+    Progress progress(command.name, 0, global.connection.quiet);
+    companion::Download download(target, [&progress](std::uint64_t bytes) {
+        progress.show(bytes);
+        return !isInterrupted();
+    });
+    connect(global.connection)->readFile(command.database, command.store, command.name, &download);
+    if (!target.flush())
+        throw Failure(UsageError, "the output cannot be written");
+}
+
+// Into a file beside the target, so that a copy that ends half-way leaves an older file as it was.
+int get(const GlobalOptions& global, const FileCommand& command)
+{
+    if (command.path == "-")
+    {
+        copyTo(std::cout, global, command);
+        return Success;
+    }
+    const std::string path =
+        command.path.empty() ? std::filesystem::path(command.name).filename().string() : command.path;
+    const std::string part = path + ".part";
+    try
+    {
+        std::ofstream file(part, std::ios::binary | std::ios::trunc);
+        if (!file)
+            throw Failure(UsageError, "cannot write " + part);
+        copyTo(file, global, command);
+    }
+    catch (const companion::Cancelled&)
+    {
+        std::remove(part.c_str());
+        throw Failure(Interrupted, "interrupted");
+    }
+    catch (...)
+    {
+        std::remove(part.c_str());
+        throw;
+    }
+    if (std::rename(part.c_str(), path.c_str()) != 0)
+        throw Failure(UsageError, "cannot write " + path);
+    return Success;
+}
+
+std::list<std::string> names(const GlobalOptions& global, const FileCommand& command)
+{
+    std::list<std::string> result;
+    connect(global.connection)->listFiles(command.database, command.store, result);
+    return result;
+}
+
+int list(const GlobalOptions& global, const FileCommand& command)
+{
+    const auto stored = names(global, command);
+    for (const std::string& name : stored)
+        std::cout << name << '\n';
+    return stored.empty() ? NothingFound : Success;
+}
+
+int remove(const GlobalOptions& global, const FileCommand& command)
+{
+    const std::size_t before = names(global, command).size();
+    connect(global.connection)->removeFile(command.database, command.store, command.name);
+    const std::size_t removed = before - names(global, command).size();
+    if (!global.connection.quiet)
+        std::cout << "removed " << removed << '\n';
+    return removed > 0 ? Success : NothingFound;
+}
+
+using Action = int (*)(const GlobalOptions&, const FileCommand&);
+
+CLI::App* addCommand(CLI::App& files, const GlobalOptions& global, Work& work, const char* name, const char* help,
+                     const std::shared_ptr<FileCommand>& command, Action action)
+{
+    CLI::App* app = files.add_subcommand(name, help);
+    app->add_option("database", command->database, "Database")->required();
+    app->add_option("--store", command->store, "Store of the files; fs unless given");
+    app->callback([=, &global, &work] { work = [=, &global] { return action(global, *command); }; });
+    return app;
+}
+
+} // namespace
+
+void addFileCommands(CLI::App& program, const GlobalOptions& global, Work& work)
+{
+    CLI::App* files = program.add_subcommand("files", "Files stored on the server")->require_subcommand(1);
+    const auto command = std::make_shared<FileCommand>();
+    CLI::App* app =
+        addCommand(*files, global, work, "put", "Store a local file, or - for standard input", command, put);
+    app->add_option("path", command->path, "Local file")->required();
+    app->add_option("--name", command->name, "Name on the server; that of the file unless given");
+    app = addCommand(*files, global, work, "get", "Fetch a stored file", command, get);
+    app->add_option("name", command->name, "Name on the server")->required();
+    app->add_option("path", command->path, "Local file, or - for standard output; the name unless given");
+    addCommand(*files, global, work, "ls", "List the stored files", command, list);
+    app = addCommand(*files, global, work, "rm", "Remove a stored file, upper and lower case taken as equal", command,
+                     remove);
+    app->add_option("name", command->name, "Name on the server")->required();
+}

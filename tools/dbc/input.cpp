@@ -1,0 +1,60 @@
+#include "input.h"
+
+#include "failure.h"
+
+#include <cctype>
+
+BsonPointer parseJson(const std::string& text, const std::string& what)
+{
+    bson_error_t error{};
+    BsonPointer bson(bson_new_from_json(reinterpret_cast<const std::uint8_t*>(text.data()),
+                                        static_cast<ssize_t>(text.size()), &error));
+    if (!bson)
+        throw Failure(UsageError, what + " is not JSON: " + error.message);
+    return bson;
+}
+
+BsonPointer DocumentReader::next()
+{
+    const std::uint64_t line = m_line;
+    if (!readText())
+        return nullptr;
+    ++m_count;
+    return parseJson(m_text, "the document that begins at or behind line " + std::to_string(line));
+}
+
+// Takes the text from a "{" at the top to the "}" that closes it. Braces in texts do not count.
+bool DocumentReader::readText()
+{
+    m_text.clear();
+    int depth = 0;
+    bool inText = false;
+    bool escaped = false;
+    for (int next = 0; (next = m_stream.get()) != std::istream::traits_type::eof();)
+    {
+        const char character = std::istream::traits_type::to_char_type(next);
+        m_line += character == '\n' ? 1U : 0U;
+        if (depth == 0 && character != '{')
+        {
+            if (std::isspace(static_cast<unsigned char>(character)) ||
+                std::string("[],").find(character) != std::string::npos)
+                continue;
+            throw Failure(UsageError, "line " + std::to_string(m_line) + " does not begin a document");
+        }
+        m_text += character;
+        if (inText)
+        {
+            inText = escaped || character != '"';
+            escaped = !escaped && character == '\\';
+            continue;
+        }
+        inText = character == '"';
+        if (character == '{')
+            ++depth;
+        else if (character == '}' && --depth == 0)
+            return true;
+    }
+    if (depth > 0)
+        throw Failure(UsageError, "the input ends inside a document");
+    return false;
+}

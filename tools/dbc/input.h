@@ -1,0 +1,32 @@
+#pragma once
+
+#include "conversion/bson_handles.h"
+
+#include <cstdint>
+#include <istream>
+#include <string>
+
+/// A document of JSON text, any dialect. @throws Failure that names @p what when the text is not one
+BsonPointer parseJson(const std::string& text, const std::string& what);
+
+/// Reads JSON documents from a stream, one after the other: on lines, in one array, or just side by side. Holds one
+/// document at a time.
+class DocumentReader
+{
+public:
+    explicit DocumentReader(std::istream& stream) : m_stream(stream) {}
+
+    /// The next document; an empty handle at the end. @throws Failure with the line of what is not JSON
+    BsonPointer next();
+
+    /// Documents read so far.
+    std::uint64_t count() const noexcept { return m_count; }
+
+private:
+    bool readText();
+
+    std::istream& m_stream;
+    std::string m_text;
+    std::uint64_t m_line = 1;
+    std::uint64_t m_count = 0;
+};

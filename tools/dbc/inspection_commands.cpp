@@ -1,0 +1,377 @@
+#include "commands.h"
+
+#include "companion/errors.h"
+#include "failure.h"
+#include "losses.h"
+#include "progress.h"
+#include "query_words.h"
+#include "raw_collection.h"
+
+#include <netdb.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <iomanip>
+#include <iostream>
+#include <map>
+#include <memory>
+#include <optional>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace {
+
+struct InspectCommand
+{
+    std::string collection;
+    std::vector<std::string> query;
+    std::int64_t sample = 1000;
+};
+
+// --- check ---------------------------------------------------------------------------------------------------------
+
+int check(const GlobalOptions& global, const InspectCommand& command)
+{
+    const BsonPointer query = parseQuery(command.query);
+    RawCollection collection(connectionString(global.connection), command.collection);
+    LossCounter losses(LossPolicy::Count);
+    std::uint64_t done = 0;
+    {
+        Progress progress("checking", collection.count(*query.get()), global.connection.quiet);
+        collection.find(*query.get(), {}, [&](const RawCollection::Document& document) {
+            losses.look(*document.bson, ++done);
+            progress.show(done);
+        });
+    }
+    losses.print(std::cout);
+    if (!losses.foundAny() && !global.connection.quiet)
+        std::cout << done << " documents come back as they are\n";
+    return losses.foundAny() ? ServerRefused : Success;
+}
+
+// --- schema --------------------------------------------------------------------------------------------------------
+
+const char* nameOfType(bson_type_t type)
+{
+    switch (type)
+    {
+    case BSON_TYPE_DOUBLE:
+        return "double";
+    case BSON_TYPE_UTF8:
+        return "string";
+    case BSON_TYPE_DOCUMENT:
+        return "object";
+    case BSON_TYPE_ARRAY:
+        return "array";
+    case BSON_TYPE_BINARY:
+        return "binary";
+    case BSON_TYPE_UNDEFINED:
+        return "undefined";
+    case BSON_TYPE_OID:
+        return "id";
+    case BSON_TYPE_BOOL:
+        return "bool";
+    case BSON_TYPE_DATE_TIME:
+        return "time";
+    case BSON_TYPE_NULL:
+        return "null";
+    case BSON_TYPE_REGEX:
+        return "regex";
+    case BSON_TYPE_DBPOINTER:
+        return "dbpointer";
+    case BSON_TYPE_CODE:
+        return "code";
+    case BSON_TYPE_SYMBOL:
+        return "symbol";
+    case BSON_TYPE_CODEWSCOPE:
+        return "code with scope";
+    case BSON_TYPE_INT32:
+        return "int32";
+    case BSON_TYPE_TIMESTAMP:
+        return "timestamp";
+    case BSON_TYPE_INT64:
+        return "int64";
+    case BSON_TYPE_DECIMAL128:
+        return "decimal128";
+    case BSON_TYPE_MAXKEY:
+        return "max key";
+    case BSON_TYPE_MINKEY:
+        return "min key";
+    case BSON_TYPE_EOD:
+        break;
+    }
+    return "unknown";
+}
+
+// What is known of one path in one type.
+struct Column
+{
+    std::uint64_t count = 0;
+    std::optional<double> smallest;
+    std::optional<double> largest;
+
+    void add(double value)
+    {
+        smallest = smallest ? std::min(*smallest, value) : value;
+        largest = largest ? std::max(*largest, value) : value;
+    }
+};
+
+using Schema = std::map<std::pair<std::string, std::string>, Column>;
+
+// Lengths stand for the range of texts and arrays.
+std::optional<double> measure(const bson_iter_t& iter)
+{
+    std::uint32_t length = 0;
+    bson_iter_t child;
+    switch (bson_iter_type(&iter))
+    {
+    case BSON_TYPE_DOUBLE:
+    case BSON_TYPE_INT32:
+    case BSON_TYPE_INT64:
+        return bson_iter_as_double(&iter);
+    case BSON_TYPE_DATE_TIME:
+        return static_cast<double>(bson_iter_date_time(&iter));
+    case BSON_TYPE_UTF8:
+        bson_iter_utf8(&iter, &length);
+        return length;
+    case BSON_TYPE_ARRAY:
+        if (bson_iter_recurse(&iter, &child))
+            while (bson_iter_next(&child))
+                ++length;
+        return length;
+    case BSON_TYPE_EOD:
+    case BSON_TYPE_DOCUMENT:
+    case BSON_TYPE_BINARY:
+    case BSON_TYPE_UNDEFINED:
+    case BSON_TYPE_OID:
+    case BSON_TYPE_BOOL:
+    case BSON_TYPE_NULL:
+    case BSON_TYPE_REGEX:
+    case BSON_TYPE_DBPOINTER:
+    case BSON_TYPE_CODE:
+    case BSON_TYPE_SYMBOL:
+    case BSON_TYPE_CODEWSCOPE:
+    case BSON_TYPE_TIMESTAMP:
+    case BSON_TYPE_DECIMAL128:
+    case BSON_TYPE_MAXKEY:
+    case BSON_TYPE_MINKEY:
+        break;
+    }
+    return std::nullopt;
+}
+
+// A server refuses documents that are nested deeper than this, so the recursion is bounded.
+constexpr int deepestLevel = 200;
+
+void addToSchema(bson_iter_t& iter, const std::string& path, bool isArray, int level, Schema& schema)
+{
+    while (bson_iter_next(&iter))
+    {
+        const std::string key = isArray ? "[]" : bson_iter_key(&iter);
+        const std::string below = path.empty() ? key : path + "." + key;
+        Column& column = schema[{below, nameOfType(bson_iter_type(&iter))}];
+        ++column.count;
+        if (const auto value = measure(iter))
+            column.add(*value);
+        bson_iter_t child;
+        const bool nestedArray = BSON_ITER_HOLDS_ARRAY(&iter);
+        if ((nestedArray || BSON_ITER_HOLDS_DOCUMENT(&iter)) && level < deepestLevel &&
+            bson_iter_recurse(&iter, &child))
+            addToSchema(child, below, nestedArray, level + 1, schema);
+    }
+}
+
+std::string rangeOf(const Column& column)
+{
+    if (!column.smallest)
+        return "";
+    std::ostringstream text;
+    text << std::setprecision(15) << *column.smallest << " .. " << *column.largest;
+    return text.str();
+}
+
+int schema(const GlobalOptions& global, const InspectCommand& command)
+{
+    const BsonPointer query = parseQuery(command.query);
+    RawCollection collection(connectionString(global.connection), command.collection);
+    Schema schema;
+    RawCollection::FindOptions options;
+    options.limit = command.sample;
+    const auto documents = collection.find(*query.get(), options, [&schema](const RawCollection::Document& document) {
+        bson_iter_t iter;
+        if (bson_iter_init(&iter, document.bson))
+            addToSchema(iter, "", false, 0, schema);
+    });
+    std::size_t width = 4;
+    for (const auto& entry : schema)
+        width = std::max(width, entry.first.first.size());
+    for (const auto& [place, column] : schema)
+        std::cout << std::left << std::setw(static_cast<int>(width)) << place.first << "  " << std::setw(10)
+                  << place.second << "  " << std::right << std::setw(8) << column.count << "  " << rangeOf(column)
+                  << '\n';
+    if (!global.connection.quiet)
+        std::cout << documents << " documents\n";
+    return documents > 0 ? Success : NothingFound;
+}
+
+// --- doctor --------------------------------------------------------------------------------------------------------
+
+// One line a step; the first step that fails ends the walk, since those behind it need it.
+class Doctor
+{
+public:
+    explicit Doctor(const GlobalOptions& global) : m_uri(connectionString(global.connection)) {}
+
+    int examine()
+    {
+        const UriHandle uri(parse());
+        if (!uri || !findAddress(uri.get()) || !reach(uri.get()))
+            return ConnectionError;
+        return askServer(uri.get());
+    }
+
+private:
+    static void good(const std::string& step, const std::string& text)
+    {
+        std::cout << "ok    " << step << ": " << text << '\n';
+    }
+
+    static bool bad(const std::string& step, const std::string& text, const std::string& advice)
+    {
+        std::cout << "fail  " << step << ": " << text << "; " << advice << '\n';
+        return false;
+    }
+
+    mongoc_uri_t* parse()
+    {
+        DataBaseClient().isConnected(); // the first client of the process starts the driver
+        bson_error_t error{};
+        mongoc_uri_t* uri = mongoc_uri_new_with_error(m_uri.c_str(), &error);
+        if (uri)
+            good("string", "is a connection string");
+        else
+            bad("string", error.message, "percent-encode reserved characters in user, password and database");
+        return uri;
+    }
+
+    bool findAddress(const mongoc_uri_t* uri)
+    {
+        m_host = mongoc_uri_get_hosts(uri);
+        if (!m_host)
+            return bad("address", "the string names no host", "give mongodb://HOST:PORT/");
+        addrinfo hints = {};
+        hints.ai_socktype = SOCK_STREAM;
+        addrinfo* found = nullptr;
+        const int status = ::getaddrinfo(m_host->host, std::to_string(m_host->port).c_str(), &hints, &found);
+        m_addresses.reset(found);
+        if (status != 0)
+            return bad("address", std::string(m_host->host) + ": " + ::gai_strerror(status),
+                       "check the name of the host");
+        good("address", std::string(m_host->host) + " is known");
+        return true;
+    }
+
+    bool reach(const mongoc_uri_t* uri)
+    {
+        const std::string place = m_host->host_and_port;
+        for (const addrinfo* address = m_addresses.get(); address; address = address->ai_next)
+        {
+            const int socket = ::socket(address->ai_family, SOCK_STREAM | SOCK_CLOEXEC, 0);
+            if (socket < 0)
+                continue;
+            const bool connected = ::connect(socket, address->ai_addr, address->ai_addrlen) == 0;
+            ::close(socket);
+            if (!connected)
+                continue;
+            good("port", place + (mongoc_uri_get_tls(uri) ? " answers; TLS is wanted" : " answers; without TLS"));
+            return true;
+        }
+        return bad("port", place + " refuses", "check that the server runs and that no firewall stands between");
+    }
+
+    int askServer(const mongoc_uri_t* uri)
+    {
+        const char* user = mongoc_uri_get_username(uri);
+        try
+        {
+            RawCollection server(m_uri, "admin.none");
+            OwnedBson command;
+            BSON_APPEND_INT32(command.get(), "buildInfo", 1);
+            OwnedBson reply;
+            server.command(*command.get(), reply);
+            good("login", user ? std::string("as ") + user : "not wanted by the server");
+            reportServer(*reply.get());
+            return Success;
+        }
+        catch (const std::runtime_error& error)
+        {
+            const auto info = companion::describe(error);
+            switch (info.kind)
+            {
+            case companion::ErrorKind::Authentication:
+                bad("login", info.text, "check user, password and authSource");
+                return ConnectionError;
+            case companion::ErrorKind::NotAuthorized:
+                bad("login", info.text, "the server wants a user: give --user");
+                return ServerRefused;
+            case companion::ErrorKind::Timeout:
+            case companion::ErrorKind::Network:
+            case companion::ErrorKind::NotConnected:
+                bad("server", info.text, "check TLS options and the replica set's name");
+                return ConnectionError;
+            case companion::ErrorKind::BadArgument:
+            case companion::ErrorKind::DuplicateKey:
+            case companion::ErrorKind::NotFound:
+            case companion::ErrorKind::TooLarge:
+            case companion::ErrorKind::Other:
+                break;
+            }
+            bad("server", info.text, "see the server's log");
+            return ServerRefused;
+        }
+    }
+
+    static void reportServer(const bson_t& reply)
+    {
+        bson_iter_t iter;
+        if (bson_iter_init_find(&iter, &reply, "version") && BSON_ITER_HOLDS_UTF8(&iter))
+            good("version", bson_iter_utf8(&iter, nullptr));
+        if (bson_iter_init_find(&iter, &reply, "maxBsonObjectSize"))
+            good("limit", "documents of up to " + std::to_string(bson_iter_as_int64(&iter)) + " bytes");
+        if (bson_iter_init_find(&iter, &reply, "ferretdb"))
+            good("limit", "arrays must have the keys 0, 1, 2 ...; undefined and null differ from other servers");
+    }
+
+    struct FreeAddresses
+    {
+        void operator()(addrinfo* addresses) const noexcept { ::freeaddrinfo(addresses); }
+    };
+
+    const std::string m_uri;
+    const mongoc_host_list_t* m_host = nullptr;
+    std::unique_ptr<addrinfo, FreeAddresses> m_addresses;
+};
+
+} // namespace
+
+void addInspectionCommands(CLI::App& program, const GlobalOptions& global, Work& work)
+{
+    const auto command = std::make_shared<InspectCommand>();
+    CLI::App* app = program.add_subcommand("check", "Name what the library's document model would drop or bend");
+    app->add_option("collection", command->collection, "DATABASE.COLLECTION")->required();
+    app->add_option("query", command->query, queryHelp);
+    app->callback([=, &global, &work] { work = [=, &global] { return check(global, *command); }; });
+
+    app = program.add_subcommand("schema", "Print paths, types, counts and ranges of a sample of documents");
+    app->add_option("collection", command->collection, "DATABASE.COLLECTION")->required();
+    app->add_option("query", command->query, queryHelp);
+    app->add_option("--sample", command->sample, "Documents to look at; 0 for all")->check(CLI::NonNegativeNumber);
+    app->callback([=, &global, &work] { work = [=, &global] { return schema(global, *command); }; });
+
+    app = program.add_subcommand("doctor", "Walk address, TLS, login and server, and say what is wrong");
+    app->callback([&global, &work] { work = [&global] { return Doctor(global).examine(); }; });
+}

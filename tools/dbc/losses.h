@@ -1,0 +1,54 @@
+#pragma once
+
+#include "companion/loss_guard.h"
+#include "failure.h"
+
+#include <cstdint>
+#include <map>
+#include <ostream>
+#include <string>
+
+/// What to do with documents that hold what the document model of the library drops or bends.
+enum class LossPolicy
+{
+    Ignore,
+    Count, ///< Say at the end how many fields, of which sort.
+    Refuse ///< Stop at the first one.
+};
+
+/// Looks at documents as they pass.
+class LossCounter
+{
+public:
+    explicit LossCounter(LossPolicy policy) : m_policy(policy) {}
+
+    void look(const bson_t& bson, std::uint64_t documentNumber)
+    {
+        if (m_policy == LossPolicy::Ignore)
+            return;
+        const auto losses = companion::findLosses(bson);
+        m_documents += losses.empty() ? 0U : 1U;
+        for (const companion::LossAt& loss : losses)
+        {
+            if (m_policy == LossPolicy::Refuse)
+                throw Failure(ServerRefused, "document " + std::to_string(documentNumber) + ", " + loss.path + ": " +
+                                                 nameOf(loss.loss));
+            ++m_fields[loss.loss];
+        }
+    }
+
+    bool foundAny() const noexcept { return m_documents > 0; }
+
+    void print(std::ostream& stream) const
+    {
+        for (const auto& [loss, fields] : m_fields)
+            stream << fields << "  " << nameOf(loss) << '\n';
+        if (m_documents > 0)
+            stream << "in " << m_documents << " documents\n";
+    }
+
+private:
+    const LossPolicy m_policy;
+    std::uint64_t m_documents = 0;
+    std::map<companion::Loss, std::uint64_t> m_fields;
+};

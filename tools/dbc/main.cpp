@@ -1,0 +1,95 @@
+#include "commands.h"
+#include "companion/errors.h"
+#include "failure.h"
+#include "interrupt.h"
+
+#include <cstdlib>
+#include <exception>
+#include <iostream>
+#include <map>
+
+namespace {
+
+ExitStatus statusOf(companion::ErrorKind kind)
+{
+    switch (kind)
+    {
+    case companion::ErrorKind::NotConnected:
+    case companion::ErrorKind::Network:
+    case companion::ErrorKind::Timeout:
+    case companion::ErrorKind::Authentication:
+        return ConnectionError;
+    case companion::ErrorKind::BadArgument:
+        return UsageError;
+    case companion::ErrorKind::NotFound:
+        return NothingFound;
+    case companion::ErrorKind::DuplicateKey:
+    case companion::ErrorKind::NotAuthorized:
+    case companion::ErrorKind::TooLarge:
+    case companion::ErrorKind::Other:
+        return ServerRefused;
+    }
+    return ServerRefused;
+}
+
+void addGlobalOptions(CLI::App& program, GlobalOptions& global)
+{
+    static const std::map<std::string, Dialect> dialects{
+        {"relaxed", Dialect::Relaxed}, {"canonical", Dialect::Canonical}, {"legacy", Dialect::Legacy}};
+    program.add_option("--uri", global.connection.uri, "Connection string, mongodb://host:port/")->envname("DBC_URI");
+    program.add_option("--user", global.connection.user, "User; the password is asked for, or taken from DBC_PASSWORD");
+    program.add_option("--password-file", global.connection.passwordFile, "File whose first line is the password");
+    program.add_option("--dialect", global.dialect, "JSON that is written: relaxed, canonical or legacy")
+        ->transform(CLI::CheckedTransformer(dialects, CLI::ignore_case));
+    program.add_flag("--array", global.asArray, "Write one JSON array instead of a document on each line");
+    program.add_flag("-q,--quiet", global.connection.quiet, "No progress and no summary");
+    program.set_version_flag("--version", DBC_VERSION);
+}
+
+int run(const Work& work)
+{
+    try
+    {
+        return work();
+    }
+    catch (const Failure& failure)
+    {
+        std::cerr << "dbc: " << failure.what() << '\n';
+        return failure.status();
+    }
+    catch (const std::exception& error)
+    {
+        std::cerr << "dbc: " << error.what() << '\n';
+        return statusOf(companion::describe(error).kind);
+    }
+}
+
+} // namespace
+
+int main(int argumentCount, char** arguments)
+{
+    CLI::App program("Documents, files and users of a MongoDB server, from the command line.", "dbc");
+    program.footer(
+        "Exit status: 0 done, 1 nothing found, 2 usage, 3 connection, 4 refused by the server, 130 interrupted.");
+    program.require_subcommand(1);
+    program.fallthrough();
+    GlobalOptions global;
+    Work work;
+    addGlobalOptions(program, global);
+    addDocumentCommands(program, global, work);
+    addTransferCommands(program, global, work);
+    addFileCommands(program, global, work);
+    addUserCommands(program, global, work);
+    addInspectionCommands(program, global, work);
+    try
+    {
+        program.parse(argumentCount, arguments);
+    }
+    catch (const CLI::ParseError& error)
+    {
+        return program.exit(error) == 0 ? Success : UsageError;
+    }
+    hidePasswords(argumentCount, arguments);
+    watchForInterrupt();
+    return run(work);
+}

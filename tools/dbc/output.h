@@ -1,0 +1,35 @@
+#pragma once
+
+#include <bson/bson.h>
+
+#include <iosfwd>
+#include <string>
+
+/// How documents are written as JSON.
+enum class Dialect
+{
+    Relaxed,   ///< Numbers as numbers, dates as ISO texts.
+    Canonical, ///< Every type told exactly.
+    Legacy     ///< As PropertiesToJson writes.
+};
+
+std::string toJson(const bson_t& bson, Dialect dialect);
+
+/// Writes documents one on a line, or as one array.
+class DocumentWriter
+{
+public:
+    DocumentWriter(std::ostream& stream, Dialect dialect, bool asArray)
+        : m_stream(stream), m_dialect(dialect), m_asArray(asArray)
+    {}
+
+    void write(const bson_t& bson);
+    /// Closes the array. @throws Failure when something could not be written
+    void finish();
+
+private:
+    std::ostream& m_stream;
+    const Dialect m_dialect;
+    const bool m_asArray;
+    bool m_isFirst = true;
+};

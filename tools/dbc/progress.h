@@ -1,0 +1,28 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <string>
+
+/// A line on standard error that counts; silent when that is no terminal or the program is to be quiet.
+class Progress
+{
+public:
+    /// @param total  0 when it is not known
+    Progress(std::string what, std::uint64_t total, bool quiet);
+    Progress(const Progress&) = delete;
+    Progress& operator=(const Progress&) = delete;
+    /// Wipes the line.
+    ~Progress();
+
+    void show(std::uint64_t done);
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    const std::string m_what;
+    const std::uint64_t m_total;
+    const bool m_visible;
+    const Clock::time_point m_begin = Clock::now();
+    Clock::time_point m_next = m_begin;
+};

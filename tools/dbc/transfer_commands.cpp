@@ -1,0 +1,234 @@
+#include "commands.h"
+
+#include "failure.h"
+#include "input.h"
+#include "interrupt.h"
+#include "losses.h"
+#include "progress.h"
+#include "query_words.h"
+#include "raw_collection.h"
+
+#include <array>
+#include <cstdio>
+#include <fstream>
+#include <iostream>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace {
+
+const std::map<std::string, LossPolicy> policies{
+    {"ignore", LossPolicy::Ignore}, {"count", LossPolicy::Count}, {"refuse", LossPolicy::Refuse}};
+
+struct ExportCommand
+{
+    std::string collection;
+    std::vector<std::string> query;
+    std::string file;
+    LossPolicy losses = LossPolicy::Count;
+};
+
+int exportDocuments(const GlobalOptions& global, const ExportCommand& command)
+{
+    const BsonPointer query = parseQuery(command.query);
+    RawCollection collection(connectionString(global.connection), command.collection);
+    std::ofstream file;
+    if (!command.file.empty())
+    {
+        file.open(command.file, std::ios::binary);
+        if (!file)
+            throw Failure(UsageError, "cannot write " + command.file);
+    }
+    DocumentWriter writer(command.file.empty() ? std::cout : file, global.dialect, global.asArray);
+    LossCounter losses(command.losses);
+    std::uint64_t done = 0;
+    {
+        Progress progress("exporting", collection.count(*query.get()), global.connection.quiet);
+        collection.find(*query.get(), {}, [&](const RawCollection::Document& document) {
+            losses.look(*document.bson, ++done);
+            writer.write(*document.bson);
+            progress.show(done);
+        });
+        writer.finish();
+    }
+    if (!global.connection.quiet)
+    {
+        std::cerr << "exported " << done << '\n';
+        losses.print(std::cerr);
+    }
+    return done > 0 ? Success : NothingFound;
+}
+
+// How far an import came. Documents without an "_id" get one made of the run's token and their number, so that a batch
+// that is sent again after an interruption meets its own keys instead of being stored twice.
+class ImportState
+{
+public:
+    explicit ImportState(std::string path) : m_path(std::move(path))
+    {
+        bson_oid_init(&m_token, nullptr);
+        std::ifstream file(m_path);
+        std::string token;
+        if (m_path.empty() || !(file >> token >> m_done))
+            return;
+        if (!bson_oid_is_valid(token.c_str(), token.size()))
+            throw Failure(UsageError, m_path + " is not the state of an import");
+        bson_oid_init_from_string(&m_token, token.c_str());
+    }
+
+    std::uint64_t done() const noexcept { return m_done; }
+    bool isResumable() const noexcept { return !m_path.empty(); }
+
+    bson_oid_t idOf(std::uint64_t number) const noexcept
+    {
+        bson_oid_t id = m_token;
+        for (int byte = 0; byte < 4; ++byte)
+            id.bytes[11 - byte] = static_cast<std::uint8_t>(number >> (8 * byte));
+        return id;
+    }
+
+    // Written beside and renamed, so that an interruption leaves the old or the new state.
+    void save(std::uint64_t done)
+    {
+        m_done = done;
+        if (m_path.empty())
+            return;
+        std::array<char, 25> token;
+        bson_oid_to_string(&m_token, token.data());
+        const std::string next = m_path + ".next";
+        std::ofstream file(next);
+        if (!(file << token.data() << ' ' << m_done << '\n').flush() || std::rename(next.c_str(), m_path.c_str()) != 0)
+            throw Failure(UsageError, "cannot write " + m_path);
+    }
+
+    void remove() const
+    {
+        if (!m_path.empty())
+            std::remove(m_path.c_str());
+    }
+
+private:
+    const std::string m_path;
+    bson_oid_t m_token = {};
+    std::uint64_t m_done = 0;
+};
+
+struct ImportCommand
+{
+    std::string collection;
+    std::string file;
+    std::string resume;
+    std::uint64_t batch = 1000;
+    bool skipDuplicates = false;
+    LossPolicy losses = LossPolicy::Count;
+};
+
+BsonPointer withId(BsonPointer document, const bson_oid_t& id)
+{
+    bson_iter_t iter;
+    if (!bson_iter_init_find(&iter, document.get(), "_id"))
+        BSON_APPEND_OID(document.get(), "_id", &id);
+    return document;
+}
+
+class Import
+{
+public:
+    Import(const GlobalOptions& global, const ImportCommand& command)
+        : m_command(command), m_collection(connectionString(global.connection), command.collection),
+          m_state(command.resume), m_losses(command.losses), m_progress("importing", 0, global.connection.quiet)
+    {}
+
+    void run(std::istream& stream)
+    {
+        DocumentReader reader(stream);
+        while (BsonPointer document = reader.next())
+        {
+            if (isInterrupted())
+                break;
+            if (reader.count() <= m_state.done())
+                continue; // stored by the run that is resumed
+            m_losses.look(*document.get(), reader.count());
+            m_batch.push_back(withId(std::move(document), m_state.idOf(reader.count())));
+            if (m_batch.size() >= m_command.batch)
+                send();
+        }
+        send();
+        throwIfInterrupted();
+        m_state.remove();
+    }
+
+    std::uint64_t inserted() const noexcept { return m_inserted; }
+    const LossCounter& losses() const noexcept { return m_losses; }
+
+private:
+    void send()
+    {
+        if (m_batch.empty())
+            return;
+        m_inserted += m_collection.insert(m_batch, m_command.skipDuplicates || m_state.isResumable());
+        m_state.save(m_state.done() + m_batch.size());
+        m_batch.clear();
+        m_progress.show(m_state.done());
+    }
+
+    const ImportCommand& m_command;
+    RawCollection m_collection;
+    ImportState m_state;
+    LossCounter m_losses;
+    Progress m_progress;
+    std::vector<BsonPointer> m_batch;
+    std::uint64_t m_inserted = 0;
+};
+
+int importDocuments(const GlobalOptions& global, const ImportCommand& command)
+{
+    std::ifstream file;
+    if (!command.file.empty())
+    {
+        file.open(command.file, std::ios::binary);
+        if (!file)
+            throw Failure(UsageError, "cannot read " + command.file);
+    }
+    const auto import = std::make_unique<Import>(global, command);
+    import->run(command.file.empty() ? std::cin : file);
+    if (!global.connection.quiet)
+    {
+        std::cerr << "imported " << import->inserted() << '\n';
+        import->losses().print(std::cerr);
+    }
+    return Success;
+}
+
+void addLossOption(CLI::App& app, LossPolicy& policy)
+{
+    app.add_option("--losses", policy,
+                   "Fields that the library's document model drops or bends: count (unless given), refuse or ignore")
+        ->transform(CLI::CheckedTransformer(policies));
+}
+
+} // namespace
+
+void addTransferCommands(CLI::App& program, const GlobalOptions& global, Work& work)
+{
+    const auto outgoing = std::make_shared<ExportCommand>();
+    CLI::App* app = program.add_subcommand("export", "Write documents to a file or to standard output");
+    app->add_option("collection", outgoing->collection, "DATABASE.COLLECTION")->required();
+    app->add_option("query", outgoing->query, queryHelp);
+    app->add_option("--file,-f", outgoing->file, "File to write; standard output unless given");
+    addLossOption(*app, outgoing->losses);
+    app->callback([=, &global, &work] { work = [=, &global] { return exportDocuments(global, *outgoing); }; });
+
+    const auto incoming = std::make_shared<ImportCommand>();
+    app = program.add_subcommand("import", "Insert documents from a file or from standard input");
+    app->add_option("collection", incoming->collection, "DATABASE.COLLECTION")->required();
+    app->add_option("--file,-f", incoming->file, "JSON: a document on each line, or one array");
+    app->add_option("--batch", incoming->batch, "Documents in one request")->check(CLI::Range(1, 100000));
+    app->add_flag("--skip-duplicates", incoming->skipDuplicates, "Pass over documents whose key is there already");
+    app->add_option("--resume", incoming->resume,
+                    "File that keeps how far the import came; a second run goes on there");
+    addLossOption(*app, incoming->losses);
+    app->callback([=, &global, &work] { work = [=, &global] { return importDocuments(global, *incoming); }; });
+}

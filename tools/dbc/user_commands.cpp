@@ -1,0 +1,122 @@
+#include "commands.h"
+
+#include "companion/build.h"
+#include "failure.h"
+#include "input.h"
+#include "query_words.h"
+
+#include <cstdlib>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace {
+
+struct UserCommand
+{
+    std::string database;
+    std::string name;
+    std::string newPasswordFile;
+    std::vector<std::string> roles;
+    std::string customData = "{}";
+};
+
+std::string newPassword(const UserCommand& command)
+{
+    if (!command.newPasswordFile.empty())
+        return readSecretFile(command.newPasswordFile);
+    if (const char* password = std::getenv("DBC_NEW_PASSWORD"))
+        return password;
+    const std::string password = promptSecret("New password of " + command.name + ": ");
+    if (promptSecret("Once more: ") != password)
+        throw Failure(UsageError, "the two passwords differ");
+    return password;
+}
+
+// "readWrite" for the user's own database, "readWrite@shop" for another.
+ObjectProperties rolesOf(const UserCommand& command)
+{
+    std::vector<companion::Field> roles;
+    for (std::size_t index = 0; index < command.roles.size(); ++index)
+    {
+        const std::string& role = command.roles[index];
+        const std::size_t at = role.find('@');
+        companion::Value value = role;
+        if (at != std::string::npos)
+            value = companion::object({{"role", role.substr(0, at)}, {"db", role.substr(at + 1)}});
+        roles.emplace_back(companion::elementKey(index, command.roles.size()), std::move(value));
+    }
+    return companion::document(roles);
+}
+
+ObjectProperties customDataOf(const UserCommand& command)
+{
+    return toProperties(*parseJson(command.customData, "--data").get(), "--data");
+}
+
+int add(const GlobalOptions& global, const UserCommand& command)
+{
+    connect(global.connection)
+        ->addUser(command.database, command.name, newPassword(command), rolesOf(command), customDataOf(command));
+    return Success;
+}
+
+int changePassword(const GlobalOptions& global, const UserCommand& command)
+{
+    connect(global.connection)->changeUserPassword(command.database, command.name, newPassword(command));
+    return Success;
+}
+
+int update(const GlobalOptions& global, const UserCommand& command)
+{
+    connect(global.connection)->updateUser(command.database, command.name, rolesOf(command), customDataOf(command));
+    return Success;
+}
+
+int remove(const GlobalOptions& global, const UserCommand& command)
+{
+    connect(global.connection)->removeUser(command.database, command.name);
+    return Success;
+}
+
+using Action = int (*)(const GlobalOptions&, const UserCommand&);
+
+CLI::App* addCommand(CLI::App& users, const GlobalOptions& global, Work& work, const char* name, const char* help,
+                     const std::shared_ptr<UserCommand>& command, Action action)
+{
+    CLI::App* app = users.add_subcommand(name, help);
+    app->add_option("database", command->database, "Database of the user")->required();
+    app->add_option("name", command->name, "Name of the user")->required();
+    app->callback([=, &global, &work] { work = [=, &global] { return action(global, *command); }; });
+    return app;
+}
+
+void addPasswordOption(CLI::App& app, UserCommand& command)
+{
+    app.add_option("--new-password-file", command.newPasswordFile,
+                   "File whose first line is the new password; otherwise DBC_NEW_PASSWORD, otherwise it is asked for");
+}
+
+void addRoleOptions(CLI::App& app, UserCommand& command)
+{
+    app.add_option("--role", command.roles, "A role, or ROLE@DATABASE; may be given several times");
+    app.add_option("--data", command.customData, "Data that the server keeps with the user, as JSON");
+}
+
+} // namespace
+
+void addUserCommands(CLI::App& program, const GlobalOptions& global, Work& work)
+{
+    CLI::App* users = program.add_subcommand("users", "Users of a database")->require_subcommand(1);
+    const auto command = std::make_shared<UserCommand>();
+    CLI::App* app = addCommand(*users, global, work, "add", "Create a user", command, add);
+    addPasswordOption(*app, *command);
+    addRoleOptions(*app, *command);
+    addPasswordOption(
+        *addCommand(*users, global, work, "passwd", "Give a user a new password", command, changePassword), *command);
+    addRoleOptions(
+        *addCommand(*users, global, work, "update", "Replace roles and data of a user, also by none", command, update),
+        *command);
+    addCommand(*users, global, work, "rm", "Remove a user", command, remove);
+}
