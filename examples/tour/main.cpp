@@ -129,6 +129,11 @@ try
     tour.options = options;
     wanted.empty() ? runAll(tour) : run(tour, wanted);
 }
+catch (const tour::Interrupted&)
+{
+    std::cerr << "tour: interrupted\n";
+    return 130; // as the shell has it for a program that Ctrl-C ended
+}
 catch (const std::exception& problem)
 {
     std::cerr << "tour: " << problem.what() << '\n';

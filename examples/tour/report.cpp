@@ -41,6 +41,11 @@ Step::Step(std::string what) : m_what(std::move(what)), m_start(std::chrono::ste
     throwIfInterrupted();
 }
 
+Step::~Step()
+{
+    clearBar();
+}
+
 void Step::progress(std::size_t done, std::size_t total)
 {
     throwIfInterrupted();
@@ -59,10 +64,7 @@ void Step::progress(std::size_t done, std::size_t total)
 void Step::done(std::size_t count, const std::string& unit)
 {
     const std::chrono::duration<double> time = std::chrono::steady_clock::now() - m_start;
-    if (m_bar)
-    {
-        std::cout << "\r\033[K"; // back to the first column, and clears the line
-    }
+    clearBar();
     const std::string counted = count == 1 && unit.back() == 's' ? unit.substr(0, unit.size() - 1) : unit;
     char figures[96];
     std::snprintf(figures, sizeof figures, "%6zu %-9s %8.3f s", count, counted.c_str(), time.count());
@@ -73,6 +75,14 @@ void Step::done(std::size_t count, const std::string& unit)
         std::cout << figures;
     }
     std::cout << std::endl;
+}
+
+void Step::clearBar()
+{
+    if (std::exchange(m_bar, false))
+    {
+        std::cout << "\r\033[K" << std::flush; // back to the first column, and clears the line
+    }
 }
 
 void title(const std::string& name, const std::string& what)

@@ -22,12 +22,18 @@ class Step
 public:
     /// Starts the clock. @throws Interrupted
     explicit Step(std::string what);
+    Step(const Step&) = delete;
+    Step& operator=(const Step&) = delete;
+    /// Takes the bar of a step that failed off the screen.
+    ~Step();
     /// Draws a progress bar when standard output is a terminal, otherwise nothing. @throws Interrupted
     void progress(std::size_t done, std::size_t total);
     /// Stops the clock and prints the line.
     void done(std::size_t count, const std::string& unit = "documents");
 
 private:
+    void clearBar();
+
     std::string m_what;
     std::chrono::steady_clock::time_point m_start;
     std::size_t m_drawn = 0; ///< cells of the bar on the screen, so that it is drawn again only when it grows
