@@ -1,5 +1,6 @@
 #include "connected_client.h"
 #include "owned_bson.h"
+#include "pattern_text.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -15,21 +16,6 @@ using namespace test_support;
 using Names = std::list<std::string>;
 
 constexpr std::size_t chunkSize = 261'120; // the driver's
-
-// Bytes that tell their place: a piece in the wrong order or from the wrong chunk shows.
-std::string content(std::size_t size)
-{
-    std::string text(size, '\0');
-    std::uint32_t state = 2'463'534'242U;
-    for (char& byte : text)
-    {
-        state ^= state << 13;
-        state ^= state >> 17;
-        state ^= state << 5;
-        byte = static_cast<char>(state);
-    }
-    return text;
-}
 
 class StoredFile : public ConnectedClient
 {
@@ -93,7 +79,7 @@ class StoredFileOfSize : public StoredFile, public testing::WithParamInterface<s
 
 TEST_P(StoredFileOfSize, ComesBackByteForByte)
 {
-    const std::string text = content(GetParam());
+    const std::string text = patternText(GetParam());
     store("file", text);
 
     EXPECT_TRUE(stored("file") == text);
@@ -122,7 +108,7 @@ protected:
 
 TEST_F(StoredFile, IsCopiedInPiecesOf4096BytesInOrder)
 {
-    const std::string text = content(10'000);
+    const std::string text = patternText(10'000);
     store("file", text);
     PieceBuffer buffer;
     std::iostream stream(&buffer);
@@ -135,7 +121,7 @@ TEST_F(StoredFile, IsCopiedInPiecesOf4096BytesInOrder)
 
 TEST_F(StoredFile, IsCopiedInWholePiecesAcrossChunks)
 {
-    store("file", content(chunkSize + 4096));
+    store("file", patternText(chunkSize + 4096));
     PieceBuffer buffer;
     std::iostream stream(&buffer);
 
@@ -275,7 +261,7 @@ TEST_F(StoredFile, ClosesItsSourceAlsoWhenThatGotDescriptorZero)
 
 TEST_F(StoredFile, WithAMissingChunkThrowsAndKeepsThePiecesBeforeIt)
 {
-    const std::string text = content(3 * chunkSize);
+    const std::string text = patternText(3 * chunkSize);
     store("file", text);
     scratch().run(R"({"delete": "fs.chunks", "deletes": [{"q": {"n": 1}, "limit": 0}]})");
 
@@ -319,7 +305,7 @@ public:
 
 TEST_P(CutChunk, EndsTheReadingWithAnErrorInsteadOfForEver)
 {
-    const std::string text = content(2 * chunkSize + 100);
+    const std::string text = patternText(2 * chunkSize + 100);
     store("file", text);
     for (const std::size_t kept : {0U, 1U, 50U})
     {
@@ -335,7 +321,7 @@ INSTANTIATE_TEST_SUITE_P(Chunks, CutChunk, testing::Values(0, 1, 2), testing::Pr
 
 TEST_F(CutChunk, LongerThanTheFileIsReadNoFurtherThanTheFilesLength)
 {
-    const std::string text = content(4096);
+    const std::string text = patternText(4096);
     store("file", text);
     scratch().run(R"({"update": "fs.files", "updates": [{"q": {}, "u": {"$set": {"length": 4000}}}]})");
 
@@ -457,21 +443,29 @@ TEST_F(FileRemoval, LeavesFilesWithoutANameAlone)
     EXPECT_EQ(scratch().count("fs.files"), 1U);
 }
 
-TEST(LargeFile, OfSixtyFourMebibytesComesBackByteForByte)
+TEST_F(StoredFile, OfSixtyFourMebibytesComesBackByteForByte)
 {
-    ScratchDatabase scratch;
-    DataBaseClient client;
-    client.connect(TestServer::instance().directUri());
-    const std::string text = content(64U * 1024 * 1024);
-    const std::filesystem::path path = std::filesystem::temp_directory_path() / ("large-" + scratch.name());
-    std::ofstream(path, std::ios::binary).write(text.data(), static_cast<std::streamsize>(text.size()));
+    const std::string text = patternText(64U * 1024 * 1024);
+    scratch().insert("fs.files", R"({"_id": 1, "filename": "large", "chunkSize": 261120, "length": )" +
+                                     std::to_string(text.size()) + "}");
+    const DriverCollection chunks(mongoc_client_get_collection(scratch().client(), database().c_str(), "fs.chunks"));
+    for (std::size_t number = 0; number * chunkSize < text.size(); ++number)
+    {
+        const std::string part = text.substr(number * chunkSize, chunkSize);
+        OwnedBson chunk;
+        BSON_APPEND_INT32(chunk.get(), "files_id", 1);
+        BSON_APPEND_INT32(chunk.get(), "n", static_cast<std::int32_t>(number));
+        BSON_APPEND_BINARY(chunk.get(), "data", BSON_SUBTYPE_BINARY, reinterpret_cast<const std::uint8_t*>(part.data()),
+                           static_cast<std::uint32_t>(part.size()));
+        bson_error_t error{};
+        ASSERT_TRUE(mongoc_collection_insert_one(chunks.get(), chunk.get(), nullptr, nullptr, &error)) << error.message;
+    }
+    gateway().record(false);
 
-    client.writeFile(scratch.name(), "fs", "large", path.string());
-    std::filesystem::remove(path);
-    std::stringstream stream;
-    client.readFile(scratch.name(), "fs", "large", &stream);
+    const std::string back = stored("large");
+    gateway().record(true);
 
-    EXPECT_TRUE(stream.str() == text);
+    EXPECT_TRUE(back == text);
 }
 
 } // namespace

@@ -1,0 +1,130 @@
+#include "database_client.h"
+#include "object_properties.h"
+#include "test_server.h"
+#include "thrown_text.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace {
+
+using namespace test_support;
+
+// No user is made here: the commands are answered by the gateway, so that every server sees the same.
+class UserCommand : public testing::Test
+{
+public:
+    UserCommand()
+    {
+        m_client.connect(TestServer::instance().uri());
+        for (const char* const name : {"createUser", "updateUser", "dropUser"})
+            gateway().inject(Fault::answer(R"({"ok": 1})").onCommand(name).andLater());
+        gateway().clear();
+    }
+    ~UserCommand() override { gateway().clearFaults(); }
+
+    DataBaseClient& client() { return m_client; }
+    WireGateway& gateway() { return TestServer::instance().gateway(); }
+
+    static ObjectProperties roles()
+    {
+        ObjectProperties document;
+        document.setValueString("0", "read");
+        document.beginGroup("1");
+        document.setValueString("role", "dbAdmin");
+        document.setValueString("db", "other");
+        document.endGroup();
+        return document;
+    }
+
+    static ObjectProperties customData()
+    {
+        ObjectProperties document;
+        document.setValueString("team", "ops");
+        return document;
+    }
+
+    std::string sent()
+    {
+        const std::vector<RecordedCommand> commands = gateway().commands();
+        return commands.size() == 1 ? commands[0].database + ": " + commands[0].json()
+                                    : std::to_string(commands.size()) + " commands";
+    }
+
+private:
+    DataBaseClient m_client;
+};
+
+TEST_F(UserCommand, ThatAddsAUserCarriesPasswordCustomDataAndRolesInThisOrder)
+{
+    client().addUser("d", "u", "secret", roles(), customData());
+
+    EXPECT_EQ(sent(), R"(d: { "createUser" : "u", "pwd" : "secret", "customData" : { "team" : "ops" }, )"
+                      R"("roles" : [ "read", { "db" : "other", "role" : "dbAdmin" } ] })");
+}
+
+TEST_F(UserCommand, ThatAddsAUserWithoutAPasswordCarriesTheRestInTheSameOrder)
+{
+    client().addUser("d", "u", "", roles(), customData());
+
+    EXPECT_EQ(sent(), R"(d: { "createUser" : "u", "customData" : { "team" : "ops" }, )"
+                      R"("roles" : [ "read", { "db" : "other", "role" : "dbAdmin" } ] })");
+}
+
+TEST_F(UserCommand, ThatAddsAUserCarriesEmptyRolesAndCustomDataToo)
+{
+    client().addUser("d", "u", "p", ObjectProperties(), ObjectProperties());
+
+    EXPECT_EQ(sent(), R"(d: { "createUser" : "u", "pwd" : "p", "customData" : {  }, "roles" : [  ] })");
+}
+
+TEST_F(UserCommand, ThatUpdatesAUserCarriesCustomDataBeforeRolesAndNoPassword)
+{
+    client().updateUser("d", "u", roles(), customData());
+
+    EXPECT_EQ(sent(), R"(d: { "updateUser" : "u", "customData" : { "team" : "ops" }, )"
+                      R"("roles" : [ "read", { "db" : "other", "role" : "dbAdmin" } ] })");
+}
+
+TEST_F(UserCommand, ThatUpdatesAUserCarriesEmptyRolesAndCustomDataToo)
+{
+    client().updateUser("d", "u", ObjectProperties(), ObjectProperties());
+
+    EXPECT_EQ(sent(), R"(d: { "updateUser" : "u", "customData" : {  }, "roles" : [  ] })");
+}
+
+TEST_F(UserCommand, ThatChangesAPasswordCarriesNothingElse)
+{
+    client().changeUserPassword("d", "u", "secret");
+
+    EXPECT_EQ(sent(), R"(d: { "updateUser" : "u", "pwd" : "secret" })");
+}
+
+TEST_F(UserCommand, ThatRemovesAUserNamesIt)
+{
+    client().removeUser("d", "u");
+
+    EXPECT_EQ(sent(), R"(d: { "dropUser" : "u" })");
+}
+
+TEST_F(UserCommand, ThatIsRefusedThrowsTheOperationsOwnTextWithoutThePassword)
+{
+    gateway().clearFaults();
+    for (const char* const name : {"createUser", "updateUser", "dropUser"})
+        gateway().inject(Fault::answer(R"({"ok": 0, "errmsg": "no", "code": 13})").onCommand(name).andLater());
+    const ObjectProperties none;
+
+    EXPECT_EQ(thrownText([&] { client().addUser("d", "u", "secret", none, none); }),
+              "runtime_error: Error occurred while adding user: no(code: 13)");
+    EXPECT_EQ(thrownText([&] { client().addUser("d", "u", "", none, none); }),
+              "runtime_error: Error occurred while adding user: no(code: 13)");
+    EXPECT_EQ(thrownText([&] { client().updateUser("d", "u", none, none); }),
+              "runtime_error: Error occurred while updating user: no(code: 13)");
+    EXPECT_EQ(thrownText([&] { client().changeUserPassword("d", "u", "secret"); }),
+              "runtime_error: Error occurred while changing password: no(code: 13)");
+    EXPECT_EQ(thrownText([&] { client().removeUser("d", "u"); }),
+              "runtime_error: Error occurred while removing user: no(code: 13)");
+}
+
+} // namespace
