@@ -243,6 +243,15 @@ TEST(BsonWriter, ParseOfANodeWithoutChildrenAppendsNothing)
     EXPECT_EQ(BsonBytes(bson.get()), built(appendNothing));
 }
 
+TEST(BsonWriter, ParseOfNoNodeAppendsNothing)
+{
+    OwnedBson bson;
+
+    EXPECT_TRUE(PropertiesToBson::parse(nullptr, bson.get()));
+
+    EXPECT_EQ(BsonBytes(bson.get()), built(appendNothing));
+}
+
 TEST(BsonWriter, ParseKeepsTheNodeAliveThatNothingElseHolds)
 {
     OwnedBson bson;
