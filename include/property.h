@@ -122,6 +122,7 @@ public:
     private:
         friend class Property;
 
+        PropertyItem(const std::string& key, PropertyType type);
         bool holdsNumber() const noexcept;
         void swap(PropertyItem& other) noexcept;
 
@@ -348,19 +349,22 @@ public:
     /// For the tree itself: a node with the key, kind and value of @p item.
     Property(const Passkey& passkey, const PropertyItem& item, const std::weak_ptr<Property>& parent);
     /// For the tree itself: a node of kind @p type without a value.
-    Property(const Passkey& passkey, const std::string& key, PropertyType type, const std::weak_ptr<Property>& parent);
+    Property(const Passkey& passkey, const std::string& key, PropertyType type, std::weak_ptr<Property>&& parent);
 
 private:
     std::weak_ptr<Property> self();
     Property* findChild(const std::string& key) const;
     Property* insertChild(Children::iterator place, const std::string& key, PropertyType type);
+    Property* insertElement(const std::string& key, PropertyType type);
     Property* createChild(const std::string& key, PropertyType type);
+    Property* findOrCreateChild(const std::string& key, PropertyType type);
     Property* createPath(PathSegments& segments, PropertyType type);
     std::shared_ptr<Property> createPath(const std::string& path, PropertyType type);
     std::pair<Property*, Children::iterator> locate(const std::string& path);
     Property* find(const std::string& path);
     Property* obtain(const std::string& path, PropertyType missing, PropertyType accepted);
     Property& valueNode(const std::string& path);
+    Property& valueNodeToRead(const std::string& path);
     void becomeValue(PropertyType type) noexcept;
     Children::iterator entryAt(int index);
     std::list<std::string> keysOfChildren(const std::string* (*keyIfWanted)(const Children::value_type&)) const;

@@ -27,9 +27,39 @@ Property::PropertyItem::PropertyValue::~PropertyValue() {}
 
 Property::PropertyItem::PropertyItem() = default;
 
-Property::PropertyItem::PropertyItem(const PropertyItem& other) : PropertyItem()
+Property::PropertyItem::PropertyItem(const std::string& key, PropertyType type) : m_key(key), m_type(type) {}
+
+// Only the storage of the kind is copied: that of the others is empty, and copying nothing costs as much as copying a
+// short text.
+Property::PropertyItem::PropertyItem(const PropertyItem& other) : PropertyItem(other.m_key, other.m_type)
 {
-    copy(other);
+    switch (m_type)
+    {
+    case String:
+    case Id:
+        if (other.m_value.text)
+            m_value.text = newText(other.m_value.text, std::strlen(other.m_value.text)).release();
+        break;
+    case Bool:
+    case Int32:
+    case Int64:
+    case Double:
+    case Time:
+        m_value = other.m_value;
+        break;
+    case Binary:
+        m_binary = other.m_binary;
+        break;
+    case Regex:
+        m_regexPattern = other.m_regexPattern;
+        m_regexOptions = other.m_regexOptions;
+        break;
+    case None:
+    case Undefined:
+    case Group:
+    case Array:
+        break;
+    }
 }
 
 Property::PropertyItem& Property::PropertyItem::operator=(const PropertyItem& other)
@@ -191,42 +221,6 @@ void Property::PropertyItem::copy(const PropertyItem& other)
 {
     if (this == &other)
         return;
-    std::string key(other.m_key);
-    switch (other.m_type)
-    {
-    case String:
-    case Id:
-        if (other.m_value.text)
-            setValueString(other.m_value.text);
-        else
-            releaseMemory();
-        break;
-    case Bool:
-        setValueBool(other.m_value.boolean);
-        break;
-    case Int32:
-        setValueInt32(other.m_value.int32);
-        break;
-    case Int64:
-    case Time:
-        setValueInt64(other.m_value.int64);
-        break;
-    case Double:
-        setValueDouble(other.m_value.binary64);
-        break;
-    case Binary:
-        setValueBinary(other.m_binary);
-        break;
-    case Regex:
-        setValueRegex({other.m_regexPattern, other.m_regexOptions});
-        break;
-    case None:
-    case Undefined:
-    case Group:
-    case Array:
-        releaseMemory();
-        break;
-    }
-    m_type = other.m_type;
-    m_key.swap(key);
+    PropertyItem item(other);
+    swap(item);
 }

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 Property::Property(const std::string& key, std::shared_ptr<Property> parent) : m_parent(parent)
 {
@@ -15,12 +16,9 @@ Property::Property(const Passkey& /*passkey*/, const PropertyItem& item, const s
 {}
 
 Property::Property(const Passkey& /*passkey*/, const std::string& key, PropertyType type,
-                   const std::weak_ptr<Property>& parent)
-    : m_parent(parent)
-{
-    m_item.m_key = key;
-    m_item.m_type = type;
-}
+                   std::weak_ptr<Property>&& parent)
+    : m_item(key, type), m_parent(std::move(parent))
+{}
 
 Property::~Property()
 {
@@ -213,18 +211,20 @@ void Property::assume(const Property& source, const std::string& key)
     release(children, 0);
 }
 
-Property::Children Property::copyOfChildren(const Property& source, const std::weak_ptr<Property>& parent)
+// Each level is first copied as a map, which takes over the shape of the tree: that saves searching a place for every
+// child. Until its turn comes an entry of the copy shares the child of the source.
+[[gnu::flatten]] Property::Children Property::copyOfChildren(const Property& source,
+                                                             const std::weak_ptr<Property>& parent)
 {
     struct Level
     {
-        Children::const_iterator next;
-        Children::const_iterator end;
-        Children* copies;
+        Children::iterator next;
+        Children::iterator end;
         std::weak_ptr<Property> parent;
     };
-    Children result;
+    Children result(source.m_children);
     NestingStack<Level> open;
-    open.push(source.begin(), source.end(), &result, parent);
+    open.push(result.begin(), result.end(), parent);
     while (!open.empty())
     {
         Level& level = open.top();
@@ -233,11 +233,14 @@ Property::Children Property::copyOfChildren(const Property& source, const std::w
             open.pop();
             continue;
         }
-        const auto& [key, child] = *level.next++;
-        const auto copy = level.copies->emplace_hint(
-            level.copies->end(), key, std::make_shared<Property>(Passkey(), child->m_item, level.parent));
-        if (!child->m_children.empty())
-            open.push(child->begin(), child->end(), &copy->second->m_children, copy->second);
+        std::shared_ptr<Property>& entry = level.next++->second;
+        const auto copy = std::make_shared<Property>(Passkey(), entry->m_item, level.parent);
+        if (!entry->m_children.empty())
+        {
+            copy->m_children = entry->m_children;
+            open.push(copy->begin(), copy->end(), copy);
+        }
+        entry = copy;
     }
     return result;
 }
@@ -246,6 +249,8 @@ Property::Children Property::copyOfChildren(const Property& source, const std::w
 // that allocates nothing, so freeing cannot fail, and needs no stack, so it may be any depth.
 void Property::release(Children& children, int depth) noexcept
 {
+    if (children.empty())
+        return;
     constexpr int deepest = 64;
     const auto ownsMore = [](const std::shared_ptr<Property>& child) {
         return !child->m_children.empty() && child.use_count() == 1;
