@@ -2,6 +2,8 @@
 
 #include "property/path_segments.h"
 
+#include <iterator>
+
 // Everything that follows or creates a key path. Steps hand on plain pointers: the nodes are held by their parents.
 
 Property* Property::findChild(const std::string& key) const
@@ -10,17 +12,29 @@ Property* Property::findChild(const std::string& key) const
     return place != m_children.end() && place->first == key ? place->second.get() : nullptr;
 }
 
-Property* Property::insertChild(Children::iterator place, const std::string& key, PropertyType type)
+// Flattened: making a node runs through a dozen small library functions, called one by one for every field read.
+[[gnu::flatten]] Property* Property::insertChild(Children::iterator place, const std::string& key, PropertyType type)
 {
     return m_children.emplace_hint(place, key, std::make_shared<Property>(Passkey(), key, type, self()))->second.get();
 }
 
 // On an array every call adds an element, behind those with an equal key. Elsewhere a child that exists is given as it
-// is, whatever its kind.
+// is, whatever its kind. Documents mostly arrive in key order, so the end is looked at first: that saves the search.
 Property* Property::createChild(const std::string& key, PropertyType type)
 {
-    if (isArray())
-        return insertChild(m_children.upper_bound(key), key, type);
+    if (m_children.empty() || std::prev(m_children.end())->first < key)
+        return insertChild(m_children.end(), key, type);
+    return isArray() ? insertElement(key, type) : findOrCreateChild(key, type);
+}
+
+Property* Property::insertElement(const std::string& key, PropertyType type)
+{
+    return insertChild(m_children.upper_bound(key), key, type);
+}
+
+// What createChild() does on all nodes but arrays, for children that are expected to exist.
+Property* Property::findOrCreateChild(const std::string& key, PropertyType type)
+{
     const auto place = m_children.lower_bound(key);
     if (place != m_children.end() && place->first == key)
         return place->second.get();
@@ -65,6 +79,8 @@ std::pair<Property*, Property::Children::iterator> Property::locate(const std::s
 
 Property* Property::find(const std::string& path)
 {
+    if (isSingleSegment(path))
+        return findChild(path);
     const auto [parent, entry] = locate(path);
     return parent ? entry->second.get() : nullptr;
 }
@@ -74,6 +90,8 @@ Property* Property::find(const std::string& path)
 // there: callers depend on the difference.
 Property* Property::obtain(const std::string& path, PropertyType missing, PropertyType accepted)
 {
+    if (isSingleSegment(path))
+        return createChild(path, missing);
     PathSegments segments(path);
     if (!segments.next())
         return this;
@@ -82,7 +100,7 @@ Property* Property::obtain(const std::string& path, PropertyType missing, Proper
 
     Property* node = this;
     Property* firstArray = nullptr;
-    std::size_t positionAtArray = 0;
+    const char* positionAtArray = nullptr;
     const auto createAtArray = [&] {
         segments.goTo(positionAtArray);
         return firstArray->createPath(segments, missing);

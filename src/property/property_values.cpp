@@ -1,5 +1,7 @@
 #include "property.h"
 
+#include "property/path_segments.h"
+
 // A setter makes the new value first, then drops the children: when memory is short the node stays as it was.
 
 int Property::type() const
@@ -179,6 +181,14 @@ Property& Property::valueNode(const std::string& path)
     return *obtain(path, Undefined, None);
 }
 
+// The same node: what is read mostly exists, so here it is searched for at once.
+Property& Property::valueNodeToRead(const std::string& path)
+{
+    if (isSingleSegment(path) && !isArray())
+        return *findOrCreateChild(path, Undefined);
+    return valueNode(path);
+}
+
 void Property::setValueString(const std::string& path, const std::string& value)
 {
     valueNode(path).setValueString(value);
@@ -231,48 +241,48 @@ void Property::setValueUndefined(const std::string& path)
 
 std::string Property::valueAsString(const std::string& path, const std::string& def)
 {
-    return valueNode(path).currentValueAsString(def);
+    return valueNodeToRead(path).currentValueAsString(def);
 }
 
 bool Property::valueAsBool(const std::string& path, const bool& def)
 {
-    return valueNode(path).currentValueAsBool(def);
+    return valueNodeToRead(path).currentValueAsBool(def);
 }
 
 int Property::valueAsInt32(const std::string& path, const int& def)
 {
-    return valueNode(path).currentValueAsInt32(def);
+    return valueNodeToRead(path).currentValueAsInt32(def);
 }
 
 long Property::valueAsInt64(const std::string& path, const long& def)
 {
-    return valueNode(path).currentValueAsInt64(def);
+    return valueNodeToRead(path).currentValueAsInt64(def);
 }
 
 double Property::valueAsDouble(const std::string& path, const double& def)
 {
-    return valueNode(path).currentValueAsDouble(def);
+    return valueNodeToRead(path).currentValueAsDouble(def);
 }
 
 long Property::valueAsTime(const std::string& path, const long& def)
 {
-    return valueNode(path).currentValueAsTime(def);
+    return valueNodeToRead(path).currentValueAsTime(def);
 }
 
 std::string Property::valueAsId(const std::string& path, const std::string& def)
 {
-    return valueNode(path).currentValueAsId(def);
+    return valueNodeToRead(path).currentValueAsId(def);
 }
 
 std::vector<unsigned char> Property::valueAsBinary(const std::string& path, const std::vector<unsigned char>& def)
 {
-    return valueNode(path).currentValueAsBinary(def);
+    return valueNodeToRead(path).currentValueAsBinary(def);
 }
 
 std::pair<std::string, std::string> Property::valueAsRegex(const std::string& path, const std::string& pattern,
                                                            const std::string& options)
 {
-    return valueNode(path).currentValueAsRegex(pattern, options);
+    return valueNodeToRead(path).currentValueAsRegex(pattern, options);
 }
 
 const std::string& Property::keyView() const noexcept
