@@ -47,7 +47,8 @@ public:
     }
 
 private:
-    static constexpr std::size_t nearLevels = 16;
+    // More than servers accept in a document, and still only some ten kilobytes.
+    static constexpr std::size_t nearLevels = 112;
 
     struct FarLevel
     {
