@@ -56,7 +56,11 @@ std::string DataBaseClientPrivate::uri(const std::string& host, const int& port,
 void DataBaseClientPrivate::connect(const std::string& uri)
 {
     disconnect();
-    m_client.reset(mongoc_client_new(uri.c_str()));
+    // In two steps: in one, the driver would write what it could not read to standard error, the password included.
+    bson_error_t unread{};
+    const UriHandle parsed(mongoc_uri_new_with_error(uri.c_str(), &unread));
+    if (parsed)
+        m_client.reset(mongoc_client_new_from_uri_with_error(parsed.get(), &unread));
     if (!m_client)
         throw_runtime_error("Connection failed", "", 0);
 }

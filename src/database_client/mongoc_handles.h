@@ -15,6 +15,7 @@ inline void closeAndDestroyStream(mongoc_stream_t* stream) noexcept
     mongoc_stream_destroy(stream);
 }
 
+using UriHandle = std::unique_ptr<mongoc_uri_t, DestroyWith<mongoc_uri_destroy>>;
 using ClientHandle = std::unique_ptr<mongoc_client_t, DestroyWith<mongoc_client_destroy>>;
 using DatabaseHandle = std::unique_ptr<mongoc_database_t, DestroyWith<mongoc_database_destroy>>;
 using CollectionHandle = std::unique_ptr<mongoc_collection_t, DestroyWith<mongoc_collection_destroy>>;
