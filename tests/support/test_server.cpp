@@ -16,6 +16,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <random>
 #include <stdexcept>
 #include <system_error>
@@ -236,7 +237,9 @@ bool ServerProcess::available()
     return program != nullptr && *program != '\0';
 }
 
-ServerProcess::ServerProcess() : m_reservation(reservePort(m_port))
+ServerProcess::ServerProcess() : ServerProcess(Tls()) {}
+
+ServerProcess::ServerProcess(Tls tls) : m_tls(std::move(tls)), m_reservation(reservePort(m_port))
 {
     required("DATABASE_CLIENT_TEST_SERVER_BINARY");
     std::string directory = (std::filesystem::temp_directory_path() / "database_client-own-server.XXXXXX").string();
@@ -276,11 +279,25 @@ std::vector<std::string> ServerProcess::commandLine() const
     {
         line.insert(line.end(),
                     {"--dbpath", m_directory + "/data", "--bind_ip", "127.0.0.1", "--port", port, "--nounixsocket"});
+        if (!m_tls.certificate.empty())
+        {
+            // mongod wants key and certificate in one file.
+            const std::string both = m_directory + "/tls.pem";
+            std::ofstream(both) << std::ifstream(m_tls.key).rdbuf() << std::ifstream(m_tls.certificate).rdbuf();
+            line.insert(line.end(), {"--tlsMode", "requireTLS", "--tlsCertificateKeyFile", both, "--tlsCAFile",
+                                     m_tls.authority, "--tlsAllowConnectionsWithoutCertificates"});
+        }
         return line;
     }
-    line.insert(line.end(), {"--handler=sqlite", "--sqlite-url=file:" + m_directory + "/data/",
-                             "--state-dir=" + m_directory + "/state", "--listen-addr=127.0.0.1:" + port,
-                             "--debug-addr=-", "--telemetry=disable", "--log-level=warn"});
+    line.insert(line.end(),
+                {"--handler=sqlite", "--sqlite-url=file:" + m_directory + "/data/",
+                 "--state-dir=" + m_directory + "/state", "--debug-addr=-", "--telemetry=disable", "--log-level=warn"});
+    const std::string address = "127.0.0.1:" + port;
+    if (m_tls.certificate.empty())
+        line.push_back("--listen-addr=" + address);
+    else // With an authority it would want certificates of its clients.
+        line.insert(line.end(), {"--listen-addr=", "--listen-tls=" + address,
+                                 "--listen-tls-cert-file=" + m_tls.certificate, "--listen-tls-key-file=" + m_tls.key});
     return line;
 }
 

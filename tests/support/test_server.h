@@ -89,8 +89,18 @@ public:
     /// Whether there is a program to start; not so with a server given by MONGODB_URI.
     static bool available();
 
+    /// Paths of files in PEM form.
+    struct Tls
+    {
+        std::string certificate;
+        std::string key;
+        std::string authority;
+    };
+
     /// Starts it and waits until it takes connections.
     ServerProcess();
+    /// The same, but it takes connections with TLS only. uri() does not ask for TLS: that is for the test to add.
+    explicit ServerProcess(Tls tls);
     ~ServerProcess();
     ServerProcess(const ServerProcess&) = delete;
     ServerProcess& operator=(const ServerProcess&) = delete;
@@ -106,6 +116,7 @@ private:
     std::vector<std::string> commandLine() const;
 
     std::string m_directory;
+    Tls m_tls; // empty: without
     std::uint16_t m_port = 0;
     FileDescriptor m_reservation; // the port stays ours while no server listens on it
     pid_t m_process = -1;

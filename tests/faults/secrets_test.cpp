@@ -1,0 +1,155 @@
+// Passwords: where they must not appear, and how those with reserved characters reach the server.
+
+#include "database_client.h"
+#include "object_properties.h"
+#include "test_server.h"
+
+#include <gtest/gtest.h>
+
+#include <cctype>
+#include <list>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace {
+
+using test_support::TestServer;
+
+// Part of every password here, so that a piece of one is noticed as well.
+const std::string secret = "tell-nobody";
+
+// Everything that a call writes to standard output and standard error, and the text of its exception.
+template <typename Call>
+std::string everythingSaid(Call call)
+{
+    testing::internal::CaptureStdout();
+    testing::internal::CaptureStderr();
+    std::string said;
+    try
+    {
+        call();
+    }
+    catch (const std::exception& error)
+    {
+        said = error.what();
+    }
+    return said + testing::internal::GetCapturedStdout() + testing::internal::GetCapturedStderr();
+}
+
+// Every character that is not plain as %XX: what a caller does before a text goes into a connection string.
+std::string escaped(const std::string& text)
+{
+    static const char* const digits = "0123456789ABCDEF";
+    std::string result;
+    for (const char character : text)
+    {
+        const auto byte = static_cast<unsigned char>(character);
+        if (std::isalnum(byte) || character == '-' || character == '_' || character == '.' || character == '~')
+            result += character;
+        else
+            result.append("%").append(1, digits[byte / 16]).append(1, digits[byte % 16]);
+    }
+    return result;
+}
+
+// Host and port of the gateway before the server that wants authentication.
+std::string authHost()
+{
+    return "127.0.0.1:" + std::to_string(TestServer::instance().authGateway().port());
+}
+
+TEST(Secrets, DoNotAppearWhenAConnectionStringIsRefused)
+{
+    const std::vector<std::string> passwords{secret,       secret + ":x", secret + "@x", secret + "/x",  secret + "%x",
+                                             secret + "?", secret + "#",  secret + " ",  secret + "\xff"};
+    for (const auto& password : passwords)
+    {
+        DataBaseClient client;
+        const auto said = everythingSaid([&] { client.connect("database", "host", 1, "user", password); });
+        EXPECT_EQ(said.find(secret), std::string::npos) << said;
+    }
+    for (const std::string end : {"@", "@:1/", "@h:99999/", "@h/?maxPoolSize=x", "@h/?x", "@h/?authMechanism="})
+    {
+        DataBaseClient client;
+        const auto said = everythingSaid([&] { client.connect("mongodb://user:" + secret + end); });
+        EXPECT_EQ(said.find(secret), std::string::npos) << said;
+    }
+}
+
+TEST(Secrets, DoNotAppearWhenAuthenticationIsRefused)
+{
+    DataBaseClient client;
+    client.connect("mongodb://root:" + secret + "@" + authHost() + "/?authSource=admin");
+    std::string said = everythingSaid([&] { client.write("secrets", "c", ObjectProperties()); });
+    EXPECT_EQ(said.find("Error occurred while insert operation: "), 0U) << said;
+    EXPECT_NE(said.find("Authentication failed"), std::string::npos) << said;
+    EXPECT_EQ(said.find(secret), std::string::npos) << said;
+
+    std::list<ObjectProperties*> results;
+    said = everythingSaid([&] { client.read("secrets", "c", ObjectProperties(), results); });
+    EXPECT_EQ(said.find("Find error.: "), 0U) << said;
+    EXPECT_EQ(said.find(secret), std::string::npos) << said;
+    EXPECT_TRUE(results.empty());
+}
+
+TEST(Secrets, DoNotAppearWhenAUserCommandIsRefused)
+{
+    DataBaseClient client;
+    client.connect(TestServer::instance().uri()); // a server without users
+    const ObjectProperties none;
+    const auto adding = everythingSaid([&] { client.addUser("", "user", secret, none, none); });
+    EXPECT_EQ(adding, "Database name is empty");
+    DataBaseClient authClient;
+    authClient.connect(TestServer::instance().authUri());
+    const auto changing = everythingSaid([&] { authClient.changeUserPassword("secrets", "no such user", secret); });
+    EXPECT_EQ(changing.find("Error occurred while changing password: "), 0U) << changing;
+    EXPECT_EQ(changing.find(secret), std::string::npos) << changing;
+}
+
+TEST(ReservedCharacters, AreWrittenIntoTheConnectionStringAsTheyAre)
+{
+    EXPECT_EQ(DataBaseClient::uri("h", 1, "u/s", "p@s:w?", "d b"), "mongodb://u/s:p@s:w?@h:1/d b");
+}
+
+TEST(ReservedCharacters, OfAPasswordReachTheServerWhenTheyAreEscaped)
+{
+    const std::string password = secret + ":/?#[]@!$&'()*+,;=% \"<>\\^`{|}";
+    const std::string user = "user with : / @ and %";
+    DataBaseClient root;
+    root.connect(TestServer::instance().authUri());
+    const ObjectProperties none;
+    root.addUser("admin", user, password, none, none);
+
+    DataBaseClient client;
+    client.connect("mongodb://" + escaped(user) + ":" + escaped(password) + "@" + authHost() + "/?authSource=admin");
+    const auto said = everythingSaid([&] {
+        std::list<ObjectProperties*> results;
+        client.read("secrets", "c", none, results);
+    });
+    EXPECT_EQ(said.find("uthentication"), std::string::npos) << said;
+
+    DataBaseClient refused;
+    refused.connect("mongodb://" + escaped(user) + ":" + escaped(password) + "x@" + authHost() + "/?authSource=admin");
+    const auto refusal = everythingSaid([&] { refused.write("secrets", "c", none); });
+    EXPECT_NE(refusal.find("Authentication failed"), std::string::npos) << refusal;
+    EXPECT_EQ(refusal.find(secret), std::string::npos) << refusal;
+    root.removeUser("admin", user);
+}
+
+TEST(ReservedCharacters, OfADatabaseNameAreReadBackWhenTheyAreEscaped)
+{
+    DataBaseClient client;
+    client.connect("mongodb://h:1/" + escaped("a?b#c%"));
+    std::string name;
+    client.getDatabaseName(name);
+    EXPECT_EQ(name, "a?b#c%");
+    // As they are, what follows is read as something else.
+    EXPECT_THROW(client.connect("a?b", "h", 1, "", ""), std::runtime_error);
+    EXPECT_THROW(client.connect("a%b", "h", 1, "", ""), std::runtime_error);
+    client.connect("a?appname=b", "h", 1, "", "");
+    client.getDatabaseName(name);
+    EXPECT_EQ(name, "a");
+}
+
+} // namespace
