@@ -1,6 +1,6 @@
 #pragma once
 
-#include "failing_allocations.h"
+#include "allocation_failure.h"
 
 #include <gtest/gtest.h>
 
@@ -15,13 +15,13 @@ void everyAllocationFails(Operate operate)
     constexpr std::size_t endless = 100000;
     for (std::size_t number = 1; number < endless; ++number)
     {
-        const long before = liveBlocks();
+        const long before = test_support::liveBlocks();
         bool happened = false;
         bool arrived = false;
         {
             State state;
             {
-                const FailingAllocation failure(number);
+                const test_support::FailingAllocation failure(number);
                 try
                 {
                     operate(state);
@@ -35,7 +35,7 @@ void everyAllocationFails(Operate operate)
             state.use();
         }
         ASSERT_EQ(arrived, happened) << "failure of allocation " << number << " did not arrive as an exception";
-        ASSERT_EQ(liveBlocks(), before) << "blocks left after failure of allocation " << number;
+        ASSERT_EQ(test_support::liveBlocks(), before) << "blocks left after failure of allocation " << number;
         if (!happened)
             return;
     }

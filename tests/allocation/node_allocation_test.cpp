@@ -126,7 +126,7 @@ TEST(NodeWithoutMemory, KeepsItsValueAndItsChildrenWhenASetterFails)
         bool happened = false;
         try
         {
-            const FailingAllocation failure(number);
+            const test_support::FailingAllocation failure(number);
             target->setValueString(longText);
         }
         catch (const std::bad_alloc&)
@@ -153,7 +153,7 @@ TEST(NodeWithoutMemory, StaysAsItWasWhenACopyFails)
         bool happened = false;
         try
         {
-            const FailingAllocation failure(number);
+            const test_support::FailingAllocation failure(number);
             nodes.node->copy(*nodes.other);
         }
         catch (const std::bad_alloc&)

@@ -7,15 +7,14 @@
 #include "owned_bson.h"
 #include "properties_to_bson.h"
 #include "properties_to_json.h"
+#include "small_stack.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <pthread.h>
 #include <unistd.h>
 
 #include <cstdio>
 #include <cstdlib>
-#include <functional>
 #include <memory>
 #include <string>
 
@@ -33,19 +32,10 @@ const int many = sizeFromEnvironment();
 // The stack that threads of Linux programs usually have, whatever this one was started with.
 constexpr std::size_t stackSize = std::size_t{8} << 20U;
 
-void onAnUsualStack(std::function<void()> work)
+template <typename Work>
+void onAnUsualStack(Work work)
 {
-    pthread_attr_t attributes;
-    ASSERT_EQ(pthread_attr_init(&attributes), 0);
-    ASSERT_EQ(pthread_attr_setstacksize(&attributes, stackSize), 0);
-    pthread_t thread;
-    const auto run = [](void* argument) -> void* {
-        (*static_cast<std::function<void()>*>(argument))();
-        return nullptr;
-    };
-    ASSERT_EQ(pthread_create(&thread, &attributes, run, &work), 0);
-    pthread_attr_destroy(&attributes);
-    ASSERT_EQ(pthread_join(thread, nullptr), 0);
+    test_support::runWithStack(stackSize, work);
 }
 
 // Sends standard output nowhere while it lives.

@@ -6,6 +6,7 @@ namespace {
 
 thread_local std::size_t allocationsUntilFailure = 0; // 0: none fails
 thread_local bool failureHappened = false;
+thread_local long blocks = 0;
 
 bool failsNow() noexcept
 {
@@ -20,6 +21,7 @@ void* allocate(std::size_t size)
     void* memory = failsNow() ? nullptr : std::malloc(size ? size : 1);
     if (!memory)
         throw std::bad_alloc();
+    ++blocks;
     return memory;
 }
 
@@ -29,12 +31,25 @@ void* allocate(std::size_t size, std::align_val_t alignment)
     void* memory = failsNow() ? nullptr : std::aligned_alloc(unit, (size + unit - 1) / unit * unit);
     if (!memory)
         throw std::bad_alloc();
+    ++blocks;
     return memory;
+}
+
+void release(void* memory) noexcept
+{
+    if (memory)
+        --blocks;
+    std::free(memory);
 }
 
 } // namespace
 
 namespace test_support {
+
+long liveBlocks()
+{
+    return blocks;
+}
 
 FailingAllocation::FailingAllocation(std::size_t number)
 {
@@ -76,40 +91,40 @@ void* operator new[](std::size_t size, std::align_val_t alignment)
 
 void operator delete(void* memory) noexcept
 {
-    std::free(memory);
+    release(memory);
 }
 
 void operator delete[](void* memory) noexcept
 {
-    std::free(memory);
+    release(memory);
 }
 
 void operator delete(void* memory, std::size_t /*size*/) noexcept
 {
-    std::free(memory);
+    release(memory);
 }
 
 void operator delete[](void* memory, std::size_t /*size*/) noexcept
 {
-    std::free(memory);
+    release(memory);
 }
 
 void operator delete(void* memory, std::align_val_t /*alignment*/) noexcept
 {
-    std::free(memory);
+    release(memory);
 }
 
 void operator delete[](void* memory, std::align_val_t /*alignment*/) noexcept
 {
-    std::free(memory);
+    release(memory);
 }
 
 void operator delete(void* memory, std::size_t /*size*/, std::align_val_t /*alignment*/) noexcept
 {
-    std::free(memory);
+    release(memory);
 }
 
 void operator delete[](void* memory, std::size_t /*size*/, std::align_val_t /*alignment*/) noexcept
 {
-    std::free(memory);
+    release(memory);
 }

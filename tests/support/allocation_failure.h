@@ -20,6 +20,9 @@ public:
     bool happened() const;
 };
 
+/// Blocks that this thread got from `operator new`, less those that it gave back.
+long liveBlocks();
+
 /// Runs @p work with its first allocation failing, then its second, and so on until it needs no more of them.
 /// @p prepare makes what the work runs on, @p checkUntouched looks at it after each failure.
 /// @return number of allocations that failed
