@@ -122,9 +122,9 @@ public:
     private:
         friend class Property;
 
-        PropertyItem(const std::string& key, PropertyType type);
-        bool holdsNumber() const noexcept;
-        void swap(PropertyItem& other) noexcept;
+        DATABASE_CLIENT_LOCAL PropertyItem(const std::string& key, PropertyType type);
+        DATABASE_CLIENT_LOCAL bool holdsNumber() const noexcept;
+        DATABASE_CLIENT_LOCAL void swap(PropertyItem& other) noexcept;
 
         PropertyValue m_value;
         std::vector<unsigned char> m_binary;
@@ -347,32 +347,35 @@ private:
 
 public:
     /// For the tree itself: a node with the key, kind and value of @p item.
-    Property(const Passkey& passkey, const PropertyItem& item, const std::weak_ptr<Property>& parent);
+    DATABASE_CLIENT_LOCAL Property(const Passkey& passkey, const PropertyItem& item,
+                                   const std::weak_ptr<Property>& parent);
     /// For the tree itself: a node of kind @p type without a value.
-    Property(const Passkey& passkey, const std::string& key, PropertyType type, std::weak_ptr<Property>&& parent);
+    DATABASE_CLIENT_LOCAL Property(const Passkey& passkey, const std::string& key, PropertyType type,
+                                   std::weak_ptr<Property>&& parent);
 
 private:
-    std::weak_ptr<Property> self();
-    Property* findChild(const std::string& key) const;
-    Property* insertChild(Children::iterator place, const std::string& key, PropertyType type);
-    Property* insertElement(const std::string& key, PropertyType type);
-    Property* createChild(const std::string& key, PropertyType type);
-    Property* findOrCreateChild(const std::string& key, PropertyType type);
-    Property* createPath(PathSegments& segments, PropertyType type);
-    std::shared_ptr<Property> createPath(const std::string& path, PropertyType type);
-    std::pair<Property*, Children::iterator> locate(const std::string& path);
-    Property* find(const std::string& path);
-    Property* obtain(const std::string& path, PropertyType missing, PropertyType accepted);
-    Property& valueNode(const std::string& path);
-    Property& valueNodeToRead(const std::string& path);
-    void becomeValue(PropertyType type) noexcept;
-    Children::iterator entryAt(int index);
-    std::list<std::string> keysOfChildren(const std::string* (*keyIfWanted)(const Children::value_type&)) const;
-    void assume(const Property& source, const std::string& key);
-    void becomeGroup() noexcept;
-    bool holds(const Property& child) const noexcept;
-    static Children copyOfChildren(const Property& source, const std::weak_ptr<Property>& parent);
-    static void release(Children& children, int depth) noexcept;
+    DATABASE_CLIENT_LOCAL std::weak_ptr<Property> self();
+    DATABASE_CLIENT_LOCAL Property* findChild(const std::string& key) const;
+    DATABASE_CLIENT_LOCAL Property* insertChild(Children::iterator place, const std::string& key, PropertyType type);
+    DATABASE_CLIENT_LOCAL Property* insertElement(const std::string& key, PropertyType type);
+    DATABASE_CLIENT_LOCAL Property* createChild(const std::string& key, PropertyType type);
+    DATABASE_CLIENT_LOCAL Property* findOrCreateChild(const std::string& key, PropertyType type);
+    DATABASE_CLIENT_LOCAL Property* createPath(PathSegments& segments, PropertyType type);
+    DATABASE_CLIENT_LOCAL std::shared_ptr<Property> createPath(const std::string& path, PropertyType type);
+    DATABASE_CLIENT_LOCAL std::pair<Property*, Children::iterator> locate(const std::string& path);
+    DATABASE_CLIENT_LOCAL Property* find(const std::string& path);
+    DATABASE_CLIENT_LOCAL Property* obtain(const std::string& path, PropertyType missing, PropertyType accepted);
+    DATABASE_CLIENT_LOCAL Property& valueNode(const std::string& path);
+    DATABASE_CLIENT_LOCAL Property& valueNodeToRead(const std::string& path);
+    DATABASE_CLIENT_LOCAL void becomeValue(PropertyType type) noexcept;
+    DATABASE_CLIENT_LOCAL Children::iterator entryAt(int index);
+    DATABASE_CLIENT_LOCAL std::list<std::string>
+    keysOfChildren(const std::string* (*keyIfWanted)(const Children::value_type&)) const;
+    DATABASE_CLIENT_LOCAL void assume(const Property& source, const std::string& key);
+    DATABASE_CLIENT_LOCAL void becomeGroup() noexcept;
+    DATABASE_CLIENT_LOCAL bool holds(const Property& child) const noexcept;
+    DATABASE_CLIENT_LOCAL static Children copyOfChildren(const Property& source, const std::weak_ptr<Property>& parent);
+    DATABASE_CLIENT_LOCAL static void release(Children& children, int depth) noexcept;
 
     PropertyItem m_item;
     Children m_children;
