@@ -8,6 +8,7 @@
 #include <database_client.h>
 #include <factories.h>
 
+#include <exception>
 #include <list>
 #include <memory>
 #include <stdexcept>
@@ -163,6 +164,7 @@ void failure(DataBaseClient& client)
 } // namespace
 
 int main()
+try
 {
     const std::string address = test_support::TestServer::instance().uri();
     const test_support::ScratchDatabase database;
@@ -177,4 +179,9 @@ int main()
     update(client, database.name());
     aggregate(client, database.name());
     failure(client);
+}
+catch (const std::exception& error)
+{
+    std::cerr << error.what() << '\n';
+    return 1;
 }

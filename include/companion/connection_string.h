@@ -95,7 +95,7 @@ public:
             result += (&host == &m_hosts.front() ? "" : ",") + host;
         result += "/" + m_database;
         for (const auto& [name, value] : m_options)
-            result += (&name == &m_options.front().first ? "?" : "&") + name + "=" + value;
+            result.append(&name == &m_options.front().first ? "?" : "&").append(name).append("=").append(value);
         return result;
     }
 
