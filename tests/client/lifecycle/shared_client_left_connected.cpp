@@ -1,0 +1,16 @@
+// The shared client is the first one made, and nobody disconnects it.
+
+#include "database_client.h"
+#include "driver_calls.h"
+#include "server.h"
+
+int main()
+{
+    driver_calls::expect(1, 1);
+    DataBaseClient& client = *DataBaseClient::instance();
+    client.connect(serverUri());
+    std::list<ObjectProperties*> results;
+    client.read("lifecycle", "missing", ObjectProperties(), results);
+    deleteAll(results);
+    return client.isConnected() ? 0 : 1;
+}

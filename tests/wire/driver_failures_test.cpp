@@ -1,0 +1,222 @@
+// Every call of the driver fails in turn, and every allocation: the exception arrives, no object of the driver is left,
+// and the same client works again.
+
+#include "allocation_failure.h"
+#include "connected_client.h"
+#include "counted_driver.h"
+#include "pattern_text.h"
+#include "row_name.h"
+
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <istream>
+#include <set>
+#include <streambuf>
+
+namespace {
+
+using namespace test_support;
+
+// A stream that allocates would swallow its own failure.
+class DiscardingBuffer : public std::streambuf
+{
+protected:
+    std::streamsize xsputn(const char*, std::streamsize count) override { return count; }
+};
+
+struct OperationRow
+{
+    const char* name;
+    std::set<std::string> messages; ///< one of which begins the text of every failure
+    std::function<void(DataBaseClient&, const std::string& database, const std::string& source)> run;
+};
+
+void PrintTo(const OperationRow& row, std::ostream* out)
+{
+    *out << row.name;
+}
+
+const char* const openStore = "Error occurred while mongoc_client_get_gridfs operation: injected(code: 7)";
+const char* const brokenList = "Error occurred while list gridFS files operation: injected(code: 7)";
+const char* const malformedList =
+    "Error occurred while list gridFS files operation: the record of a stored file is malformed";
+
+const OperationRow operations[] = {
+    {"Connect",
+     {"Connection failed"},
+     [](DataBaseClient& client, const std::string&, const std::string&) {
+         client.connect(TestServer::instance().uri());
+     }},
+    {"Write",
+     {"Error occurred while insert operation: injected(code: 7)"},
+     [](DataBaseClient& client, const std::string& database, const std::string&) {
+         std::string id;
+         client.write(database, "written", ConnectedClient::number("a", 1), id);
+     }},
+    {"Update",
+     {"Updating failed: injected(code: 7)"},
+     [](DataBaseClient& client, const std::string& database, const std::string&) {
+         client.update(database, "updated", ConnectedClient::number("a", 1), ConnectedClient::number("b", 1),
+                       UpdateFlagUpsert, UpdateCommandSet);
+     }},
+    {"Replace",
+     {"Updating failed: injected(code: 7)"},
+     [](DataBaseClient& client, const std::string& database, const std::string&) {
+         client.update(database, "updated", ConnectedClient::number("a", 1), ConnectedClient::number("b", 1),
+                       UpdateFlagUpsert, UpdateCommandReplace);
+     }},
+    {"Remove",
+     {"Error occurred while remove operation: injected(code: 7)"},
+     [](DataBaseClient& client, const std::string& database, const std::string&) {
+         client.remove(database, "written", ConnectedClient::number("a", 1));
+     }},
+    {"Find",
+     {"Find error.: injected(code: 7)"},
+     [](DataBaseClient& client, const std::string& database, const std::string&) {
+         ResultList results;
+         client.find(database, "c", ObjectProperties(), ConnectedClient::number("a", 1), results.get(), 2, 0);
+     }},
+    {"Aggregate",
+     {"Aggregation error.: injected(code: 7)"},
+     [](DataBaseClient& client, const std::string& database, const std::string&) {
+         ResultList results;
+         client.aggregate(database, "c",
+                          ConnectedClient::pipeline([](ObjectProperties& stage) { stage.setValueInt32("$limit", 2); }),
+                          results.get());
+     }},
+    {"AddUser",
+     {"Error occurred while adding user: injected(code: 7)"},
+     [](DataBaseClient& client, const std::string& database, const std::string&) {
+         client.addUser(database, "u", "secret", ObjectProperties(), ConnectedClient::number("a", 1));
+     }},
+    {"AddUserWithoutPassword",
+     {"Error occurred while adding user: injected(code: 7)"},
+     [](DataBaseClient& client, const std::string& database, const std::string&) {
+         client.addUser(database, "u", "", ObjectProperties(), ConnectedClient::number("a", 1));
+     }},
+    {"UpdateUser",
+     {"Error occurred while updating user: injected(code: 7)"},
+     [](DataBaseClient& client, const std::string& database, const std::string&) {
+         client.updateUser(database, "u", ObjectProperties(), ConnectedClient::number("a", 1));
+     }},
+    {"ChangeUserPassword",
+     {"Error occurred while changing password: injected(code: 7)"},
+     [](DataBaseClient& client, const std::string& database, const std::string&) {
+         client.changeUserPassword(database, "u", "secret");
+     }},
+    {"RemoveUser",
+     {"Error occurred while removing user: injected(code: 7)"},
+     [](DataBaseClient& client, const std::string& database, const std::string&) { client.removeUser(database, "u"); }},
+    {"ReadFile",
+     {openStore, "Error occurred while mongoc_gridfs_find_one_by_filename operation: injected(code: 7)",
+      "Error occurred while mongoc_stream_gridfs_new operation", "Error occurred while read gridFS file operation"},
+     [](DataBaseClient& client, const std::string& database, const std::string&) {
+         DiscardingBuffer buffer;
+         std::iostream stream(&buffer);
+         client.readFile(database, "fs", "kept", &stream);
+     }},
+    {"WriteFile",
+     {openStore, "Error occurred while mongoc_stream_file_new_for_path operation",
+      "Error occurred while mongoc_gridfs_create_file_from_stream operation",
+      "Error occurred while save gridFS file operation"},
+     [](DataBaseClient& client, const std::string& database, const std::string& source) {
+         client.writeFile(database, "written", "file", source);
+     }},
+    {"ListFiles",
+     {openStore, brokenList, malformedList},
+     [](DataBaseClient& client, const std::string& database, const std::string&) {
+         std::list<std::string> names;
+         client.listFiles(database, "fs", names);
+     }},
+    {"RemoveFile",
+     {openStore, brokenList, malformedList, "Error occurred while remove gridFS file operation: injected(code: 7)"},
+     [](DataBaseClient& client, const std::string& database, const std::string&) {
+         client.removeFile(database, "fs", "gone");
+     }},
+};
+
+class DriverFailure : public ConnectedClient, public testing::WithParamInterface<OperationRow>
+{
+public:
+    DriverFailure()
+    {
+        for (const char* const name : {"createUser", "updateUser", "dropUser"})
+            gateway().inject(Fault::answer(R"({"ok": 1})").onCommand(name).andLater());
+        m_source = (std::filesystem::temp_directory_path() / ("source-" + database())).string();
+        const std::string text = patternText(300'000); // two chunks
+        std::ofstream(m_source, std::ios::binary).write(text.data(), static_cast<std::streamsize>(text.size()));
+        for (int index = 0; index < 3; ++index)
+            scratch().insert("c", R"({"_id": )" + std::to_string(index) +
+                                      R"(, "a": "a text of some length, to be allocated"})");
+        client().writeFile(database(), "fs", "kept", m_source);
+        std::filesystem::resize_file(m_source, 5000);
+        client().writeFile(database(), "fs", "Gone", m_source);
+    }
+    ~DriverFailure() override
+    {
+        gateway().clearFaults();
+        std::filesystem::remove(m_source);
+    }
+
+    void run() { GetParam().run(client(), database(), m_source); }
+
+private:
+    std::string m_source;
+};
+
+TEST_P(DriverFailure, OfAnyCallThrowsAndLeavesNothingBehind)
+{
+    // Connections and the objects of the test itself: what must be there again after each failure.
+    const long before = counted_driver::liveObjects();
+    const bool connects = std::string(GetParam().name) == "Connect";
+    std::size_t number = 1;
+    for (;; ++number)
+    {
+        bool happened = false;
+        std::string text;
+        {
+            const counted_driver::FailingCall failure(number);
+            text = thrownText([this] { run(); });
+            happened = failure.happened();
+        }
+        ASSERT_EQ(counted_driver::liveObjects(), before - (connects && happened ? 1 : 0)) << "call " << number;
+        if (!happened)
+        {
+            EXPECT_EQ(text, "");
+            break;
+        }
+        const std::string prefix = "runtime_error: ";
+        ASSERT_EQ(text.rfind(prefix, 0), 0U) << "call " << number << ": " << text;
+        EXPECT_EQ(GetParam().messages.count(text.substr(prefix.size())), 1U) << "call " << number << ": " << text;
+        EXPECT_EQ(client().isConnected(), !connects);
+    }
+    EXPECT_GT(number, 1U) << "no call failed";
+}
+
+TEST_P(DriverFailure, ToAllocateIsReportedAndLeavesNothingBehind)
+{
+    const long before = counted_driver::liveObjects();
+
+    failEveryAllocation([] { return 0; }, [this](int) { run(); },
+                        [before](int) { ASSERT_LE(counted_driver::liveObjects(), before); });
+
+    EXPECT_EQ(counted_driver::liveObjects(), before);
+}
+
+INSTANTIATE_TEST_SUITE_P(Operations, DriverFailure, testing::ValuesIn(operations), RowName());
+
+TEST(DriverObjects, AreAllGoneWithTheClient)
+{
+    const long before = counted_driver::liveObjects();
+    {
+        DataBaseClient client;
+        client.connect(TestServer::instance().uri());
+        EXPECT_EQ(counted_driver::liveObjects(), before + 1);
+        client.connect(TestServer::instance().uri());
+        EXPECT_EQ(counted_driver::liveObjects(), before + 1);
+    }
+    EXPECT_EQ(counted_driver::liveObjects(), before);
+}
+
+} // namespace
