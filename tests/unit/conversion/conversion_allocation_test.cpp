@@ -34,7 +34,7 @@ ObjectProperties nested(int depth)
 
 TEST(WritingWithoutMemory, LeavesATargetThatCanBeDestroyed)
 {
-    const ObjectProperties document = nested(40);
+    const ObjectProperties document = nested(130);
     const std::string before = treeText(document);
 
     const std::size_t failures = failEveryAllocation(
@@ -45,9 +45,9 @@ TEST(WritingWithoutMemory, LeavesATargetThatCanBeDestroyed)
     EXPECT_GT(failures, 0U);
 }
 
-TEST(WritingWithoutMemory, OfAShallowDocumentNeedsNone)
+TEST(WritingWithoutMemory, OfADepthThatServersAcceptNeedsNone)
 {
-    const ObjectProperties document = nested(10);
+    const ObjectProperties document = nested(100);
 
     const std::size_t failures = failEveryAllocation(
         [] { return std::make_unique<OwnedBson>(); },

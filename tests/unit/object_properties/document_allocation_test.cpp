@@ -61,7 +61,7 @@ TEST(DocumentWithoutMemory, IsNotCopied)
 {
     const ObjectProperties source = other();
     const std::size_t failures =
-        failEveryAllocation([] { return 0; }, [&](int) { const ObjectProperties copy(source); }, [](int) {});
+        failEveryAllocation([] { return 0; }, [&](int) { ObjectProperties{source}; }, [](int) {});
     EXPECT_GT(failures, 10U);
 }
 

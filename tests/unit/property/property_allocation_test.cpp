@@ -3,6 +3,7 @@
 #include "allocation_failure.h"
 #include "property.h"
 #include "property_kinds.h"
+#include "tree_text.h"
 
 #include <gtest/gtest.h>
 
@@ -112,10 +113,14 @@ TEST(TreeWithoutMemory, ACopyOfATreeLeavesTheTarget)
     NodePointer deep = source;
     for (int level = 0; level < 40; ++level)
         deep = deep->createGroup("level");
+    const std::string before = test_support::treeText(*source);
+    const NodePointer child = source->childByIndex(0);
     const auto expectUntouched = [&](const NodePointer& node) {
         expectGroupWithMembers(node);
-        EXPECT_EQ(source->key(), "source");
-        EXPECT_EQ(source->childCount(), 2U);
+        EXPECT_EQ(test_support::treeText(*source), before);
+        EXPECT_EQ(source->childByIndex(0), child);
+        EXPECT_EQ(child->parent(), source);
+        EXPECT_EQ(child.use_count(), 2);
     };
 
     const std::size_t failures = failEveryAllocation(

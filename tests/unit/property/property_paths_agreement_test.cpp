@@ -69,7 +69,7 @@ std::string placeOf(const NodePointer& root, NodePointer node)
         int index = 0;
         while (parent->childByIndex(index) != node)
             ++index;
-        place = "/" + std::to_string(index) + place;
+        place.insert(0, "/" + std::to_string(index));
         node = parent;
     }
     return "root" + place;
