@@ -140,6 +140,18 @@ void readElementsByIndex(benchmark::State& state)
         [&](const Sum& sum) { return sum.value == sumTo(sizeOf(state)); });
 }
 
+void visitElements(benchmark::State& state)
+{
+    const Shape shape = arrayShape(sizeOf(state));
+    ObjectProperties document;
+    build(shape.steps, document);
+    document.beginArray("values");
+    measure<Sum>(
+        state, shape.fields, shape.bytes.size(), prepareNothing,
+        [&](Sum& sum) { document.forEachChild([&] { sum.value += document.currentValueAsInt32(0); }); },
+        [&](const Sum& sum) { return sum.value == sumTo(sizeOf(state)); });
+}
+
 bool addGrowth(const char* operation, void (*function)(benchmark::State&), int largest)
 {
     const std::string name = std::string("growth/") + operation;
@@ -155,9 +167,10 @@ bool addGrowth(const char* operation, void (*function)(benchmark::State&), int l
     return true;
 }
 
-const bool registered =
-    addGrowth("bson_to_document", bsonToDocument, 32768) && addGrowth("document_to_bson", documentToBson, 32768) &&
-    addGrowth("copy", copy, 32768) && addGrowth("free", release, 32768) && addGrowth("print", print, 32768) &&
-    addGrowth("list_keys", listKeys, 32768) && addGrowth("read_elements_by_index", readElementsByIndex, 32768);
+const bool registered = addGrowth("bson_to_document", bsonToDocument, 32768) &&
+                        addGrowth("document_to_bson", documentToBson, 32768) && addGrowth("copy", copy, 32768) &&
+                        addGrowth("free", release, 32768) && addGrowth("print", print, 32768) &&
+                        addGrowth("list_keys", listKeys, 32768) && addGrowth("visit_children", visitElements, 32768) &&
+                        addGrowth("begin_object_by_index", readElementsByIndex, 32768);
 
 } // namespace

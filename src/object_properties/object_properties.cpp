@@ -372,6 +372,11 @@ void ObjectProperties::copyWithCursor(const ObjectProperties& other)
     d->copyWithCursor(*other.d);
 }
 
+void ObjectProperties::visitChildren(bool (*visit)(void* visitor), void* visitor) const
+{
+    d->visitChildren(visit, visitor);
+}
+
 std::shared_ptr<Property> ObjectProperties::root() const
 {
     return d->root;

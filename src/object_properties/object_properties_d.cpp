@@ -8,6 +8,20 @@ bool isRootKey(const std::string& key) noexcept
     return key.find_first_not_of('/') == std::string::npos;
 }
 
+// Puts the cursor back where it stood, on every way out.
+class CursorReturn
+{
+public:
+    explicit CursorReturn(std::shared_ptr<Property>& cursor) : m_cursor(cursor), m_node(cursor) {}
+    CursorReturn(const CursorReturn&) = delete;
+    CursorReturn& operator=(const CursorReturn&) = delete;
+    ~CursorReturn() { m_cursor = std::move(m_node); }
+
+private:
+    std::shared_ptr<Property>& m_cursor;
+    std::shared_ptr<Property> m_node;
+};
+
 } // namespace
 
 ObjectPropertiesPrivate::ObjectPropertiesPrivate() : root(Property::create()), current(root)
@@ -399,6 +413,23 @@ bool ObjectPropertiesPrivate::moveTo(const std::shared_ptr<Property>& node) cons
     }
     current = node;
     return true;
+}
+
+// The children are held, not pointed at: the visitor may remove any of them.
+void ObjectPropertiesPrivate::visitChildren(bool (*visit)(void* visitor), void* visitor) const
+{
+    std::vector<std::shared_ptr<Property>> children;
+    children.reserve(current->childCount());
+    for (const auto& entry : *current)
+        children.push_back(entry.second);
+
+    const CursorReturn cursorReturn(current);
+    for (auto& child : children)
+    {
+        current = std::move(child);
+        if (!visit(visitor))
+            return;
+    }
 }
 
 // A cursor inside the subtree goes to the root, any other stays.

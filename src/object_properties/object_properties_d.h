@@ -88,6 +88,7 @@ public:
     void includeElement(const std::string& key, const ObjectPropertiesPrivate& other);
     void exclude(const std::string& key, ObjectPropertiesPrivate& other);
     bool moveTo(const std::shared_ptr<Property>& node) const;
+    void visitChildren(bool (*visit)(void* visitor), void* visitor) const;
     void print() const;
 
     std::shared_ptr<Property> root;
