@@ -25,5 +25,4 @@ using GridFsHandle = std::unique_ptr<mongoc_gridfs_t, DestroyWith<mongoc_gridfs_
 using GridFsFileHandle = std::unique_ptr<mongoc_gridfs_file_t, DestroyWith<mongoc_gridfs_file_destroy>>;
 using GridFsFileListHandle = std::unique_ptr<mongoc_gridfs_file_list_t, DestroyWith<mongoc_gridfs_file_list_destroy>>;
 using GridFsStreamHandle = std::unique_ptr<mongoc_stream_t, DestroyWith<mongoc_stream_destroy>>;
-using UriHandle = std::unique_ptr<mongoc_uri_t, DestroyWith<mongoc_uri_destroy>>;
 using FileStreamHandle = std::unique_ptr<mongoc_stream_t, DestroyWith<closeAndDestroyStream>>;

@@ -1,0 +1,42 @@
+// Clients for several threads. Needs a server: scripts/with-server.
+#include "example.h"
+
+#include "test_server.h"
+
+#include <companion/build.h>
+#include <companion/pool.h>
+#include <companion/results.h>
+
+#include <chrono>
+#include <thread>
+#include <vector>
+
+namespace {
+
+void threads(const std::string& uri, const std::string& database)
+{
+    section("threads");
+    //! [threads]
+    companion::ClientPool pool(uri, 2); // before the threads
+    std::vector<std::thread> threads;
+    for (int number = 0; number < 4; ++number)
+        threads.emplace_back([&pool, &database, number] {
+            const auto client = pool.lease(std::chrono::minutes(1)); // waits while two others have one
+            client->write(database, "numbers", companion::document({{"n", number}}));
+        }); // the lease returns its client
+    for (std::thread& thread : threads)
+        thread.join();
+
+    companion::Results found;
+    pool.lease(std::chrono::minutes(1))->read(database, "numbers", ObjectProperties(), found);
+    std::cout << found.size() << " written\n";
+    //! [threads]
+}
+
+} // namespace
+
+int main()
+{
+    const test_support::ScratchDatabase database;
+    threads(test_support::TestServer::instance().uri(), database.name());
+}
