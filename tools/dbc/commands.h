@@ -6,14 +6,33 @@
 #include <CLI/CLI.hpp>
 
 #include <functional>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
 
 /// What the options in front of every command say.
 struct GlobalOptions
 {
     ConnectionOptions connection;
-    Dialect dialect = Dialect::Relaxed;
+    std::optional<Dialect> dialect; ///< each command has one of its own
     bool asArray = false;
 };
+
+/// An option that takes one of a few words. CLI11's own transformer shows the numbers behind them in help and errors.
+template <typename T>
+CLI::Option* addChoice(CLI::App& app, const std::string& name, T& target, const std::map<std::string, T>& choices,
+                       const std::string& help)
+{
+    std::vector<std::string> words;
+    for (const auto& choice : choices)
+        words.push_back(choice.first);
+    return app
+        .add_option_function<std::string>(
+            name, [&target, choices](const std::string& word) { target = choices.at(word); }, help)
+        ->check(CLI::IsMember(words))
+        ->type_name("WORD");
+}
 
 /// The work of the command that was given, and its exit status.
 using Work = std::function<int()>;

@@ -11,13 +11,15 @@ struct ConnectionOptions
     std::string uri;          ///< --uri or DBC_URI
     std::string user;         ///< --user
     std::string passwordFile; ///< --password-file
-    bool askPassword = false; ///< --ask-password
     bool quiet = false;       ///< --quiet
 };
 
 /// The connection string with the credentials in it, percent-encoded. The password comes from the file, from
 /// DBC_PASSWORD or from a prompt, in this order.
 std::string connectionString(const ConnectionOptions& options);
+
+/// @throws Failure when the driver cannot read it; without a word of the password
+void checkConnectionString(const std::string& uri);
 
 /// A connected client.
 std::unique_ptr<DataBaseClient> connect(const ConnectionOptions& options);
@@ -27,6 +29,9 @@ std::string readSecretFile(const std::string& path);
 
 /// Asks on the terminal without showing what is typed. @throws Failure when there is no terminal
 std::string promptSecret(const std::string& question);
+
+/// The driver writes warnings of its own to standard error; what matters in them is in the errors that it reports.
+void silenceDriver();
 
 /// Hides the password of a connection string that was given on the command line from the list of processes.
 void hidePasswords(int argumentCount, char** arguments);

@@ -6,7 +6,8 @@
 #include "query_words.h"
 #include "raw_collection.h"
 
-#include <fstream>
+#include <algorithm>
+#include <cstdint>
 #include <iostream>
 #include <map>
 #include <memory>
@@ -31,7 +32,7 @@ int find(const GlobalOptions& global, const FindCommand& command)
     const BsonPointer sort = command.sort.empty() ? nullptr : parseJson(command.sort, "--sort");
     const BsonPointer projection = command.projection.empty() ? nullptr : parseJson(command.projection, "--fields");
     RawCollection collection(connectionString(global.connection), command.collection);
-    DocumentWriter writer(std::cout, global.dialect, global.asArray);
+    DocumentWriter writer(std::cout, global.dialect.value_or(Dialect::Relaxed), global.asArray);
     const auto found =
         collection.find(*query.get(), {sort.get(), projection.get(), command.limit, command.skip},
                         [&writer](const RawCollection::Document& document) { writer.write(*document.bson); });
@@ -50,8 +51,11 @@ int count(const GlobalOptions& global, const FindCommand& command)
 int aggregate(const GlobalOptions& global, const std::string& name, const std::string& pipeline)
 {
     const BsonPointer stages = parseJson(R"({"pipeline": )" + pipeline + "}", "the pipeline");
+    bson_iter_t iter;
+    if (!bson_iter_init_find(&iter, stages.get(), "pipeline") || !BSON_ITER_HOLDS_ARRAY(&iter))
+        throw Failure(UsageError, "the pipeline is not a list of stages: [{...}, {...}]");
     RawCollection collection(connectionString(global.connection), name);
-    DocumentWriter writer(std::cout, global.dialect, global.asArray);
+    DocumentWriter writer(std::cout, global.dialect.value_or(Dialect::Relaxed), global.asArray);
     const auto found = collection.aggregate(
         *stages.get(), [&writer](const RawCollection::Document& document) { writer.write(*document.bson); });
     writer.finish();
@@ -81,21 +85,28 @@ struct UpdateCommandLine
 
 int update(const GlobalOptions& global, const UpdateCommandLine& line)
 {
-    const ObjectProperties query = toProperties(*parseQuery(line.query).get(), "the query");
+    const BsonPointer condition = parseQuery(line.query);
+    const ObjectProperties query = toProperties(*condition.get(), "the query");
     const ObjectProperties document = toProperties(*parseJson(line.document, "the update").get(), "the update");
     std::string database;
     std::string collection;
     parseOldCollectionName(line.collection, database, collection);
     const UpdateFlag flag = line.upsert ? UpdateFlagUpsert : line.multiple ? UpdateFlagMultiUpdate : UpdateFlagNone;
-    connect(global.connection)->update(database, collection, query, document, flag, line.command);
-    return Success;
+    const auto matching = RawCollection(connectionString(global.connection), line.collection).count(*condition.get());
+    if (matching > 0 || line.upsert)
+        connect(global.connection)->update(database, collection, query, document, flag, line.command);
+    if (!global.connection.quiet && matching == 0 && line.upsert)
+        std::cout << "inserted 1\n";
+    else if (!global.connection.quiet)
+        std::cout << "updated " << (line.multiple ? matching : std::min<std::uint64_t>(matching, 1)) << '\n';
+    return matching > 0 || line.upsert ? Success : NothingFound;
 }
 
 int remove(const GlobalOptions& global, const FindCommand& command, bool all)
 {
-    if (command.query.empty() && !all)
-        throw Failure(UsageError, "to remove every document, say --all instead of a query");
     const BsonPointer query = parseQuery(command.query);
+    if (bson_empty(query.get()) && !all)
+        throw Failure(UsageError, "to remove every document, say --all");
     const ObjectProperties condition = toProperties(*query.get(), "the query");
     const auto matching = RawCollection(connectionString(global.connection), command.collection).count(*query.get());
     std::string database;
@@ -163,9 +174,7 @@ void addUpdate(CLI::App& program, const GlobalOptions& global, Work& work)
     CLI::App* app = addCommand(program, "update", "Change the first document that matches a query", line->collection);
     app->add_option("query", line->query, queryHelp)->required();
     app->add_option("--document,-d", line->document, "Operand of the operator, as JSON")->required();
-    app->add_option("--operator,-o", line->command,
-                    "set (unless given), replace, unset, rename, push, pull, pullAll, pop or addToSet")
-        ->transform(CLI::CheckedTransformer(operators));
+    addChoice(*app, "--operator,-o", line->command, operators, "What to do with the operand; set unless given");
     CLI::Option* upsert = app->add_flag("--upsert", line->upsert, "Insert a document when none matches");
     app->add_flag("--multi", line->multiple, "Change every document that matches")->excludes(upsert);
     app->callback([=, &global, &work] { work = [=, &global] { return update(global, *line); }; });

@@ -6,12 +6,15 @@
 #include "interrupt.h"
 #include "progress.h"
 
+#include <unistd.h>
+
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <list>
 #include <memory>
+#include <stdexcept>
 #include <string>
 
 namespace {
@@ -26,6 +29,10 @@ struct FileCommand
 
 int put(const GlobalOptions& global, const FileCommand& command)
 {
+    if (command.path == "-" && command.name.empty())
+        throw Failure(UsageError, "what comes from standard input has no name: give --name");
+    if (command.path != "-" && ::access(command.path.c_str(), R_OK) != 0)
+        throw Failure(UsageError, "cannot read " + command.path);
     const std::string name =
         command.name.empty() ? std::filesystem::path(command.path).filename().string() : command.name;
     const auto client = connect(global.connection);
@@ -43,7 +50,17 @@ void copyTo(std::ostream& target, const GlobalOptions& global, const FileCommand
         progress.show(bytes);
         return !isInterrupted();
     });
-    connect(global.connection)->readFile(command.database, command.store, command.name, &download);
+    const InterruptWatch watch;
+    try
+    {
+        connect(global.connection)->readFile(command.database, command.store, command.name, &download);
+    }
+    catch (const std::runtime_error& error)
+    {
+        if (companion::describe(error).kind == companion::ErrorKind::NotFound)
+            throw Failure(NothingFound, "no file is named " + command.name);
+        throw;
+    }
     if (!target.flush())
         throw Failure(UsageError, "the output cannot be written");
 }

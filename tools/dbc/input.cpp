@@ -1,6 +1,7 @@
 #include "input.h"
 
 #include "failure.h"
+#include "interrupt.h"
 
 #include <cctype>
 
@@ -36,10 +37,8 @@ bool DocumentReader::readText()
         m_line += character == '\n' ? 1U : 0U;
         if (depth == 0 && character != '{')
         {
-            if (std::isspace(static_cast<unsigned char>(character)) ||
-                std::string("[],").find(character) != std::string::npos)
-                continue;
-            throw Failure(UsageError, "line " + std::to_string(m_line) + " does not begin a document");
+            passOver(character);
+            continue;
         }
         m_text += character;
         if (inText)
@@ -54,7 +53,24 @@ bool DocumentReader::readText()
         else if (character == '}' && --depth == 0)
             return true;
     }
+    if (depth > 0 && isInterrupted())
+        return false;
     if (depth > 0)
         throw Failure(UsageError, "the input ends inside a document");
+    if (m_inArray && !isInterrupted())
+        throw Failure(UsageError, "the input ends inside an array");
     return false;
+}
+
+// What may stand between documents.
+void DocumentReader::passOver(char between)
+{
+    if (std::isspace(static_cast<unsigned char>(between)) || (m_inArray && between == ','))
+        return;
+    if (between == (m_inArray ? ']' : '['))
+    {
+        m_inArray = !m_inArray;
+        return;
+    }
+    throw Failure(UsageError, "line " + std::to_string(m_line) + " does not begin a document");
 }

@@ -24,9 +24,11 @@ public:
 
 private:
     bool readText();
+    void passOver(char between);
 
     std::istream& m_stream;
     std::string m_text;
     std::uint64_t m_line = 1;
+    bool m_inArray = false;
     std::uint64_t m_count = 0;
 };

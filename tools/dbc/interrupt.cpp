@@ -17,14 +17,20 @@ extern "C" void onInterrupt(int /*signal*/)
 
 } // namespace
 
-void watchForInterrupt()
+InterruptWatch::InterruptWatch()
 {
     struct sigaction action = {};
     action.sa_handler = onInterrupt;
     // The second Ctrl-C ends the program at once: a server that does not answer must not hold it.
     action.sa_flags = static_cast<int>(SA_RESETHAND);
-    sigaction(SIGINT, &action, nullptr);
-    sigaction(SIGTERM, &action, nullptr);
+    sigaction(SIGINT, &action, &m_interrupt);
+    sigaction(SIGTERM, &action, &m_terminate);
+}
+
+InterruptWatch::~InterruptWatch()
+{
+    sigaction(SIGINT, &m_interrupt, nullptr);
+    sigaction(SIGTERM, &m_terminate, nullptr);
 }
 
 bool isInterrupted() noexcept

@@ -1,10 +1,23 @@
 #pragma once
 
-/// Makes Ctrl-C ask long work to end at the next document instead of ending the program in the middle of one.
-void watchForInterrupt();
+#include <csignal>
 
-/// Whether Ctrl-C was pressed.
+/// While one lives, Ctrl-C and SIGTERM are noted instead of ending the program: for work that looks at isInterrupted()
+/// again and again. All other work is ended by them at once.
+class InterruptWatch
+{
+public:
+    InterruptWatch();
+    InterruptWatch(const InterruptWatch&) = delete;
+    InterruptWatch& operator=(const InterruptWatch&) = delete;
+    ~InterruptWatch();
+
+private:
+    struct sigaction m_interrupt = {};
+    struct sigaction m_terminate = {};
+};
+
 bool isInterrupted() noexcept;
 
-/// @throws Failure with status Interrupted once Ctrl-C was pressed
+/// @throws Failure with the status Interrupted
 void throwIfInterrupted();

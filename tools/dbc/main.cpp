@@ -34,23 +34,33 @@ ExitStatus statusOf(companion::ErrorKind kind)
 
 void addGlobalOptions(CLI::App& program, GlobalOptions& global)
 {
-    static const std::map<std::string, Dialect> dialects{
+    static const std::map<std::string, std::optional<Dialect>> dialects{
         {"relaxed", Dialect::Relaxed}, {"canonical", Dialect::Canonical}, {"legacy", Dialect::Legacy}};
     program.add_option("--uri", global.connection.uri, "Connection string, mongodb://host:port/")->envname("DBC_URI");
     program.add_option("--user", global.connection.user, "User; the password is asked for, or taken from DBC_PASSWORD");
-    program.add_option("--password-file", global.connection.passwordFile, "File whose first line is the password");
-    program.add_option("--dialect", global.dialect, "JSON that is written: relaxed, canonical or legacy")
-        ->transform(CLI::CheckedTransformer(dialects, CLI::ignore_case));
+    program.add_option("--password-file", global.connection.passwordFile,
+                       "File whose first line is the password of --user");
+    addChoice(
+        program, "--dialect", global.dialect, dialects,
+        "JSON that is written; unless given, export writes canonical, which keeps every type, and all else relaxed");
     program.add_flag("--array", global.asArray, "Write one JSON array instead of a document on each line");
     program.add_flag("-q,--quiet", global.connection.quiet, "No progress and no summary");
     program.set_version_flag("--version", DBC_VERSION);
+}
+
+int runAndFlush(const Work& work)
+{
+    const int status = work();
+    if (!std::cout.flush())
+        throw Failure(UsageError, "the output cannot be written");
+    return status;
 }
 
 int run(const Work& work)
 {
     try
     {
-        return work();
+        return runAndFlush(work);
     }
     catch (const Failure& failure)
     {
@@ -59,6 +69,11 @@ int run(const Work& work)
     }
     catch (const std::exception& error)
     {
+        if (isInterrupted()) // a driver that was woken up tells of a broken connection
+        {
+            std::cerr << "dbc: interrupted\n";
+            return Interrupted;
+        }
         std::cerr << "dbc: " << error.what() << '\n';
         return statusOf(companion::describe(error).kind);
     }
@@ -70,7 +85,8 @@ int main(int argumentCount, char** arguments)
 {
     CLI::App program("Documents, files and users of a MongoDB server, from the command line.", "dbc");
     program.footer(
-        "Exit status: 0 done, 1 nothing found, 2 usage, 3 connection, 4 refused by the server, 130 interrupted.");
+        "Exit status: 0 done, 1 nothing found, 2 usage, 3 connection, 4 refused by the server or for losses, 130 "
+        "interrupted.");
     program.require_subcommand(1);
     program.fallthrough();
     GlobalOptions global;
@@ -90,6 +106,6 @@ int main(int argumentCount, char** arguments)
         return program.exit(error) == 0 ? Success : UsageError;
     }
     hidePasswords(argumentCount, arguments);
-    watchForInterrupt();
+    silenceDriver();
     return run(work);
 }

@@ -6,8 +6,13 @@
 #include <utility>
 
 Progress::Progress(std::string what, std::uint64_t total, bool quiet)
-    : m_what(std::move(what)), m_total(total), m_visible(!quiet && ::isatty(STDERR_FILENO) == 1)
+    : m_what(std::move(what)), m_total(total), m_visible(isShown(quiet))
 {}
+
+bool Progress::isShown(bool quiet)
+{
+    return !quiet && ::isatty(STDERR_FILENO) == 1;
+}
 
 Progress::~Progress()
 {

@@ -17,6 +17,9 @@ public:
 
     void show(std::uint64_t done);
 
+    /// Whether a line will be seen: a total that is costly to find out need not be, if not.
+    static bool isShown(bool quiet);
+
 private:
     using Clock = std::chrono::steady_clock;
 

@@ -20,6 +20,7 @@ void throwDriverError(const std::string& message, const bson_error_t& error)
 RawCollection::RawCollection(const std::string& uri, const std::string& fullName)
 {
     DataBaseClient().isConnected(); // the first client of the process starts the driver
+    checkConnectionString(uri);
     m_client.reset(mongoc_client_new(uri.c_str()));
     if (!m_client)
         throw std::runtime_error("Connection failed");
@@ -32,6 +33,7 @@ RawCollection::RawCollection(const std::string& uri, const std::string& fullName
 
 std::uint64_t RawCollection::visitAll(const CursorHandle& cursor, const char* message, const Visit& visit)
 {
+    const InterruptWatch watch;
     std::uint64_t count = 0;
     const bson_t* document = nullptr;
     while (mongoc_cursor_next(cursor.get(), &document))

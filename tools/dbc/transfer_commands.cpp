@@ -41,11 +41,13 @@ int exportDocuments(const GlobalOptions& global, const ExportCommand& command)
         if (!file)
             throw Failure(UsageError, "cannot write " + command.file);
     }
-    DocumentWriter writer(command.file.empty() ? std::cout : file, global.dialect, global.asArray);
+    DocumentWriter writer(command.file.empty() ? std::cout : file, global.dialect.value_or(Dialect::Canonical),
+                          global.asArray);
     LossCounter losses(command.losses);
     std::uint64_t done = 0;
     {
-        Progress progress("exporting", collection.count(*query.get()), global.connection.quiet);
+        const bool isShown = Progress::isShown(global.connection.quiet);
+        Progress progress("exporting", isShown ? collection.count(*query.get()) : 0, global.connection.quiet);
         collection.find(*query.get(), {}, [&](const RawCollection::Document& document) {
             losses.look(*document.bson, ++done);
             writer.write(*document.bson);
@@ -143,6 +145,7 @@ public:
 
     void run(std::istream& stream)
     {
+        const InterruptWatch watch;
         DocumentReader reader(stream);
         while (BsonPointer document = reader.next())
         {
@@ -152,7 +155,8 @@ public:
                 continue; // stored by the run that is resumed
             m_losses.look(*document.get(), reader.count());
             m_batch.push_back(withId(std::move(document), m_state.idOf(reader.count())));
-            if (m_batch.size() >= m_command.batch)
+            m_batchBytes += static_cast<const bson_t*>(m_batch.back().get())->len;
+            if (m_batch.size() >= m_command.batch || m_batchBytes >= largestBatch)
                 send();
         }
         send();
@@ -161,16 +165,23 @@ public:
     }
 
     std::uint64_t inserted() const noexcept { return m_inserted; }
+    std::uint64_t duplicates() const noexcept { return m_duplicates; }
     const LossCounter& losses() const noexcept { return m_losses; }
 
 private:
+    // However few documents are in it: memory stays flat for documents of any size.
+    static constexpr std::size_t largestBatch = 16 * 1024 * 1024;
+
     void send()
     {
         if (m_batch.empty())
             return;
-        m_inserted += m_collection.insert(m_batch, m_command.skipDuplicates || m_state.isResumable());
+        const auto inserted = m_collection.insert(m_batch, m_command.skipDuplicates || m_state.isResumable());
+        m_inserted += inserted;
+        m_duplicates += m_batch.size() - inserted;
         m_state.save(m_state.done() + m_batch.size());
         m_batch.clear();
+        m_batchBytes = 0;
         m_progress.show(m_state.done());
     }
 
@@ -180,7 +191,9 @@ private:
     LossCounter m_losses;
     Progress m_progress;
     std::vector<BsonPointer> m_batch;
+    std::size_t m_batchBytes = 0;
     std::uint64_t m_inserted = 0;
+    std::uint64_t m_duplicates = 0;
 };
 
 int importDocuments(const GlobalOptions& global, const ImportCommand& command)
@@ -197,6 +210,8 @@ int importDocuments(const GlobalOptions& global, const ImportCommand& command)
     if (!global.connection.quiet)
     {
         std::cerr << "imported " << import->inserted() << '\n';
+        if (import->duplicates() > 0)
+            std::cerr << "passed over " << import->duplicates() << ", whose key is there already\n";
         import->losses().print(std::cerr);
     }
     return Success;
@@ -204,9 +219,8 @@ int importDocuments(const GlobalOptions& global, const ImportCommand& command)
 
 void addLossOption(CLI::App& app, LossPolicy& policy)
 {
-    app.add_option("--losses", policy,
-                   "Fields that the library's document model drops or bends: count (unless given), refuse or ignore")
-        ->transform(CLI::CheckedTransformer(policies));
+    addChoice(app, "--losses", policy, policies,
+              "What to do about fields that the library's document model drops or bends; count unless given");
 }
 
 } // namespace
@@ -224,8 +238,10 @@ void addTransferCommands(CLI::App& program, const GlobalOptions& global, Work& w
     const auto incoming = std::make_shared<ImportCommand>();
     app = program.add_subcommand("import", "Insert documents from a file or from standard input");
     app->add_option("collection", incoming->collection, "DATABASE.COLLECTION")->required();
-    app->add_option("--file,-f", incoming->file, "JSON: a document on each line, or one array");
-    app->add_option("--batch", incoming->batch, "Documents in one request")->check(CLI::Range(1, 100000));
+    app->add_option("--file,-f", incoming->file,
+                    "JSON, a document on each line or one array; standard input unless given");
+    app->add_option("--batch", incoming->batch, "Documents in one request; 1000 unless given")
+        ->check(CLI::Range(1, 100000));
     app->add_flag("--skip-duplicates", incoming->skipDuplicates, "Pass over documents whose key is there already");
     app->add_option("--resume", incoming->resume,
                     "File that keeps how far the import came; a second run goes on there");
