@@ -29,46 +29,24 @@ struct DestroyWith
 using ClientHandle = std::unique_ptr<mongoc_client_t, DestroyWith<mongoc_client_destroy>>;
 using DatabaseHandle = std::unique_ptr<mongoc_database_t, DestroyWith<mongoc_database_destroy>>;
 
-// What the driver says goes to standard error; while a DriverMessages lives it goes there.
-void takeMessage(mongoc_log_level_t level, const char* domain, const char* message, void* kept)
+void takeMessage(mongoc_log_level_t level, const char* domain, const char* message, void* /*unused*/)
 {
-    if (kept != nullptr)
-    {
-        std::string& text = *static_cast<std::string*>(kept);
-        text += (text.empty() ? "" : "; ") + std::string(message);
-    }
-    else if (level <= MONGOC_LOG_LEVEL_WARNING)
-    {
+    if (level <= MONGOC_LOG_LEVEL_WARNING)
         mongoc_log_default_handler(level, domain, message, nullptr);
-    }
 }
 
-class DriverMessages
+// A connection string that cannot be read is told in one line, ours.
+class QuietDriver
 {
 public:
-    DriverMessages() { mongoc_log_set_handler(takeMessage, &m_text); }
-    DriverMessages(const DriverMessages&) = delete;
-    DriverMessages& operator=(const DriverMessages&) = delete;
-    ~DriverMessages() { onlyWarningsOfTheDriver(); }
-    const std::string& text() const { return m_text; }
-
-private:
-    std::string m_text;
+    QuietDriver()
+    {
+        mongoc_log_set_handler([](mongoc_log_level_t, const char*, const char*, void*) {}, nullptr);
+    }
+    QuietDriver(const QuietDriver&) = delete;
+    QuietDriver& operator=(const QuietDriver&) = delete;
+    ~QuietDriver() { onlyWarningsOfTheDriver(); }
 };
-
-// The library says that a connection string is wrong, the driver why.
-void connectWithReason(DataBaseClient& client, const std::string& uri)
-{
-    const DriverMessages messages;
-    try
-    {
-        client.connect(uri);
-    }
-    catch (const std::runtime_error& failed)
-    {
-        throw std::runtime_error(std::string(failed.what()) + ": " + messages.text());
-    }
-}
 
 } // namespace
 
@@ -79,7 +57,15 @@ void onlyWarningsOfTheDriver()
 
 void connect(DataBaseClient& client, const std::string& uri, const std::string& database)
 {
-    connectWithReason(client, uri);
+    try
+    {
+        const QuietDriver quiet;
+        client.connect(uri);
+    }
+    catch (const std::runtime_error& failed)
+    {
+        throw std::runtime_error(std::string(failed.what()) + ": not a connection string such as mongodb://host:port/");
+    }
     try
     {
         companion::Results found;

@@ -7,7 +7,7 @@ class DataBaseClient;
 namespace tour {
 
 /// Connects, and asks the server one question, because DataBaseClient::connect() sends nothing.
-/// @throws std::runtime_error "Connection failed" with the driver's reason, or "no answer from the server" with it
+/// @throws std::runtime_error "Connection failed", or "no answer from the server" with it
 void connect(DataBaseClient& client, const std::string& uri, const std::string& database);
 
 /// Keeps what the driver tells beside warnings and errors (a refused log-in, say) off the screen.

@@ -129,6 +129,8 @@ protected:
         for (int i = 0; i < 3; ++i)
             setting.client.write(database(), collection, setting.document);
         setting.client.writeFile(database(), "files", "stored", inputFile());
+        for (const char* const user : {"a user with a long name", "a user who will be removed"})
+            setting.userClient.addUser(database(), user, "password", setting.none, setting.none);
         expectFailure([&] { setting.userClient.removeUser(database(), "nobody"); });
         setting.use();
     }
@@ -222,7 +224,7 @@ const AllocatingOperation<Setting> operations[] = {
     {"readFileThatFails",
      [](Setting& s) { expectFailure([&s] { s.client.readFile(database(), "files", "missing", &s.stream); }); }},
     {"addUser",
-     [](Setting& s) { s.userClient.addUser(database(), "a user with a long name", longText, s.none, s.none); }},
+     [](Setting& s) { s.userClient.addUser(database(), "a new user with a long name", longText, s.none, s.none); }},
     {"addUserThatFails",
      [](Setting& s) { expectFailure([&s] { s.userClient.addUser(database(), "another user", "", s.none, s.none); }); }},
     // FerretDB refuses a change of nothing.
@@ -232,7 +234,7 @@ const AllocatingOperation<Setting> operations[] = {
      }},
     {"changeUserPassword",
      [](Setting& s) { s.userClient.changeUserPassword(database(), "a user with a long name", longText); }},
-    {"removeUser", [](Setting& s) { s.userClient.removeUser(database(), "a user with a long name"); }},
+    {"removeUser", [](Setting& s) { s.userClient.removeUser(database(), "a user who will be removed"); }},
 };
 
 INSTANTIATE_TEST_SUITE_P(Client, ClientWithoutMemory, testing::ValuesIn(operations),
