@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Prints the table of ratios from the JSON of a benchmark run, and draws it.
 
-usage: report.py BENCHMARKS.json... [--memory FILE] [--svg FILE] [--markdown]
+usage: report.py BENCHMARKS.json... [--memory FILE] [--server FILE] [--svg FILE] [--markdown]
 
 A ratio is the median time of the library divided by the median time of the peer, both from the repetitions of one run;
 below 1 the library is faster. A goal is the largest ratio wanted.
@@ -78,6 +78,13 @@ def memory_row(path):
     return ("memory", SHAPES["flat"], "bytes per field", float(found[1]), 400) if found else None
 
 
+def server_rows(text):
+    for operation, goal in ("find", 4), ("insert", 5):
+        found = re.search(rf"^{operation}: own ([-0-9.]+) us", text, re.MULTILINE)
+        if found:
+            yield (f"{operation} through the server", SHAPES["flat"], "own us per document", float(found[1]), goal)
+
+
 def growth(times):
     """Per operation: nanoseconds per field at each size."""
     rows = {}
@@ -139,6 +146,7 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("json", nargs="+")
     parser.add_argument("--memory", help="output of memory_of_a_document")
+    parser.add_argument("--server", help="output of server_operations")
     parser.add_argument("--svg", help="file for the chart")
     parser.add_argument("--markdown", action="store_true")
     arguments = parser.parse_args()
@@ -148,9 +156,12 @@ def main():
     table = [(operation, shape, peer, number(ratio), "" if goal is None else goal,
               "" if goal is None else "yes" if ratio <= goal else "no", f"{own / 1000:.2f}")
              for operation, shape, peer, ratio, goal, own in rows]
-    memory = arguments.memory and memory_row(arguments.memory)
-    if memory:
-        *what, value, goal = memory
+    server = ""
+    if arguments.server:
+        with open(arguments.server, encoding="utf-8") as file:
+            server = file.read()
+    absolute = [memory_row(arguments.memory)] if arguments.memory else []
+    for *what, value, goal in [*filter(None, absolute), *server_rows(server)]:
         table.append((*what, number(value), goal, "yes" if value <= goal else "no", ""))
     print_table(("operation", "shape", "against", "ratio", "goal", "met", "own time, us"), table, arguments.markdown)
 
@@ -161,6 +172,9 @@ def main():
         print_table(("operation", *(f"{size:,} fields" for size in sizes)),
                     [(operation.replace("_", " "), *(number(row[size]) if size in row else "" for size in sizes))
                      for operation, row in by_operation.items()], arguments.markdown)
+    if server:
+        print("With the server:\n")
+        print("".join(f"- {line}\n" for line in server.splitlines()))
     if arguments.svg:
         with open(arguments.svg, "w", encoding="utf-8") as file:
             file.write(svg(rows))
