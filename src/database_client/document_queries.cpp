@@ -44,7 +44,7 @@ void appendResult(const bson_t* bson, std::list<ObjectProperties*>& results)
     if (document->isEmpty())
         return;
     results.push_back(document.get());
-    document.release(); // only now: a list that cannot grow leaves the document with its handle
+    static_cast<void>(document.release()); // only now: a list that cannot grow leaves the document with its handle
 }
 
 // Appends what the cursor delivers; the error that ended it, if there was one, is then in the record.

@@ -2,9 +2,9 @@
 
 #include "row_name.h"
 
+namespace test_support {
 namespace {
 
-using namespace test_support;
 using DocumentUpdate = ConnectedClient;
 using DocumentRemove = ConnectedClient;
 using Documents = std::vector<std::string>;
@@ -162,3 +162,4 @@ TEST_F(DocumentRemove, ThatTheServerRefusesThrowsItsTextAndCode)
 }
 
 } // namespace
+} // namespace test_support

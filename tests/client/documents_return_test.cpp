@@ -1,8 +1,8 @@
 #include "connected_client.h"
 
+namespace test_support {
 namespace {
 
-using namespace test_support;
 using Numbers = std::vector<int>;
 
 class DocumentFind : public ConnectedClient
@@ -276,3 +276,4 @@ TEST_F(DocumentAggregate, ThatTheServerRefusesThrowsItsTextAndCode)
 }
 
 } // namespace
+} // namespace test_support

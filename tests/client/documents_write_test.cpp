@@ -2,9 +2,9 @@
 
 #include <set>
 
+namespace test_support {
 namespace {
 
-using namespace test_support;
 using DocumentWrite = ConnectedClient;
 
 TEST_F(DocumentWrite, StoresTheDocumentWithTheIdItGivesBack)
@@ -112,3 +112,4 @@ TEST_F(DocumentWrite, OfMoreThanTheServerTakesIsRefusedBeforeAnythingIsSent)
 }
 
 } // namespace
+} // namespace test_support

@@ -10,9 +10,9 @@
 
 #include <unistd.h>
 
+namespace test_support {
 namespace {
 
-using namespace test_support;
 using Names = std::list<std::string>;
 
 constexpr std::size_t chunkSize = 261'120; // the driver's
@@ -382,6 +382,12 @@ TEST_F(FileList, LeavesOutFilesWithoutAName)
     EXPECT_EQ(listed(), (Names{"a", "b"}));
 }
 
+std::string numberedRecord(const std::string& name)
+{
+    std::string record = R"({"length": 0, "chunkSize": 10, "_id": )";
+    return record.append(name).append(R"(, "filename": ")").append(name).append(R"("})");
+}
+
 TEST_F(FileList, HoldsMoreNamesThanOneBatch)
 {
     Names expected;
@@ -389,8 +395,7 @@ TEST_F(FileList, HoldsMoreNamesThanOneBatch)
     {
         const std::string name = std::to_string(1000 + index);
         expected.push_back(name);
-        scratch().insert("fs.files",
-                         R"({"_id": )" + name + R"(, "length": 0, "chunkSize": 10, "filename": ")" + name + R"("})");
+        scratch().insert("fs.files", numberedRecord(name));
     }
     EXPECT_EQ(listed(), expected);
 }
@@ -470,3 +475,4 @@ TEST_F(StoredFile, OfSixtyFourMebibytesComesBackByteForByte)
 }
 
 } // namespace
+} // namespace test_support

@@ -8,9 +8,8 @@
 
 #include <string>
 
+namespace test_support {
 namespace {
-
-using namespace test_support;
 
 class UserAdministration : public testing::Test
 {
@@ -130,3 +129,4 @@ TEST_F(UserAdministration, NameAndPasswordOfReservedCharactersLogInEscaped)
 }
 
 } // namespace
+} // namespace test_support

@@ -72,12 +72,12 @@ bool FailingCall::happened() const
         return counted(__real_##name arguments);                           \
     }
 
-#define DESTROYED(type, name)                    \
-    extern "C" void __real_##name(type* object); \
-    extern "C" void __wrap_##name(type* object)  \
-    {                                            \
-        live -= object ? 1 : 0;                  \
-        __real_##name(object);                   \
+#define DESTROYED(type, name)                   \
+    extern "C" void __real_##name(type object); \
+    extern "C" void __wrap_##name(type object)  \
+    {                                           \
+        live -= object ? 1 : 0;                 \
+        __real_##name(object);                  \
     }
 
 #define FAILING(result, name, parameters, arguments, failure)    \
@@ -89,27 +89,27 @@ bool FailingCall::happened() const
 
 // A question for an error, which fails by having one.
 #define ASKED(name, type)                                                \
-    extern "C" bool __real_##name(type* object, bson_error_t* error);    \
-    extern "C" bool __wrap_##name(type* object, bson_error_t* error)     \
+    extern "C" bool __real_##name(type object, bson_error_t* error);     \
+    extern "C" bool __wrap_##name(type object, bson_error_t* error)      \
     {                                                                    \
         return failsNow() ? !fill(error) : __real_##name(object, error); \
     }
 
 COUNTED_OR_FAILING(mongoc_uri_t, mongoc_uri_new_with_error, (const char* text, bson_error_t* error), (text, error),
                    fill(error))
-DESTROYED(mongoc_uri_t, mongoc_uri_destroy)
+DESTROYED(mongoc_uri_t*, mongoc_uri_destroy)
 
 COUNTED(mongoc_client_t, mongoc_client_new_from_uri, (const mongoc_uri_t* uri), (uri))
 COUNTED_OR_FAILING(mongoc_client_t, mongoc_client_new_from_uri_with_error,
                    (const mongoc_uri_t* uri, bson_error_t* error), (uri, error), fill(error))
-DESTROYED(mongoc_client_t, mongoc_client_destroy)
+DESTROYED(mongoc_client_t*, mongoc_client_destroy)
 
 COUNTED(mongoc_database_t, mongoc_client_get_database, (mongoc_client_t * client, const char* name), (client, name))
-DESTROYED(mongoc_database_t, mongoc_database_destroy)
+DESTROYED(mongoc_database_t*, mongoc_database_destroy)
 
 COUNTED(mongoc_collection_t, mongoc_client_get_collection,
         (mongoc_client_t * client, const char* database, const char* name), (client, database, name))
-DESTROYED(mongoc_collection_t, mongoc_collection_destroy)
+DESTROYED(mongoc_collection_t*, mongoc_collection_destroy)
 
 COUNTED(mongoc_cursor_t, mongoc_collection_find,
         (mongoc_collection_t * collection, mongoc_query_flags_t flags, uint32_t skip, uint32_t limit, uint32_t batch,
@@ -123,8 +123,8 @@ COUNTED(mongoc_cursor_t, mongoc_collection_aggregate,
         (mongoc_collection_t * collection, mongoc_query_flags_t flags, const bson_t* pipeline, const bson_t* options,
          const mongoc_read_prefs_t* prefs),
         (collection, flags, pipeline, options, prefs))
-ASKED(mongoc_cursor_error, mongoc_cursor_t)
-DESTROYED(mongoc_cursor_t, mongoc_cursor_destroy)
+ASKED(mongoc_cursor_error, mongoc_cursor_t*)
+DESTROYED(mongoc_cursor_t*, mongoc_cursor_destroy)
 
 FAILING(bool, mongoc_collection_insert,
         (mongoc_collection_t * collection, mongoc_insert_flags_t flags, const bson_t* document,
@@ -153,7 +153,7 @@ FAILING(bool, mongoc_database_remove_user, (mongoc_database_t * database, const 
 COUNTED_OR_FAILING(mongoc_gridfs_t, mongoc_client_get_gridfs,
                    (mongoc_client_t * client, const char* database, const char* prefix, bson_error_t* error),
                    (client, database, prefix, error), fill(error))
-DESTROYED(mongoc_gridfs_t, mongoc_gridfs_destroy)
+DESTROYED(mongoc_gridfs_t*, mongoc_gridfs_destroy)
 COUNTED_OR_FAILING(mongoc_gridfs_file_t, mongoc_gridfs_find_one_by_filename,
                    (mongoc_gridfs_t * store, const char* name, bson_error_t* error), (store, name, error), fill(error))
 COUNTED_OR_FAILING(mongoc_gridfs_file_t, mongoc_gridfs_create_file_from_stream,
@@ -163,11 +163,11 @@ FAILING(bool, mongoc_gridfs_file_save, (mongoc_gridfs_file_t * file), (file), fa
 FAILING(bool, mongoc_gridfs_file_remove, (mongoc_gridfs_file_t * file, bson_error_t* error), (file, error), fill(error))
 FAILING(int, mongoc_gridfs_file_seek, (mongoc_gridfs_file_t * file, int64_t delta, int whence), (file, delta, whence),
         -1)
-DESTROYED(mongoc_gridfs_file_t, mongoc_gridfs_file_destroy)
+DESTROYED(mongoc_gridfs_file_t*, mongoc_gridfs_file_destroy)
 COUNTED(mongoc_gridfs_file_list_t, mongoc_gridfs_find, (mongoc_gridfs_t * store, const bson_t* query), (store, query))
 COUNTED_OR_FAILING(mongoc_gridfs_file_t, mongoc_gridfs_file_list_next, (mongoc_gridfs_file_list_t * list), (list), )
-ASKED(mongoc_gridfs_file_list_error, mongoc_gridfs_file_list_t)
-DESTROYED(mongoc_gridfs_file_list_t, mongoc_gridfs_file_list_destroy)
+ASKED(mongoc_gridfs_file_list_error, mongoc_gridfs_file_list_t*)
+DESTROYED(mongoc_gridfs_file_list_t*, mongoc_gridfs_file_list_destroy)
 
 COUNTED_OR_FAILING(mongoc_stream_t, mongoc_stream_gridfs_new, (mongoc_gridfs_file_t * file), (file), )
 COUNTED_OR_FAILING(mongoc_stream_t, mongoc_stream_file_new_for_path, (const char* path, int flags, int mode),
@@ -175,4 +175,4 @@ COUNTED_OR_FAILING(mongoc_stream_t, mongoc_stream_file_new_for_path, (const char
 FAILING(ssize_t, mongoc_stream_readv,
         (mongoc_stream_t * stream, mongoc_iovec_t* vectors, size_t count, size_t minimum, int32_t timeout),
         (stream, vectors, count, minimum, timeout), -1)
-DESTROYED(mongoc_stream_t, mongoc_stream_destroy)
+DESTROYED(mongoc_stream_t*, mongoc_stream_destroy)

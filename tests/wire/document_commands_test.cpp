@@ -2,9 +2,8 @@
 
 #include "row_name.h"
 
+namespace test_support {
 namespace {
-
-using namespace test_support;
 
 class DocumentCommand : public ConnectedClient
 {
@@ -194,3 +193,4 @@ INSTANTIATE_TEST_SUITE_P(
     RowName());
 
 } // namespace
+} // namespace test_support

@@ -14,9 +14,8 @@
 #include <set>
 #include <streambuf>
 
+namespace test_support {
 namespace {
-
-using namespace test_support;
 
 // A stream that allocates would swallow its own failure.
 class DiscardingBuffer : public std::streambuf
@@ -220,3 +219,4 @@ TEST(DriverObjects, AreAllGoneWithTheClient)
 }
 
 } // namespace
+} // namespace test_support

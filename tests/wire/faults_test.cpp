@@ -5,9 +5,8 @@
 #include <functional>
 #include <sstream>
 
+namespace test_support {
 namespace {
-
-using namespace test_support;
 
 struct OperationRow
 {
@@ -300,3 +299,4 @@ TEST(ServerFault, OfAServerThatEndsAndStartsAgainIsReportedAndPasses)
 }
 
 } // namespace
+} // namespace test_support

@@ -6,9 +6,8 @@
 #include <fstream>
 #include <sstream>
 
+namespace test_support {
 namespace {
-
-using namespace test_support;
 
 class FileCommand : public ConnectedClient
 {
@@ -211,3 +210,4 @@ TEST_F(FileCommand, ThatFailsToRemoveOneFileLeavesTheRemovalOfEarlierOnes)
 }
 
 } // namespace
+} // namespace test_support

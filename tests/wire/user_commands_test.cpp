@@ -7,9 +7,8 @@
 
 #include <string>
 
+namespace test_support {
 namespace {
-
-using namespace test_support;
 
 // No user is made here: the commands are answered by the gateway, so that every server sees the same.
 class UserCommand : public testing::Test
@@ -128,3 +127,4 @@ TEST_F(UserCommand, ThatIsRefusedThrowsTheOperationsOwnTextWithoutThePassword)
 }
 
 } // namespace
+} // namespace test_support

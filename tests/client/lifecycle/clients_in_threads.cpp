@@ -15,6 +15,7 @@ int main()
     DataBaseClient::instance()->connect(serverUri());
     std::atomic<int> finished{0};
     std::vector<std::thread> threads;
+    threads.reserve(threadCount);
     for (int index = 0; index < threadCount; ++index)
     {
         threads.emplace_back([&finished] {
