@@ -1,5 +1,5 @@
 // Random sequences of operations on the library and on a model of its rules, compared after every step.
-// A difference is shrunk to a short sequence and printed with the seed that makes it again.
+// A difference is shrunk to a short sequence and printed with the number that makes it again.
 
 #include "operation.h"
 
