@@ -43,8 +43,9 @@ void Comparison::sameTree(const std::string& where, Property& library, const mod
     for (const auto& [key, node] : model.children)
     {
         same(where + " key of an entry", entry->first, key);
-        same(where + " parent of " + key, entry->second->parent() == library.getPtr(), true);
-        sameTree(where + "/" + key, *entry->second, *node);
+        const std::string below = std::string(where).append("/").append(key);
+        same(below + " parent", entry->second->parent() == library.getPtr(), true);
+        sameTree(below, *entry->second, *node);
         if (differs())
             return;
         ++entry;
