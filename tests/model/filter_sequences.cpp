@@ -100,7 +100,8 @@ void addCopies(std::vector<Step>& steps)
         m.copy(s.model[o.other]);
     });
     add("copy construction", [](State& s, ObjectFilter& l, model::Filter& m, const Operation&) {
-        const ObjectFilter copy(l);
+        ObjectFilter copy(l);
+        copy.endGroup(); // the copy's cursor is its own
         s.comparison.sameTree("copy", *copy.toObjectProeprties().root(), *m.document.root);
     });
     add("fromObjectProperties", [](State& s, ObjectFilter& l, model::Filter& m, const Operation& o) {

@@ -13,7 +13,8 @@ Document::Document(const Document& other) : Document()
 
 Document& Document::operator=(const Document& other)
 {
-    root->copy(*other.root);
+    if (this != &other)
+        root->copy(*other.root);
     current = root;
     return *this;
 }

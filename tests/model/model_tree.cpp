@@ -1,16 +1,28 @@
 #include "model_tree.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <sstream>
 
 namespace model {
 
+namespace {
+
+// Bit by bit: a NaN is equal to itself, and the two zeros differ.
+std::uint64_t bitsOf(double value)
+{
+    std::uint64_t bits = 0;
+    std::memcpy(&bits, &value, sizeof(bits));
+    return bits;
+}
+
+} // namespace
+
 bool operator==(const Value& left, const Value& right)
 {
     return left.kind == right.kind && left.text == right.text && left.options == right.options &&
-           left.bytes == right.bytes && left.number == right.number &&
-           std::memcmp(&left.real, &right.real, sizeof(double)) == 0;
+           left.bytes == right.bytes && left.number == right.number && bitsOf(left.real) == bitsOf(right.real);
 }
 
 std::string describe(const Value& value)

@@ -19,7 +19,7 @@ void append(std::list<ObjectProperties*>& results, int count)
         auto document = std::make_unique<ObjectProperties>();
         document->setValueInt("n", number);
         results.push_back(document.get());
-        document.release();
+        static_cast<void>(document.release()); // the list has it now
     }
 }
 
