@@ -82,6 +82,7 @@ int run(const Work& work)
 } // namespace
 
 int main(int argumentCount, char** arguments)
+try
 {
     CLI::App program("Documents, files and users of a MongoDB server, from the command line.", "dbc");
     program.footer(
@@ -108,4 +109,9 @@ int main(int argumentCount, char** arguments)
     hidePasswords(argumentCount, arguments);
     silenceDriver();
     return run(work);
+}
+catch (const std::exception& error)
+{
+    std::cerr << "dbc: " << error.what() << '\n';
+    return UsageError;
 }

@@ -111,10 +111,11 @@ TEST(Times, GoThroughADocumentUnchanged)
 
 TEST(Times, AreRoundedDownToMilliseconds)
 {
-    using namespace std::chrono;
-    const auto before = time_point<system_clock, nanoseconds>(nanoseconds(-1));
+    using std::chrono::nanoseconds;
+    using NanosecondTime = std::chrono::time_point<std::chrono::system_clock, nanoseconds>;
+    const auto before = NanosecondTime(nanoseconds(-1));
     EXPECT_EQ(companion::millisecondsOf(companion::toTime(before)), -1);
-    const auto after = time_point<system_clock, nanoseconds>(nanoseconds(1999999));
+    const auto after = NanosecondTime(nanoseconds(1999999));
     EXPECT_EQ(companion::millisecondsOf(companion::toTime(after)), 1);
 }
 
