@@ -1,6 +1,8 @@
-# The Debian packages: libdatabase-client1 with the component "runtime", libdatabase-client-dev with "development".
+# The Debian packages: libdatabase-client1 with the component "runtime", libdatabase-client-dev with "development",
+# libdatabase-client-tools with "tools".
 set(runtime_package libdatabase-client${PROJECT_VERSION_MAJOR})
 set(development_package libdatabase-client-dev)
+set(tools_package libdatabase-client-tools)
 set(revision 1)
 set(debian_version ${PROJECT_VERSION}-${revision})
 set(maintainer "database_client maintainers <maintainers@example.org>")
@@ -32,7 +34,7 @@ configure_file(${CMAKE_CURRENT_LIST_DIR}/debian/copyright.in ${documents}/copyri
 # Without name and time in the header the same sources give the same package.
 execute_process(COMMAND gzip --best --no-name --force --keep changelog.Debian
   WORKING_DIRECTORY ${documents} COMMAND_ERROR_IS_FATAL ANY)
-foreach(component IN ITEMS runtime development)
+foreach(component IN ITEMS runtime development tools)
   install(FILES ${documents}/copyright ${documents}/changelog.Debian.gz
     DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/${${component}_package} COMPONENT ${component})
 endforeach()
@@ -46,7 +48,7 @@ set(CPACK_PACKAGING_INSTALL_PREFIX ${CMAKE_INSTALL_PREFIX})
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
   OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
 set(CPACK_STRIP_FILES ON)
-set(CPACK_COMPONENTS_ALL runtime development)
+set(CPACK_COMPONENTS_ALL runtime development tools)
 
 set(CPACK_POST_BUILD_SCRIPTS ${CMAKE_CURRENT_LIST_DIR}/repack.cmake)
 
@@ -70,5 +72,15 @@ set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION
   "${long_description}This package holds what a program is built with: the headers, the CMake
 package database_client and the pkg-config file.")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "${runtime_package} (= ${debian_version}), libbson-dev (>= 1.23)")
+
+set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME ${tools_package})
+set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION database)
+set(CPACK_DEBIAN_TOOLS_DESCRIPTION
+  "${long_description}This package holds dbc, which finds, changes, imports and exports documents,
+stores files and administers users from the command line.")
+set(CPACK_DEBIAN_TOOLS_PACKAGE_SHLIBDEPS ON)
+# Its own library is in no package yet while the packages are made: found here, and named by hand.
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR}/src)
+set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS "${runtime_package} (= ${debian_version})")
 
 include(CPack)

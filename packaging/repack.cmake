@@ -1,6 +1,6 @@
 # Run by CPack after the packages are made: what CPack of version 3.25 cannot say.
 # - ldconfig runs by a trigger, once for all packages of an installation, not by a script of each package.
-# - Several architectures can be installed side by side.
+# - Several architectures of the libraries can be installed side by side; one program serves all.
 foreach(package IN LISTS CPACK_PACKAGE_FILES)
   set(tree ${CPACK_TEMPORARY_DIRECTORY}/repack)
   file(REMOVE_RECURSE ${tree})
@@ -10,7 +10,12 @@ foreach(package IN LISTS CPACK_PACKAGE_FILES)
     file(WRITE ${tree}/DEBIAN/triggers "activate-noawait ldconfig\n")
   endif()
   file(READ ${tree}/DEBIAN/control control)
-  string(REPLACE "\nPackage: " "\nMulti-Arch: same\nPackage: " control "${control}")
+  if(EXISTS ${tree}/usr/bin)
+    set(multi_arch foreign)
+  else()
+    set(multi_arch same)
+  endif()
+  string(REPLACE "\nPackage: " "\nMulti-Arch: ${multi_arch}\nPackage: " control "${control}")
   file(WRITE ${tree}/DEBIAN/control "${control}")
   execute_process(COMMAND dpkg-deb --root-owner-group -Zxz --build ${tree} ${package}
     OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)

@@ -25,6 +25,7 @@ CLI::Option* addChoice(CLI::App& app, const std::string& name, T& target, const 
                        const std::string& help)
 {
     std::vector<std::string> words;
+    words.reserve(choices.size());
     for (const auto& choice : choices)
         words.push_back(choice.first);
     return app

@@ -65,6 +65,7 @@ int aggregate(const GlobalOptions& global, const std::string& name, const std::s
 int insert(const GlobalOptions& global, const std::string& name, const std::vector<std::string>& documents)
 {
     std::vector<BsonPointer> parsed;
+    parsed.reserve(documents.size());
     for (const std::string& text : documents)
         parsed.push_back(parseJson(text, "the document"));
     const auto inserted = RawCollection(connectionString(global.connection), name).insert(parsed, false);

@@ -177,7 +177,8 @@ void addToSchema(bson_iter_t& iter, const std::string& path, bool isArray, int l
     while (bson_iter_next(&iter))
     {
         const std::string key = isArray ? "[]" : bson_iter_key(&iter);
-        const std::string below = path.empty() ? key : path + "." + key;
+        std::string below = path;
+        below.append(path.empty() ? "" : ".").append(key);
         Column& column = schema[{below, nameOfType(bson_iter_type(&iter))}];
         ++column.count;
         if (const auto value = measure(iter))

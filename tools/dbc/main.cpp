@@ -3,6 +3,7 @@
 #include "failure.h"
 #include "interrupt.h"
 
+#include <cstdio>
 #include <cstdlib>
 #include <exception>
 #include <iostream>
@@ -79,10 +80,7 @@ int run(const Work& work)
     }
 }
 
-} // namespace
-
-int main(int argumentCount, char** arguments)
-try
+int start(int argumentCount, char** arguments)
 {
     CLI::App program("Documents, files and users of a MongoDB server, from the command line.", "dbc");
     program.footer(
@@ -110,8 +108,18 @@ try
     silenceDriver();
     return run(work);
 }
-catch (const std::exception& error)
+
+} // namespace
+
+int main(int argumentCount, char** arguments)
 {
-    std::cerr << "dbc: " << error.what() << '\n';
-    return UsageError;
+    try
+    {
+        return start(argumentCount, arguments);
+    }
+    catch (const std::exception& error)
+    {
+        std::fprintf(stderr, "dbc: %s\n", error.what());
+        return UsageError;
+    }
 }
