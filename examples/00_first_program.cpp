@@ -1,7 +1,8 @@
 // [first program]
+#include <companion/access.h>
+#include <companion/build.h>
 #include <companion/results.h>
 #include <database_client.h>
-#include <object_properties.h>
 
 #include <iostream>
 
@@ -12,17 +13,16 @@ int main(int argc, char** argv)
     std::string database;
     client.getDatabaseName(database); // the one that the connection string names
 
-    ObjectProperties city;
-    city.setValueString("name", "Lisbon");
-    city.setValueInt32("river/bridges", 2); // a group "river" with a member "bridges"
+    const ObjectProperties city =
+        companion::document({{"name", "Lisbon"}, {"river", companion::object({{"bridges", 2}})}});
     client.write(database, "cities", city);
 
     companion::Results found; // owns what the client appends
     client.read(database, "cities", city, found);
     for (const ObjectProperties& result : found)
     {
-        std::cout << result.valueAsString("name", "?") << ": " << result.valueAsInt32("river/bridges", 0)
-                  << " bridges\n";
+        std::cout << companion::getOr(result, "name", "?") << ": " // reads without adding to the document
+                  << companion::getOr(result, "river/bridges", 0) << " bridges\n";
     }
     client.remove(database, "cities", city);
 }

@@ -2,7 +2,7 @@
 #include "example.h"
 
 #include <companion/access.h>
-#include <companion/scopes.h>
+#include <companion/build.h>
 #include <object_properties.h>
 
 #include <iostream>
@@ -11,34 +11,28 @@ namespace {
 
 ObjectProperties city(const std::string& name, int people, bool capital)
 {
-    ObjectProperties document;
-    document.setValueString("name", name);
-    document.setValueInt32("people", people);
-    document.setValueBool("capital", capital);
-    document.setValueTime("visited", 1500000000000); // milliseconds since 1970-01-01 UTC
-    document.setValueDouble("place/height", 2.5);    // a group "place" with a member "height"
-    {
-        const companion::ArrayScope districts(document, "districts");
-        document.setValueString("element", name + " North"); // in an array every setter adds an element
-        document.setValueString("element", name + " South");
-    }
-    return document;
+    return companion::document({{"name", name},
+                                {"people", people},
+                                {"capital", capital},
+                                {"visited", companion::timeFromMilliseconds(1500000000000)}, // since 1970-01-01 UTC
+                                {"place", companion::object({{"height", 2.5}})},
+                                {"districts", companion::array({name + " North", name + " South"})}});
 }
 
 // {"$query": {"capital": false}, "$orderby": {"people": -1}}
 ObjectProperties largestTowns()
 {
-    ObjectProperties query;
-    query.setValueBool("$query/capital", false);
-    query.setValueInt32("$orderby/people", -1);
-    return query;
+    return companion::document(
+        {{"$query", companion::object({{"capital", false}})}, {"$orderby", companion::object({{"people", -1}})}});
 }
 
 void print(const ObjectProperties& document)
 {
-    std::cout << document.valueAsString("name", "?") << ", " << document.valueAsInt32("people", 0) << " people, "
-              << document.valueAsDouble("place/height", 0) << " m, visited at " << document.valueAsTime("visited", 0)
-              << '\n';
+    // "place/height" is the member "height" of the group "place". Reading so adds nothing to the document.
+    const auto visited = companion::getOr(document, "visited", companion::Time());
+    std::cout << companion::getOr(document, "name", "?") << ", " << companion::getOr(document, "people", 0)
+              << " people, " << companion::getOr(document, "place/height", 0.0) << " m, visited at "
+              << companion::millisecondsOf(visited) << '\n';
     for (const std::string& district : companion::values<std::string>(document, "districts"))
     {
         std::cout << "  " << district << '\n';

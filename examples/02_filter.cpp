@@ -1,6 +1,8 @@
 // Builds a query call by call, shows it as JSON and uses it.
 #include "example.h"
 
+#include <companion/access.h>
+#include <companion/build.h>
 #include <object_filter.h>
 #include <properties_to_json.h>
 
@@ -17,10 +19,7 @@ void writePeople(DataBaseClient& client, const std::string& database)
     } people[] = {{"Ada", 36}, {"Alan", 41}, {"Edsger", 72}, {"Grace", 85}, {"Konrad", 85}};
     for (const auto& person : people)
     {
-        ObjectProperties document;
-        document.setValueString("name", person.name);
-        document.setValueInt32("age", person.age);
-        client.write(database, "people", document);
+        client.write(database, "people", companion::document({{"name", person.name}, {"age", person.age}}));
     }
 }
 
@@ -51,7 +50,7 @@ void printMatches(DataBaseClient& client, const std::string& database, const Obj
     client.read(database, "people", inOrder, found);
     for (const ObjectProperties& person : found)
     {
-        std::cout << "  " << person.valueAsString("name", "?") << '\n';
+        std::cout << "  " << companion::getOr(person, "name", "?") << '\n';
     }
 }
 

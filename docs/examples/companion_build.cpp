@@ -3,6 +3,7 @@
 
 #include <companion/build.h>
 
+#include <exception>
 #include <utility>
 #include <vector>
 
@@ -38,7 +39,13 @@ void stages()
 } // namespace
 
 int main()
+try
 {
     braces();
     stages();
+}
+catch (const std::exception& error)
+{
+    std::cerr << error.what() << '\n';
+    return 1;
 }

@@ -7,6 +7,7 @@
 #include <database_client.h>
 
 #include <cstdint>
+#include <exception>
 #include <sstream>
 
 namespace {
@@ -48,10 +49,16 @@ void cancel(DataBaseClient& client, const std::string& database)
 } // namespace
 
 int main()
+try
 {
     const test_support::ScratchDatabase database;
     DataBaseClient client;
     client.connect(test_support::TestServer::instance().uri());
     stream(client, database.name());
     cancel(client, database.name());
+}
+catch (const std::exception& error)
+{
+    std::cerr << error.what() << '\n';
+    return 1;
 }

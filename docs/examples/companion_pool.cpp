@@ -19,6 +19,7 @@ void threads(const std::string& uri, const std::string& database)
     //! [threads]
     companion::ClientPool pool(uri, 2); // before the threads
     std::vector<std::thread> threads;
+    threads.reserve(4);
     for (int number = 0; number < 4; ++number)
         threads.emplace_back([&pool, &database, number] {
             const auto client = pool.lease(std::chrono::minutes(1)); // waits while two others have one

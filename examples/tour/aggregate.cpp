@@ -8,13 +8,14 @@ namespace tour {
 
 namespace {
 
+using companion::object;
+
 // Sorted by one field: fields are written in the order of their names, so {"count": -1, "_id": 1} would sort by "_id".
 void commonTypes(Tour& tour)
 {
-    const ObjectProperties pipeline = fromJson(R"({"pipeline": [
-        {"$group": {"_id": "$type", "count": {"$sum": 1}}},
-        {"$sort": {"count": -1}},
-        {"$limit": 5}]})");
+    const ObjectProperties pipeline =
+        companion::pipeline({object({{"$group", object({{"_id", "$type"}, {"count", object({{"$sum", 1}})}})}}),
+                             object({{"$sort", object({{"count", -1}})}}), object({{"$limit", 5}})});
     Step step("the five most common types of subdivision");
     companion::Results groups;
     tour.client->aggregate(tour.database, subdivisionsCollection, pipeline, groups);
@@ -27,7 +28,7 @@ void commonTypes(Tour& tour)
     }
     for (const ObjectProperties& group : groups)
     {
-        const std::string type = group.valueAsString("_id", "");
+        const std::string type = companion::getOr(group, "_id", "");
         show(std::to_string(number(group, "count")) + "  " + type);
         agree(type, static_cast<std::size_t>(number(group, "count")), static_cast<std::size_t>(expected[type]));
     }
@@ -36,10 +37,10 @@ void commonTypes(Tour& tour)
 
 void matchThenGroup(Tour& tour)
 {
-    const ObjectProperties pipeline = fromJson(R"({"pipeline": [
-        {"$match": {"parent": {"$exists": true}}},
-        {"$group": {"_id": "$country", "count": {"$sum": 1}}},
-        {"$sort": {"_id": 1}}]})");
+    const ObjectProperties pipeline =
+        companion::pipeline({object({{"$match", object({{"parent", object({{"$exists", true}})}})}}),
+                             object({{"$group", object({{"_id", "$country"}, {"count", object({{"$sum", 1}})}})}}),
+                             object({{"$sort", object({{"_id", 1}})}})});
     Step step("countries whose subdivisions have parts of their own");
     companion::Results groups;
     tour.client->aggregate(tour.database, subdivisionsCollection, pipeline, groups);
@@ -56,7 +57,7 @@ void matchThenGroup(Tour& tour)
     std::string line;
     for (const ObjectProperties& group : groups)
     {
-        const std::string country = group.valueAsString("_id", "");
+        const std::string country = companion::getOr(group, "_id", "");
         agree(country, static_cast<std::size_t>(number(group, "count")), expected[country]);
         line += country + " " + std::to_string(number(group, "count")) + "  ";
     }
@@ -66,9 +67,8 @@ void matchThenGroup(Tour& tour)
 
 void unwind(Tour& tour)
 {
-    const ObjectProperties pipeline = fromJson(R"({"pipeline": [
-        {"$unwind": "$subdivisions"},
-        {"$count": "elements"}]})");
+    const ObjectProperties pipeline =
+        companion::pipeline({object({{"$unwind", "$subdivisions"}}), object({{"$count", "elements"}})});
     Step step("elements of all arrays of subdivisions");
     companion::Results counted;
     tour.client->aggregate(tour.database, countriesCollection, pipeline, counted);

@@ -12,8 +12,7 @@ namespace {
 void oneByField(Tour& tour)
 {
     const Country& wanted = tour.countries.back();
-    ObjectProperties query;
-    query.setValueString("code", wanted.code);
+    const ObjectProperties query = companion::document({{"code", wanted.code}});
 
     Step step("query: the country whose code is " + wanted.code);
     companion::Results found;
@@ -21,37 +20,33 @@ void oneByField(Tour& tour)
     step.done(found.size());
     agree("countries with that code", found.size(), 1);
     const ObjectProperties& country = found.front();
-    show(country.valueAsString("name", "?") + ", " + std::to_string(country.valueAsInt32("numeric", 0)) + ", " +
-         country.valueAsString("names/alpha3", "?") + ", flag of " +
-         std::to_string(country.valueAsBinary("flag", {}).size()) + " bytes");
+    show(companion::getOr(country, "name", "?") + ", " + std::to_string(companion::getOr(country, "numeric", 0)) +
+         ", " + companion::getOr(country, "names/alpha3", "?") + ", flag of " +
+         std::to_string(companion::getOr(country, "flag", companion::Bytes()).size()) + " bytes");
 }
 
-// In a document "/" leads into a group. On the server "." does, and to the library "." is a character like any other.
+// On the server "." leads into a group, and to the library "." is a character like any other.
 void oneByNestedField(Tour& tour)
 {
     const Subdivision& wanted = tour.subdivisions.back();
-    ObjectProperties query;
-    query.setValueString("subdivisions.code", wanted.code);
+    const ObjectProperties query = companion::document({{"subdivisions.code", wanted.code}});
 
     Step step("query: the country that holds " + wanted.code);
     companion::Results found;
     tour.client->read(tour.database, countriesCollection, query, found);
     step.done(found.size());
     agree("countries that hold it", found.size(), 1);
-    show(found.front().valueAsString("name", "?") + " holds " + wanted.name);
+    show(companion::getOr(found.front(), "name", "?") + " holds " + wanted.name);
 }
 
 // A query with an order has the form {"$query": {...}, "$orderby": {...}}. Fields are written in the order of their
 // names, so an order by several fields sorts by the alphabetically first one first.
 void someInOrder(Tour& tour)
 {
-    ObjectProperties query;
-    query.setValueBool("$query/divided", false);
-    query.setValueInt32("$orderby/name", -1);
-
-    ObjectProperties projection;
-    projection.setValueInt32("name", 1);
-    projection.setValueInt32("_id", 0);
+    using companion::object;
+    const ObjectProperties query =
+        companion::document({{"$query", object({{"divided", false}})}, {"$orderby", object({{"name", -1}})}});
+    const ObjectProperties projection = companion::document({{"name", 1}, {"_id", 0}});
 
     Step step("projection, order, limit 3, skip 2: undivided, from Z to A");
     companion::Results found;
@@ -72,7 +67,7 @@ void someInOrder(Tour& tour)
     for (const ObjectProperties& country : found)
     {
         show(toJson(country));
-        inPlace += country.valueAsString("name", "") == names.at(place++) ? 1 : 0;
+        inPlace += companion::getOr(country, "name", "") == names.at(place++) ? 1 : 0;
     }
     agree("countries in their place", inPlace, 3);
 }
@@ -80,9 +75,9 @@ void someInOrder(Tour& tour)
 void allPageByPage(Tour& tour)
 {
     constexpr int pageSize = 1000;
-    ObjectProperties query;
-    query.include("$query", ObjectProperties()); // an empty query matches everything
-    query.setValueInt32("$orderby/code", 1);     // without an order the pages of a changing collection may overlap
+    // An empty query matches everything; without an order the pages of a changing collection may overlap.
+    const ObjectProperties query =
+        companion::document({{"$query", companion::object()}, {"$orderby", companion::object({{"code", 1}})}});
 
     Step step("all subdivisions in pages of " + std::to_string(pageSize));
     companion::Results found; // find() appends: one list takes all pages
@@ -96,7 +91,7 @@ void allPageByPage(Tour& tour)
     std::set<std::string> codes;
     for (const ObjectProperties& subdivision : found)
     {
-        codes.insert(subdivision.valueAsString("code", ""));
+        codes.insert(companion::getOr(subdivision, "code", ""));
     }
     agree("different codes", codes.size(), tour.subdivisions.size());
 }

@@ -47,7 +47,7 @@ void showFieldsOf(const ObjectProperties& document)
     {
         keys += ' ' + key;
     }
-    show("one of them, " + document.valueAsString("name", "") + ": values" + keys);
+    show("one of them, " + companion::getOr(document, "name", "") + ": values" + keys);
     show("groups: " + document.childGroups().front() + "; arrays: " + document.childArrays().front() + ", " +
          document.childArrays().back());
 }

@@ -10,10 +10,8 @@ namespace tour {
 
 std::size_t count(Tour& tour, const std::string& collection, const ObjectProperties& query)
 {
-    ObjectProperties onlyIds;
-    onlyIds.setValueInt32("_id", 1);
     companion::Results found;
-    tour.client->find(tour.database, collection, query, onlyIds, found, 0, 0);
+    tour.client->find(tour.database, collection, query, companion::document({{"_id", 1}}), found, 0, 0);
     return found.size();
 }
 

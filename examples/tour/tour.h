@@ -2,8 +2,10 @@
 
 #include "records.h"
 #include "report.h"
-#include <companion/results.h>
 
+#include <companion/access.h>
+#include <companion/build.h>
+#include <companion/results.h>
 #include <database_client.h>
 
 #include <cstddef>

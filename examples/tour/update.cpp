@@ -11,7 +11,7 @@ constexpr const char* notesCollection = "notes";
 
 std::size_t countWith(Tour& tour, const std::string& field)
 {
-    return count(tour, countriesCollection, fromJson("{\"" + field + "\": {\"$exists\": true}}"));
+    return count(tour, countriesCollection, companion::document({{field, companion::object({{"$exists", true}})}}));
 }
 
 // One field comes, gets another name and goes again, in every country that has no subdivisions.
@@ -32,7 +32,7 @@ void everyMatch(Tour& tour)
     };
     const auto undivided = static_cast<std::size_t>(std::count_if(
         tour.countries.begin(), tour.countries.end(), [](const Country& c) { return c.subdivisions.empty(); }));
-    const ObjectProperties query = fromJson(R"({"divided": false})");
+    const ObjectProperties query = companion::document({{"divided", false}});
     for (const Round& round : rounds)
     {
         Step step(round.what);
@@ -57,15 +57,15 @@ void oneNote(Tour& tour, const ObjectProperties& query, const std::string& what,
     step.done(1);
 
     companion::Results found;
-    tour.client->find(tour.database, notesCollection, query, fromJson(R"({"_id": 0})"), found, 0, 0);
+    tour.client->find(tour.database, notesCollection, query, companion::document({{"_id", 0}}), found, 0, 0);
     agree("notes with that id", found.size(), 1);
     show(operand + " -> " + toJson(found.front()));
 }
 
 void oneDocument(Tour& tour)
 {
-    ObjectProperties query;
-    query.setValueId("_id", tour.client->createId()); // here, and not in write(), an id can be chosen
+    // Here, and not in write(), an id can be chosen.
+    const ObjectProperties query = companion::document({{"_id", companion::ObjectId{tour.client->createId()}}});
     const auto change = [&](const std::string& what, UpdateFlag flag, UpdateCommand command,
                             const std::string& operand) { oneNote(tour, query, what, flag, command, operand); };
     change("upsert: there is no such document yet", UpdateFlagUpsert, UpdateCommandSet,
@@ -81,7 +81,7 @@ void oneDocument(Tour& tour)
 
 void refused(Tour& tour)
 {
-    const ObjectProperties operand = fromJson(R"({"title": 1})");
+    const ObjectProperties operand = companion::document({{"title", 1}});
     Step step("$push to a field that is no array");
     const std::string said = answer([&] {
         tour.client->update(tour.database, notesCollection, ObjectProperties(), operand, UpdateFlagNone,

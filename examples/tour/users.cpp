@@ -3,6 +3,8 @@
 
 #include "driver.h"
 
+#include <companion/connection_string.h>
+
 #include <stdexcept>
 
 namespace tour {
@@ -20,7 +22,8 @@ std::string uriFor(const Tour& tour, const std::string& password)
     const std::size_t at = uri.find('@', begin);
     const std::size_t host = at == std::string::npos ? begin : at + 1;
     const std::size_t end = uri.find_first_of("/?", host);
-    return uri.substr(0, begin) + userName + ":" + password + "@" + uri.substr(host, end - host) + "/" + tour.database;
+    return uri.substr(0, begin) + userName + ":" + companion::percentEncoded(password) + "@" +
+           uri.substr(host, end - host) + "/" + tour.database;
 }
 
 // connect() sends nothing: whether a password is right shows at the first operation.
@@ -54,10 +57,8 @@ void tryPassword(const Tour& tour, const std::string& what, const std::string& p
 
 ObjectProperties rolesIn(const std::string& database)
 {
-    ObjectProperties roles; // a list: its members are 0, 1, 2 ...
-    roles.setValueString("0/role", "readWrite");
-    roles.setValueString("0/db", database);
-    return roles;
+    // A list: its members are 0, 1, 2 ...
+    return companion::document({{"0", companion::object({{"role", "readWrite"}, {"db", database}})}});
 }
 
 // Writes and reads one document as the new user.
@@ -66,8 +67,7 @@ void work(const Tour& tour, const std::string& password)
     DataBaseClient client;
     client.connect(uriFor(tour, password));
     Step step("write and read a document as this user");
-    ObjectProperties visit;
-    visit.setValueString("place", "Andorra");
+    const ObjectProperties visit = companion::document({{"place", "Andorra"}});
     client.write(tour.database, "visits", visit);
     companion::Results found;
     client.read(tour.database, "visits", visit, found);
@@ -106,8 +106,7 @@ private:
 
 AddedUser add(const Tour& tour, DataBaseClient& administrator, const std::string& password)
 {
-    ObjectProperties customData;
-    customData.setValueString("purpose", "tour");
+    const ObjectProperties customData = companion::document({{"purpose", "tour"}});
     Step step("add a user with a role and data of its own");
     administrator.addUser(tour.database, userName, password, rolesIn(tour.database), customData);
     step.done(1, "users");
@@ -123,8 +122,7 @@ void change(const Tour& tour, DataBaseClient& administrator, const std::string& 
 
 void giveRoles(const Tour& tour, DataBaseClient& administrator)
 {
-    ObjectProperties customData;
-    customData.setValueString("purpose", "second visit");
+    const ObjectProperties customData = companion::document({{"purpose", "second visit"}});
     Step step("give it roles and data anew");
     const std::string said =
         answer([&] { administrator.updateUser(tour.database, userName, rolesIn(tour.database), customData); });

@@ -23,9 +23,8 @@ void writeAll(Tour& tour, const char* collection, Records& records)
 // its own "_id".
 void showTheIdTrap(Tour& tour)
 {
-    ObjectProperties document;
-    document.setValueId("_id", tour.client->createId());
-    document.setValueString("name", "has an id already");
+    const ObjectProperties document =
+        companion::document({{"_id", companion::ObjectId{tour.client->createId()}}, {"name", "has an id already"}});
     Step step("write a document that has an \"_id\" of its own");
     const std::string said = answer([&] { tour.client->write(tour.database, "odd", document); });
     step.done(said == "accepted" ? 1 : 0);
