@@ -14,7 +14,7 @@ class DataBaseClientPrivate;
 class ObjectProperties;
 
 /// Which documents an update changes. The numbers are part of the library's interface.
-enum UpdateFlag
+enum UpdateFlag : int
 {
     UpdateFlagNone = 0,       ///< The first match.
     UpdateFlagUpsert = 1,     ///< The first match; without one a new document is inserted.
@@ -22,7 +22,7 @@ enum UpdateFlag
 };
 
 /// Operator of an update. The numbers are part of the library's interface.
-enum UpdateCommand
+enum UpdateCommand : int
 {
     UpdateCommandUndefined = 0, ///< Refused: "Uncknown command".
     UpdateCommandReplace = 1,   ///< No operator: the document replaces the match, or holds the operators itself.
