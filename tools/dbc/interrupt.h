@@ -15,6 +15,7 @@ public:
 private:
     struct sigaction m_interrupt = {};
     struct sigaction m_terminate = {};
+    struct sigaction m_wake = {};
 };
 
 bool isInterrupted() noexcept;
