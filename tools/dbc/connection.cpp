@@ -75,12 +75,13 @@ std::string promptSecret(const std::string& question)
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> terminal(std::fopen("/dev/tty", "r+"), &std::fclose);
     if (!terminal)
         throw Failure(UsageError, "no terminal to ask for a password: use a password file or the environment");
-    std::fputs(question.c_str(), terminal.get());
-    std::fflush(terminal.get());
     std::string secret;
     {
         const InterruptWatch watch; // a Ctrl-C must not leave the terminal hiding what is typed
+        // Hidden before the question is seen: hiding drops what was typed until then.
         const HiddenInput hidden(::fileno(terminal.get()));
+        std::fputs(question.c_str(), terminal.get());
+        std::fflush(terminal.get());
         for (int character = 0; (character = std::fgetc(terminal.get())) != EOF && character != '\n';)
             secret += static_cast<char>(character);
     }
