@@ -357,7 +357,6 @@ private:
     DATABASE_CLIENT_LOCAL std::weak_ptr<Property> self();
     DATABASE_CLIENT_LOCAL Property* findChild(const std::string& key) const;
     DATABASE_CLIENT_LOCAL Property* insertChild(Children::iterator place, const std::string& key, PropertyType type);
-    DATABASE_CLIENT_LOCAL Property* insertElement(const std::string& key, PropertyType type);
     DATABASE_CLIENT_LOCAL Property* createChild(const std::string& key, PropertyType type);
     DATABASE_CLIENT_LOCAL Property* findOrCreateChild(const std::string& key, PropertyType type);
     DATABASE_CLIENT_LOCAL Property* createPath(PathSegments& segments, PropertyType type);
@@ -365,6 +364,7 @@ private:
     DATABASE_CLIENT_LOCAL std::pair<Property*, Children::iterator> locate(const std::string& path);
     DATABASE_CLIENT_LOCAL Property* find(const std::string& path);
     DATABASE_CLIENT_LOCAL Property* obtain(const std::string& path, PropertyType missing, PropertyType accepted);
+    DATABASE_CLIENT_LOCAL Property* obtainByPath(const std::string& path, PropertyType missing, PropertyType accepted);
     DATABASE_CLIENT_LOCAL Property& valueNode(const std::string& path);
     DATABASE_CLIENT_LOCAL Property& valueNodeToRead(const std::string& path);
     DATABASE_CLIENT_LOCAL void becomeValue(PropertyType type) noexcept;

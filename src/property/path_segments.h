@@ -1,12 +1,13 @@
 #pragma once
 
-#include <algorithm>
+#include <cstddef>
+#include <cstring>
 #include <string>
 
 /// Whether the path is one segment and nothing else, as most are: it is then the key of a child as it stands.
 inline bool isSingleSegment(const std::string& path) noexcept
 {
-    return !path.empty() && path.find('/') == std::string::npos;
+    return !path.empty() && !std::memchr(path.data(), '/', path.size());
 }
 
 /// The segments of a key path, one after the other. A path without "/", the usual one, is handed out as it is; of any
@@ -39,17 +40,25 @@ public:
     /// Makes the segment that begins at this position the current one.
     void goTo(const char* begin)
     {
+        const auto* const slash = static_cast<const char*>(std::memchr(begin, '/', rest(begin)));
         m_begin = begin;
-        m_end = std::find(begin, m_pathEnd, '/');
-        if (!isWholePath())
-            m_segment.assign(m_begin, m_end);
+        m_end = slash ? slash : m_pathEnd;
+        if (isWholePath())
+            return;
+        m_segment.clear(); // what follows is then an append(), which costs half of an assign()
+        m_segment.append(m_begin, static_cast<std::size_t>(m_end - m_begin));
     }
 
 private:
     const char* nextBegin() const noexcept
     {
-        return std::find_if(m_end, m_pathEnd, [](char character) { return character != '/'; });
+        const char* begin = m_end;
+        while (begin != m_pathEnd && *begin == '/')
+            ++begin;
+        return begin;
     }
+
+    std::size_t rest(const char* begin) const noexcept { return static_cast<std::size_t>(m_pathEnd - begin); }
 
     bool isWholePath() const noexcept { return m_begin == m_path.data() && m_end == m_pathEnd; }
 

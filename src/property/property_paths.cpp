@@ -18,18 +18,14 @@ Property* Property::findChild(const std::string& key) const
     return m_children.emplace_hint(place, key, std::make_shared<Property>(Passkey(), key, type, self()))->second.get();
 }
 
-// On an array every call adds an element, behind those with an equal key. Elsewhere a child that exists is given as it
-// is, whatever its kind. Documents mostly arrive in key order, so the end is looked at first: that saves the search.
+// On an array every call adds an element, behind those with an equal key: with the end as its hint the map does just
+// that, and searches only where the key does not belong to the end. Elsewhere a child that exists is given as it is,
+// whatever its kind. Documents mostly arrive in key order, so the end is looked at first: that saves the search.
 Property* Property::createChild(const std::string& key, PropertyType type)
 {
-    if (m_children.empty() || std::prev(m_children.end())->first < key)
+    if (isArray() || m_children.empty() || std::prev(m_children.end())->first < key)
         return insertChild(m_children.end(), key, type);
-    return isArray() ? insertElement(key, type) : findOrCreateChild(key, type);
-}
-
-Property* Property::insertElement(const std::string& key, PropertyType type)
-{
-    return insertChild(m_children.upper_bound(key), key, type);
+    return findOrCreateChild(key, type);
 }
 
 // What createChild() does on all nodes but arrays, for children that are expected to exist.
@@ -90,8 +86,11 @@ Property* Property::find(const std::string& path)
 // there: callers depend on the difference.
 Property* Property::obtain(const std::string& path, PropertyType missing, PropertyType accepted)
 {
-    if (isSingleSegment(path))
-        return createChild(path, missing);
+    return isSingleSegment(path) ? createChild(path, missing) : obtainByPath(path, missing, accepted);
+}
+
+Property* Property::obtainByPath(const std::string& path, PropertyType missing, PropertyType accepted)
+{
     PathSegments segments(path);
     if (!segments.next())
         return this;

@@ -184,9 +184,9 @@ Property& Property::valueNode(const std::string& path)
 // The same node: what is read mostly exists, so here it is searched for at once.
 Property& Property::valueNodeToRead(const std::string& path)
 {
-    if (isSingleSegment(path) && !isArray())
-        return *findOrCreateChild(path, Undefined);
-    return valueNode(path);
+    if (!isSingleSegment(path))
+        return *obtainByPath(path, Undefined, None);
+    return isArray() ? *createChild(path, Undefined) : *findOrCreateChild(path, Undefined);
 }
 
 void Property::setValueString(const std::string& path, const std::string& value)
