@@ -123,6 +123,8 @@ public:
         friend class Property;
 
         DATABASE_CLIENT_LOCAL PropertyItem(const std::string& key, PropertyType type);
+        template <typename Number>
+        DATABASE_CLIENT_LOCAL void setNumber(Number PropertyValue::*member, Number value, PropertyType type) noexcept;
         DATABASE_CLIENT_LOCAL bool holdsNumber() const noexcept;
         DATABASE_CLIENT_LOCAL void swap(PropertyItem& other) noexcept;
 

@@ -121,9 +121,10 @@ void DataBaseClientPrivate::throwDriverError(const std::string& message, const b
     throw_runtime_error(message, error.message, static_cast<int>(error.code));
 }
 
-bool DataBaseClientPrivate::toBson(const ObjectProperties& properties, OwnedBson& bson)
+void DataBaseClientPrivate::toBson(const ObjectProperties& properties, OwnedBson& bson, const char* refusal)
 {
-    return PropertiesToBson::convert(properties, bson.get()) && canBeSent(bson.get());
+    if (!PropertiesToBson::convert(properties, bson.get()) || !canBeSent(bson.get()))
+        throw std::invalid_argument(refusal);
 }
 
 DatabaseHandle DataBaseClientPrivate::openDatabase(const std::string& database) const

@@ -69,8 +69,9 @@ public:
 
 private:
     [[noreturn]] static void throwDriverError(const std::string& message, const bson_error_t& error);
-    /// Converts for sending; false also for documents nested deeper than the driver can walk.
-    static bool toBson(const ObjectProperties& properties, OwnedBson& bson);
+    /// Converts for sending. @throws std::invalid_argument the refusal, also for documents nested deeper than the
+    /// driver can walk
+    static void toBson(const ObjectProperties& properties, OwnedBson& bson, const char* refusal);
 
     DatabaseHandle openDatabase(const std::string& database) const;
     CollectionHandle openCollection(const std::string& database, const std::string& collection) const;

@@ -26,8 +26,7 @@ void DataBaseClientPrivate::write(const std::string& database, const std::string
     check_argument(collection, "Collection name");
 
     OwnedBson bson;
-    if (!toBson(document, bson))
-        throw std::invalid_argument("Bad properties");
+    toBson(document, bson, "Bad properties");
 
     const CollectionHandle target = openCollection(database, collection);
     bson_oid_t newId;
@@ -59,11 +58,9 @@ void DataBaseClientPrivate::update(const std::string& database, const std::strin
         throw std::invalid_argument("Uncknown update flag");
 
     OwnedBson operand;
-    if (!toBson(document, operand))
-        throw std::invalid_argument("Bad properties");
+    toBson(document, operand, "Bad properties");
     OwnedBson selector;
-    if (!toBson(query, selector))
-        throw std::invalid_argument("Bad condition");
+    toBson(query, selector, "Bad condition");
 
     const CollectionHandle target = openCollection(database, collection);
     OwnedBson update;
@@ -83,8 +80,7 @@ void DataBaseClientPrivate::remove(const std::string& database, const std::strin
     check_argument(collection, "Collection name");
 
     OwnedBson selector;
-    if (!toBson(query, selector))
-        throw std::invalid_argument("Bad condition");
+    toBson(query, selector, "Bad condition");
 
     const CollectionHandle target = openCollection(database, collection);
     bson_error_t error{};

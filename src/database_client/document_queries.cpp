@@ -67,11 +67,12 @@ void DataBaseClientPrivate::find(const std::string& database, const std::string&
     check_argument(collection, "Collection name");
 
     OwnedBson condition;
-    if (!toBson(query, condition) || !isQueryForm(condition.get()))
+    toBson(query, condition, "Bad condition");
+    if (!isQueryForm(condition.get()))
         throw std::invalid_argument("Bad condition");
     OwnedBson fields;
-    if (!projection.isEmpty() && !toBson(projection, fields))
-        throw std::invalid_argument("Bad propjection");
+    if (!projection.isEmpty())
+        toBson(projection, fields, "Bad propjection");
 
     const CollectionHandle source = openCollection(database, collection);
     const CursorHandle cursor = openFind(source, condition, fields, limit, skip);
@@ -94,8 +95,7 @@ void DataBaseClientPrivate::aggregate(const std::string& database, const std::st
     check_argument(collection, "Collection name");
 
     OwnedBson stages;
-    if (!toBson(pipeline, stages))
-        throw std::invalid_argument("Bad pipeline");
+    toBson(pipeline, stages, "Bad pipeline");
 
     const CollectionHandle source = openCollection(database, collection);
     const CursorHandle cursor(

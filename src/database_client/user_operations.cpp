@@ -3,8 +3,6 @@
 #include "database_client/database_client_d.h"
 #include "object_properties.h"
 
-#include <stdexcept>
-
 namespace {
 
 bool runCommand(const DatabaseHandle& database, const OwnedBson& command, bson_error_t& error)
@@ -34,11 +32,9 @@ void DataBaseClientPrivate::addUser(const std::string& database, std::string use
 
     const DatabaseHandle target = openDatabase(database);
     OwnedBson rolesBson;
-    if (!toBson(roles, rolesBson))
-        throw std::invalid_argument("Bad roles.");
+    toBson(roles, rolesBson, "Bad roles.");
     OwnedBson customDataBson;
-    if (!toBson(customData, customDataBson))
-        throw std::invalid_argument("Bad custom data");
+    toBson(customData, customDataBson, "Bad custom data");
 
     bson_error_t error{};
     const bool added = password.empty() ? addUserWithoutPassword(target, user, rolesBson, customDataBson, error)
@@ -56,11 +52,9 @@ void DataBaseClientPrivate::updateUser(const std::string& database, std::string 
     check_argument(user, "Username");
 
     OwnedBson rolesBson;
-    if (!toBson(roles, rolesBson))
-        throw std::invalid_argument("Bad roles.");
+    toBson(roles, rolesBson, "Bad roles.");
     OwnedBson customDataBson;
-    if (!toBson(customData, customDataBson))
-        throw std::invalid_argument("Bad custom data");
+    toBson(customData, customDataBson, "Bad custom data");
 
     const DatabaseHandle target = openDatabase(database);
     OwnedBson command;

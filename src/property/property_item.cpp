@@ -90,6 +90,15 @@ void Property::PropertyItem::swap(PropertyItem& other) noexcept
     std::swap(m_type, other.m_type);
 }
 
+// By value: what a caller passes may stand in this very item.
+template <typename Number>
+void Property::PropertyItem::setNumber(Number PropertyValue::*member, Number value, PropertyType type) noexcept
+{
+    releaseMemory();
+    m_value.*member = value;
+    m_type = type;
+}
+
 // The setters make the new value before they release the old one: when memory is short the old one stays.
 
 void Property::PropertyItem::setValueString(const std::string& value)
@@ -103,34 +112,22 @@ void Property::PropertyItem::setValueString(const std::string& value)
 
 void Property::PropertyItem::setValueBool(const bool& value)
 {
-    const bool copy = value;
-    releaseMemory();
-    m_value.boolean = copy;
-    m_type = Bool;
+    setNumber(&PropertyValue::boolean, value, Bool);
 }
 
 void Property::PropertyItem::setValueInt32(const int& value)
 {
-    const int copy = value;
-    releaseMemory();
-    m_value.int32 = copy;
-    m_type = Int32;
+    setNumber(&PropertyValue::int32, value, Int32);
 }
 
 void Property::PropertyItem::setValueInt64(const long& value)
 {
-    const long copy = value;
-    releaseMemory();
-    m_value.int64 = copy;
-    m_type = Int64;
+    setNumber(&PropertyValue::int64, value, Int64);
 }
 
 void Property::PropertyItem::setValueDouble(const double& value)
 {
-    const double copy = value;
-    releaseMemory();
-    m_value.binary64 = copy;
-    m_type = Double;
+    setNumber(&PropertyValue::binary64, value, Double);
 }
 
 void Property::PropertyItem::setValueBinary(const std::vector<unsigned char>& value)
