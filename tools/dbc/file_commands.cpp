@@ -5,6 +5,7 @@
 #include "failure.h"
 #include "interrupt.h"
 #include "progress.h"
+#include "replaced_file.h"
 
 #include <unistd.h>
 
@@ -59,13 +60,14 @@ void copyTo(std::ostream& target, const GlobalOptions& global, const FileCommand
     {
         if (companion::describe(error).kind == companion::ErrorKind::NotFound)
             throw Failure(NothingFound, "no file is named " + command.name);
+        throwIfInterrupted(); // Cancelled, or what the driver says of a read that was woken
         throw;
     }
     if (!target.flush())
         throw Failure(UsageError, "the output cannot be written");
 }
 
-// Into a file beside the target, so that a copy that ends half-way leaves an older file as it was.
+// A copy that ends half-way leaves an older file as it was.
 int get(const GlobalOptions& global, const FileCommand& command)
 {
     if (command.path == "-")
@@ -73,28 +75,9 @@ int get(const GlobalOptions& global, const FileCommand& command)
         copyTo(std::cout, global, command);
         return Success;
     }
-    const std::string path =
-        command.path.empty() ? std::filesystem::path(command.name).filename().string() : command.path;
-    const std::string part = path + ".part";
-    try
-    {
-        std::ofstream file(part, std::ios::binary | std::ios::trunc);
-        if (!file)
-            throw Failure(UsageError, "cannot write " + part);
-        copyTo(file, global, command);
-    }
-    catch (const companion::Cancelled&)
-    {
-        std::remove(part.c_str());
-        throw Failure(Interrupted, "interrupted");
-    }
-    catch (...)
-    {
-        std::remove(part.c_str());
-        throw;
-    }
-    if (std::rename(part.c_str(), path.c_str()) != 0)
-        throw Failure(UsageError, "cannot write " + path);
+    ReplacedFile file(command.path.empty() ? std::filesystem::path(command.name).filename().string() : command.path);
+    copyTo(file.stream(), global, command);
+    file.commit();
     return Success;
 }
 

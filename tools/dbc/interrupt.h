@@ -1,6 +1,8 @@
 #pragma once
 
+#include <array>
 #include <csignal>
+#include <string>
 
 /// While one lives, Ctrl-C and SIGTERM are noted instead of ending the program: for work that looks at isInterrupted()
 /// again and again. All other work is ended by them at once.
@@ -16,6 +18,22 @@ private:
     struct sigaction m_interrupt = {};
     struct sigaction m_terminate = {};
     struct sigaction m_wake = {};
+};
+
+/// While one lives, a signal that ends the program removes a file first. One at a time.
+class RemovalOnSignal
+{
+public:
+    explicit RemovalOnSignal(std::string path);
+    RemovalOnSignal(const RemovalOnSignal&) = delete;
+    RemovalOnSignal& operator=(const RemovalOnSignal&) = delete;
+    ~RemovalOnSignal();
+
+private:
+    static constexpr std::array<int, 5> ends{SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGXFSZ};
+
+    const std::string m_path;
+    std::array<struct sigaction, ends.size()> m_before = {};
 };
 
 bool isInterrupted() noexcept;

@@ -35,12 +35,19 @@ void DocumentWriter::write(const bson_t& bson)
     if (!m_asArray)
         m_stream << '\n';
     m_isFirst = false;
+    throwIfBroken();
 }
 
 void DocumentWriter::finish()
 {
     if (m_asArray)
         m_stream << (m_isFirst ? "[]\n" : "\n]\n");
-    if (!m_stream.flush())
+    m_stream.flush();
+    throwIfBroken();
+}
+
+void DocumentWriter::throwIfBroken() const
+{
+    if (!m_stream)
         throw Failure(UsageError, "the output cannot be written");
 }

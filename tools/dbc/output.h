@@ -23,11 +23,14 @@ public:
         : m_stream(stream), m_dialect(dialect), m_asArray(asArray)
     {}
 
+    /// @throws Failure when something could not be written, now or before
     void write(const bson_t& bson);
     /// Closes the array. @throws Failure when something could not be written
     void finish();
 
 private:
+    void throwIfBroken() const;
+
     std::ostream& m_stream;
     const Dialect m_dialect;
     const bool m_asArray;

@@ -7,6 +7,7 @@
 #include "progress.h"
 #include "query_words.h"
 #include "raw_collection.h"
+#include "replaced_file.h"
 
 #include <array>
 #include <cstdio>
@@ -14,6 +15,7 @@
 #include <iostream>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -34,14 +36,10 @@ int exportDocuments(const GlobalOptions& global, const ExportCommand& command)
 {
     const BsonPointer query = parseQuery(command.query);
     RawCollection collection(connectionString(global.connection), command.collection);
-    std::ofstream file;
+    std::optional<ReplacedFile> file;
     if (!command.file.empty())
-    {
-        file.open(command.file, std::ios::binary);
-        if (!file)
-            throw Failure(UsageError, "cannot write " + command.file);
-    }
-    DocumentWriter writer(command.file.empty() ? std::cout : file, global.dialect.value_or(Dialect::Canonical),
+        file.emplace(command.file);
+    DocumentWriter writer(file ? file->stream() : std::cout, global.dialect.value_or(Dialect::Canonical),
                           global.asArray);
     LossCounter losses(command.losses);
     std::uint64_t done = 0;
@@ -54,6 +52,8 @@ int exportDocuments(const GlobalOptions& global, const ExportCommand& command)
             progress.show(done);
         });
         writer.finish();
+        if (file)
+            file->commit();
     }
     if (!global.connection.quiet)
     {
@@ -231,7 +231,8 @@ void addTransferCommands(CLI::App& program, const GlobalOptions& global, Work& w
     CLI::App* app = program.add_subcommand("export", "Write documents to a file or to standard output");
     app->add_option("collection", outgoing->collection, "DATABASE.COLLECTION")->required();
     app->add_option("query", outgoing->query, queryHelp);
-    app->add_option("--file,-f", outgoing->file, "File to write; standard output unless given");
+    app->add_option("--file,-f", outgoing->file,
+                    "File to write, there only when it is complete; standard output unless given");
     addLossOption(*app, outgoing->losses);
     app->callback([=, &global, &work] { work = [=, &global] { return exportDocuments(global, *outgoing); }; });
 

@@ -1,0 +1,192 @@
+#include "tool_process.h"
+
+#include <spawn.h>
+#include <sys/wait.h>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <system_error>
+
+namespace test_support {
+namespace {
+
+void check(bool done, const std::string& what)
+{
+    if (!done)
+        throw std::system_error(errno, std::generic_category(), what);
+}
+
+// No input, no blocked or ignored signals.
+class SpawnSettings
+{
+public:
+    SpawnSettings(const std::string& output, const std::string& messages)
+    {
+        posix_spawn_file_actions_init(&m_files);
+        posix_spawnattr_init(&m_attributes);
+        posix_spawn_file_actions_addopen(&m_files, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+        posix_spawn_file_actions_addopen(&m_files, STDOUT_FILENO, output.c_str(), O_WRONLY | O_CREAT, 0600);
+        posix_spawn_file_actions_addopen(&m_files, STDERR_FILENO, messages.c_str(), O_WRONLY | O_CREAT | O_NOCTTY,
+                                         0600);
+        sigset_t signals;
+        sigemptyset(&signals);
+        posix_spawnattr_setsigmask(&m_attributes, &signals);
+        for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGTERM})
+            sigaddset(&signals, signal);
+        posix_spawnattr_setsigdefault(&m_attributes, &signals);
+        posix_spawnattr_setflags(&m_attributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
+    }
+    ~SpawnSettings()
+    {
+        posix_spawn_file_actions_destroy(&m_files);
+        posix_spawnattr_destroy(&m_attributes);
+    }
+    SpawnSettings(const SpawnSettings&) = delete;
+    SpawnSettings& operator=(const SpawnSettings&) = delete;
+
+    pid_t spawn(std::vector<std::string> line) const
+    {
+        std::vector<char*> arguments;
+        arguments.reserve(line.size() + 1);
+        for (std::string& argument : line)
+            arguments.push_back(argument.data());
+        arguments.push_back(nullptr);
+        pid_t process = -1;
+        errno = ::posix_spawn(&process, arguments.front(), &m_files, &m_attributes, arguments.data(), environ);
+        check(errno == 0, "cannot start " + line.front());
+        return process;
+    }
+
+private:
+    posix_spawn_file_actions_t m_files{};
+    posix_spawnattr_t m_attributes{};
+};
+
+std::string contentOf(const std::string& path)
+{
+    std::ifstream file(path, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(file), {});
+}
+
+} // namespace
+
+// --- ScratchFolder ---------------------------------------------------------------------------------------------------
+
+ScratchFolder::ScratchFolder()
+{
+    std::string path = (std::filesystem::temp_directory_path() / "dbc_test_XXXXXX").string();
+    check(::mkdtemp(path.data()) != nullptr, path);
+    m_path = path;
+}
+
+ScratchFolder::~ScratchFolder()
+{
+    std::error_code error;
+    std::filesystem::remove_all(m_path, error);
+}
+
+void ScratchFolder::write(const std::string& name, const std::string& content) const
+{
+    std::ofstream file(path(name), std::ios::binary);
+    check(static_cast<bool>(file << content << std::flush), name);
+}
+
+std::string ScratchFolder::read(const std::string& name) const
+{
+    return contentOf(path(name));
+}
+
+std::vector<std::string> ScratchFolder::names() const
+{
+    std::vector<std::string> result;
+    for (const auto& entry : std::filesystem::directory_iterator(m_path))
+        result.push_back(entry.path().filename().string());
+    std::sort(result.begin(), result.end());
+    return result;
+}
+
+// --- ToolProcess -----------------------------------------------------------------------------------------------------
+
+ToolProcess::ToolProcess(std::vector<std::string> arguments, Messages messages)
+{
+    arguments.insert(arguments.begin(), DBC_PROGRAM);
+    std::string target = m_folder.path("messages");
+    FileDescriptor otherEnd; // held until the tool has it open: a terminal without one is hung up
+    if (messages == Messages::OnATerminal)
+    {
+        m_terminal = FileDescriptor(::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC));
+        check(m_terminal && ::grantpt(m_terminal.get()) == 0 && ::unlockpt(m_terminal.get()) == 0, "no terminal");
+        target = ::ptsname(m_terminal.get());
+        otherEnd = FileDescriptor(::open(target.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC));
+        check(static_cast<bool>(otherEnd), target);
+    }
+    m_process = SpawnSettings(m_folder.path("output"), target).spawn(std::move(arguments));
+}
+
+ToolProcess::~ToolProcess()
+{
+    if (m_process < 0)
+        return;
+    ::kill(m_process, SIGKILL);
+    wait();
+}
+
+void ToolProcess::signal(int number) const
+{
+    check(::kill(m_process, number) == 0, "kill");
+}
+
+int ToolProcess::wait()
+{
+    while (readTerminal())
+    {}
+    while (m_process >= 0)
+    {
+        if (::waitpid(m_process, &m_status, 0) == m_process)
+            m_process = -1;
+        else
+            check(errno == EINTR, "waitpid");
+    }
+    return WIFEXITED(m_status) ? WEXITSTATUS(m_status) : 128 + WTERMSIG(m_status);
+}
+
+std::string ToolProcess::output() const
+{
+    return m_folder.read("output");
+}
+
+std::string ToolProcess::messages()
+{
+    return m_terminal ? m_shown : m_folder.read("messages");
+}
+
+bool ToolProcess::showsOnTerminal(const std::string& text)
+{
+    while (m_shown.find(text) == std::string::npos)
+    {
+        if (!readTerminal())
+            return false;
+    }
+    return true;
+}
+
+// An error is how the end of the last writer shows.
+bool ToolProcess::readTerminal()
+{
+    if (!m_terminal)
+        return false;
+    char piece[1024];
+    const ssize_t count = ::read(m_terminal.get(), piece, sizeof piece);
+    if (count > 0)
+        m_shown.append(piece, static_cast<std::size_t>(count));
+    return count > 0;
+}
+
+} // namespace test_support
