@@ -405,6 +405,25 @@ w     time               1  2020-01-01T00:00:00Z .. 2020-01-01T00:00:00Z
 2 documents"
 }
 
+SchemaSaysHowItsSampleWasChosen() {
+    fill 5
+    dbc schema "$database.c" --sample 2
+    expect_status 0
+    [[ $out == *$'\n2 documents' ]] || fail "$out"
+    case $DATABASE_CLIENT_TEST_SERVER in
+    ferretdb) expect_err 'sample: the first ones, since the server does not choose at random: Aggregation error.: ' ;;
+    mongod) expect_err 'sample: chosen at random by the server' ;;
+    *) expect_err 'sample: ' ;;
+    esac
+    dbc schema "$database.c" --sample 6
+    expect_err 'sample: all that there are'
+    dbc schema "$database.c" --sample 0
+    expect_err 'sample: all that there are'
+    [[ $out == *$'\n5 documents' ]] || fail "$out"
+    dbc --quiet schema "$database.c" --sample 2
+    expect_no_messages
+}
+
 FilesAreStoredListedFetchedAndRemoved() {
     head -c 300000 /dev/urandom >"$folder/data"
     dbc files put "$database" "$folder/data" --name photo

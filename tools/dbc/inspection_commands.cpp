@@ -3,6 +3,7 @@
 #include "companion/errors.h"
 #include "failure.h"
 #include "input.h"
+#include "interrupt.h"
 #include "losses.h"
 #include "progress.h"
 #include "query_words.h"
@@ -213,28 +214,102 @@ std::string rangeOf(const std::string& type, const Column& column)
     return text.str();
 }
 
-int schema(const GlobalOptions& global, const InspectCommand& command)
+void addDocument(const RawCollection::Document& document, Schema& schema)
+{
+    bson_iter_t iter;
+    if (bson_iter_init(&iter, document.bson))
+        addToSchema(iter, "", false, 0, schema);
+}
+
+// False when the server does not choose documents at random, and why. Every failure of another sort is the caller's.
+bool visitAtRandom(RawCollection& collection, const bson_t& query, std::int64_t size, const RawCollection::Visit& visit,
+                   std::string& reason)
+{
+    OwnedBson pipeline;
+    bson_t stage;
+    BSON_APPEND_DOCUMENT_BEGIN(pipeline.get(), "0", &stage);
+    BSON_APPEND_DOCUMENT(&stage, "$match", &query);
+    bson_append_document_end(pipeline.get(), &stage);
+    BSON_APPEND_DOCUMENT_BEGIN(pipeline.get(), "1", &stage);
+    bson_t sample;
+    BSON_APPEND_DOCUMENT_BEGIN(&stage, "$sample", &sample);
+    BSON_APPEND_INT64(&sample, "size", size);
+    bson_append_document_end(&stage, &sample);
+    bson_append_document_end(pipeline.get(), &stage);
+    bool any = false;
+    try
+    {
+        collection.aggregate(*pipeline.get(), [&](const RawCollection::Document& document) {
+            any = true;
+            visit(document);
+        });
+        return true;
+    }
+    catch (const Failure&)
+    {
+        throw;
+    }
+    catch (const std::runtime_error& error)
+    {
+        const auto info = companion::describe(error);
+        if (any || isInterrupted() || info.kind != companion::ErrorKind::Other)
+            throw;
+        reason = info.text;
+        return false;
+    }
+}
+
+struct Sample
+{
+    Schema schema;
+    std::uint64_t documents = 0;
+    std::string choice; ///< how the documents were chosen
+};
+
+Sample takeSample(const GlobalOptions& global, const InspectCommand& command)
 {
     const BsonPointer query = parseQuery(command.query);
     RawCollection collection(connectionString(global.connection), command.collection);
-    Schema schema;
-    RawCollection::FindOptions options;
-    options.limit = command.sample;
-    const auto documents = collection.find(*query.get(), options, [&schema](const RawCollection::Document& document) {
-        bson_iter_t iter;
-        if (bson_iter_init(&iter, document.bson))
-            addToSchema(iter, "", false, 0, schema);
-    });
+    const bool isCounted = command.sample == 0 && Progress::isShown(global.connection.quiet);
+    Progress progress("reading",
+                      isCounted ? collection.count(*query.get()) : static_cast<std::uint64_t>(command.sample),
+                      global.connection.quiet);
+    Sample result;
+    const auto visit = [&](const RawCollection::Document& document) {
+        addDocument(document, result.schema);
+        progress.show(++result.documents);
+    };
+    std::string reason;
+    if (command.sample > 0 && visitAtRandom(collection, *query.get(), command.sample, visit, reason))
+        result.choice = "chosen at random by the server";
+    else
+    {
+        RawCollection::FindOptions options;
+        options.limit = command.sample;
+        collection.find(*query.get(), options, visit);
+        result.choice = "the first ones, since the server does not choose at random: " + reason;
+    }
+    if (command.sample == 0 || result.documents < static_cast<std::uint64_t>(command.sample))
+        result.choice = "all that there are";
+    return result;
+}
+
+int schema(const GlobalOptions& global, const InspectCommand& command)
+{
+    const Sample sample = takeSample(global, command);
     std::size_t width = 4;
-    for (const auto& entry : schema)
+    for (const auto& entry : sample.schema)
         width = std::max(width, entry.first.first.size());
-    for (const auto& [place, column] : schema)
+    for (const auto& [place, column] : sample.schema)
         std::cout << std::left << std::setw(static_cast<int>(width)) << place.first << "  " << std::setw(10)
                   << place.second << "  " << std::right << std::setw(8) << column.count << rangeOf(place.second, column)
                   << '\n';
     if (!global.connection.quiet)
-        std::cout << documents << " documents\n";
-    return documents > 0 ? Success : NothingFound;
+    {
+        std::cout << sample.documents << " documents\n" << std::flush;
+        std::cerr << "sample: " << sample.choice << '\n';
+    }
+    return sample.documents > 0 ? Success : NothingFound;
 }
 
 // --- doctor --------------------------------------------------------------------------------------------------------
@@ -427,7 +502,8 @@ void addInspectionCommands(CLI::App& program, const GlobalOptions& global, Work&
     app->add_option("collection", command->collection, "DATABASE.COLLECTION")->required();
     app->add_option("query", command->query, queryHelp);
     app->add_option("--sample", command->sample,
-                    "Documents to look at, from the first on; 1000 unless given, 0 for all")
+                    "Documents to look at, chosen at random where the server can do that ($sample), else the first "
+                    "ones; 1000 unless given, 0 for all")
         ->check(CLI::NonNegativeNumber);
     app->callback([=, &global, &work] { work = [=, &global] { return schema(global, *command); }; });
 
