@@ -364,6 +364,22 @@ ProgressIsShownOnATerminalAlone() {
     ! grep -q 'checking' "$folder/terminal" || fail "a bar: $(<"$folder/terminal")"
 }
 
+ProgressIsShownOfFilesFromAPipeAndOfAPipeByName() {
+    head -c 300000 /dev/urandom >"$folder/data"
+    script -qec "cat $folder/data | $program files put $database - --name piped" "$folder/terminal" >/dev/null </dev/null
+    grep -q 'reading 0\.' "$folder/terminal" || fail "no count: $(<"$folder/terminal")"
+    grep -q 'piped \[' "$folder/terminal" || fail "no bar: $(<"$folder/terminal")"
+    dbc files put "$database" <(cat "$folder/data") --name named
+    expect_status 0
+    expect_no_messages
+    local name
+    for name in piped named; do
+        dbc files get "$database" "$name" "$folder/back"
+        cmp "$folder/data" "$folder/back" || fail "$name came back changed"
+        dbc files rm "$database" "$name"
+    done
+}
+
 APasswordIsAskedForWithoutBeingShown() {
     local place=${DATABASE_CLIENT_TEST_AUTH_URI#*@}
     local secret=${DATABASE_CLIENT_TEST_AUTH_URI#*root:}

@@ -1,5 +1,7 @@
 #include "tool_process.h"
 
+#include "wire_gateway.h"
+
 #include <spawn.h>
 #include <sys/wait.h>
 
@@ -8,6 +10,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <fstream>
@@ -169,9 +172,10 @@ std::string ToolProcess::messages()
 
 bool ToolProcess::showsOnTerminal(const std::string& text)
 {
+    const auto end = std::chrono::steady_clock::now() + WireGateway::kPatience;
     while (m_shown.find(text) == std::string::npos)
     {
-        if (!readTerminal())
+        if (!readTerminal() || std::chrono::steady_clock::now() > end)
             return false;
     }
     return true;

@@ -50,7 +50,8 @@ public:
 
     std::string output() const; ///< what it has written to standard output
     std::string messages();     ///< what it has written to standard error; complete only after wait()
-    /// Reads the terminal until the text was on it. False when the tool has ended without it.
+    /// Reads the terminal until the text was on it. False when the tool has ended without it, or
+    /// keeps writing other things for the gateway's patience.
     bool showsOnTerminal(const std::string& text);
 
 private:

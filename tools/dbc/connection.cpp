@@ -118,13 +118,17 @@ void checkConnectionString(const std::string& uri)
                           "percent-encoded");
 }
 
-std::unique_ptr<DataBaseClient> connect(const ConnectionOptions& options)
+std::unique_ptr<DataBaseClient> connect(const std::string& uri)
 {
     auto client = std::make_unique<DataBaseClient>();
-    const std::string uri = connectionString(options);
     checkConnectionString(uri);
     client->connect(uri);
     return client;
+}
+
+std::unique_ptr<DataBaseClient> connect(const ConnectionOptions& options)
+{
+    return connect(connectionString(options));
 }
 
 void silenceDriver()

@@ -22,6 +22,9 @@ std::string connectionString(const ConnectionOptions& options);
 void checkConnectionString(const std::string& uri);
 
 /// A connected client.
+std::unique_ptr<DataBaseClient> connect(const std::string& uri);
+
+/// The same, with the string of connectionString(), which may ask for a password.
 std::unique_ptr<DataBaseClient> connect(const ConnectionOptions& options);
 
 /// First line of a file.

@@ -5,13 +5,17 @@
 #include "failure.h"
 #include "interrupt.h"
 #include "progress.h"
+#include "raw_collection.h"
+#include "reading_position.h"
 #include "replaced_file.h"
 
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include <array>
+#include <cstdint>
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
 #include <iostream>
 #include <list>
 #include <memory>
@@ -28,6 +32,40 @@ struct FileCommand
     std::string path;
 };
 
+void store(const GlobalOptions& global, const FileCommand& command, const std::string& name, const std::string& path,
+           int own)
+{
+    struct stat file = {};
+    if (::stat(path.c_str(), &file) != 0)
+        throw Failure(UsageError, "cannot read " + command.path);
+    const auto client = connect(global.connection);
+    const ReadingPosition position(name, file, own, global.connection.quiet);
+    client->writeFile(command.database, command.store, name, path);
+}
+
+using OwnedFile = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
+
+// The driver reads files alone, so what comes from a pipe goes into one without a name.
+OwnedFile standardInput(bool quiet)
+{
+    OwnedFile file(std::tmpfile(), &std::fclose);
+    Progress progress("reading", 0, quiet, Progress::Unit::Bytes);
+    std::array<char, 65536> piece;
+    bool isWritten = file != nullptr;
+    for (std::uint64_t bytes = 0; isWritten && std::cin;)
+    {
+        std::cin.read(piece.data(), piece.size());
+        const auto count = static_cast<std::size_t>(std::cin.gcount());
+        isWritten = std::fwrite(piece.data(), 1, count, file.get()) == count;
+        progress.show(bytes += count);
+    }
+    if (!isWritten || std::fflush(file.get()) != 0)
+        throw Failure(UsageError, "cannot write a temporary file");
+    if (std::cin.bad())
+        throw Failure(UsageError, "standard input cannot be read");
+    return file;
+}
+
 int put(const GlobalOptions& global, const FileCommand& command)
 {
     if (command.path == "-" && command.name.empty())
@@ -36,17 +74,41 @@ int put(const GlobalOptions& global, const FileCommand& command)
         throw Failure(UsageError, "cannot read " + command.path);
     const std::string name =
         command.name.empty() ? std::filesystem::path(command.path).filename().string() : command.name;
-    const auto client = connect(global.connection);
-    if (command.path == "-")
-        companion::writeFile(*client, command.database, command.store, name, std::cin);
-    else
-        client->writeFile(command.database, command.store, name, command.path);
+    if (command.path != "-")
+    {
+        store(global, command, name, command.path, -1);
+        return Success;
+    }
+    const OwnedFile input = standardInput(global.connection.quiet);
+    const int number = ::fileno(input.get());
+    store(global, command, name, "/dev/fd/" + std::to_string(number), number);
     return Success;
+}
+
+// 0 when there is no such file, or nobody will see it. Of several files with one name it may be another's.
+std::uint64_t lengthOf(const std::string& uri, const FileCommand& command, bool quiet)
+{
+    std::uint64_t length = 0;
+    if (!Progress::isShown(quiet))
+        return length;
+    OwnedBson query;
+    BSON_APPEND_UTF8(query.get(), "filename", command.name.c_str());
+    RawCollection::FindOptions options;
+    options.limit = 1;
+    RawCollection(uri, command.database + "." + command.store + ".files")
+        .find(*query.get(), options, [&length](const RawCollection::Document& document) {
+            bson_iter_t iter;
+            if (bson_iter_init_find(&iter, document.bson, "length"))
+                length = static_cast<std::uint64_t>(bson_iter_as_int64(&iter));
+        });
+    return length;
 }
 
 void copyTo(std::ostream& target, const GlobalOptions& global, const FileCommand& command)
 {
-    Progress progress(command.name, 0, global.connection.quiet);
+    const std::string uri = connectionString(global.connection);
+    const bool quiet = global.connection.quiet;
+    Progress progress(command.name, lengthOf(uri, command, quiet), quiet, Progress::Unit::Bytes);
     companion::Download download(target, [&progress](std::uint64_t bytes) {
         progress.show(bytes);
         return !isInterrupted();
@@ -54,7 +116,7 @@ void copyTo(std::ostream& target, const GlobalOptions& global, const FileCommand
     const InterruptWatch watch;
     try
     {
-        connect(global.connection)->readFile(command.database, command.store, command.name, &download);
+        connect(uri)->readFile(command.database, command.store, command.name, &download);
     }
     catch (const std::runtime_error& error)
     {
@@ -81,16 +143,16 @@ int get(const GlobalOptions& global, const FileCommand& command)
     return Success;
 }
 
-std::list<std::string> names(const GlobalOptions& global, const FileCommand& command)
+std::list<std::string> names(DataBaseClient& client, const FileCommand& command)
 {
     std::list<std::string> result;
-    connect(global.connection)->listFiles(command.database, command.store, result);
+    client.listFiles(command.database, command.store, result);
     return result;
 }
 
 int list(const GlobalOptions& global, const FileCommand& command)
 {
-    const auto stored = names(global, command);
+    const auto stored = names(*connect(global.connection), command);
     for (const std::string& name : stored)
         std::cout << name << '\n';
     return stored.empty() ? NothingFound : Success;
@@ -98,9 +160,10 @@ int list(const GlobalOptions& global, const FileCommand& command)
 
 int remove(const GlobalOptions& global, const FileCommand& command)
 {
-    const std::size_t before = names(global, command).size();
-    connect(global.connection)->removeFile(command.database, command.store, command.name);
-    const std::size_t removed = before - names(global, command).size();
+    const auto client = connect(global.connection);
+    const std::size_t before = names(*client, command).size();
+    client->removeFile(command.database, command.store, command.name);
+    const std::size_t removed = before - names(*client, command).size();
     if (!global.connection.quiet)
         std::cout << "removed " << removed << '\n';
     return removed > 0 ? Success : NothingFound;

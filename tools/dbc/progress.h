@@ -8,8 +8,15 @@
 class Progress
 {
 public:
+    /// What is counted.
+    enum class Unit
+    {
+        Documents,
+        Bytes ///< shown in MiB
+    };
+
     /// @param total  0 when it is not known
-    Progress(std::string what, std::uint64_t total, bool quiet);
+    Progress(std::string what, std::uint64_t total, bool quiet, Unit unit = Unit::Documents);
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
     /// Wipes the line.
@@ -23,8 +30,11 @@ public:
 private:
     using Clock = std::chrono::steady_clock;
 
+    std::string amount(double count) const;
+
     const std::string m_what;
     const std::uint64_t m_total;
+    const Unit m_unit;
     const bool m_visible;
     const Clock::time_point m_begin = Clock::now();
     Clock::time_point m_next = m_begin;
