@@ -508,6 +508,45 @@ DoctorWalksFromTheStringToTheServer() {
     [[ $out == *"fail  login: "*"the server wants a user: give --user" ]] || fail "$out"
 }
 
+DoctorLooksAtEveryHost() {
+    local place=${DATABASE_CLIENT_TEST_URI#*://}
+    place=${place##*@}
+    place=${place%%/*}
+    dbc --uri "mongodb://no-such-host.invalid,$place,127.0.0.1:1/?serverSelectionTimeoutMS=100" doctor
+    expect_status 3
+    [[ $out == *"fail  address: no-such-host.invalid: "*"ok    port: $place answers"*"fail  port: 127.0.0.1:1 refuses or does not answer"* ]] ||
+        fail "$out"
+    dbc --uri 'mongodb://127.0.0.1:1,127.0.0.1:2/?serverSelectionTimeoutMS=100' doctor
+    expect_status 3
+    [[ $out == *"fail  port: 127.0.0.1:1 "*"fail  port: 127.0.0.1:2 "* && $out != *" server: "* ]] || fail "$out"
+    dbc --uri "mongodb://${folder//\//%2F}%2Fnone.sock/?serverSelectionTimeoutMS=100" doctor
+    expect_status 3
+    [[ $out == *"fail  port: $folder/none.sock refuses or does not answer"* ]] || fail "$out"
+}
+
+DoctorLooksAtTheTlsOfEveryHost() {
+    mkfifo "$folder/said"
+    local name line="" place
+    local -a pids=() places=()
+    for name in trusted other; do
+        openssl req -x509 -newkey rsa:2048 -nodes -days 2 -subj "/CN=$name" -addext subjectAltName=IP:127.0.0.1 \
+            -keyout "$folder/$name.key" -out "$folder/$name" 2>/dev/null
+        openssl s_server -www -accept 127.0.0.1:0 -key "$folder/$name.key" -cert "$folder/$name" >"$folder/said" 2>/dev/null &
+        pids+=($!)
+        exec 8<"$folder/said"
+        line=""
+        until [[ $line == ACCEPT* ]]; do read -r line <&8 || fail "openssl does not listen"; done
+        places+=("${line#ACCEPT }")
+    done
+    dbc --uri "mongodb://${places[0]},${places[1]}/?tls=true&tlsCAFile=$folder/trusted&serverSelectionTimeoutMS=2000" doctor
+    for place in "${pids[@]}"; do
+        kill "$place" 2>/dev/null || true
+        wait "$place" 2>/dev/null || true
+    done
+    expect_status 3
+    [[ $out == *"ok    tls: ${places[0]} agrees on it"*"fail  tls: ${places[1]}: "*"check tlsCAFile"* ]] || fail "$out"
+}
+
 DoctorTellsACertificateThatCannotBeTrustedFromAServerThatIsAway() {
     openssl req -x509 -newkey rsa:2048 -nodes -days 2 -subj /CN=here -addext subjectAltName=IP:127.0.0.1 \
         -keyout "$folder/key" -out "$folder/certificate" 2>/dev/null
