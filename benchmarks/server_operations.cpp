@@ -2,14 +2,15 @@
 // - finds DOCUMENTS: CPU time per document that find() costs above a plain cursor, median of rounds taken in turn
 // - inserts DOCUMENTS: the same for write() above a plain insert
 // - results DOCUMENTS: peak memory while a result list is built
-// - files MIB: peak memory while a file is stored and read back
 //
-// usage: scripts/with-server server_operations finds|inserts|results|files NUMBER
+// usage: scripts/with-server server_operations finds|inserts|results NUMBER
 
 #include "database_client.h"
 #include "database_client/mongoc_handles.h"
 #include "object_properties.h"
 #include "support/measure.h"
+#include "support/memory.h"
+#include "support/server.h"
 #include "support/shapes.h"
 
 #include <unistd.h>
@@ -29,22 +30,16 @@ namespace {
 
 const char* const collectionName = "records";
 
-void check(bool done, const char* what)
-{
-    if (!done)
-        throw std::runtime_error(std::string("not done: ") + what);
-}
-
 /// A database of its own on the server of scripts/with-server, dropped at the end, for the library and the plain
 /// driver.
 class Server
 {
 public:
     Server()
-        : m_database("benchmark_" + std::to_string(getpid())), m_plain(mongoc_client_new(uri())),
+        : m_database("benchmark_" + std::to_string(getpid())), m_plain(mongoc_client_new(serverUri())),
           m_collection(mongoc_client_get_collection(m_plain.get(), name().c_str(), collectionName))
     {
-        library.connect(uri());
+        library.connect(serverUri());
     }
     Server(const Server&) = delete;
     Server& operator=(const Server&) = delete;
@@ -80,15 +75,6 @@ public:
         check(mongoc_bulk_operation_execute(bulk.get(), nullptr, &error) != 0, error.message);
     }
 
-private:
-    static const char* uri()
-    {
-        const char* text = std::getenv("DATABASE_CLIENT_TEST_URI");
-        check(text != nullptr, "run this through scripts/with-server");
-        return text;
-    }
-
-public:
     DataBaseClient library; // before the plain client: the first client of a process starts the driver
 
 private:
@@ -156,8 +142,10 @@ void compare(const char* what, std::size_t rounds, std::size_t documents, const 
         library.push_back(microseconds(documents, withLibrary));
         own.push_back(library.back() - driver.back());
     }
-    std::printf("%s: own %.2f us CPU per document, library %.2f, driver %.2f (%zu rounds of %zu documents)\n", what,
-                median(own), median(library), median(driver), rounds, documents);
+    std::printf("%s: own %.2f us CPU per document, library %.2f, driver %.2f, ratio %.2f (%zu rounds of %zu documents "
+                "by each)\n",
+                what, median(own), median(library), median(driver), median(library) / median(driver), rounds,
+                documents);
 }
 
 void measureFinds(Server& server, std::size_t documents)
@@ -198,25 +186,6 @@ void measureInserts(Server& server, std::size_t documents)
     check(findWithDriver(server) == 2 * (documents / inARow) * inARow, "all inserts");
 }
 
-double mebibytes(const char* field)
-{
-    std::ifstream status("/proc/self/status");
-    for (std::string line; std::getline(status, line);)
-    {
-        if (line.rfind(field, 0) == 0)
-            return std::strtod(line.c_str() + std::strlen(field) + 1, nullptr) / 1024;
-    }
-    return 0;
-}
-
-double peakOf(const std::function<void()>& work)
-{
-    std::ofstream("/proc/self/clear_refs") << 5; // the peak starts anew
-    const double before = mebibytes("VmRSS");
-    work();
-    return mebibytes("VmHWM") - before;
-}
-
 void measureResults(Server& server, std::size_t documents)
 {
     for (std::size_t left = documents; left > 0; left -= std::min<std::size_t>(left, 10000))
@@ -228,59 +197,6 @@ void measureResults(Server& server, std::size_t documents)
     std::printf("result list of %zu documents: peak %.1f MiB above the start, %.0f bytes per document; driver alone "
                 "%.1f MiB\n",
                 documents, library, library * 1024 * 1024 / static_cast<double>(documents), driver);
-}
-
-/// Counts what is written and keeps none of it.
-class CountingBuffer : public std::streambuf
-{
-public:
-    std::size_t count() const { return m_count; }
-
-private:
-    std::streamsize xsputn(const char*, std::streamsize size) override
-    {
-        m_count += static_cast<std::size_t>(size);
-        return size;
-    }
-    int_type overflow(int_type character) override
-    {
-        ++m_count;
-        return traits_type::not_eof(character);
-    }
-
-    std::size_t m_count = 0;
-};
-
-/// A file in the directory for temporary files, removed at the end.
-class LargeFile
-{
-public:
-    explicit LargeFile(std::size_t mib)
-    {
-        const int file = mkstemp(path);
-        check(file >= 0, "temporary file");
-        const std::vector<char> block(std::size_t{1} << 20, 'x');
-        for (std::size_t i = 0; i < mib; ++i)
-            check(::write(file, block.data(), block.size()) == static_cast<ssize_t>(block.size()), "temporary file");
-        close(file);
-    }
-    LargeFile(const LargeFile&) = delete;
-    LargeFile& operator=(const LargeFile&) = delete;
-    ~LargeFile() { unlink(path); }
-
-    char path[32] = "/tmp/benchmark_file_XXXXXX";
-};
-
-void measureFiles(Server& server, std::size_t mib)
-{
-    const LargeFile file(mib);
-    const double stored = peakOf([&] { server.library.writeFile(server.name(), "fs", "large", file.path); });
-    CountingBuffer buffer;
-    std::iostream stream(&buffer);
-    const double read = peakOf([&] { server.library.readFile(server.name(), "fs", "large", &stream); });
-    check(buffer.count() == mib << 20, "file");
-    std::printf("file of %zu MiB: peak %.1f MiB above the start while stored, %.1f MiB while read\n", mib, stored,
-                read);
 }
 
 } // namespace
@@ -297,10 +213,8 @@ try
         measureInserts(server, number);
     else if (action == "results")
         measureResults(server, number);
-    else if (action == "files")
-        measureFiles(server, number);
     else
-        throw std::runtime_error("usage: server_operations finds|inserts|results|files NUMBER");
+        throw std::runtime_error("usage: server_operations finds|inserts|results NUMBER");
     return 0;
 }
 catch (const std::exception& error)

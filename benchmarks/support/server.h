@@ -1,0 +1,20 @@
+#pragma once
+
+#include <cstdlib>
+#include <stdexcept>
+#include <string>
+
+/// Ends the benchmark when the work was not done: a figure of something else is none.
+inline void check(bool done, const char* what)
+{
+    if (!done)
+        throw std::runtime_error(std::string("not done: ") + what);
+}
+
+/// Connection string of the server of scripts/with-server.
+inline const char* serverUri()
+{
+    const char* const text = std::getenv("DATABASE_CLIENT_TEST_URI");
+    check(text != nullptr, "run this through scripts/with-server");
+    return text;
+}
