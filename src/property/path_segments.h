@@ -3,11 +3,12 @@
 #include <cstddef>
 #include <cstring>
 #include <string>
+#include <string_view>
 
 /// Whether the path is one segment and nothing else, as most are: it is then the key of a child as it stands.
 inline bool isSingleSegment(const std::string& path) noexcept
 {
-    return !path.empty() && !std::memchr(path.data(), '/', path.size());
+    return !path.empty() && std::string_view(path).find('/') == std::string_view::npos; // a view's find() is inlined
 }
 
 /// The segments of a key path, one after the other. A path without "/", the usual one, is handed out as it is; of any
