@@ -213,6 +213,8 @@ const AllocatingOperation<Filters> filterOperations[] = {
     {"setFilterLongLong", [](Filters& f) { f.filter.setFilterLongLong(OperationTypeUnknown, longText, 1); }},
     {"setFilterTime", [](Filters& f) { f.filter.setFilterTime(OperationTypeExists, longText, 1); }},
     {"setFilterId", [](Filters& f) { f.filter.setFilterId(OperationTypeGreater, longText, longText); }},
+    {"setFilterDocument", [](Filters& f) { f.filter.setFilterDocument(longText, f.other.toObjectProeprties()); }},
+    {"setFilterDocumentWithoutAKey", [](Filters& f) { f.filter.setFilterDocument("", f.other.toObjectProeprties()); }},
     {"include", [](Filters& f) { f.filter.include(f.other); }},
     {"exclude", [](Filters& f) { f.filter.exclude("/$or", f.other); }},
     {"isEmpty", [](Filters& f) { f.filter.isEmpty(); }},

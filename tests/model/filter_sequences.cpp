@@ -84,6 +84,30 @@ void addLists(std::vector<Step>& steps)
     });
 }
 
+// A condition of the caller's own making: as large as another filter's query, or one operator.
+void addDocuments(std::vector<Step>& steps)
+{
+    steps.push_back(
+        {"setFilterDocument of a query", [](State& s, ObjectFilter& l, model::Filter& m, const Operation& o) {
+             l.setFilterDocument(o.key, s.library[o.other].toObjectProeprties());
+             m.setDocument(o.key, model::Document(s.model[o.other].document));
+         }});
+    steps.push_back({"setFilterDocument", [](State& s, ObjectFilter& l, model::Filter& m, const Operation& o) {
+                         const auto value = valueOf(o, Int64);
+                         ObjectProperties operators;
+                         operators.setValueInt64("$operator", value.number);
+                         operators.beginArray("$in");
+                         operators.setValueString("0", o.text);
+                         model::Document same;
+                         same.root->createIfMissing("$operator")->setValue(value);
+                         same.root->createArray("$in")->createIfMissing("0")->setValue(valueOf(o, String));
+                         s.comparison.sameTree("operators", *operators.root(), *same.root);
+                         l.setFilterDocument(o.key, operators);
+                         m.setDocument(o.key, same);
+                         s.comparison.sameTree("operators afterwards", *operators.root(), *same.root);
+                     }});
+}
+
 void addCopies(std::vector<Step>& steps)
 {
     const auto add = [&steps](const char* name, auto take) { steps.push_back({name, take}); };
@@ -122,6 +146,7 @@ const std::vector<Step>& steps()
         addCondition<Time>(result, "setFilterTime");
         addCondition<Id>(result, "setFilterId");
         addLists(result);
+        addDocuments(result);
         addCopies(result);
         return result;
     }();

@@ -234,6 +234,19 @@ void Filter::set(int operation, const std::string& key, const Value& value, cons
     endOperation();
 }
 
+void Filter::setDocument(const std::string& key, const Document& operators)
+{
+    beginOperation();
+    if (!key.empty())
+        document.beginGroup(key);
+    const auto condition = document.current;
+    for (const auto& [name, operand] : operators.root->children)
+        condition->createChild(name, 1)->copy(*operand);
+    if (!key.empty())
+        document.end();
+    endOperation();
+}
+
 void Filter::include(const Filter& other)
 {
     const std::string name = lists.empty() ? std::string() : lists.back();

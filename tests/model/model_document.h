@@ -37,6 +37,7 @@ struct Filter
     void start(const std::string& name);
     void finish();
     void set(int operation, const std::string& key, const Value& value, const std::string& options);
+    void setDocument(const std::string& key, const Document& operators);
     void include(const Filter& other);
     void exclude(const std::string& key, Filter& target);
 
