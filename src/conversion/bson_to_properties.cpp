@@ -171,9 +171,7 @@ bool BsonToProperties::parse(bson_iter_t& iter, ObjectProperties* properties)
         const bool isArray = type == BSON_TYPE_ARRAY;
         beginNested(*properties, scratch.key, isArray);
         OpenDocument nested{{}, isArray};
-        if (bson_iter_recurse(&current, &nested.iter))
-            open.push(nested);
-        else
-            endNested(*properties, isArray);
+        bson_iter_recurse(&current, &nested.iter); // fails for other types only
+        open.push(nested);
     }
 }

@@ -14,14 +14,10 @@ namespace {
 bool isQueryForm(const bson_t* query)
 {
     bson_iter_t iter;
-    if (!bson_iter_init(&iter, query))
-        return false;
-    while (bson_iter_next(&iter))
-    {
-        if (std::strcmp(bson_iter_key(&iter), "$query") == 0 && !BSON_ITER_HOLDS_DOCUMENT(&iter))
-            return false;
-    }
-    return true;
+    bool isForm = bson_iter_init(&iter, query);
+    while (isForm && bson_iter_next(&iter))
+        isForm = std::strcmp(bson_iter_key(&iter), "$query") != 0 || BSON_ITER_HOLDS_DOCUMENT(&iter);
+    return isForm;
 }
 
 // The legacy call, because it understands {"$query": ..., "$orderby": ...}: callers build queries of that form.

@@ -25,10 +25,10 @@ using Piece = std::array<char, pieceSize>;
 ssize_t readOn(const GridFsFileHandle& file, const GridFsStreamHandle& stream, char* buffer, std::size_t size)
 {
     const std::int64_t length = mongoc_gridfs_file_get_length(file.get());
-    const std::int64_t chunkSize = mongoc_gridfs_file_get_chunk_size(file.get());
     const auto position = static_cast<std::int64_t>(mongoc_gridfs_file_tell(file.get()));
     if (position >= length)
         return 0;
+    const std::int64_t chunkSize = mongoc_gridfs_file_get_chunk_size(file.get());
     if (chunkSize <= 0)
         return -1; // the driver divides by it
     // On a new chunk the driver lets go of the last one only when it is told where to stand.

@@ -5,7 +5,8 @@
 namespace {
 
 long live = 0;
-std::size_t untilFailure = 0; // 0 is none
+std::size_t untilFailure = 0;      // 0 is none
+std::size_t untilBrokenResult = 0; // 0 is none
 
 bool failsNow()
 {
@@ -47,6 +48,16 @@ FailingCall::~FailingCall()
 bool FailingCall::happened() const
 {
     return untilFailure == 0;
+}
+
+BrokenResult::BrokenResult(std::size_t number)
+{
+    untilBrokenResult = number;
+}
+
+BrokenResult::~BrokenResult()
+{
+    untilBrokenResult = 0;
 }
 
 } // namespace counted_driver
@@ -126,6 +137,20 @@ COUNTED(mongoc_cursor_t, mongoc_collection_aggregate,
 ASKED(mongoc_cursor_error, mongoc_cursor_t*)
 DESTROYED(mongoc_cursor_t*, mongoc_cursor_destroy)
 
+extern "C" bool __real_mongoc_cursor_next(mongoc_cursor_t* cursor, const bson_t** result);
+extern "C" bool __wrap_mongoc_cursor_next(mongoc_cursor_t* cursor, const bson_t** result)
+{
+    static const bson_t withoutBytes = {};
+    const bool given = __real_mongoc_cursor_next(cursor, result);
+    if (given && untilBrokenResult > 0 && --untilBrokenResult == 0)
+        *result = &withoutBytes;
+    return given;
+}
+
+// The driver's own library calls it too, and the linker wants a name that such a library could see.
+extern "C" [[gnu::visibility("default")]] bool __wrap_bson_concat(bson_t* target, const bson_t* source);
+FAILING(bool, bson_concat, (bson_t * target, const bson_t* source), (target, source), false)
+
 FAILING(bool, mongoc_collection_insert,
         (mongoc_collection_t * collection, mongoc_insert_flags_t flags, const bson_t* document,
          const mongoc_write_concern_t* concern, bson_error_t* error),
@@ -161,6 +186,7 @@ COUNTED_OR_FAILING(mongoc_gridfs_file_t, mongoc_gridfs_create_file_from_stream,
                    (store, stream, options), )
 FAILING(bool, mongoc_gridfs_file_save, (mongoc_gridfs_file_t * file), (file), false)
 FAILING(bool, mongoc_gridfs_file_remove, (mongoc_gridfs_file_t * file, bson_error_t* error), (file, error), fill(error))
+FAILING(int32_t, mongoc_gridfs_file_get_chunk_size, (mongoc_gridfs_file_t * file), (file), 0)
 FAILING(int, mongoc_gridfs_file_seek, (mongoc_gridfs_file_t * file, int64_t delta, int whence), (file, delta, whence),
         -1)
 DESTROYED(mongoc_gridfs_file_t*, mongoc_gridfs_file_destroy)

@@ -23,4 +23,15 @@ public:
     bool happened() const;
 };
 
+/// While this object lives, the n-th result of a query, counted from 1, has no bytes, not even those of an empty
+/// document.
+class BrokenResult
+{
+public:
+    explicit BrokenResult(std::size_t number);
+    ~BrokenResult();
+    BrokenResult(const BrokenResult&) = delete;
+    BrokenResult& operator=(const BrokenResult&) = delete;
+};
+
 } // namespace counted_driver

@@ -4,6 +4,7 @@
 #include "allocation_failure.h"
 #include "connected_client.h"
 #include "counted_driver.h"
+#include "database_client/database_client_d.h"
 #include "pattern_text.h"
 #include "row_name.h"
 
@@ -60,7 +61,7 @@ const OperationRow operations[] = {
                        UpdateFlagUpsert, UpdateCommandSet);
      }},
     {"Replace",
-     {"Updating failed: injected(code: 7)"},
+     {"Error creating update document.", "Updating failed: injected(code: 7)"},
      [](DataBaseClient& client, const std::string& database, const std::string&) {
          client.update(database, "updated", ConnectedClient::number("a", 1), ConnectedClient::number("b", 1),
                        UpdateFlagUpsert, UpdateCommandReplace);
@@ -204,6 +205,68 @@ TEST_P(DriverFailure, ToAllocateIsReportedAndLeavesNothingBehind)
 }
 
 INSTANTIATE_TEST_SUITE_P(Operations, DriverFailure, testing::ValuesIn(operations), RowName());
+
+class BrokenResult : public ConnectedClient
+{
+public:
+    BrokenResult()
+    {
+        for (int index = 0; index < 3; ++index)
+            scratch().insert("c", R"({"_id": )" + std::to_string(index) + "}");
+    }
+
+    // The second result is no document: the first stays, the third is not asked for.
+    template <typename Call>
+    void expectOneResult(Call call)
+    {
+        const long before = counted_driver::liveObjects();
+        ResultList results;
+        {
+            const counted_driver::BrokenResult broken(2);
+            EXPECT_EQ(thrownText([&] { call(results.get()); }), "invalid_argument: Bad results");
+        }
+        ASSERT_EQ(results.size(), 1U);
+        EXPECT_EQ(results.front().valueAsInt32("_id", -1), 0);
+        EXPECT_EQ(counted_driver::liveObjects(), before);
+
+        EXPECT_EQ(thrownText([&] { call(results.get()); }), "");
+        EXPECT_EQ(results.size(), 4U);
+    }
+};
+
+TEST_F(BrokenResult, OfAFindIsABadResultAndThoseBeforeItStay)
+{
+    expectOneResult([this](std::list<ObjectProperties*>& results) {
+        client().find(database(), "c", ObjectProperties(), ObjectProperties(), results, 0, 0);
+    });
+}
+
+TEST_F(BrokenResult, OfAnAggregationIsABadResultAndThoseBeforeItStay)
+{
+    expectOneResult([this](std::list<ObjectProperties*>& results) {
+        client().aggregate(database(), "c", pipeline([](ObjectProperties& stage) { stage.setValueInt32("$skip", 0); }),
+                           results);
+    });
+}
+
+using ImplementationOfAClient = ConnectedClient;
+
+TEST_F(ImplementationOfAClient, ReadsAllThatMatchesTheQuery)
+{
+    for (const char* const document : {R"({"_id": 1, "a": 1})", R"({"_id": 2, "a": 2})", R"({"_id": 3, "a": 1})"})
+        scratch().insert("c", document);
+    DataBaseClientPrivate implementation;
+    implementation.connect(TestServer::instance().uri());
+
+    ResultList some;
+    implementation.read(database(), "c", number("a", 1), some.get());
+    ASSERT_EQ(some.size(), 2U);
+    EXPECT_EQ(some.front().valueAsInt32("_id", 0), 1);
+
+    ResultList all;
+    implementation.read(database(), "c", ObjectProperties(), all.get());
+    EXPECT_EQ(all.size(), 3U);
+}
 
 TEST(DriverObjects, AreAllGoneWithTheClient)
 {

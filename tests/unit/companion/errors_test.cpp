@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <optional>
+#include <set>
 #include <stdexcept>
 #include <string>
 
@@ -61,6 +62,12 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"CodeInTheMiddle", "Updating failed: (code: 11000) was before", ErrorKind::Other, std::nullopt},
         Row{"CodeThatIsNoNumber", "Updating failed: odd(code: x1)", ErrorKind::Other, std::nullopt},
         Row{"CodeTooLong", "Updating failed: odd(code: 99999999999999)", ErrorKind::Other, std::nullopt},
+        Row{"TooLargeForTheServer", "Updating failed: object to insert too large(code: 10334)", ErrorKind::TooLarge,
+            10334},
+        Row{"NoSuchNamespace", "Find error.: ns not found(code: 26)", ErrorKind::NotFound, 26},
+        Row{"LoginWithoutCode", "Updating failed: Authentication failed.", ErrorKind::Authentication, std::nullopt},
+        Row{"TimeoutWithoutCode", "Updating failed: connection timeout", ErrorKind::Timeout, std::nullopt},
+        Row{"RefusedWithoutCode", "Updating failed: connection refused", ErrorKind::Network, std::nullopt},
         Row{"Empty", "", ErrorKind::Other, std::nullopt}),
     [](const auto& row) { return row.param.name; });
 
@@ -76,6 +83,17 @@ TEST(Errors, TextIsGivenWithoutItsCode)
 {
     EXPECT_EQ(describe(std::runtime_error("Updating failed: D(code: 7)")).text, "Updating failed: D");
     EXPECT_EQ(describe(std::runtime_error("Updating failed: D(code: x)")).text, "Updating failed: D(code: x)");
+}
+
+TEST(ErrorKinds, HaveNamesThatTellThemApart)
+{
+    std::set<std::string> names;
+    for (const ErrorKind kind : {ErrorKind::NotConnected, ErrorKind::BadArgument, ErrorKind::DuplicateKey,
+                                 ErrorKind::NotFound, ErrorKind::Authentication, ErrorKind::NotAuthorized,
+                                 ErrorKind::Timeout, ErrorKind::Network, ErrorKind::TooLarge, ErrorKind::Other})
+        EXPECT_TRUE(names.insert(nameOf(kind)).second) << nameOf(kind);
+    EXPECT_STREQ(nameOf(ErrorKind::NotAuthorized), "not authorized");
+    EXPECT_STREQ(nameOf(static_cast<ErrorKind>(99)), "");
 }
 
 } // namespace

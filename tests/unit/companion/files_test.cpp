@@ -7,6 +7,7 @@
 #include <iterator>
 #include <sstream>
 #include <stdexcept>
+#include <streambuf>
 #include <string>
 #include <vector>
 
@@ -105,6 +106,20 @@ TEST(Download, TakesSingleCharactersToo)
     download.put('a').put('b');
     EXPECT_EQ(target.str(), "ab");
     EXPECT_EQ(download.bytes(), 2U);
+}
+
+TEST(StoringAStream, ThatBreaksStoresNothing)
+{
+    struct BreakingBuffer : std::streambuf
+    {
+        int_type underflow() override { throw std::domain_error("the medium is gone"); }
+    };
+    LocalFiles client;
+    client.content = "before";
+    BreakingBuffer buffer;
+    std::istream source(&buffer);
+    EXPECT_THROW(companion::writeFile(client, "d", "fs", "name", source), std::runtime_error);
+    EXPECT_EQ(client.content, "before");
 }
 
 TEST(StoringAStream, StoresItFromItsReadPositionOn)

@@ -134,6 +134,8 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"DbPointer", [](bson_t* bson) { appendDbPointer(bson); }, "f: DBPointer is dropped\n"},
         Row{"Code", [](bson_t* bson) { BSON_APPEND_CODE(bson, "f", "x"); }, "f: code is dropped\n"},
         Row{"Symbol", [](bson_t* bson) { BSON_APPEND_SYMBOL(bson, "f", "x"); }, "f: symbol becomes a string\n"},
+        Row{"SymbolWithZero", [](bson_t* bson) { bson_append_symbol(bson, "f", -1, "a\0b", 3); },
+            "f: symbol becomes a string\nf: text is cut at its zero byte\n"},
         Row{"CodeWithScope", [](bson_t* bson) { appendScope(bson); }, "f: code with scope is dropped\n"},
         Row{"Int32", [](bson_t* bson) { BSON_APPEND_INT32(bson, "f", 1); }, ""},
         Row{"Timestamp", [](bson_t* bson) { BSON_APPEND_TIMESTAMP(bson, "f", 1, 2); }, "f: timestamp is dropped\n"},
@@ -177,6 +179,12 @@ TEST(LossGuard, SaysWhereTheBytesStopBeingBson)
     bson_t corrupt;
     ASSERT_TRUE(bson_init_static(&corrupt, bytes.data(), bytes.size()));
     EXPECT_EQ(textOf(findLosses(corrupt)), ": bytes are not BSON\n");
+}
+
+TEST(LossGuard, TakesADocumentWithoutBytesForNoBson)
+{
+    const bson_t nothing = {};
+    EXPECT_EQ(textOf(findLosses(nothing)), ": bytes are not BSON\n");
 }
 
 TEST(LossGuard, SurvivesAnyDepth)

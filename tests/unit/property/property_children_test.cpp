@@ -75,6 +75,19 @@ TEST(PropertyNode, InitAndGetPtrNeedASharedOwner)
     EXPECT_THROW(unowned.getPtr(), std::bad_weak_ptr);
 }
 
+TEST(PropertyNode, WithoutASharedOwnerTakesNoChildren)
+{
+    Property unowned("key", nullptr);
+    const NodePointer source = Property::create();
+    source->setValueInt32("value", 1);
+
+    EXPECT_THROW(unowned.createSingleProperty("child"), std::bad_weak_ptr);
+    EXPECT_THROW(unowned.setValueInt32("group/child", 1), std::bad_weak_ptr);
+    EXPECT_THROW(unowned.copy(*source), std::bad_weak_ptr);
+    EXPECT_EQ(unowned.childCount(), 0U);
+    EXPECT_EQ(unowned.key(), "key");
+}
+
 TEST(PropertyNode, InitTakesAndDropsAShare)
 {
     const NodePointer node = Property::create();
