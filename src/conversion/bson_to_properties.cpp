@@ -27,7 +27,7 @@ const std::string& refill(std::string& scratch, const char* text, std::size_t le
 // A text ends at its first zero byte, whatever its length.
 const std::string& cutText(std::string& scratch, const char* text, std::size_t length)
 {
-    return refill(scratch, text, text ? strnlen(text, length) : 0);
+    return refill(scratch, text, strnlen(text, length));
 }
 
 void setRegex(const bson_iter_t& iter, ObjectProperties& properties, Scratch& scratch)

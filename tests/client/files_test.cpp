@@ -328,6 +328,28 @@ TEST_F(CutChunk, LongerThanTheFileIsReadNoFurtherThanTheFilesLength)
     EXPECT_TRUE(stored("file") == text.substr(0, 4000));
 }
 
+TEST_F(CutChunk, LongerThanTheFileIsReadNoFurtherThanTheFilesLengthAlsoInALaterPiece)
+{
+    const std::string text = patternText(10'000);
+    store("file", text);
+    scratch().run(R"({"update": "fs.files", "updates": [{"q": {}, "u": {"$set": {"length": 5000}}}]})");
+
+    EXPECT_TRUE(stored("file") == text.substr(0, 5000));
+}
+
+TEST_F(StoredFile, InChunksOfOneByteIsRead)
+{
+    scratch().insert("fs.files", R"({"_id": 1, "length": 3, "chunkSize": 1, "filename": "file"})");
+    scratch().insert("fs.chunks",
+                     R"({"files_id": 1, "n": 0, "data": {"$binary": {"base64": "YQ==", "subType": "00"}}})");
+    scratch().insert("fs.chunks",
+                     R"({"files_id": 1, "n": 1, "data": {"$binary": {"base64": "Yg==", "subType": "00"}}})");
+    scratch().insert("fs.chunks",
+                     R"({"files_id": 1, "n": 2, "data": {"$binary": {"base64": "Yw==", "subType": "00"}}})");
+
+    EXPECT_EQ(stored("file"), "abc");
+}
+
 TEST_F(StoredFile, WhoseRecordNamesNoUsableChunkSizeThrowsInsteadOfDividingByIt)
 {
     for (const int size : {0, -5, 1})

@@ -228,6 +228,21 @@ TEST_F(RefusedDocument, FindNamesTheConditionBeforeTheProjection)
     EXPECT_EQ(findRefusal(deep, deep), "Bad condition");
 }
 
+// No level takes fewer bytes than one under an empty key.
+TEST_F(RefusedDocument, DepthUnderEmptyKeysCountsLikeAnyOther)
+{
+    for (const int levels : {1000, 1001})
+    {
+        const ObjectProperties document;
+        auto node = document.root();
+        for (int level = 0; level < levels; ++level)
+            node = node->createSingleGroup("");
+        const std::string expected =
+            levels > 1000 ? "Bad condition" : "runtime_error: Find error.: Invalid filter: empty key(code: 16)";
+        EXPECT_EQ(findRefusal(document), expected);
+    }
+}
+
 TEST_F(RefusedDocument, WideAndLongDocumentsOfLittleDepthGoToTheDriver)
 {
     ObjectProperties document;
