@@ -12,13 +12,12 @@ bool PropertiesToJson::convert(const ObjectProperties& properties, std::string& 
 bool PropertiesToJson::properties_to_json(const ObjectProperties& properties, std::string& json)
 {
     OwnedBson bson;
-    if (!PropertiesToBson::convert(properties, bson.get()))
-        return false;
+    const bool converted = PropertiesToBson::convert(properties, bson.get());
     std::size_t length = 0;
     const BsonText text(bson_as_json(bson.get(), &length));
     if (text)
         json.assign(text.get(), length);
     else
         json.clear(); // a text that is not UTF-8 has no JSON form
-    return true;
+    return converted;
 }
