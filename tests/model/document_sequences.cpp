@@ -1,7 +1,7 @@
 #include "comparison.h"
 #include "model_document.h"
 #include "object_properties.h"
-#include "operation.h"
+#include "sequences.h"
 #include "typed_access.h"
 
 #include <array>
@@ -207,6 +207,11 @@ const std::vector<Step>& steps()
     return table;
 }
 
+void take(State& state, const Operation& operation)
+{
+    steps()[operation.kind].take(state, state.library[operation.subject], state.model[operation.subject], operation);
+}
+
 void compare(State& state)
 {
     auto& comparison = state.comparison;
@@ -229,27 +234,9 @@ void compare(State& state)
     }
 }
 
-std::optional<Difference> run(const std::vector<Operation>& sequence)
-{
-    State state;
-    for (std::size_t i = 0; i < sequence.size(); ++i)
-    {
-        const Operation& operation = sequence[i];
-        steps()[operation.kind].take(state, state.library[operation.subject], state.model[operation.subject],
-                                     operation);
-        compare(state);
-        if (state.comparison.differs())
-            return Difference{i, state.comparison.text()};
-    }
-    return std::nullopt;
-}
-
 } // namespace
 
 System documentSystem()
 {
-    System system{"document", {}, documents, run};
-    for (const auto& step : steps())
-        system.operations.push_back(step.name);
-    return system;
+    return systemOf("document", documents, steps(), take, compare);
 }

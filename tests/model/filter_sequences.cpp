@@ -1,7 +1,7 @@
 #include "comparison.h"
 #include "model_document.h"
 #include "object_filter.h"
-#include "operation.h"
+#include "sequences.h"
 #include "typed_access.h"
 
 #include <array>
@@ -153,6 +153,11 @@ const std::vector<Step>& steps()
     return table;
 }
 
+void take(State& state, const Operation& operation)
+{
+    steps()[operation.kind].take(state, state.library[operation.subject], state.model[operation.subject], operation);
+}
+
 void compare(State& state)
 {
     for (std::size_t i = 0; i < filters && !state.comparison.differs(); ++i)
@@ -164,27 +169,9 @@ void compare(State& state)
     }
 }
 
-std::optional<Difference> run(const std::vector<Operation>& sequence)
-{
-    State state;
-    for (std::size_t i = 0; i < sequence.size(); ++i)
-    {
-        const Operation& operation = sequence[i];
-        steps()[operation.kind].take(state, state.library[operation.subject], state.model[operation.subject],
-                                     operation);
-        compare(state);
-        if (state.comparison.differs())
-            return Difference{i, state.comparison.text()};
-    }
-    return std::nullopt;
-}
-
 } // namespace
 
 System filterSystem()
 {
-    System system{"filter", {}, filters, run};
-    for (const auto& step : steps())
-        system.operations.push_back(step.name);
-    return system;
+    return systemOf("filter", filters, steps(), take, compare);
 }

@@ -1,6 +1,6 @@
 #include "comparison.h"
-#include "operation.h"
 #include "property.h"
+#include "sequences.h"
 #include "typed_access.h"
 
 #include <array>
@@ -204,6 +204,14 @@ const std::vector<Step>& steps()
     return table;
 }
 
+void take(State& state, const Operation& operation)
+{
+    // Held for the step: it may remove or replace the node that it works on.
+    const auto library = state.library[operation.subject];
+    const auto model = state.model[operation.subject];
+    steps()[operation.kind].take(state, *library, *model, operation);
+}
+
 void compare(State& state)
 {
     for (std::size_t i = 0; i < registers; ++i)
@@ -215,29 +223,9 @@ void compare(State& state)
     }
 }
 
-std::optional<Difference> run(const std::vector<Operation>& sequence)
-{
-    State state;
-    for (std::size_t i = 0; i < sequence.size(); ++i)
-    {
-        const Operation& operation = sequence[i];
-        // Held for the step: it may remove or replace the node that it works on.
-        const auto library = state.library[operation.subject];
-        const auto model = state.model[operation.subject];
-        steps()[operation.kind].take(state, *library, *model, operation);
-        compare(state);
-        if (state.comparison.differs())
-            return Difference{i, state.comparison.text()};
-    }
-    return std::nullopt;
-}
-
 } // namespace
 
 System propertySystem()
 {
-    System system{"property", {}, registers, run};
-    for (const auto& step : steps())
-        system.operations.push_back(step.name);
-    return system;
+    return systemOf("property", registers, steps(), take, compare);
 }
