@@ -1,10 +1,9 @@
 #include "test_server.h"
 
 #include "owned_bson.h"
+#include "spawn_settings.h"
 
-#include <fcntl.h>
 #include <poll.h>
-#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -303,54 +302,6 @@ std::vector<std::string> ServerProcess::commandLine() const
 
 namespace {
 
-/// What the child gets instead of the test's own: no input, a file for its output, no blocked signals.
-class SpawnSettings
-{
-public:
-    explicit SpawnSettings(const std::string& log)
-    {
-        posix_spawn_file_actions_init(&m_files);
-        posix_spawnattr_init(&m_attributes);
-        posix_spawn_file_actions_addopen(&m_files, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-        posix_spawn_file_actions_addopen(&m_files, STDOUT_FILENO, log.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0600);
-        posix_spawn_file_actions_adddup2(&m_files, STDOUT_FILENO, STDERR_FILENO);
-        sigset_t none;
-        sigemptyset(&none);
-        posix_spawnattr_setsigmask(&m_attributes, &none);
-        posix_spawnattr_setflags(&m_attributes, POSIX_SPAWN_SETSIGMASK);
-    }
-    ~SpawnSettings()
-    {
-        posix_spawn_file_actions_destroy(&m_files);
-        posix_spawnattr_destroy(&m_attributes);
-    }
-    SpawnSettings(const SpawnSettings&) = delete;
-    SpawnSettings& operator=(const SpawnSettings&) = delete;
-
-    pid_t spawn(std::vector<std::string> line) const
-    {
-        std::vector<char*> arguments;
-        arguments.reserve(line.size() + 1);
-        for (std::string& argument : line)
-        {
-            arguments.push_back(argument.data());
-        }
-        arguments.push_back(nullptr);
-        pid_t process = -1;
-        const int failure =
-            ::posix_spawnp(&process, arguments.front(), &m_files, &m_attributes, arguments.data(), environ);
-        if (failure != 0)
-        {
-            throw std::system_error(failure, std::generic_category(), "cannot start " + line.front());
-        }
-        return process;
-    }
-
-private:
-    posix_spawn_file_actions_t m_files{};
-    posix_spawnattr_t m_attributes{};
-};
-
 bool answers(std::uint16_t port)
 {
     try
@@ -372,7 +323,7 @@ void ServerProcess::start()
     {
         return;
     }
-    m_process = SpawnSettings(m_directory + "/log").spawn(commandLine());
+    m_process = SpawnSettings(m_directory + "/log", m_directory + "/log").spawn(commandLine());
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(60);
     while (!answers(m_port))
     {

@@ -1,8 +1,8 @@
 #include "tool_process.h"
 
+#include "spawn_settings.h"
 #include "wire_gateway.h"
 
-#include <spawn.h>
 #include <sys/wait.h>
 
 #include <fcntl.h>
@@ -25,52 +25,6 @@ void check(bool done, const std::string& what)
     if (!done)
         throw std::system_error(errno, std::generic_category(), what);
 }
-
-// No input, no blocked or ignored signals.
-class SpawnSettings
-{
-public:
-    SpawnSettings(const std::string& output, const std::string& messages)
-    {
-        posix_spawn_file_actions_init(&m_files);
-        posix_spawnattr_init(&m_attributes);
-        posix_spawn_file_actions_addopen(&m_files, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-        posix_spawn_file_actions_addopen(&m_files, STDOUT_FILENO, output.c_str(), O_WRONLY | O_CREAT, 0600);
-        posix_spawn_file_actions_addopen(&m_files, STDERR_FILENO, messages.c_str(), O_WRONLY | O_CREAT | O_NOCTTY,
-                                         0600);
-        sigset_t signals;
-        sigemptyset(&signals);
-        posix_spawnattr_setsigmask(&m_attributes, &signals);
-        for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGTERM})
-            sigaddset(&signals, signal);
-        posix_spawnattr_setsigdefault(&m_attributes, &signals);
-        posix_spawnattr_setflags(&m_attributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
-    }
-    ~SpawnSettings()
-    {
-        posix_spawn_file_actions_destroy(&m_files);
-        posix_spawnattr_destroy(&m_attributes);
-    }
-    SpawnSettings(const SpawnSettings&) = delete;
-    SpawnSettings& operator=(const SpawnSettings&) = delete;
-
-    pid_t spawn(std::vector<std::string> line) const
-    {
-        std::vector<char*> arguments;
-        arguments.reserve(line.size() + 1);
-        for (std::string& argument : line)
-            arguments.push_back(argument.data());
-        arguments.push_back(nullptr);
-        pid_t process = -1;
-        errno = ::posix_spawn(&process, arguments.front(), &m_files, &m_attributes, arguments.data(), environ);
-        check(errno == 0, "cannot start " + line.front());
-        return process;
-    }
-
-private:
-    posix_spawn_file_actions_t m_files{};
-    posix_spawnattr_t m_attributes{};
-};
 
 std::string contentOf(const std::string& path)
 {
