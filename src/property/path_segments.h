@@ -8,7 +8,8 @@
 /// Whether the path is one segment and nothing else, as most are: it is then the key of a child as it stands.
 inline bool isSingleSegment(const std::string& path) noexcept
 {
-    return !path.empty() && std::string_view(path).find('/') == std::string_view::npos; // a view's find() is inlined
+    const std::string_view view = path; // whose find() is inlined
+    return !view.empty() && view.find('/') == std::string_view::npos;
 }
 
 /// The segments of a key path, one after the other. A path without "/", the usual one, is handed out as it is; of any
