@@ -126,14 +126,17 @@ private:
     Buffer m_buffer;
 };
 
-/// Stores what @p generator gives: it fills a buffer of @p capacity bytes and returns how many it wrote, 0 at the end.
-/// The bytes pass through an unnamed temporary file, so memory stays flat whatever their number.
-/// @throws std::system_error when the temporary file cannot be written; what the generator and writeFile() throw
-inline void writeFile(DataBaseClient& client, const std::string& database, const std::string& gridFsCollection,
-                      const std::string& fileName,
-                      const std::function<std::size_t(char* buffer, std::size_t capacity)>& generator)
+/// Fills a buffer of @p capacity bytes and returns how many it wrote, 0 at the end.
+using Generator = std::function<std::size_t(char* buffer, std::size_t capacity)>;
+
+/// A file without a name, gone when it is closed.
+using TemporaryFile = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
+
+/// A temporary file with what @p generator gives, for what takes files alone: path() leads to it.
+/// @throws std::system_error when it cannot be written; what the generator throws
+inline TemporaryFile temporaryFile(const Generator& generator)
 {
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> spool(std::tmpfile(), &std::fclose);
+    TemporaryFile spool(std::tmpfile(), &std::fclose);
     const auto fail = [] { throw std::system_error(errno, std::generic_category(), "Temporary file"); };
     if (!spool)
         fail();
@@ -145,7 +148,22 @@ inline void writeFile(DataBaseClient& client, const std::string& database, const
     }
     if (std::fflush(spool.get()) != 0)
         fail();
-    client.writeFile(database, gridFsCollection, fileName, "/dev/fd/" + std::to_string(::fileno(spool.get())));
+    return spool;
+}
+
+/// A path to the file, for this process and as long as the file is open.
+inline std::string path(const TemporaryFile& file)
+{
+    return "/dev/fd/" + std::to_string(::fileno(file.get()));
+}
+
+/// Stores what @p generator gives. The bytes pass through a temporary file, so memory stays flat whatever their number.
+/// @throws std::system_error when the temporary file cannot be written; what the generator and writeFile() throw
+inline void writeFile(DataBaseClient& client, const std::string& database, const std::string& gridFsCollection,
+                      const std::string& fileName, const Generator& generator)
+{
+    const TemporaryFile spool = temporaryFile(generator);
+    client.writeFile(database, gridFsCollection, fileName, path(spool));
 }
 
 /// Stores what a stream holds from its read position on.

@@ -12,7 +12,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <array>
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
@@ -21,6 +20,7 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <system_error>
 
 namespace {
 
@@ -43,27 +43,27 @@ void store(const GlobalOptions& global, const FileCommand& command, const std::s
     client->writeFile(command.database, command.store, name, path);
 }
 
-using OwnedFile = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
-
 // The driver reads files alone, so what comes from a pipe goes into one without a name.
-OwnedFile standardInput(bool quiet)
+companion::TemporaryFile standardInput(bool quiet)
 {
-    OwnedFile file(std::tmpfile(), &std::fclose);
     Progress progress("reading", 0, quiet, Progress::Unit::Bytes);
-    std::array<char, 65536> piece;
-    bool isWritten = file != nullptr;
-    for (std::uint64_t bytes = 0; isWritten && std::cin;)
-    {
-        std::cin.read(piece.data(), piece.size());
+    std::uint64_t bytes = 0;
+    const auto read = [&](char* buffer, std::size_t capacity) {
+        std::cin.read(buffer, static_cast<std::streamsize>(capacity));
+        if (std::cin.bad())
+            throw Failure(UsageError, "standard input cannot be read");
         const auto count = static_cast<std::size_t>(std::cin.gcount());
-        isWritten = std::fwrite(piece.data(), 1, count, file.get()) == count;
         progress.show(bytes += count);
+        return count;
+    };
+    try
+    {
+        return companion::temporaryFile(read);
     }
-    if (!isWritten || std::fflush(file.get()) != 0)
+    catch (const std::system_error&)
+    {
         throw Failure(UsageError, "cannot write a temporary file");
-    if (std::cin.bad())
-        throw Failure(UsageError, "standard input cannot be read");
-    return file;
+    }
 }
 
 int put(const GlobalOptions& global, const FileCommand& command)
@@ -79,9 +79,8 @@ int put(const GlobalOptions& global, const FileCommand& command)
         store(global, command, name, command.path, -1);
         return Success;
     }
-    const OwnedFile input = standardInput(global.connection.quiet);
-    const int number = ::fileno(input.get());
-    store(global, command, name, "/dev/fd/" + std::to_string(number), number);
+    const companion::TemporaryFile input = standardInput(global.connection.quiet);
+    store(global, command, name, companion::path(input), ::fileno(input.get()));
     return Success;
 }
 
