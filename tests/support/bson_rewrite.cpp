@@ -1,9 +1,12 @@
 #include "bson_rewrite.h"
 
+#include "owned_bson.h"
+
 #include <bson/bson.h>
 
 #include <cstring>
 #include <limits>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 
@@ -267,6 +270,18 @@ private:
 };
 
 } // namespace
+
+Bytes bsonFromJson(const std::string& json)
+{
+    bson_error_t error{};
+    OwnedBson document;
+    if (!bson_init_from_json(document.get(), json.c_str(), static_cast<ssize_t>(json.size()), &error))
+    {
+        throw std::invalid_argument(std::string("not a document: ") + error.message);
+    }
+    const std::uint8_t* data = bson_get_data(document.get());
+    return {data, data + document.get()->len};
+}
 
 std::optional<Bytes> rewriteBson(const std::uint8_t* document, std::size_t length, BsonRewrite rewrite)
 {

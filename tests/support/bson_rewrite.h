@@ -3,11 +3,15 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <vector>
 
 namespace test_support {
 
 using Bytes = std::vector<std::uint8_t>;
+
+/// The document of a text in extended JSON. @throws std::invalid_argument when it is none
+Bytes bsonFromJson(const std::string& json);
 
 /// What a document must be turned into before a server that is stricter than MongoDB takes it.
 enum class BsonRewrite

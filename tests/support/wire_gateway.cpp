@@ -115,18 +115,6 @@ ServerAddress parseUri(const std::string& uri)
     return address;
 }
 
-Bytes bsonFromJson(const std::string& json)
-{
-    bson_error_t error{};
-    OwnedBson document;
-    if (!bson_init_from_json(document.get(), json.c_str(), static_cast<ssize_t>(json.size()), &error))
-    {
-        throw std::invalid_argument(std::string("not a document: ") + error.message);
-    }
-    const std::uint8_t* data = bson_get_data(document.get());
-    return {data, data + document.get()->len};
-}
-
 /// Threads of the gateway take no signal that is meant for the test.
 template <typename Function>
 std::thread startQuietThread(Function function)
@@ -212,25 +200,33 @@ Fault Fault::cutReply(std::size_t bytes)
     return fault;
 }
 
+Fault Fault::changeReply(std::function<void(Bytes&)> change)
+{
+    Fault fault(Kind::ChangeReply);
+    fault.m_change = std::move(change);
+    return fault;
+}
+
 Fault Fault::shortenReply(std::size_t bytes)
 {
-    Fault fault(Kind::ShortenReply);
-    fault.m_count = std::max(bytes, WireMessage::kHeaderSize);
-    return fault;
+    return changeReply([bytes](Bytes& reply) {
+        reply.resize(std::min(std::max(bytes, WireMessage::kHeaderSize), reply.size()));
+        setAnnouncedLength(reply);
+    });
 }
 
 Fault Fault::malformedReply(Bytes bytes)
 {
-    Fault fault(Kind::MalformedReply);
-    fault.m_bytes = std::move(bytes);
-    return fault;
+    return changeReply([bytes = std::move(bytes)](Bytes& reply) {
+        reply.resize(WireMessage::kHeaderSize);
+        reply.insert(reply.end(), bytes.begin(), bytes.end());
+        setAnnouncedLength(reply);
+    });
 }
 
 Fault Fault::rawReply(Bytes bytes)
 {
-    Fault fault(Kind::RawReply);
-    fault.m_bytes = std::move(bytes);
-    return fault;
+    return changeReply([bytes = std::move(bytes)](Bytes& reply) { reply = bytes; });
 }
 
 Fault Fault::delayReply(std::chrono::milliseconds time)
@@ -876,17 +872,9 @@ private:
             reply.resize(std::min(fault.m_count, reply.size()));
             sendToClient(connection, reply);
             return false;
-        case Fault::Kind::ShortenReply:
-            reply.resize(std::min(fault.m_count, reply.size()));
-            setAnnouncedLength(reply);
+        case Fault::Kind::ChangeReply:
+            fault.m_change(reply);
             return sendToClient(connection, reply);
-        case Fault::Kind::MalformedReply:
-            reply.resize(WireMessage::kHeaderSize);
-            reply.insert(reply.end(), fault.m_bytes.begin(), fault.m_bytes.end());
-            setAnnouncedLength(reply);
-            return sendToClient(connection, reply);
-        case Fault::Kind::RawReply:
-            return sendToClient(connection, fault.m_bytes);
         case Fault::Kind::DelayReply:
             return waitUntil(
                        connection, [] { return false; }, Clock::now() + fault.m_time) &&

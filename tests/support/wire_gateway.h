@@ -5,6 +5,7 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -70,6 +71,8 @@ public:
     static Fault malformedReply(Bytes bytes);
     /// These bytes, whatever they are, and nothing else.
     static Fault rawReply(Bytes bytes);
+    /// The client gets what @p change makes of the whole reply, header included. Called in a thread of the gateway's.
+    static Fault changeReply(std::function<void(Bytes&)> change);
     /// The reply comes that much later. The time is a real one: prefer holdReply().
     static Fault delayReply(std::chrono::milliseconds time);
     /// The reply is kept until releaseReplies() or until the client gives up.
@@ -93,9 +96,7 @@ private:
         DropBeforeForwarding,
         DropAfterForwarding,
         CutReply,
-        ShortenReply,
-        MalformedReply,
-        RawReply,
+        ChangeReply,
         DelayReply,
         HoldReply,
     };
@@ -104,6 +105,7 @@ private:
 
     Kind m_kind;
     Bytes m_bytes;
+    std::function<void(Bytes&)> m_change;
     std::size_t m_count = 0;
     std::chrono::milliseconds m_time{0};
     std::string m_name;
