@@ -1,6 +1,7 @@
 #include "database_client/database_client_d.h"
 
 #include "database_client/DatabaseDriverManager.h"
+#include "database_client/stream_initiator.h"
 #include "properties_to_bson.h"
 
 #include <cstdint>
@@ -60,7 +61,7 @@ void DataBaseClientPrivate::connect(const std::string& uri)
     bson_error_t unread{};
     const UriHandle parsed(mongoc_uri_new_with_error(uri.c_str(), &unread));
     if (parsed)
-        m_client.reset(mongoc_client_new_from_uri_with_error(parsed.get(), &unread));
+        m_client = newCheckedClient(*parsed, unread);
     if (!m_client)
         throw_runtime_error("Connection failed", "", 0);
 }

@@ -50,9 +50,7 @@ Fault chosen(std::mt19937_64& random)
         return Fault::replaceReply(
             R"({"ok": 1, "n": 1, "writeConcernError": {"code": 64, "errmsg": "waiting for replication timed out"}})");
     case 7:
-        // Shorter than any document needs, which the driver refuses. A message that ends inside its document it reads
-        // on behind the end, which can end the process: docs/reliability.md.
-        return Fault::shortenReply(16 + random() % 4);
+        return Fault::shortenReply(16 + random() % 29); // of at least 45 bytes
     default:
         return Fault::rawReply(Bytes{1, 2, 3});
     }

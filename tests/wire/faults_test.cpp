@@ -143,10 +143,43 @@ TEST_P(OperationFault, ConnectionDroppedInsideTheReply)
     expectRecovery();
 }
 
-// Replies that are wrong further inside crash the driver itself; out of reach from here.
 TEST_P(OperationFault, ReplyWhoseHeaderIsNone)
 {
     inject(Fault::rawReply(Bytes(64, 0xFF)));
+    EXPECT_PRED1([this](const std::string& text) { return isOwn(text); }, failure());
+    expectRecovery();
+}
+
+TEST_P(OperationFault, ReplyThatEndsBeforeItsDocument)
+{
+    inject(Fault::shortenReply(30));
+    EXPECT_PRED1([this](const std::string& text) { return isOwn(text); }, failure());
+    expectRecovery();
+}
+
+TEST_P(OperationFault, ReplyOfAnotherKindThanWasAskedFor)
+{
+    for (const unsigned opCode : {1U, 2004U, 2012U})
+    {
+        inject(Fault::changeReply([opCode](Bytes& reply) {
+            reply[12] = static_cast<std::uint8_t>(opCode);
+            reply[13] = static_cast<std::uint8_t>(opCode >> 8U);
+        }));
+        EXPECT_PRED1([this](const std::string& text) { return isOwn(text); }, failure());
+        expectRecovery();
+    }
+}
+
+TEST_P(OperationFault, ReplyThatIsMalformedInside)
+{
+    inject(Fault::changeReply([](Bytes& reply) { reply[25] = 0x55; })); // no kind of an element
+    EXPECT_PRED1([this](const std::string& text) { return isOwn(text); }, failure());
+    expectRecovery();
+}
+
+TEST_P(OperationFault, ReplyThatTheDriverWouldEndTheProcessOver)
+{
+    inject(Fault::answer(R"({"ok": 0, "errmsg": "an error without a number", "code": 0})"));
     EXPECT_PRED1([this](const std::string& text) { return isOwn(text); }, failure());
     expectRecovery();
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "database_client.h"
+#include "database_client/mongoc_handles.h"
 
 #include <memory>
 #include <string>
@@ -19,7 +20,7 @@ struct ConnectionOptions
 std::string connectionString(const ConnectionOptions& options);
 
 /// @throws Failure when the driver cannot read it; without a word of the password
-void checkConnectionString(const std::string& uri);
+UriHandle parsedConnectionString(const std::string& uri);
 
 /// A connected client.
 std::unique_ptr<DataBaseClient> connect(const std::string& uri);

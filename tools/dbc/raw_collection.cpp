@@ -1,6 +1,7 @@
 #include "raw_collection.h"
 
 #include "companion/errors.h"
+#include "database_client/stream_initiator.h"
 #include "failure.h"
 #include "interrupt.h"
 
@@ -20,8 +21,9 @@ void throwDriverError(const std::string& message, const bson_error_t& error)
 RawCollection::RawCollection(const std::string& uri, const std::string& fullName)
 {
     DataBaseClient().isConnected(); // the first client of the process starts the driver
-    checkConnectionString(uri);
-    m_client.reset(mongoc_client_new(uri.c_str()));
+    const UriHandle parsed = parsedConnectionString(uri);
+    bson_error_t error{};
+    m_client = newCheckedClient(*parsed, error);
     if (!m_client)
         throw std::runtime_error("Connection failed");
     std::string collection;

@@ -1,0 +1,228 @@
+#include "database_client/passing_document.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace {
+
+enum Kind : std::uint8_t
+{
+    End = 0x00, // of the document: no element
+    Double = 0x01,
+    Text = 0x02,
+    Document = 0x03,
+    Array = 0x04,
+    Binary = 0x05,
+    Undefined = 0x06,
+    ObjectId = 0x07,
+    Boolean = 0x08,
+    DateTime = 0x09,
+    Null = 0x0A,
+    RegularExpression = 0x0B,
+    Pointer = 0x0C,
+    Code = 0x0D,
+    Symbol = 0x0E,
+    ScopedCode = 0x0F,
+    Int32 = 0x10,
+    Timestamp = 0x11,
+    Int64 = 0x12,
+    Decimal = 0x13,
+    MaxKey = 0x7F,
+    MinKey = 0xFF,
+};
+
+constexpr std::uint32_t lengthSize = 4;
+constexpr std::uint32_t idSize = 12;
+constexpr std::uint32_t smallestText = 1;
+constexpr std::uint32_t smallestDocument = lengthSize + 1;
+constexpr std::uint32_t smallestScopedCode = lengthSize + lengthSize + smallestText + smallestDocument;
+
+} // namespace
+
+void PassingDocument::start(std::uint32_t length) noexcept
+{
+    m_ends[0] = length;
+    m_depth = 1;
+    m_position = 0;
+    m_length = 0;
+    m_lengthBytes = 0;
+    m_part = Part::DocumentLength;
+}
+
+bool PassingDocument::take(const std::uint8_t* bytes, std::size_t count) noexcept
+{
+    while (count > 0)
+    {
+        const std::size_t available = m_depth == 0 ? 0 : std::min<std::size_t>(count, m_ends[m_depth - 1] - m_position);
+        const std::uint32_t before = m_position;
+        if (available == 0 || !takePart(bytes, available))
+            return false;
+        bytes += m_position - before;
+        count -= m_position - before;
+    }
+    return true;
+}
+
+bool PassingDocument::takePart(const std::uint8_t* bytes, std::size_t count) noexcept
+{
+    switch (m_part)
+    {
+    case Part::Kind:
+        return takeKind(*bytes);
+    case Part::Key:
+    case Part::Pattern:
+    case Part::Options:
+        takeName(bytes, count);
+        return true;
+    case Part::TextEnd:
+        return takeTextEnd(*bytes);
+    case Part::Content:
+        takeContent(count);
+        return true;
+    case Part::DocumentLength:
+    case Part::TextLength:
+    case Part::BinaryLength:
+    case Part::ScopedCodeLength:
+        return takeLength(bytes, count);
+    }
+    return false;
+}
+
+bool PassingDocument::takeKind(std::uint8_t kind) noexcept
+{
+    ++m_position;
+    if (kind == End)
+        return m_position == m_ends[--m_depth];
+    m_kind = kind;
+    m_part = Part::Key;
+    return kind <= Decimal || kind == MaxKey || kind == MinKey;
+}
+
+// A text without a length: its end is looked for.
+void PassingDocument::takeName(const std::uint8_t* bytes, std::size_t count) noexcept
+{
+    const void* const end = std::memchr(bytes, 0, count);
+    if (end)
+        count = static_cast<std::size_t>(static_cast<const std::uint8_t*>(end) - bytes) + 1;
+    m_position += static_cast<std::uint32_t>(count);
+    if (!end)
+        return;
+    if (m_part == Part::Key)
+        beginValue();
+    else
+        m_part = m_part == Part::Pattern ? Part::Options : Part::Kind;
+}
+
+void PassingDocument::beginValue() noexcept
+{
+    switch (m_kind)
+    {
+    case Document:
+    case Array:
+        m_part = Part::DocumentLength;
+        break;
+    case Text:
+    case Code:
+    case Symbol:
+    case Pointer:
+        m_part = Part::TextLength;
+        break;
+    case Binary:
+        m_part = Part::BinaryLength;
+        break;
+    case ScopedCode:
+        m_part = Part::ScopedCodeLength;
+        break;
+    case RegularExpression:
+        m_part = Part::Pattern;
+        break;
+    case Boolean:
+        expectContent(1);
+        break;
+    case Int32:
+        expectContent(4);
+        break;
+    case Double:
+    case DateTime:
+    case Timestamp:
+    case Int64:
+        expectContent(8);
+        break;
+    case ObjectId:
+        expectContent(idSize);
+        break;
+    case Decimal:
+        expectContent(16);
+        break;
+    default: // a kind without a value
+        m_part = Part::Kind;
+    }
+}
+
+bool PassingDocument::takeLength(const std::uint8_t* bytes, std::size_t count) noexcept
+{
+    for (; count > 0 && m_lengthBytes < lengthSize; --count, ++m_position)
+        m_length |= std::uint32_t{*bytes++} << (8U * m_lengthBytes++);
+    if (m_lengthBytes < lengthSize)
+        return true;
+    const std::uint32_t length = m_length;
+    m_length = 0;
+    m_lengthBytes = 0;
+    return beginMeasured(length);
+}
+
+bool PassingDocument::beginMeasured(std::uint32_t length) noexcept
+{
+    switch (m_part)
+    {
+    case Part::TextLength:
+        expectContent(std::uint64_t{length} - smallestText, Part::TextEnd);
+        return length >= smallestText;
+    case Part::BinaryLength:
+        expectContent(std::uint64_t{length} + 1); // and its subtype
+        return true;
+    case Part::ScopedCodeLength:
+        expectContent(std::uint64_t{length} - lengthSize);
+        return length >= smallestScopedCode;
+    default:
+        return beginDocument(length);
+    }
+}
+
+bool PassingDocument::beginDocument(std::uint32_t length) noexcept
+{
+    m_part = Part::Kind;
+    if (length < smallestDocument)
+        return false;
+    const bool isOutermost = m_position == lengthSize;
+    const std::uint64_t end = std::uint64_t{m_position} - lengthSize + length;
+    if (isOutermost)
+        return end == m_ends[0];
+    if (end >= m_ends[m_depth - 1] || m_depth == deepest)
+        return false;
+    m_ends[m_depth++] = static_cast<std::uint32_t>(end);
+    return true;
+}
+
+bool PassingDocument::takeTextEnd(std::uint8_t byte) noexcept
+{
+    ++m_position;
+    m_part = Part::Kind;
+    if (m_kind == Pointer)
+        expectContent(idSize);
+    return byte == 0;
+}
+
+void PassingDocument::takeContent(std::size_t count) noexcept
+{
+    const auto taken = static_cast<std::uint32_t>(std::min<std::uint64_t>(count, m_contentLeft));
+    m_position += taken;
+    expectContent(m_contentLeft - taken, m_afterContent);
+}
+
+void PassingDocument::expectContent(std::uint64_t size, Part next) noexcept
+{
+    m_contentLeft = size;
+    m_afterContent = next;
+    m_part = size == 0 ? next : Part::Content;
+}
