@@ -142,6 +142,22 @@ TEST_F(Tls, IsRefusedWhenTheCertificateIsForAnotherHost)
         << "the host name was the only reason";
 }
 
+TEST_F(Tls, IsRefusedWhenTheAuthorityCannotBeRead)
+{
+    const ServerProcess server(certificates->server("here"));
+    EXPECT_NE(writeThrough(server.uri() + trusting("missing")), "");
+}
+
+TEST_F(Tls, WorksWithoutTheRevocationOfCertificates)
+{
+    const ServerProcess server(certificates->server("here"));
+    for (const char* const option : {"&tlsDisableCertificateRevocationCheck=true", "&tlsDisableOCSPEndpointCheck=true"})
+    {
+        EXPECT_EQ(writeThrough(server.uri() + trusting("right") + option), "") << option;
+        EXPECT_NE(writeThrough(server.uri() + trusting("wrong") + option), "") << option;
+    }
+}
+
 TEST_F(Tls, IsNotLeftOutByTheClientOrTheServer)
 {
     const ServerProcess server(certificates->server("here"));
