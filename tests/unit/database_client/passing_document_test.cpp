@@ -192,7 +192,7 @@ const MalformedRow malformed[] = {
     {"BinaryOfNegativeLength", {0x05, 'k', 0, 0xFF, 0xFF, 0xFF, 0xFF, 0}},
     {"PatternWithoutOptions", {0x0B, 'k', 0, 'a', 0}},
     {"PointerWithoutItsId", {0x0C, 'k', 0, 1, 0, 0, 0, 0}},
-    {"ScopedCodeShorterThanItsParts", {0x0F, 'k', 0, 13, 0, 0, 0, 1, 0, 0, 0, 0, 5, 0, 0, 0, 0}},
+    {"ScopedCodeShorterThanItsParts", {0x0F, 'k', 0, 13, 0, 0, 0, 1, 0, 0, 0, 0, 5, 0, 0, 0}},
     {"InnerDocumentShorterThanAny", {0x03, 'k', 0, 4, 0, 0, 0, 0}},
     {"InnerDocumentLongerThanTheOuter", {0x03, 'k', 0, 7, 0, 0, 0, 0}},
     {"InnerDocumentThatTakesTheOuterEnd", {0x03, 'k', 0, 6, 0, 0, 0, 0}},
