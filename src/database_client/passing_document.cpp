@@ -1,7 +1,9 @@
 #include "database_client/passing_document.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
+#include <optional>
 
 namespace {
 
@@ -37,6 +39,46 @@ constexpr std::uint32_t smallestText = 1;
 constexpr std::uint32_t smallestDocument = lengthSize + 1;
 constexpr std::uint32_t smallestScopedCode = lengthSize + lengthSize + smallestText + smallestDocument;
 
+constexpr std::uint8_t notFixed = 0xFF;
+
+// How long a value is whose kind tells it.
+constexpr std::array<std::uint8_t, 256> fixedSizes = [] {
+    std::array<std::uint8_t, 256> sizes{};
+    for (std::uint8_t& size : sizes)
+        size = notFixed;
+    sizes[Undefined] = sizes[Null] = sizes[MinKey] = sizes[MaxKey] = 0;
+    sizes[Boolean] = 1;
+    sizes[Int32] = 4;
+    sizes[Double] = sizes[DateTime] = sizes[Timestamp] = sizes[Int64] = 8;
+    sizes[ObjectId] = idSize;
+    sizes[Decimal] = 16;
+    return sizes;
+}();
+
+std::uint32_t lengthAt(const std::uint8_t* bytes)
+{
+    return std::uint32_t{bytes[0]} | std::uint32_t{bytes[1]} << 8U | std::uint32_t{bytes[2]} << 16U |
+           std::uint32_t{bytes[3]} << 24U;
+}
+
+// The size of a value that is whole and well formed in these bytes; nothing of one that is not, or is of another kind
+// than most.
+std::optional<std::size_t> wholeValue(std::uint8_t kind, const std::uint8_t* bytes, std::size_t count)
+{
+    std::size_t size = fixedSizes[kind];
+    if (kind == Text)
+    {
+        if (count <= lengthSize)
+            return std::nullopt;
+        size = std::size_t{lengthSize} + lengthAt(bytes);
+        if (size == lengthSize || size > count || bytes[size - 1] != 0)
+            return std::nullopt;
+    }
+    else if (size == notFixed || size > count)
+        return std::nullopt;
+    return size;
+}
+
 } // namespace
 
 void PassingDocument::start(std::uint32_t length) noexcept
@@ -55,11 +97,27 @@ bool PassingDocument::take(const std::uint8_t* bytes, std::size_t count) noexcep
     {
         const std::size_t available = m_depth == 0 ? 0 : std::min<std::size_t>(count, m_ends[m_depth - 1] - m_position);
         const std::uint32_t before = m_position;
-        if (available == 0 || !takePart(bytes, available))
+        if (available == 0 || !(takeWholeElement(bytes, available) || takePart(bytes, available)))
             return false;
         bytes += m_position - before;
         count -= m_position - before;
     }
+    return true;
+}
+
+// Most elements come whole. They are passed in one step; whatever this does not know goes part by part.
+bool PassingDocument::takeWholeElement(const std::uint8_t* bytes, std::size_t count) noexcept
+{
+    if (m_part != Part::Kind || *bytes == End)
+        return false;
+    const auto* const keyEnd = static_cast<const std::uint8_t*>(std::memchr(bytes, 0, count));
+    if (!keyEnd)
+        return false;
+    const auto valueBegin = static_cast<std::size_t>(keyEnd - bytes) + 1;
+    const auto size = wholeValue(*bytes, bytes + valueBegin, count - valueBegin);
+    if (!size)
+        return false;
+    m_position += static_cast<std::uint32_t>(valueBegin + *size);
     return true;
 }
 
@@ -136,26 +194,8 @@ void PassingDocument::beginValue() noexcept
     case RegularExpression:
         m_part = Part::Pattern;
         break;
-    case Boolean:
-        expectContent(1);
-        break;
-    case Int32:
-        expectContent(4);
-        break;
-    case Double:
-    case DateTime:
-    case Timestamp:
-    case Int64:
-        expectContent(8);
-        break;
-    case ObjectId:
-        expectContent(idSize);
-        break;
-    case Decimal:
-        expectContent(16);
-        break;
-    default: // a kind without a value
-        m_part = Part::Kind;
+    default:
+        expectContent(fixedSizes[m_kind]);
     }
 }
 

@@ -37,6 +37,7 @@ private:
         Content, ///< bytes that may be any
     };
 
+    bool takeWholeElement(const std::uint8_t* bytes, std::size_t count) noexcept;
     bool takePart(const std::uint8_t* bytes, std::size_t count) noexcept;
     bool takeKind(std::uint8_t kind) noexcept;
     void takeName(const std::uint8_t* bytes, std::size_t count) noexcept;
