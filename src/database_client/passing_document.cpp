@@ -137,13 +137,9 @@ bool PassingDocument::takePart(const std::uint8_t* bytes, std::size_t count) noe
     case Part::Content:
         takeContent(count);
         return true;
-    case Part::DocumentLength:
-    case Part::TextLength:
-    case Part::BinaryLength:
-    case Part::ScopedCodeLength:
+    default: // a length of something
         return takeLength(bytes, count);
     }
-    return false;
 }
 
 bool PassingDocument::takeKind(std::uint8_t kind) noexcept

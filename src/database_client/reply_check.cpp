@@ -30,8 +30,6 @@ std::size_t PassingMessage::take(const std::uint8_t* bytes, std::size_t count) n
     // Until the length is known, no further than the length. One that is shorter than itself ends there.
     const std::size_t end = std::max<std::size_t>(sizeof(std::uint32_t), hasLength() ? length() : 0);
     const std::size_t taken = std::min(count, end - m_passed);
-    if (taken == 0)
-        return 0;
     if (m_passed < m_beginning.size())
         std::copy_n(bytes, std::min(taken, m_beginning.size() - m_passed), m_beginning.data() + m_passed);
     m_passed += taken;

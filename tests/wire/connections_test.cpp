@@ -12,6 +12,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <atomic>
 #include <cstdlib>
 #include <stdexcept>
 #include <string>
@@ -178,6 +179,32 @@ TEST_F(Connections, LeaveTheLogToWhoeverHasIt)
     mongoc_log(MONGOC_LOG_LEVEL_DEBUG, "test", "still heard");
     mongoc_log_set_handler(mongoc_log_default_handler, nullptr);
     EXPECT_NE(log.find("still heard"), std::string::npos);
+}
+
+TEST_F(Connections, LoseNothingThatOthersLogMeanwhile)
+{
+    struct Count
+    {
+        static void take(mongoc_log_level_t /*level*/, const char* domain, const char* /*message*/, void* data)
+        {
+            if (domain == std::string("another"))
+                ++*static_cast<int*>(data);
+        }
+    };
+    constexpr int messages = 20000;
+    int heard = 0; // the driver calls its log under a lock
+    mongoc_log_set_handler(Count::take, &heard);
+    std::atomic<bool> isDone{false};
+    std::thread another([&isDone] {
+        for (int i = 0; i < messages; ++i)
+            mongoc_log(MONGOC_LOG_LEVEL_DEBUG, "another", "message");
+        isDone = true;
+    });
+    while (!isDone)
+        DataBaseClient().connect("mongodb://127.0.0.1:1/");
+    another.join();
+    mongoc_log_set_handler(mongoc_log_default_handler, nullptr);
+    EXPECT_EQ(heard, messages);
 }
 
 } // namespace
