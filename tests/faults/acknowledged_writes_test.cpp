@@ -3,12 +3,12 @@
 // DATABASE_CLIENT_TEST_FAULTS is how many faults, DATABASE_CLIENT_TEST_SEED chooses them.
 
 #include "database_client.h"
+#include "environment_number.h"
 #include "object_properties.h"
 #include "test_server.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <list>
 #include <random>
 #include <set>
@@ -19,16 +19,11 @@
 namespace {
 
 using test_support::Bytes;
+using test_support::environmentNumber;
 using test_support::Fault;
 using test_support::ScratchDatabase;
 using test_support::TestServer;
 using test_support::WireGateway;
-
-std::size_t fromEnvironment(const char* name, std::size_t usual)
-{
-    const char* const text = std::getenv(name);
-    return text ? std::stoul(text) : usual;
-}
 
 Fault chosen(std::mt19937_64& random)
 {
@@ -62,8 +57,8 @@ TEST(AcknowledgedWrites, AreAllFoundWhateverHappensToTheConnection)
     ScratchDatabase database;
     DataBaseClient client;
     client.connect(TestServer::instance().uri() + "?socketTimeoutMS=2000&serverSelectionTimeoutMS=5000");
-    const auto seed = fromEnvironment("DATABASE_CLIENT_TEST_SEED", 1);
-    const auto faults = fromEnvironment("DATABASE_CLIENT_TEST_FAULTS", 20);
+    const auto seed = environmentNumber("DATABASE_CLIENT_TEST_SEED", 1);
+    const auto faults = environmentNumber("DATABASE_CLIENT_TEST_FAULTS", 20);
     std::mt19937_64 random(seed);
     std::vector<std::string> acknowledged;
     std::size_t failures = 0;

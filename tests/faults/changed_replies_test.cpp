@@ -4,6 +4,7 @@
 // DATABASE_CLIENT_TEST_ROUNDS is how many are tried of each way, DATABASE_CLIENT_TEST_SEED where to start.
 
 #include "database_client.h"
+#include "environment_number.h"
 #include "object_properties.h"
 #include "owned_bson.h"
 #include "result_list.h"
@@ -14,7 +15,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <cstdlib>
 #include <functional>
 #include <limits>
 #include <list>
@@ -27,12 +27,6 @@
 
 namespace test_support {
 namespace {
-
-std::size_t fromEnvironment(const char* name, std::size_t usual)
-{
-    const char* const text = std::getenv(name);
-    return text ? std::stoul(text) : usual;
-}
 
 /// Changes replies. Called by threads of the gateway.
 class Changer
@@ -361,8 +355,8 @@ protected:
 
 TEST_P(ChangedReply, NeverEndsTheProcess)
 {
-    const auto seed = fromEnvironment("DATABASE_CLIENT_TEST_SEED", 1);
-    const auto rounds = fromEnvironment("DATABASE_CLIENT_TEST_ROUNDS", 26);
+    const auto seed = environmentNumber("DATABASE_CLIENT_TEST_SEED", 1);
+    const auto rounds = environmentNumber("DATABASE_CLIENT_TEST_ROUNDS", 26);
     Changer changer(seed, "127.0.0.1:" + std::to_string(gateway().port()));
     std::size_t thrown = 0;
     for (std::size_t round = 0; round < rounds; ++round)

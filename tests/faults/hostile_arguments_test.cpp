@@ -4,6 +4,7 @@
 // DATABASE_CLIENT_TEST_ROUNDS is how many are tried, DATABASE_CLIENT_TEST_SEED where to start.
 
 #include "database_client.h"
+#include "environment_number.h"
 #include "object_properties.h"
 #include "test_server.h"
 
@@ -22,14 +23,9 @@
 
 namespace {
 
+using test_support::environmentNumber;
 using test_support::ScratchDatabase;
 using test_support::TestServer;
-
-std::size_t fromEnvironment(const char* name, std::size_t usual)
-{
-    const char* const text = std::getenv(name);
-    return text ? std::stoul(text) : usual;
-}
 
 class Generator
 {
@@ -254,8 +250,8 @@ TEST(HostileArguments, EndInAResultOrAnExceptionNeverInTheEndOfTheProcess)
     TestServer::instance().gateway().record(false);
     DataBaseClient client;
     client.connect(TestServer::instance().uri());
-    const auto first = fromEnvironment("DATABASE_CLIENT_TEST_SEED", 1);
-    const auto rounds = fromEnvironment("DATABASE_CLIENT_TEST_ROUNDS", 1000);
+    const auto first = environmentNumber("DATABASE_CLIENT_TEST_SEED", 1);
+    const auto rounds = environmentNumber("DATABASE_CLIENT_TEST_ROUNDS", 1000);
     std::size_t refused = 0;
     for (std::size_t seed = first; seed < first + rounds; ++seed)
     {

@@ -2,6 +2,7 @@
 //
 // Input: what was asked, the size of the pieces, and the bytes.
 
+#include "bson_walk.h"
 #include "database_client/reply_check.h"
 #include "require.h"
 
@@ -48,28 +49,6 @@ bool isTaken(const Bytes& asked, const std::uint8_t* data, std::size_t size, std
     return true;
 }
 
-bool canBeEntered(const bson_t& bson)
-{
-    bson_iter_t element;
-    if (!bson_iter_init(&element, &bson))
-        return false;
-    while (bson_iter_next(&element))
-    {
-        std::uint32_t length = 0;
-        const std::uint8_t* bytes = nullptr;
-        if (BSON_ITER_HOLDS_DOCUMENT(&element))
-            bson_iter_document(&element, &length, &bytes);
-        else if (BSON_ITER_HOLDS_ARRAY(&element))
-            bson_iter_array(&element, &length, &bytes);
-        else
-            continue;
-        bson_t inner;
-        if (!bson_init_static(&inner, bytes, length) || !canBeEntered(inner))
-            return false;
-    }
-    return true;
-}
-
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
@@ -94,6 +73,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     bson_t document;
     require(length > begin && bson_init_static(&document, data + begin, length - begin),
             "a reply ends with its document");
-    require(canBeEntered(document), "every document of a reply can be entered");
+    require(test_support::canBeEntered(&document), "every document of a reply can be entered");
     return 0;
 }

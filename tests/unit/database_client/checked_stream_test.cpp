@@ -1,7 +1,6 @@
 #include "database_client/checked_stream.h"
 
-#include "bson_bytes.h"
-#include "bson_rewrite.h"
+#include "messages.h"
 #include "wire_socket.h"
 
 #include <gtest/gtest.h>
@@ -17,22 +16,9 @@
 
 namespace {
 
-using test_support::bsonFromJson;
-using test_support::Bytes;
 using test_support::FileDescriptor;
 using test_support::listenOn;
-using test_support::putInt32;
 using test_support::reservePort;
-
-Bytes opMsgOf(const std::string& json)
-{
-    Bytes bytes(21);
-    const Bytes body = bsonFromJson(json);
-    bytes.insert(bytes.end(), body.begin(), body.end());
-    putInt32(bytes, 0, static_cast<std::int32_t>(bytes.size()));
-    putInt32(bytes, 12, 2013);
-    return bytes;
-}
 
 // A checked stream over a connection of this process with itself.
 class CheckedStream : public testing::Test

@@ -2,6 +2,7 @@
 
 #include "bson_bytes.h"
 #include "bson_rewrite.h"
+#include "bson_walk.h"
 #include "row_name.h"
 
 #include <gtest/gtest.h>
@@ -19,6 +20,7 @@ using test_support::BorrowedBson;
 using test_support::BsonBytes;
 using test_support::bsonFromJson;
 using test_support::Bytes;
+using test_support::canBeEntered;
 using test_support::putInt32;
 
 // Whether the document is taken to its end when it comes in pieces of this size.
@@ -261,29 +263,6 @@ TEST(PassingDocument, IsFollowedAsDeepAsItMayBeAndNoDeeper)
     EXPECT_TRUE(isTaken(bytes, 5));
     bytes.insert(bytes.begin(), {0x03, 'k', 0});
     EXPECT_FALSE(isTaken(documentOf(bytes), bytes.size() + 5));
-}
-
-// What the driver counts on: that it can step into every document that it comes to.
-bool canBeEntered(const bson_t* bson)
-{
-    bson_iter_t iter;
-    if (!bson_iter_init(&iter, bson))
-        return false;
-    while (bson_iter_next(&iter))
-    {
-        if (!BSON_ITER_HOLDS_DOCUMENT(&iter) && !BSON_ITER_HOLDS_ARRAY(&iter))
-            continue;
-        std::uint32_t length = 0;
-        const std::uint8_t* bytes = nullptr;
-        if (BSON_ITER_HOLDS_DOCUMENT(&iter))
-            bson_iter_document(&iter, &length, &bytes);
-        else
-            bson_iter_array(&iter, &length, &bytes);
-        bson_t inner;
-        if (!bson_init_static(&inner, bytes, length) || !canBeEntered(&inner))
-            return false;
-    }
-    return true;
 }
 
 TEST(PassingDocument, ThatIsTakenCanBeWalkedByTheDriver)

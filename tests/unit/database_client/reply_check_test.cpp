@@ -1,7 +1,6 @@
 #include "database_client/reply_check.h"
 
-#include "bson_bytes.h"
-#include "bson_rewrite.h"
+#include "messages.h"
 
 #include <gtest/gtest.h>
 
@@ -12,33 +11,7 @@
 namespace {
 
 using test_support::bsonFromJson;
-using test_support::Bytes;
 using test_support::putInt32;
-
-constexpr std::int32_t opReply = 1;
-constexpr std::int32_t opQuery = 2004;
-constexpr std::int32_t opCompressed = 2012;
-constexpr std::int32_t opMsg = 2013;
-
-Bytes message(std::int32_t opCode, const Bytes& body)
-{
-    Bytes bytes(16);
-    bytes.insert(bytes.end(), body.begin(), body.end());
-    putInt32(bytes, 0, static_cast<std::int32_t>(bytes.size()));
-    putInt32(bytes, 12, opCode);
-    return bytes;
-}
-
-Bytes joined(Bytes first, const Bytes& second)
-{
-    first.insert(first.end(), second.begin(), second.end());
-    return first;
-}
-
-Bytes opMsgOf(const std::string& json)
-{
-    return message(opMsg, joined(Bytes(5), bsonFromJson(json)));
-}
 
 Bytes opReplyOf(const std::string& json, std::int32_t documents = 1)
 {

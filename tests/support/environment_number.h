@@ -1,0 +1,16 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdlib>
+#include <string>
+
+namespace test_support {
+
+/// The number in that variable of the environment, or the usual one when it is not set.
+inline std::size_t environmentNumber(const char* name, std::size_t usual)
+{
+    const char* const text = std::getenv(name);
+    return text ? std::stoul(text) : usual;
+}
+
+} // namespace test_support
