@@ -47,6 +47,13 @@ private:
 
 constexpr std::int64_t forEver = 3600 * 1000; // in milliseconds, as far as a test goes
 
+void expectConnected(const Addresses& addresses, ListeningPort& port)
+{
+    const SocketHandle socket = addresses.connect(forEver);
+    EXPECT_NE(socket, nullptr);
+    EXPECT_TRUE(port.accepts());
+}
+
 TEST(HappyEyeballs, DoNotWaitForASingleAddress)
 {
     const RefusingPort refusing;
@@ -62,9 +69,7 @@ TEST(HappyEyeballs, TakeTheFirstAddressThatAnswers)
     Addresses addresses;
     addresses.add(first.number);
     addresses.add(second.number);
-    const SocketHandle socket = addresses.connect(forEver);
-    EXPECT_NE(socket, nullptr);
-    EXPECT_TRUE(first.accepts());
+    expectConnected(addresses, first);
 }
 
 TEST(HappyEyeballs, GoOnAfterAddressesThatRefuse)
@@ -75,9 +80,7 @@ TEST(HappyEyeballs, GoOnAfterAddressesThatRefuse)
     for (int i = 0; i < 20; ++i) // more than there are attempts at a time
         addresses.add(refusing.number);
     addresses.add(listening.number);
-    const SocketHandle socket = addresses.connect(forEver);
-    EXPECT_NE(socket, nullptr);
-    EXPECT_TRUE(listening.accepts());
+    expectConnected(addresses, listening);
 }
 
 TEST(HappyEyeballs, GoOnBesideAnAddressThatDoesNotAnswer)
@@ -87,9 +90,7 @@ TEST(HappyEyeballs, GoOnBesideAnAddressThatDoesNotAnswer)
     Addresses addresses;
     addresses.add(silent.number);
     addresses.add(listening.number);
-    const SocketHandle socket = addresses.connect(forEver);
-    EXPECT_NE(socket, nullptr);
-    EXPECT_TRUE(listening.accepts());
+    expectConnected(addresses, listening);
 }
 
 TEST(HappyEyeballs, EndWhenEveryAddressRefused)
