@@ -1,5 +1,7 @@
 #include "database_client/passing_document.h"
 
+#include <bson/bson.h>
+
 #include <algorithm>
 #include <array>
 #include <cstring>
@@ -7,34 +9,8 @@
 
 namespace {
 
-enum Kind : std::uint8_t
-{
-    End = 0x00, // of the document: no element
-    Double = 0x01,
-    Text = 0x02,
-    Document = 0x03,
-    Array = 0x04,
-    Binary = 0x05,
-    Undefined = 0x06,
-    ObjectId = 0x07,
-    Boolean = 0x08,
-    DateTime = 0x09,
-    Null = 0x0A,
-    RegularExpression = 0x0B,
-    Pointer = 0x0C,
-    Code = 0x0D,
-    Symbol = 0x0E,
-    ScopedCode = 0x0F,
-    Int32 = 0x10,
-    Timestamp = 0x11,
-    Int64 = 0x12,
-    Decimal = 0x13,
-    MaxKey = 0x7F,
-    MinKey = 0xFF,
-};
-
 constexpr std::uint32_t lengthSize = 4;
-constexpr std::uint32_t idSize = 12;
+constexpr std::uint8_t idSize = sizeof(bson_oid_t);
 constexpr std::uint32_t smallestText = 1;
 constexpr std::uint32_t smallestDocument = lengthSize + 1;
 constexpr std::uint32_t smallestScopedCode = lengthSize + lengthSize + smallestText + smallestDocument;
@@ -46,12 +22,12 @@ constexpr std::array<std::uint8_t, 256> fixedSizes = [] {
     std::array<std::uint8_t, 256> sizes{};
     for (std::uint8_t& size : sizes)
         size = notFixed;
-    sizes[Undefined] = sizes[Null] = sizes[MinKey] = sizes[MaxKey] = 0;
-    sizes[Boolean] = 1;
-    sizes[Int32] = 4;
-    sizes[Double] = sizes[DateTime] = sizes[Timestamp] = sizes[Int64] = 8;
-    sizes[ObjectId] = idSize;
-    sizes[Decimal] = 16;
+    sizes[BSON_TYPE_UNDEFINED] = sizes[BSON_TYPE_NULL] = sizes[BSON_TYPE_MINKEY] = sizes[BSON_TYPE_MAXKEY] = 0;
+    sizes[BSON_TYPE_BOOL] = 1;
+    sizes[BSON_TYPE_INT32] = 4;
+    sizes[BSON_TYPE_DOUBLE] = sizes[BSON_TYPE_DATE_TIME] = sizes[BSON_TYPE_TIMESTAMP] = sizes[BSON_TYPE_INT64] = 8;
+    sizes[BSON_TYPE_OID] = idSize;
+    sizes[BSON_TYPE_DECIMAL128] = 16;
     return sizes;
 }();
 
@@ -61,12 +37,11 @@ std::uint32_t lengthAt(const std::uint8_t* bytes)
            std::uint32_t{bytes[3]} << 24U;
 }
 
-// The size of a value that is whole and well formed in these bytes; nothing of one that is not, or is of another kind
-// than most.
+// The size of a text, or of a value of a fixed size, that is whole and well formed in these bytes.
 std::optional<std::size_t> wholeValue(std::uint8_t kind, const std::uint8_t* bytes, std::size_t count)
 {
     std::size_t size = fixedSizes[kind];
-    if (kind == Text)
+    if (kind == BSON_TYPE_UTF8)
     {
         if (count <= lengthSize)
             return std::nullopt;
@@ -74,7 +49,7 @@ std::optional<std::size_t> wholeValue(std::uint8_t kind, const std::uint8_t* byt
         if (size == lengthSize || size > count || bytes[size - 1] != 0)
             return std::nullopt;
     }
-    else if (size == notFixed || size > count)
+    else if (size > count)
         return std::nullopt;
     return size;
 }
@@ -108,7 +83,7 @@ bool PassingDocument::take(const std::uint8_t* bytes, std::size_t count) noexcep
 // Most elements come whole. They are passed in one step; whatever this does not know goes part by part.
 bool PassingDocument::takeWholeElement(const std::uint8_t* bytes, std::size_t count) noexcept
 {
-    if (m_part != Part::Kind || *bytes == End)
+    if (m_part != Part::Kind || (fixedSizes[*bytes] == notFixed && *bytes != BSON_TYPE_UTF8))
         return false;
     const auto* const keyEnd = static_cast<const std::uint8_t*>(std::memchr(bytes, 0, count));
     if (!keyEnd)
@@ -145,11 +120,11 @@ bool PassingDocument::takePart(const std::uint8_t* bytes, std::size_t count) noe
 bool PassingDocument::takeKind(std::uint8_t kind) noexcept
 {
     ++m_position;
-    if (kind == End)
+    if (kind == BSON_TYPE_EOD)
         return m_position == m_ends[--m_depth];
     m_kind = kind;
     m_part = Part::Key;
-    return kind <= Decimal || kind == MaxKey || kind == MinKey;
+    return kind <= BSON_TYPE_DECIMAL128 || kind == BSON_TYPE_MAXKEY || kind == BSON_TYPE_MINKEY;
 }
 
 // A text without a length: its end is looked for.
@@ -171,23 +146,23 @@ void PassingDocument::beginValue() noexcept
 {
     switch (m_kind)
     {
-    case Document:
-    case Array:
+    case BSON_TYPE_DOCUMENT:
+    case BSON_TYPE_ARRAY:
         m_part = Part::DocumentLength;
         break;
-    case Text:
-    case Code:
-    case Symbol:
-    case Pointer:
+    case BSON_TYPE_UTF8:
+    case BSON_TYPE_CODE:
+    case BSON_TYPE_SYMBOL:
+    case BSON_TYPE_DBPOINTER:
         m_part = Part::TextLength;
         break;
-    case Binary:
+    case BSON_TYPE_BINARY:
         m_part = Part::BinaryLength;
         break;
-    case ScopedCode:
+    case BSON_TYPE_CODEWSCOPE:
         m_part = Part::ScopedCodeLength;
         break;
-    case RegularExpression:
+    case BSON_TYPE_REGEX:
         m_part = Part::Pattern;
         break;
     default:
@@ -244,7 +219,7 @@ bool PassingDocument::takeTextEnd(std::uint8_t byte) noexcept
 {
     ++m_position;
     m_part = Part::Kind;
-    if (m_kind == Pointer)
+    if (m_kind == BSON_TYPE_DBPOINTER)
         expectContent(idSize);
     return byte == 0;
 }
