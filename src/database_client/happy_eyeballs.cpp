@@ -1,5 +1,7 @@
 #include "database_client/happy_eyeballs.h"
 
+#include "database_client/host_addresses.h"
+
 #include <poll.h>
 
 #include <algorithm>
@@ -54,7 +56,7 @@ private:
 // Begins to connect. What becomes of it the socket tells when it is waited for, an immediate refusal included.
 SocketHandle reachFor(const addrinfo& address)
 {
-    SocketHandle socket(mongoc_socket_new(address.ai_family, address.ai_socktype, address.ai_protocol));
+    SocketHandle socket = socketFor(address);
     if (socket)
         mongoc_socket_connect(socket.get(), address.ai_addr, address.ai_addrlen, 0);
     return socket;

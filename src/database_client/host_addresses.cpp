@@ -1,9 +1,8 @@
 #include "database_client/host_addresses.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstring>
-
-#include <algorithm>
 
 HostAddresses::HostAddresses(const mongoc_host_list_t& host) noexcept
 {

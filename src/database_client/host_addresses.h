@@ -1,6 +1,6 @@
 #pragma once
 
-#include <mongoc/mongoc.h>
+#include "database_client/mongoc_handles.h"
 
 #include <netdb.h>
 #include <sys/un.h>
@@ -32,3 +32,9 @@ private:
     addrinfo m_local = {}; ///< the address of a socket in the file system
     sockaddr_un m_localPlace = {};
 };
+
+/// A socket of the driver's for the kind of this address, not connected; null when there is none to be had.
+inline SocketHandle socketFor(const addrinfo& address) noexcept
+{
+    return SocketHandle(mongoc_socket_new(address.ai_family, address.ai_socktype, address.ai_protocol));
+}

@@ -31,12 +31,6 @@ constexpr std::array<std::uint8_t, 256> fixedSizes = [] {
     return sizes;
 }();
 
-std::uint32_t lengthAt(const std::uint8_t* bytes)
-{
-    return std::uint32_t{bytes[0]} | std::uint32_t{bytes[1]} << 8U | std::uint32_t{bytes[2]} << 16U |
-           std::uint32_t{bytes[3]} << 24U;
-}
-
 // The size of a text, or of a value of a fixed size, that is whole and well formed in these bytes.
 std::optional<std::size_t> wholeValue(std::uint8_t kind, const std::uint8_t* bytes, std::size_t count)
 {
@@ -45,7 +39,7 @@ std::optional<std::size_t> wholeValue(std::uint8_t kind, const std::uint8_t* byt
     {
         if (count <= lengthSize)
             return std::nullopt;
-        size = std::size_t{lengthSize} + lengthAt(bytes);
+        size = std::size_t{lengthSize} + littleEndian(bytes);
         if (size == lengthSize || size > count || bytes[size - 1] != 0)
             return std::nullopt;
     }

@@ -4,6 +4,13 @@
 #include <cstddef>
 #include <cstdint>
 
+/// A number as BSON and the wire protocol write it, the lowest byte first.
+inline std::uint32_t littleEndian(const std::uint8_t* bytes) noexcept
+{
+    return std::uint32_t{bytes[0]} | std::uint32_t{bytes[1]} << 8U | std::uint32_t{bytes[2]} << 16U |
+           std::uint32_t{bytes[3]} << 24U;
+}
+
 /// A BSON document that goes by in pieces of any size, and the question whether it is well formed: every length within
 /// the one around it, every kind a known one, every text and every document with its end. Format: https://bsonspec.org
 ///

@@ -36,14 +36,6 @@ std::size_t PassingMessage::take(const std::uint8_t* bytes, std::size_t count) n
     return taken;
 }
 
-std::uint32_t PassingMessage::numberAt(std::size_t offset) const noexcept
-{
-    std::uint32_t number = 0;
-    for (std::size_t i = sizeof number; i > 0; --i)
-        number = number << 8U | m_beginning[offset + i - 1];
-    return number;
-}
-
 bool PassingMessage::beginsAt(std::size_t offset, const char* text) const noexcept
 {
     const std::size_t size = std::strlen(text) + 1;

@@ -28,7 +28,7 @@ public:
     /// 0, which is none, until the header went by.
     std::uint32_t opCode() const noexcept { return m_passed < headerSize ? 0 : numberAt(12); }
     /// A little-endian number of the kept beginning.
-    std::uint32_t numberAt(std::size_t offset) const noexcept;
+    std::uint32_t numberAt(std::size_t offset) const noexcept { return littleEndian(m_beginning.data() + offset); }
     std::uint8_t byteAt(std::size_t offset) const noexcept { return m_beginning[offset]; }
     /// Whether this text and its end stand there.
     bool beginsAt(std::size_t offset, const char* text) const noexcept;

@@ -29,7 +29,7 @@ StreamHandle failed(bson_error_t* error, std::uint32_t code, const char* text, c
 
 StreamHandle openLocal(const addrinfo& address, bson_error_t* error)
 {
-    SocketHandle socket(mongoc_socket_new(address.ai_family, address.ai_socktype, address.ai_protocol));
+    SocketHandle socket = socketFor(address);
     constexpr std::int64_t noLimit = -1;
     if (socket && mongoc_socket_connect(socket.get(), address.ai_addr, address.ai_addrlen, noLimit) == 0)
         return StreamHandle(mongoc_stream_socket_new(socket.release()));

@@ -15,7 +15,7 @@ StreamHandle reach(const mongoc_host_list_t& host, const addrinfo* addresses)
 {
     for (const addrinfo* address = addresses; address; address = address->ai_next)
     {
-        SocketHandle socket(mongoc_socket_new(address->ai_family, address->ai_socktype, address->ai_protocol));
+        SocketHandle socket = socketFor(*address);
         const std::int64_t end = bson_get_monotonic_time() + std::int64_t{1000} * patience;
         if (!socket || mongoc_socket_connect(socket.get(), address->ai_addr, address->ai_addrlen, end) != 0)
             continue;
