@@ -14,6 +14,7 @@
 #include <Poco/MongoDB/Document.h>
 #include <nlohmann/json.hpp>
 
+#include <cstdint>
 #include <optional>
 
 namespace {

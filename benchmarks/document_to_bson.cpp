@@ -11,6 +11,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include <cstdint>
+
 namespace {
 
 const auto prepareNothing = [](auto&) {};

@@ -45,6 +45,12 @@ ROWS = [
     ("build_by_setters", "nlohmann_json", {"flat": 1.2, "nested": 1.2}),
     ("set_by_key", "nlohmann_json", {"flat": None, "wide_shuffled": None}),
     ("filter", "nlohmann_json", {"conditions": 1.5}),
+    ("value_decode", "nlohmann_json", dict.fromkeys(ALL, 0.5)),
+    ("value_encode", "nlohmann_json", dict.fromkeys(ALL, 0.5)),
+    ("value_encode", "libbson", dict.fromkeys(ALL)),
+    ("value_copy", "nlohmann_json", dict.fromkeys(ALL, 1)),
+    ("value_free", "nlohmann_json", dict.fromkeys(ALL, 1)),
+    ("value_read_by_key", "nlohmann_json", {"flat": 1, "nested": 1, "wide_shuffled": 1}),
 ]
 
 

@@ -12,20 +12,30 @@ set(database_client_headers
   properties_to_bson.h
   properties_to_json.h
   property.h)
-set(companion_headers
+set(dbc_headers
   access.h
   build.h
+  bulk.h
+  collection.h
   connection_string.h
+  cursor.h
+  database.h
+  document_ref.h
   errors.h
+  file_store.h
   files.h
   filter.h
+  log.h
   loss_guard.h
+  options.h
   pool.h
   results.h
   scopes.h
+  value.h
+  value_type.h
   values.h)
 list(TRANSFORM database_client_headers PREPEND ${PROJECT_SOURCE_DIR}/include/)
-list(TRANSFORM companion_headers PREPEND ${PROJECT_SOURCE_DIR}/include/companion/)
+list(TRANSFORM dbc_headers PREPEND ${PROJECT_SOURCE_DIR}/include/dbc/)
 
 install(TARGETS database_client EXPORT database_client
   LIBRARY COMPONENT runtime NAMELINK_COMPONENT development
@@ -33,8 +43,8 @@ install(TARGETS database_client EXPORT database_client
   INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/database_client)
 install(FILES ${database_client_headers}
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/database_client COMPONENT development)
-install(FILES ${companion_headers}
-  DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/database_client/companion COMPONENT development)
+install(FILES ${dbc_headers}
+  DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/database_client/dbc COMPONENT development)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/database_client)
 install(EXPORT database_client NAMESPACE database_client:: FILE database_client-targets.cmake
@@ -55,10 +65,9 @@ file(RELATIVE_PATH pc_prefix ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INST
 string(REGEX REPLACE "/$" "" pc_prefix ${pc_prefix})
 file(RELATIVE_PATH pc_libdir ${CMAKE_INSTALL_PREFIX} ${CMAKE_INSTALL_FULL_LIBDIR})
 file(RELATIVE_PATH pc_includedir ${CMAKE_INSTALL_PREFIX} ${CMAKE_INSTALL_FULL_INCLUDEDIR})
-if(BUILD_SHARED_LIBS)
-  set(pc_requires "libbson-1.0 >= 1.23")
-else()
-  set(pc_requires "libbson-1.0 >= 1.23, libmongoc-1.0 >= 1.23")
+set(pc_requires "${database_client_bson_module} >= ${database_client_driver_least}")
+if(NOT BUILD_SHARED_LIBS)
+  string(APPEND pc_requires ", ${database_client_mongoc_module} >= ${database_client_driver_least}")
 endif()
 configure_file(${PROJECT_SOURCE_DIR}/cmake/database_client.pc.in ${PROJECT_BINARY_DIR}/database_client.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/database_client.pc

@@ -1,8 +1,8 @@
 // Writes typed documents, finds some of them in order, and reads their values and nested parts.
 #include "example.h"
 
-#include <companion/access.h>
-#include <companion/build.h>
+#include <dbc/access.h>
+#include <dbc/build.h>
 #include <object_properties.h>
 
 #include <iostream>
@@ -11,29 +11,27 @@ namespace {
 
 ObjectProperties city(const std::string& name, int people, bool capital)
 {
-    return companion::document({{"name", name},
-                                {"people", people},
-                                {"capital", capital},
-                                {"visited", companion::timeFromMilliseconds(1500000000000)}, // since 1970-01-01 UTC
-                                {"place", companion::object({{"height", 2.5}})},
-                                {"districts", companion::array({name + " North", name + " South"})}});
+    return dbc::document({{"name", name},
+                          {"people", people},
+                          {"capital", capital},
+                          {"visited", dbc::timeFromMilliseconds(1500000000000)}, // since 1970-01-01 UTC
+                          {"place", {{"height", 2.5}}},
+                          {"districts", dbc::array({name + " North", name + " South"})}});
 }
 
 // {"$query": {"capital": false}, "$orderby": {"people": -1}}
 ObjectProperties largestTowns()
 {
-    return companion::document(
-        {{"$query", companion::object({{"capital", false}})}, {"$orderby", companion::object({{"people", -1}})}});
+    return dbc::document({{"$query", {{"capital", false}}}, {"$orderby", {{"people", -1}}}});
 }
 
 void print(const ObjectProperties& document)
 {
     // "place/height" is the member "height" of the group "place". Reading so adds nothing to the document.
-    const auto visited = companion::getOr(document, "visited", companion::Time());
-    std::cout << companion::getOr(document, "name", "?") << ", " << companion::getOr(document, "people", 0)
-              << " people, " << companion::getOr(document, "place/height", 0.0) << " m, visited at "
-              << companion::millisecondsOf(visited) << '\n';
-    for (const std::string& district : companion::values<std::string>(document, "districts"))
+    const auto visited = dbc::getOr(document, "visited", dbc::Time());
+    std::cout << dbc::getOr(document, "name", "?") << ", " << dbc::getOr(document, "people", 0) << " people, "
+              << dbc::getOr(document, "place/height", 0.0) << " m, visited at " << dbc::millisecondsOf(visited) << '\n';
+    for (const std::string& district : dbc::elementsAs<std::string>(document, "districts"))
     {
         std::cout << "  " << district << '\n';
     }
@@ -54,7 +52,7 @@ try
     client.write(database, "cities", city("Hamburg", 1800000, false));
     std::cout << "an id has " << id.size() << " digits\n";
 
-    companion::Results found;
+    dbc::Results found;
     client.find(database, "cities", largestTowns(), ObjectProperties(), found, 1, 0); // limit 1, skip 0
     for (const ObjectProperties& document : found)
     {

@@ -1,8 +1,8 @@
 // Builds a query call by call, shows it as JSON and uses it.
 #include "example.h"
 
-#include <companion/access.h>
-#include <companion/build.h>
+#include <dbc/access.h>
+#include <dbc/build.h>
 #include <object_filter.h>
 #include <properties_to_json.h>
 
@@ -19,7 +19,7 @@ void writePeople(DataBaseClient& client, const std::string& database)
     } people[] = {{"Ada", 36}, {"Alan", 41}, {"Edsger", 72}, {"Grace", 85}, {"Konrad", 85}};
     for (const auto& person : people)
     {
-        client.write(database, "people", companion::document({{"name", person.name}, {"age", person.age}}));
+        client.write(database, "people", dbc::document({{"name", person.name}, {"age", person.age}}));
     }
 }
 
@@ -46,11 +46,11 @@ void printMatches(DataBaseClient& client, const std::string& database, const Obj
     ObjectProperties inOrder;
     inOrder.include("$query", query);
     inOrder.setValueInt32("$orderby/name", 1);
-    companion::Results found;
+    dbc::Results found;
     client.read(database, "people", inOrder, found);
     for (const ObjectProperties& person : found)
     {
-        std::cout << "  " << companion::getOr(person, "name", "?") << '\n';
+        std::cout << "  " << dbc::getOr(person, "name", "?") << '\n';
     }
 }
 

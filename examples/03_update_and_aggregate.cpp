@@ -19,7 +19,7 @@ ObjectProperties fromJson(const std::string& json)
     return document;
 }
 
-void print(const std::string& what, const companion::Results& documents)
+void print(const std::string& what, const dbc::Results& documents)
 {
     std::cout << what << '\n';
     for (const ObjectProperties& document : documents)
@@ -52,12 +52,12 @@ try
     update(R"({"fruit": "pear"})", R"({"notes": "ripe"})", UpdateFlagNone, UpdateCommandPush);
     update(R"({"fruit": "fig"})", R"({"kilos": 1})", UpdateFlagUpsert, UpdateCommandSet); // there is none: inserted
 
-    companion::Results sales;
+    dbc::Results sales;
     client.find(database, "sales", fromJson(R"({"$query": {}, "$orderby": {"kilos": 1}})"), fromJson(R"({"_id": 0})"),
                 sales, 0, 0);
     print("sales", sales);
 
-    companion::Results sums;
+    dbc::Results sums;
     client.aggregate(database, "sales", fromJson(R"({"pipeline": [
         {"$group": {"_id": "$fruit", "kilos": {"$sum": "$kilos"}}},
         {"$sort": {"_id": 1}}]})"),

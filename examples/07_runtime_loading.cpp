@@ -1,8 +1,8 @@
 // Loads the library at run time: this program is not linked with it. Three factories are looked up by name; everything
 // else is called through the virtual interfaces. Members that are not virtual, such as DataBaseClient::instance(), and
 // objects made without a factory would need the library at link time.
-#include <companion/results.h>
 #include <database_client.h>
+#include <dbc/results.h>
 #include <object_filter.h>
 #include <object_properties.h>
 
@@ -38,6 +38,8 @@ void run(const Library& library, const std::string& uri)
     client->connect(uri);
     std::string database;
     client->getDatabaseName(database);
+    if (database.empty())
+        database = "example";
 
     const auto document = make<ObjectProperties>(library, "createObjectProperties");
     document->setValueString("name", "Lisbon");
@@ -48,7 +50,7 @@ void run(const Library& library, const std::string& uri)
     // Built in place: neither copied nor destroyed as a temporary, for which the library would have to be linked.
     const std::unique_ptr<ObjectProperties> query(new ObjectProperties(filter->toObjectProeprties()));
 
-    companion::Results found;
+    dbc::Results found;
     client->read(database, "cities", *query, found);
     for (const ObjectProperties& city : found)
     {
@@ -59,15 +61,17 @@ void run(const Library& library, const std::string& uri)
 
 } // namespace
 
+// LIBRARY is libdatabase_client.so.1, or libdatabase_client.so.1-mongoc2 for a library over libmongoc 2.x.
 int main(int argc, char** argv)
 try
 {
-    const Library library(dlopen("libdatabase_client.so.1", RTLD_NOW));
+    const Library library(dlopen(LIBRARY, RTLD_NOW));
     if (!library)
     {
         throw std::runtime_error(dlerror());
     }
-    run(library, argc > 1 ? argv[1] : "mongodb://127.0.0.1:27017/example"); // every object ends before the library
+    const char* const given = argc > 1 ? argv[1] : std::getenv("MONGODB_URI");
+    run(library, given != nullptr ? given : "mongodb://127.0.0.1:27017/"); // every object ends before the library
 }
 catch (const std::exception& problem)
 {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <companion/results.h>
+#include <dbc/results.h>
 
 #include <database_client.h>
 

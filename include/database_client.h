@@ -13,6 +13,10 @@
 class DataBaseClientPrivate;
 class ObjectProperties;
 
+namespace dbc {
+class ClientAccess;
+}
+
 /// Which documents an update changes. The numbers are part of the library's interface.
 enum UpdateFlag : int
 {
@@ -45,13 +49,17 @@ DATABASE_CLIENT_API void parseOldCollectionName(const std::string& fullName, std
 /// A client of one server. It starts no thread, keeps no state but its connection, and reports every failure by an
 /// exception that carries only a text:
 /// - `std::invalid_argument`: "Connection is not established. Run connect before"; "<name> is empty" for a required
-/// name;
-///   a document that does not convert; an enumerator out of range. Nothing was sent.
+///   name; a document of more than 1,000 nested levels; an enumerator out of range. Nothing was sent.
 /// - `std::runtime_error`: a failure that the driver or the server reports, as
 ///   "<message>: <driver text>(code: <code>)", the driver's text and the code left out where there is none.
 ///
 /// Checks run in this order: the connection, each required name, the documents, the driver call. A failed operation
 /// leaves the client connected and usable.
+///
+/// Depth: every operation refuses a document, query, projection, pipeline, roles or custom data of more than 1,000
+/// levels of groups and arrays, with the text of that parameter ("Bad properties" and so on). The driver reads
+/// documents by recursion, so deeper ones could exhaust the stack. libmongoc 1.30 and later refuse most documents of
+/// more than 500 levels with an error of their own, a `std::runtime_error`. MongoDB itself takes 100.
 ///
 /// One thread at a time, each client. The first client, and the first instance() call, come before other threads use
 /// the library.
@@ -87,14 +95,15 @@ public:
     /// Inserts a document with a new "_id", appended whether or not the document holds one already: callers depend on
     /// it.
     /// @param id  replaced by the new id, 24 hexadecimal digits; set before the insert, so also when that fails
-    /// @throws std::invalid_argument  no connection; an empty name; "Bad properties"
+    /// @throws std::invalid_argument  no connection; an empty name; "Bad properties": more than 1,000 levels
     /// @throws std::runtime_error     "Error occurred while insert operation..."
     virtual void write(const std::string& database, const std::string& collection, const ObjectProperties& document,
                        std::string& id);
     /// Changes the documents that match @p query.
     /// @param document  operand of the operator @p command
     /// @throws std::invalid_argument  no connection; an empty name; "Uncknown command", "Uncknown update flag",
-    ///                                "Bad properties", "Bad condition"
+    ///                                "Bad properties" (@p document) or "Bad condition" (@p query): more than 1,000
+    ///                                levels
     /// @throws std::runtime_error     "Error creating update document."; "Updating failed..."
     virtual void update(const std::string& database, const std::string& collection, const ObjectProperties& query,
                         const ObjectProperties& document, const UpdateFlag& flag, const UpdateCommand& command);
@@ -107,19 +116,22 @@ public:
     /// @param results     extended at its end, never cleared; the caller deletes each element
     /// @param limit       most documents to return; 0 is no limit
     /// @param skip        matching documents to pass over first
-    /// @throws std::invalid_argument  no connection; an empty name; "Bad condition", "Bad propjection", "Bad results"
+    /// @throws std::invalid_argument  no connection; an empty name; "Bad condition": more than 1,000 levels, or a
+    ///                                "$query" that is not a document; "Bad propjection": more than 1,000 levels;
+    ///                                "Bad results": a document from the server is not valid BSON
     /// @throws std::runtime_error     "Find error...."; what arrived before stays in @p results
     /// @note Documents without fields are left out.
     virtual void find(const std::string& database, const std::string& collection, const ObjectProperties& query,
                       const ObjectProperties& projection, std::list<ObjectProperties*>& results, int limit, int skip);
     /// Runs an aggregation; results as by find().
     /// @param pipeline  {"pipeline": [...]}, or a document whose keys are 0, 1, 2 and whose members are the stages
-    /// @throws std::invalid_argument  no connection; an empty name; "Bad pipeline", "Bad results"
+    /// @throws std::invalid_argument  no connection; an empty name; "Bad pipeline": more than 1,000 levels; "Bad
+    ///                                results": a document from the server is not valid BSON
     /// @throws std::runtime_error     "Aggregation error...."; what arrived before stays in @p results
     virtual void aggregate(const std::string& database, const std::string& collection, const ObjectProperties& pipeline,
                            std::list<ObjectProperties*>& results);
     /// Deletes every document that matches @p query.
-    /// @throws std::invalid_argument  no connection; an empty name; "Bad condition"
+    /// @throws std::invalid_argument  no connection; an empty name; "Bad condition": more than 1,000 levels
     /// @throws std::runtime_error     "Error occurred while remove operation..."
     virtual void remove(const std::string& database, const std::string& collection, const ObjectProperties& query);
     /// Replaces @p name by the database of the connection string; by an empty text when there is none, or no
@@ -131,12 +143,14 @@ public:
     /// @param password    an empty one is left out of the command
     /// @param roles       array-shaped: keys 0, 1, 2 ...
     /// @param customData  kept by the server with the user
-    /// @throws std::invalid_argument  no connection; an empty name; "Bad roles.", "Bad custom data"
+    /// @throws std::invalid_argument  no connection; an empty name; "Bad roles." or "Bad custom data": more than 1,000
+    ///                                levels
     /// @throws std::runtime_error     "Error occurred while adding user..."
     virtual void addUser(const std::string& database, std::string user, const std::string& password,
                          const ObjectProperties& roles, const ObjectProperties& customData);
     /// Replaces roles and custom data of a user, both also when empty. The password stays.
-    /// @throws std::invalid_argument  no connection; an empty name; "Bad roles.", "Bad custom data"
+    /// @throws std::invalid_argument  no connection; an empty name; "Bad roles." or "Bad custom data": more than 1,000
+    ///                                levels
     /// @throws std::runtime_error     "Error occurred while updating user..."
     virtual void updateUser(const std::string& database, std::string user, const ObjectProperties& roles,
                             const ObjectProperties& customData);
@@ -157,6 +171,10 @@ public:
     virtual void readFile(const std::string& database, const std::string& gridFsCollection, const std::string& fileName,
                           std::iostream* stream);
     /// Stores a local file. A stored file of the same name stays beside it.
+    ///
+    /// The file has its name from the first chunk of 255 KiB on, and its length grows with each further one. If the
+    /// upload fails or the process ends in the middle, a file of this name stays that is too short, but reads without
+    /// an error. dbc::writeFile() of dbc/files.h gives the name only when everything is stored.
     /// @throws std::invalid_argument  no connection; an empty name
     /// @throws std::runtime_error     "Error occurred while <driver call> operation..."
     virtual void writeFile(const std::string& database, const std::string& gridFsCollection,
@@ -193,6 +211,8 @@ public:
                            const std::string& password, const std::string& database);
 
 private:
+    friend class dbc::ClientAccess;
+
     std::unique_ptr<DataBaseClientPrivate> d; // the only member: size and layout never change
 };
 

@@ -1,6 +1,10 @@
 # The Debian packages: libdatabase-client1 with the component "runtime", libdatabase-client-dev with "development",
-# libdatabase-client-tools with "tools".
-set(runtime_package libdatabase-client${PROJECT_VERSION_MAJOR})
+# libdatabase-client-tools with "tools". Over libmongoc 2.x the first is libdatabase-client1-mongoc2.
+set(runtime_package libdatabase-client${PROJECT_VERSION_MAJOR}${database_client_soname_suffix})
+set(runtime_packages
+  libdatabase-client${PROJECT_VERSION_MAJOR}
+  libdatabase-client${PROJECT_VERSION_MAJOR}-mongoc2)
+list(REMOVE_ITEM runtime_packages ${runtime_package})
 set(development_package libdatabase-client-dev)
 set(tools_package libdatabase-client-tools)
 set(revision 1)
@@ -62,6 +66,8 @@ set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME ${runtime_package})
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
 set(CPACK_DEBIAN_RUNTIME_DESCRIPTION "${long_description}This package holds the shared library.")
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SHLIBDEPS ON)
+# The two drivers must not meet in one process.
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONFLICTS ${runtime_packages})
 # What dpkg-shlibdeps reads for a program that links the library: it needs this version or a later one.
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
@@ -71,7 +77,9 @@ set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION
   "${long_description}This package holds what a program is built with: the headers, the CMake
 package database_client and the pkg-config file.")
-set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "${runtime_package} (= ${debian_version}), libbson-dev (>= 1.23)")
+math(EXPR next_driver_major "${database_client_driver_major} + 1")
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS
+  "${runtime_package} (= ${debian_version}), libbson-dev (>= ${database_client_driver_least}), libbson-dev (<< ${next_driver_major}~)")
 
 set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME ${tools_package})
 set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION database)

@@ -6,6 +6,7 @@
 #include "properties_to_bson.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdio>
 #include <numeric>
 #include <random>

@@ -1,5 +1,8 @@
 #include "support/steps.h"
 
+#include "driver/driver.h"
+
+#include <cstdint>
 #include <stdexcept>
 #include <utility>
 
@@ -109,7 +112,7 @@ void build(const std::vector<Step>& steps, bson_t* bson)
             here = &nested[depth++];
             break;
         case Step::BeginArray:
-            bson_append_array_begin(here, key, keyLength, &nested[depth]);
+            beginArray(here, key, keyLength, &nested[depth]);
             here = &nested[depth++];
             break;
         case Step::EndGroup:

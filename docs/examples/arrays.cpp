@@ -1,8 +1,8 @@
 // Arrays and the order of their elements.
 #include "example.h"
 
-#include <companion/access.h>
-#include <companion/build.h>
+#include <dbc/access.h>
+#include <dbc/build.h>
 #include <json_to_properties.h>
 
 namespace {
@@ -46,7 +46,7 @@ void read()
     order.endArray();
 
     // The same without a cursor, without adding anything, and in one walk.
-    for (const auto& [key, tag] : companion::children(order, "tags"))
+    for (const auto& [key, tag] : dbc::children(order, "tags"))
         std::cout << key << ' ' << tag->currentValueAsString("") << '\n';
     //! [read]
 }
@@ -57,7 +57,7 @@ void trap()
     //! [trap]
     ObjectProperties document;
     JsonToProperties::convert(R"({"n": [0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10]})", &document);
-    for (const auto& [key, element] : companion::children(document, "n"))
+    for (const auto& [key, element] : dbc::children(document, "n"))
         std::cout << element->currentValueAsInt32(-1) << ' '; // 10 stands behind 1, not behind 9
     std::cout << '\n';
     //! [trap]
@@ -70,7 +70,7 @@ void wayOut()
     JsonToProperties::convert(R"({"n": [0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10]})", &document);
     //! [way_out]
     // Reading: by number, whatever the order of the keys.
-    for (const auto& element : companion::elements(document, "n"))
+    for (const auto& element : dbc::elements(document, "n"))
         std::cout << element->currentValueAsInt32(-1) << ' ';
     std::cout << '\n';
 
@@ -84,8 +84,7 @@ void wayOut()
     std::cout << text(written) << '\n';
 
     // The same with nested braces: the keys get leading zeros.
-    std::cout << text(companion::document({{"n", companion::array({8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18})}}))
-              << '\n';
+    std::cout << text(dbc::document({{"n", dbc::array({8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18})}})) << '\n';
     //! [way_out]
 }
 

@@ -3,9 +3,9 @@
 
 #include "test_server.h"
 
-#include <companion/build.h>
-#include <companion/results.h>
 #include <database_client.h>
+#include <dbc/build.h>
+#include <dbc/results.h>
 #include <factories.h>
 
 #include <exception>
@@ -72,7 +72,7 @@ void results(DataBaseClient& client, const std::string& database)
 {
     section("results");
     for (const char* const name : {"Ada", "Bob"})
-        client.write(database, "people", companion::document({{"name", name}}));
+        client.write(database, "people", dbc::document({{"name", name}}));
     //! [results]
     const Results found(new std::list<ObjectProperties*>);
     client.read(database, "people", ObjectProperties(), *found);
@@ -80,12 +80,12 @@ void results(DataBaseClient& client, const std::string& database)
         std::cout << person->valueAsString("name", "?") << '\n';
     //! [results]
 
-    //! [companion_results]
-    companion::Results people; // the same owner, ready made
+    //! [helpers_results]
+    dbc::Results people; // the same owner, ready made
     client.read(database, "people", ObjectProperties(), people);
     for (const ObjectProperties& person : people)
         std::cout << person.valueAsString("name", "?") << '\n';
-    //! [companion_results]
+    //! [helpers_results]
 }
 
 void find(DataBaseClient& client, const std::string& database)
@@ -101,7 +101,7 @@ void find(DataBaseClient& client, const std::string& database)
     projection.setValueInt32("name", 1);
     projection.setValueInt32("_id", 0);
 
-    companion::Results people;
+    dbc::Results people;
     client.find(database, "people", query, projection, people, 1, 1); // at most one, after skipping one
     std::cout << text(people.front()) << '\n';
     //! [find]
@@ -118,11 +118,10 @@ void update(DataBaseClient& client, const std::string& database)
     client.update(database, "people", query, change, UpdateFlagNone, UpdateCommandSet); // {"$set": {"age": 40}}
 
     // Several operators at once: the document holds them, and no operator is put around it.
-    const ObjectProperties both = companion::update(
-        {{"$set", companion::object({{"age", 41}})}, {"$push", companion::object({{"tags", "older"}})}});
+    const ObjectProperties both = dbc::updateDocument({{"$set", {{"age", 41}}}, {"$push", {{"tags", "older"}}}});
     client.update(database, "people", query, both, UpdateFlagMultiUpdate, UpdateCommandReplace);
     //! [update]
-    companion::Results people;
+    dbc::Results people;
     client.read(database, "people", query, people);
     people.front().remove("_id");
     std::cout << text(people.front()) << '\n';
@@ -133,9 +132,8 @@ void aggregate(DataBaseClient& client, const std::string& database)
     section("aggregate");
     //! [aggregate]
     const ObjectProperties pipeline =
-        companion::pipeline({companion::object({{"$match", companion::object({{"age", 41}})}}),
-                             companion::object({{"$project", companion::object({{"_id", 0}, {"name", 1}})}})});
-    companion::Results people;
+        dbc::pipeline({{{"$match", {{"age", 41}}}}, {{"$project", {{"_id", 0}, {"name", 1}}}}});
+    dbc::Results people;
     client.aggregate(database, "people", pipeline, people);
     std::cout << text(people.front()) << '\n';
     //! [aggregate]
@@ -147,7 +145,7 @@ void failure(DataBaseClient& client)
     //! [failure]
     try
     {
-        companion::Results people;
+        dbc::Results people;
         client.read("shop", "", ObjectProperties(), people);
     }
     catch (const std::invalid_argument& error) // the call was wrong; nothing was sent

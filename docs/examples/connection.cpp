@@ -1,6 +1,7 @@
 // Connection strings.
-#include <companion/connection_string.h>
 #include <database_client.h>
+#include <dbc/connection_string.h>
+#include <dbc/log.h>
 
 #include <iostream>
 #include <memory>
@@ -34,7 +35,7 @@ void escaped()
         std::cout << error.what() << '\n';
     }
 
-    client.connect("shop", "db.example", 27017, "ada", companion::percentEncoded("p@ss/word"));
+    client.connect("shop", "db.example", 27017, "ada", dbc::percentEncoded("p@ss/word"));
     std::cout << client.isConnected() << '\n'; // the text is a connection string; no server was asked
     //! [escaped]
 }
@@ -44,7 +45,7 @@ void options()
     section("options");
     //! [options]
     using std::chrono::seconds;
-    std::cout << companion::ConnectionString()
+    std::cout << dbc::ConnectionString()
                      .host("one.example")
                      .host("two.example", 27018)
                      .replicaSet("rs0")
@@ -59,10 +60,22 @@ void options()
     //! [options]
 }
 
+void log()
+{
+    //! [log]
+    // At the start of the program. Without a handler: dbc::setLogHandler(nullptr).
+    dbc::setLogHandler([](dbc::LogLevel level, const std::string& domain, const std::string& message) {
+        if (level <= dbc::LogLevel::Warning)
+            std::clog << dbc::nameOf(level) << " from " << domain << ": " << message << '\n';
+    });
+    //! [log]
+}
+
 } // namespace
 
 int main()
 {
+    log();
     built();
     escaped();
     options();

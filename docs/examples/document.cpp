@@ -1,8 +1,8 @@
 // The document and its cursor.
 #include "example.h"
 
-#include <companion/access.h>
-#include <companion/scopes.h>
+#include <dbc/access.h>
+#include <dbc/scopes.h>
 
 namespace {
 
@@ -66,7 +66,7 @@ void reading()
     std::cout << document.contains("missing") << ' ' << document.type("missing") << '\n';
 
     std::cout << document.contains("other") << '\n'; // asking first adds nothing
-    std::cout << companion::getOr(document, "other", 7) << '\n';
+    std::cout << dbc::getOr(document, "other", 7) << '\n';
     std::cout << document.contains("other") << '\n';
     //! [reading]
 }
@@ -77,7 +77,7 @@ void scopes()
     //! [scopes]
     ObjectProperties document;
     {
-        const companion::GroupScope born(document, "born");
+        const dbc::GroupScope born(document, "born");
         document.setValueInt32("year", 1815);
     } // the cursor is back where it was, also after an exception
     document.setValueString("name", "Ada");

@@ -1,8 +1,8 @@
 // Reading the text of an exception. Needs no server.
 #include "example.h"
 
-#include <companion/errors.h>
 #include <database_client.h>
+#include <dbc/errors.h>
 
 #include <stdexcept>
 
@@ -13,8 +13,8 @@ void taken()
     section("apart");
     //! [apart]
     const std::runtime_error error("Error occurred while insert operation: E11000 duplicate key error(code: 11000)");
-    const companion::ErrorInfo info = companion::describe(error);
-    std::cout << companion::nameOf(info.kind) << ' ' << *info.code << '\n' << info.text << '\n';
+    const dbc::ErrorInfo info = dbc::describe(error);
+    std::cout << dbc::nameOf(info.kind) << ' ' << *info.code << '\n' << info.text << '\n';
     //! [apart]
 }
 
@@ -29,7 +29,7 @@ void unconnected()
     }
     catch (const std::exception& error)
     {
-        std::cout << companion::nameOf(companion::describe(error).kind) << '\n';
+        std::cout << dbc::nameOf(dbc::describe(error).kind) << '\n';
     }
     //! [unconnected]
 }

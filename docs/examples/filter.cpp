@@ -1,7 +1,7 @@
 // Queries built call by call.
 #include "example.h"
 
-#include <companion/filter.h>
+#include <dbc/filter.h>
 #include <object_filter.h>
 
 namespace {
@@ -123,9 +123,9 @@ void more()
     section("more");
     //! [more]
     ObjectFilter filter;
-    companion::in(filter, "state", {"new", "paid"});
-    companion::no(filter, "age", {{"$gt", 65}});
-    companion::elemMatch(filter, "lines", {{"count", 2}, {"sku", "A1"}});
+    dbc::addIn(filter, "state", {"new", "paid"});
+    dbc::addNot(filter, "age", {{"$gt", 65}});
+    dbc::addElemMatch(filter, "lines", {{"count", 2}, {"sku", "A1"}});
     show(filter);
     //! [more]
 }

@@ -1,7 +1,7 @@
 // Key paths.
 #include "example.h"
 
-#include <companion/build.h>
+#include <dbc/build.h>
 
 namespace {
 
@@ -39,9 +39,9 @@ void literal()
     section("literal");
     //! [literal]
     ObjectProperties document;
-    document.setValueString("e.mail", "ada@example.org");                  // "." is an ordinary character
-    document.root()->createSingleProperty("and/or")->setValueBool(true);   // a key that holds a "/"
-    document.include("more", companion::document({{"either/or", false}})); // and with nested braces
+    document.setValueString("e.mail", "ada@example.org");                // "." is an ordinary character
+    document.root()->createSingleProperty("and/or")->setValueBool(true); // a key that holds a "/"
+    document.include("more", dbc::document({{"either/or", false}}));     // and with nested braces
     std::cout << text(document) << '\n';
     //! [literal]
 }

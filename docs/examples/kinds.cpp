@@ -1,4 +1,4 @@
-// Kinds of values.
+// Types of values.
 #include "example.h"
 
 #include <json_to_properties.h>
@@ -30,32 +30,9 @@ void exact()
     section("exact");
     //! [exact]
     ObjectProperties document;
-    document.setValueInt("n", 5); // Int and Int32 are one kind; LongLong and Int64 are another
+    document.setValueInt("n", 5); // Int and Int32 are one type; LongLong and Int64 are another
     std::cout << document.valueAsInt32("n", -1) << ' ' << document.valueAsInt64("n", -1) << '\n';
     //! [exact]
-}
-
-void number()
-{
-    section("number");
-    ObjectProperties document;
-    JsonToProperties::convert(R"({"a": 1, "b": 5000000000, "c": 2.5})", &document);
-    //! [number]
-    const auto number = [&document](const std::string& key, double otherwise) {
-        switch (document.type(key))
-        {
-        case Int32:
-            return static_cast<double>(document.valueAsInt32(key, 0));
-        case Int64:
-            return static_cast<double>(document.valueAsInt64(key, 0));
-        case Double:
-            return document.valueAsDouble(key, 0);
-        default:
-            return otherwise;
-        }
-    };
-    std::cout << number("a", -1) << ' ' << number("b", -1) << ' ' << number("c", -1) << ' ' << number("d", -1) << '\n';
-    //! [number]
 }
 
 void losses()
@@ -78,6 +55,5 @@ int main()
 {
     every();
     exact();
-    number();
     losses();
 }

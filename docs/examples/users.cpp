@@ -3,8 +3,8 @@
 
 #include "test_server.h"
 
-#include <companion/build.h>
 #include <database_client.h>
+#include <dbc/build.h>
 
 #include <stdexcept>
 

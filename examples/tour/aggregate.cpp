@@ -8,17 +8,20 @@ namespace tour {
 
 namespace {
 
-using companion::object;
-
-// Sorted by one field: fields are written in the order of their names, so {"count": -1, "_id": 1} would sort by "_id".
+// Sorted by one field: fields are written in the order of their names, so
+// {"count": -1, "_id": 1} would sort by "_id".
 void commonTypes(Tour& tour)
 {
-    const ObjectProperties pipeline =
-        companion::pipeline({object({{"$group", object({{"_id", "$type"}, {"count", object({{"$sum", 1}})}})}}),
-                             object({{"$sort", object({{"count", -1}})}}), object({{"$limit", 5}})});
-    Step step("the five most common types of subdivision");
-    companion::Results groups;
-    tour.client->aggregate(tour.database, subdivisionsCollection, pipeline, groups);
+    Step step("the five most common types of subdivision", "group");
+    //! [group]
+    const ObjectProperties pipeline = dbc::pipeline(
+        {{{"$group", {{"_id", "$type"}, {"count", {{"$sum", 1}}}}}},
+         {{"$sort", {{"count", -1}}}},
+         {{"$limit", 5}}});
+    dbc::Results groups;
+    tour.client->aggregate(tour.database, subdivisionsCollection, pipeline,
+                           groups);
+    //! [group]
     step.done(groups.size());
 
     std::map<std::string, long long> expected;
@@ -28,22 +31,27 @@ void commonTypes(Tour& tour)
     }
     for (const ObjectProperties& group : groups)
     {
-        const std::string type = companion::getOr(group, "_id", "");
-        show(std::to_string(number(group, "count")) + "  " + type);
-        agree(type, static_cast<std::size_t>(number(group, "count")), static_cast<std::size_t>(expected[type]));
+        const std::string type = dbc::getOr(group, "_id", "");
+        show(std::to_string(dbc::getOr(group, "count", 0LL)) + "  " + type);
+        agree(type, static_cast<std::size_t>(dbc::getOr(group, "count", 0LL)),
+              static_cast<std::size_t>(expected[type]));
     }
     agree("groups", groups.size(), std::min<std::size_t>(5, expected.size()));
 }
 
 void matchThenGroup(Tour& tour)
 {
-    const ObjectProperties pipeline =
-        companion::pipeline({object({{"$match", object({{"parent", object({{"$exists", true}})}})}}),
-                             object({{"$group", object({{"_id", "$country"}, {"count", object({{"$sum", 1}})}})}}),
-                             object({{"$sort", object({{"_id", 1}})}})});
-    Step step("countries whose subdivisions have parts of their own");
-    companion::Results groups;
-    tour.client->aggregate(tour.database, subdivisionsCollection, pipeline, groups);
+    Step step("countries whose subdivisions have parts of their own",
+              "match");
+    //! [match]
+    const ObjectProperties pipeline = dbc::pipeline(
+        {{{"$match", {{"parent", {{"$exists", true}}}}}},
+         {{"$group", {{"_id", "$country"}, {"count", {{"$sum", 1}}}}}},
+         {{"$sort", {{"_id", 1}}}}});
+    dbc::Results groups;
+    tour.client->aggregate(tour.database, subdivisionsCollection, pipeline,
+                           groups);
+    //! [match]
     step.done(groups.size());
 
     std::map<std::string, std::size_t> expected;
@@ -57,9 +65,12 @@ void matchThenGroup(Tour& tour)
     std::string line;
     for (const ObjectProperties& group : groups)
     {
-        const std::string country = companion::getOr(group, "_id", "");
-        agree(country, static_cast<std::size_t>(number(group, "count")), expected[country]);
-        line += country + " " + std::to_string(number(group, "count")) + "  ";
+        const std::string country = dbc::getOr(group, "_id", "");
+        agree(country,
+              static_cast<std::size_t>(dbc::getOr(group, "count", 0LL)),
+              expected[country]);
+        line += country + " " +
+                std::to_string(dbc::getOr(group, "count", 0LL)) + "  ";
     }
     showShort(line);
     agree("groups", groups.size(), expected.size());
@@ -67,11 +78,14 @@ void matchThenGroup(Tour& tour)
 
 void unwind(Tour& tour)
 {
-    const ObjectProperties pipeline =
-        companion::pipeline({object({{"$unwind", "$subdivisions"}}), object({{"$count", "elements"}})});
-    Step step("elements of all arrays of subdivisions");
-    companion::Results counted;
-    tour.client->aggregate(tour.database, countriesCollection, pipeline, counted);
+    Step step("elements of all arrays of subdivisions", "unwind");
+    //! [unwind]
+    const ObjectProperties pipeline = dbc::pipeline(
+        {{{"$unwind", "$subdivisions"}}, {{"$count", "elements"}}});
+    dbc::Results counted;
+    tour.client->aggregate(tour.database, countriesCollection, pipeline,
+                           counted);
+    //! [unwind]
     step.done(counted.size());
     agree("answers", counted.size(), 1);
     show(toJson(counted.front()));
@@ -81,7 +95,10 @@ void unwind(Tour& tour)
     {
         expected += country.subdivisions.size();
     }
-    agree("elements", static_cast<std::size_t>(number(counted.front(), "elements")), expected);
+    agree("elements",
+          static_cast<std::size_t>(
+              dbc::getOr(counted.front(), "elements", 0LL)),
+          expected);
 }
 
 } // namespace
@@ -89,7 +106,7 @@ void unwind(Tour& tour)
 void aggregate(Tour& tour)
 {
     needStored(tour);
-    title("aggregate", "group, sort and count on the server");
+    title("aggregate");
     commonTypes(tour);
     matchThenGroup(tour);
     unwind(tour);

@@ -1,4 +1,5 @@
-// Chapter "compare": what comes back is what was sent, value by value, and what to mind when comparing.
+// Chapter "compare": what comes back is what was sent, value by value, and
+// what to mind when comparing.
 #include "tour.h"
 
 #include <algorithm>
@@ -32,51 +33,66 @@ bool sameValue(Property& a, Property& b)
     case PropertyType::Time:
         return a.currentValueAsTime(0) == b.currentValueAsTime(0);
     case PropertyType::Double:
-        return a.currentValueAsDouble(0) == b.currentValueAsDouble(0); // exactly, not just nearly
+        return a.currentValueAsDouble(0) ==
+               b.currentValueAsDouble(0); // exactly, not just nearly
     case PropertyType::Binary:
         return a.bytesView() == b.bytesView();
     case PropertyType::Regex:
-        return a.patternView() == b.patternView() && a.optionsView() == b.optionsView();
+        return a.patternView() == b.patternView() &&
+               a.optionsView() == b.optionsView();
     }
     return false;
 }
 
-// The children of a node in the order of their keys; those of an array by number, where the tree itself has 10
-// before 2. companion::elements() does it for an array in a document, here it is done for any node.
+// The children of a node in the order of their keys; those of an array by
+// number, where the tree itself has 10 before 2. dbc::elements() does it for
+// an array in a document, here it is done for any node.
 std::vector<std::shared_ptr<Property>> childrenInOrder(const Property& node)
 {
     std::vector<std::shared_ptr<Property>> children;
     children.reserve(node.childCount());
-    for (const auto& [key, child] : node) // not childByIndex(i), which starts at the first child every time
+    for (const auto& [key, child] : node) // not childByIndex(i), which starts
+                                          // at the first child every time
     {
         children.push_back(child);
     }
     if (node.isArray())
     {
-        const auto position = [](const auto& element) { return std::strtol(element->keyView().c_str(), nullptr, 10); };
+        const auto position = [](const auto& element) {
+            return std::strtol(element->keyView().c_str(), nullptr, 10);
+        };
         std::stable_sort(children.begin(), children.end(),
-                         [&](const auto& a, const auto& b) { return position(a) < position(b); });
+                         [&](const auto& a, const auto& b) {
+                             return position(a) < position(b);
+                         });
     }
     return children;
 }
 
-// The path at which two subtrees differ first; nothing when they are equal. Elements of an array are compared by their
-// places: their keys are numbers in one document and all the same in the other.
+// The path at which two subtrees differ first; nothing when they are equal.
+// Elements of an array are compared by their places: their keys are numbers
+// in one document and all the same in the other.
 std::optional<std::string> difference(Property& sent, Property& came)
 {
-    if (sent.type() != came.type() || sent.childCount() != came.childCount() || !sameValue(sent, came))
+    if (sent.type() != came.type() ||
+        sent.childCount() != came.childCount() || !sameValue(sent, came))
     {
         return "";
     }
     const std::vector<std::shared_ptr<Property>> left = childrenInOrder(sent);
-    const std::vector<std::shared_ptr<Property>> right = childrenInOrder(came);
+    const std::vector<std::shared_ptr<Property>> right =
+        childrenInOrder(came);
     for (std::size_t i = 0; i < left.size(); ++i)
     {
-        const bool sameKey = sent.isArray() || left[i]->keyView() == right[i]->keyView();
-        const std::optional<std::string> below = sameKey ? difference(*left[i], *right[i]) : "";
+        const bool sameKey =
+            sent.isArray() || left[i]->keyView() == right[i]->keyView();
+        const std::optional<std::string> below =
+            sameKey ? difference(*left[i], *right[i]) : "";
         if (below)
         {
-            return "/" + (sent.isArray() ? std::to_string(i) : left[i]->key()) + *below;
+            return "/" +
+                   (sent.isArray() ? std::to_string(i) : left[i]->key()) +
+                   *below;
         }
     }
     return std::nullopt;
@@ -93,14 +109,20 @@ std::map<std::string, const Record*> byId(const std::vector<Record>& records)
     return index;
 }
 
-// Reads the collection and compares each document with the one that was sent. Returns what came.
+// Reads the collection and compares each document with the one that was sent.
+// Returns what came.
 template <typename Record>
-companion::Results compareAll(Tour& tour, const char* collection, const std::vector<Record>& records)
+dbc::Results compareAll(Tour& tour, const char* collection,
+                        const std::vector<Record>& records)
 {
     const std::map<std::string, const Record*> sent = byId(records);
-    Step step(std::string("read ") + collection + " back and compare every value");
-    companion::Results came;
+    Step step(std::string("read ") + collection +
+                  " back and compare every value",
+              "read_all");
+    //! [read_all]
+    dbc::Results came;
     tour.client->read(tour.database, collection, ObjectProperties(), came);
+    //! [read_all]
     agree(collection, came.size(), records.size());
     std::size_t done = 0;
     for (ObjectProperties& document : came)
@@ -108,31 +130,37 @@ companion::Results compareAll(Tour& tour, const char* collection, const std::vec
         const auto origin = sent.find(document.valueAsId("_id", ""));
         if (origin == sent.end())
         {
-            throw std::runtime_error(std::string(collection) +
-                                     ": a document that was never written: " + toJson(document));
+            throw std::runtime_error(
+                std::string(collection) +
+                ": a document that was never written: " + toJson(document));
         }
         document.remove("_id"); // the server's, not ours
-        const std::optional<std::string> found = difference(*origin->second->document.root(), *document.root());
+        const std::optional<std::string> found =
+            difference(*origin->second->document.root(), *document.root());
         if (found)
         {
-            throw std::runtime_error(std::string(collection) + ": " + origin->second->code + " differs in " + *found);
+            throw std::runtime_error(std::string(collection) + ": " +
+                                     origin->second->code + " differs in " +
+                                     *found);
         }
         step.progress(++done, records.size());
     }
     step.done(done);
-    show("equal: " + std::to_string(done) + " of " + std::to_string(records.size()));
+    show("equal: " + std::to_string(done) + " of " +
+         std::to_string(records.size()));
     return came;
 }
 
-// The text of a document that was read shows its arrays in the order of the tree: 0, 1, 10, 2 ...
-void showTheArrayTrap(Tour& tour, const companion::Results& came)
+// The text of a document that was read shows its arrays in the order of the
+// tree: 0, 1, 10, 2 ...
+void showTheArrayTrap(Tour& tour, const dbc::Results& came)
 {
     std::map<std::string, const Country*> sent;
     for (const Country& country : tour.countries)
     {
         sent[country.code] = &country;
     }
-    Step step("compare the same countries as JSON text");
+    Step step("compare the same countries as JSON text", "to_json");
     std::size_t differ = 0;
     std::size_t beyondTen = 0;
     for (const ObjectProperties& document : came)
@@ -141,10 +169,12 @@ void showTheArrayTrap(Tour& tour, const companion::Results& came)
         differ += toJson(country.document) != toJson(document) ? 1 : 0;
         beyondTen += country.subdivisions.size() > 10 ? 1 : 0;
     }
-    step.done(came.size());
-    show(std::to_string(differ) + " differ; " + std::to_string(beyondTen) + " have more than ten subdivisions");
-    note("an array that was read keeps its elements as 0, 1, 10, 11, 2 ...: put them in order by number "
-         "(companion::elements())");
+    step.done(came.size(), "documents", 0);
+    show(std::to_string(differ) + " differ; " + std::to_string(beyondTen) +
+         " have more than ten subdivisions");
+    note("an array that was read keeps its elements as 0, 1, 10, 11, 2 ...: "
+         "put them in order by number "
+         "(dbc::elements())");
 }
 
 } // namespace
@@ -152,9 +182,10 @@ void showTheArrayTrap(Tour& tour, const companion::Results& came)
 void compare(Tour& tour)
 {
     needStored(tour);
-    title("compare", "what comes back is what was sent");
+    title("compare");
     compareAll(tour, subdivisionsCollection, tour.subdivisions);
-    const companion::Results countries = compareAll(tour, countriesCollection, tour.countries);
+    const dbc::Results countries =
+        compareAll(tour, countriesCollection, tour.countries);
     showTheArrayTrap(tour, countries);
 }
 

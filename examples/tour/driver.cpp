@@ -1,8 +1,10 @@
-// What the library leaves to the driver: its messages, and dropping a database. Everything else of the tour needs the
-// library alone. The driver is running by then: the first DataBaseClient has started it.
+// What the library leaves to the driver: dropping a database. Everything else
+// of the tour needs the library alone. The driver is running by then: the
+// first DataBaseClient has started it.
 #include "driver.h"
 
-#include <companion/results.h>
+#include <dbc/log.h>
+#include <dbc/results.h>
 
 #include <database_client.h>
 
@@ -26,58 +28,65 @@ struct DestroyWith
         Destroy(handle);
     }
 };
-using ClientHandle = std::unique_ptr<mongoc_client_t, DestroyWith<mongoc_client_destroy>>;
-using DatabaseHandle = std::unique_ptr<mongoc_database_t, DestroyWith<mongoc_database_destroy>>;
+using ClientHandle =
+    std::unique_ptr<mongoc_client_t, DestroyWith<mongoc_client_destroy>>;
+using DatabaseHandle =
+    std::unique_ptr<mongoc_database_t, DestroyWith<mongoc_database_destroy>>;
 
-void takeMessage(mongoc_log_level_t level, const char* domain, const char* message, void* /*unused*/)
-{
-    if (level <= MONGOC_LOG_LEVEL_WARNING)
-        mongoc_log_default_handler(level, domain, message, nullptr);
-}
-
-// A connection string that cannot be read is told in one line, ours.
-class QuietDriver
+// An invalid connection string is reported in one line, ours.
+class SilentDriver
 {
 public:
-    QuietDriver()
-    {
-        mongoc_log_set_handler([](mongoc_log_level_t, const char*, const char*, void*) {}, nullptr);
-    }
-    QuietDriver(const QuietDriver&) = delete;
-    QuietDriver& operator=(const QuietDriver&) = delete;
-    ~QuietDriver() { onlyWarningsOfTheDriver(); }
+    SilentDriver() { dbc::setLogHandler({}); }
+    SilentDriver(const SilentDriver&) = delete;
+    SilentDriver& operator=(const SilentDriver&) = delete;
+    ~SilentDriver() { quietDriverLog(); }
 };
 
 } // namespace
 
-void onlyWarningsOfTheDriver()
+void quietDriverLog()
 {
-    mongoc_log_set_handler(takeMessage, nullptr);
+    dbc::setLogHandler([](dbc::LogLevel level, const std::string& domain,
+                          const std::string& message) {
+        if (level <= dbc::LogLevel::Warning &&
+            message.find("\"endSessions\"") == std::string::npos)
+        {
+            std::cerr << "driver, " << domain << ": " << message << '\n';
+        }
+    });
 }
 
-void connect(DataBaseClient& client, const std::string& uri, const std::string& database)
+void connect(DataBaseClient& client, const std::string& uri,
+             const std::string& database)
 {
     try
     {
-        const QuietDriver quiet;
+        const SilentDriver silent;
         client.connect(uri);
     }
     catch (const std::runtime_error& failed)
     {
-        throw std::runtime_error(std::string(failed.what()) + ": not a connection string such as mongodb://host:port/");
+        throw std::runtime_error(
+            std::string(failed.what()) +
+            ": not a connection string such as mongodb://host:port/");
     }
     try
     {
-        companion::Results found;
-        client.find(database, "nothing", ObjectProperties(), ObjectProperties(), found, 1, 0);
+        dbc::Results found;
+        client.find(database, "nothing", ObjectProperties(),
+                    ObjectProperties(), found, 1, 0);
     }
     catch (const std::runtime_error& failed)
     {
-        throw std::runtime_error(std::string("no answer from the server: ") + failed.what());
+        throw std::runtime_error(std::string("no answer from the server: ") +
+                                 failed.what());
     }
 }
 
-OwnDatabase::OwnDatabase(std::string uri, std::string name) : m_uri(std::move(uri)), m_name(std::move(name)) {}
+OwnDatabase::OwnDatabase(std::string uri, std::string name)
+    : m_uri(std::move(uri)), m_name(std::move(name))
+{}
 
 OwnDatabase::~OwnDatabase()
 {
@@ -87,7 +96,8 @@ OwnDatabase::~OwnDatabase()
     }
     catch (const std::exception& problem)
     {
-        std::cerr << "tour: the database " << m_name << " is left behind: " << problem.what() << '\n';
+        std::cerr << "tour: the database " << m_name
+                  << " is left behind: " << problem.what() << '\n';
     }
 }
 
@@ -102,7 +112,8 @@ void OwnDatabase::drop()
     {
         throw std::runtime_error("no connection");
     }
-    const DatabaseHandle database(mongoc_client_get_database(client.get(), m_name.c_str()));
+    const DatabaseHandle database(
+        mongoc_client_get_database(client.get(), m_name.c_str()));
     bson_error_t error{};
     if (!mongoc_database_drop(database.get(), &error))
     {

@@ -6,14 +6,21 @@ class DataBaseClient;
 
 namespace tour {
 
-/// Connects, and asks the server one question, because DataBaseClient::connect() sends nothing.
-/// @throws std::runtime_error "Connection failed", or "no answer from the server" with it
-void connect(DataBaseClient& client, const std::string& uri, const std::string& database);
+/// Connects, and asks the server one question, because
+/// DataBaseClient::connect() sends nothing.
+/// @throws std::runtime_error "Connection failed", or "no answer from the
+/// server" with it
+void connect(DataBaseClient& client, const std::string& uri,
+             const std::string& database);
 
-/// Keeps what the driver tells beside warnings and errors (a refused log-in, say) off the screen.
-void onlyWarningsOfTheDriver();
+/// Prints the driver's errors and warnings on standard error, and none of its
+/// other messages. FerretDB does not have the command endSessions, and the
+/// driver warns of that at every disconnect: this warning is left out as
+/// well.
+void quietDriverLog();
 
-/// A database that the tour has made on a server: dropped at the end, and also when the tour fails on the way.
+/// A database that the tour has made on a server: dropped at the end, and
+/// also when the tour fails on the way.
 class OwnDatabase
 {
 public:

@@ -1,7 +1,8 @@
-// Chapter "files": files of this system are stored, listed, read back and removed.
+// Chapter "files": files of this system are stored, listed, read back and
+// removed.
 #include "tour.h"
 
-#include <companion/files.h>
+#include <dbc/files.h>
 
 #include <algorithm>
 #include <array>
@@ -19,7 +20,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* store = "files"; // the store's collections are files.files and files.chunks
+constexpr const char* store =
+    "files"; // the store's collections are files.files and files.chunks
 
 struct File
 {
@@ -31,29 +33,34 @@ struct File
 
 std::string lowerCase(std::string text)
 {
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    std::transform(
+        text.begin(), text.end(), text.begin(),
+        [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
     return text;
 }
 
-// Takes the file unless it cannot be read, or another one's name differs from its own in letter case alone:
-// removeFile() could not tell the two apart.
-void take(const fs::path& path, const fs::path& folder, std::vector<File>& files)
+// Takes the file unless it cannot be read, or another one's name differs from
+// its own in letter case alone: removeFile() could not tell the two apart.
+void take(const fs::path& path, const fs::path& folder,
+          std::vector<File>& files)
 {
     File file;
     file.name = path.lexically_relative(folder.parent_path()).string();
     file.path = path.string();
-    const auto sameName = [&](const File& other) { return lowerCase(other.name) == lowerCase(file.name); };
+    const auto sameName = [&](const File& other) {
+        return lowerCase(other.name) == lowerCase(file.name);
+    };
     std::ifstream content(path, std::ios::binary);
     if (!content || std::any_of(files.begin(), files.end(), sameName))
     {
         return;
     }
-    companion::Crc32 checksum;
+    dbc::Crc32 checksum;
     std::array<char, 4096> buffer{};
     while (content.read(buffer.data(), buffer.size()), content.gcount() > 0)
     {
-        checksum.add(buffer.data(), static_cast<std::size_t>(content.gcount()));
+        checksum.add(buffer.data(),
+                     static_cast<std::size_t>(content.gcount()));
         file.size += static_cast<std::size_t>(content.gcount());
     }
     file.checksum = checksum.value();
@@ -66,15 +73,21 @@ std::vector<File> someFiles(const std::string& data)
     constexpr std::size_t most = 20;
     std::vector<File> files;
     for (const fs::path& folder :
-         {fs::path(data), fs::path("/usr/share/common-licenses"), fs::path("/usr/share/licenses"),
-          fs::path("/usr/share/doc"), fs::path("/usr/local/share")})
+         {fs::path(data), fs::path("/usr/share/common-licenses"),
+          fs::path("/usr/share/licenses"), fs::path("/usr/share/doc"),
+          fs::path("/usr/local/share")})
     {
-        std::error_code none; // a folder that is missing or closed is passed over
-        fs::recursive_directory_iterator entry(folder, fs::directory_options::skip_permission_denied, none);
-        for (; !none && entry != fs::recursive_directory_iterator() && files.size() < most; entry.increment(none))
+        std::error_code
+            none; // a folder that is missing or closed is passed over
+        fs::recursive_directory_iterator entry(
+            folder, fs::directory_options::skip_permission_denied, none);
+        for (; !none && entry != fs::recursive_directory_iterator() &&
+               files.size() < most;
+             entry.increment(none))
         {
             std::error_code unknown;
-            if (entry->is_regular_file(unknown) && !entry->is_symlink(unknown))
+            if (entry->is_regular_file(unknown) &&
+                !entry->is_symlink(unknown))
             {
                 take(entry->path(), folder, files);
             }
@@ -82,31 +95,36 @@ std::vector<File> someFiles(const std::string& data)
     }
     if (files.empty())
     {
-        throw std::runtime_error("no file to store found in " + data + " and below /usr/share");
+        throw std::runtime_error("no file to store found in " + data +
+                                 " and below /usr/share");
     }
     return files;
 }
 
 void storeAll(Tour& tour, const std::vector<File>& files)
 {
-    Step step("store files of this system");
+    Step step("store files of this system", "store_file");
     std::size_t done = 0;
     std::size_t bytes = 0;
     for (const File& file : files)
     {
+        //! [store_file]
         tour.client->writeFile(tour.database, store, file.name, file.path);
+        //! [store_file]
         bytes += file.size;
         step.progress(++done, files.size());
     }
-    step.done(done, "files");
+    step.done(done, "files", done);
     show(std::to_string(bytes) + " bytes");
 }
 
 void listAll(Tour& tour, const std::vector<File>& files)
 {
-    Step step("list them");
+    Step step("list them", "list_files");
+    //! [list_files]
     std::list<std::string> names;
     tour.client->listFiles(tour.database, store, names);
+    //! [list_files]
     step.done(names.size(), "files");
     show("from " + names.front() + " to " + names.back());
 
@@ -114,49 +132,61 @@ void listAll(Tour& tour, const std::vector<File>& files)
     std::transform(files.begin(), files.end(), std::back_inserter(expected),
                    [](const File& file) { return file.name; });
     std::sort(expected.begin(), expected.end());
-    if (!std::equal(names.begin(), names.end(), expected.begin(), expected.end()))
+    if (!std::equal(names.begin(), names.end(), expected.begin(),
+                    expected.end()))
     {
-        throw std::runtime_error("the list of files is not the one that was stored");
+        throw std::runtime_error(
+            "the list of files is not the one that was stored");
     }
 }
 
 void readBack(Tour& tour, const std::vector<File>& files)
 {
-    Step step("read them back and compare checksums");
+    Step step("read them back and compare checksums", "read_file");
     std::size_t done = 0;
     for (const File& file : files)
     {
+        // Any iostream will do; this one counts and makes the checksum.
+        //! [read_file]
         std::ofstream nowhere("/dev/null");
-        companion::Download download(nowhere); // any iostream will do; this one counts and makes the checksum
+        dbc::Download download(nowhere);
         tour.client->readFile(tour.database, store, file.name, &download);
-        if (download.crc32() != file.checksum || download.bytes() != file.size)
+        //! [read_file]
+        if (download.crc32() != file.checksum ||
+            download.bytes() != file.size)
         {
             throw std::runtime_error(file.name + " came back changed");
         }
         step.progress(++done, files.size());
     }
-    step.done(done, "files");
-    const auto& largest =
-        *std::max_element(files.begin(), files.end(), [](const File& a, const File& b) { return a.size < b.size; });
+    step.done(done, "files", done);
+    const auto& largest = *std::max_element(
+        files.begin(), files.end(),
+        [](const File& a, const File& b) { return a.size < b.size; });
     char checksum[16];
-    std::snprintf(checksum, sizeof checksum, "%08lx", static_cast<unsigned long>(largest.checksum));
-    show("the largest: " + largest.name + ", " + std::to_string(largest.size) + " bytes, CRC-32 " + checksum);
+    std::snprintf(checksum, sizeof checksum, "%08lx",
+                  static_cast<unsigned long>(largest.checksum));
+    show("the largest: " + largest.name + ", " +
+         std::to_string(largest.size) + " bytes, CRC-32 " + checksum);
 }
 
 void removeAll(Tour& tour, const std::vector<File>& files)
 {
     const File& twice = files.front();
     tour.client->writeFile(tour.database, store, twice.name, twice.path);
-    note("a name can be stored more than once, and removeFile() takes them all, letter case set aside");
+    note("a name can be stored more than once, and removeFile() takes them "
+         "all, letter case set aside");
 
-    Step step("remove them");
+    Step step("remove them", "remove_file");
     std::size_t done = 0;
     for (const File& file : files)
     {
+        //! [remove_file]
         tour.client->removeFile(tour.database, store, lowerCase(file.name));
+        //! [remove_file]
         step.progress(++done, files.size());
     }
-    step.done(done, "files");
+    step.done(done, "files", done);
     std::list<std::string> names;
     tour.client->listFiles(tour.database, store, names);
     agree("files left", names.size(), 0);
@@ -164,9 +194,13 @@ void removeAll(Tour& tour, const std::vector<File>& files)
 
 void missing(Tour& tour, const std::string& name)
 {
-    Step step("read one that is gone");
+    Step step("read a file that does not exist", "read_missing_file");
     std::stringstream content;
-    const std::string said = answer([&] { tour.client->readFile(tour.database, store, name, &content); });
+    const std::string said = answer([&] {
+        //! [read_missing_file]
+        tour.client->readFile(tour.database, store, name, &content);
+        //! [read_missing_file]
+    });
     step.done(0, "files");
     show(said);
 }
@@ -175,7 +209,7 @@ void missing(Tour& tour, const std::string& name)
 
 void files(Tour& tour)
 {
-    title("files", "files of this system are stored, listed, read back and removed");
+    title("files");
     const std::vector<File> files = someFiles(tour.options.data);
     storeAll(tour, files);
     listAll(tour, files);

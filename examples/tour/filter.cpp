@@ -1,4 +1,5 @@
-// Chapter "filter": queries built call by call with ObjectFilter. Every answer is compared with a plain loop.
+// Chapter "filter": queries built call by call with ObjectFilter. Every
+// answer is compared with a plain loop.
 #include "tour.h"
 
 #include <object_filter.h>
@@ -10,46 +11,65 @@ namespace tour {
 
 namespace {
 
-void run(Tour& tour, const std::string& what, const ObjectFilter& filter,
+void run(Tour& tour, const std::string& what, const std::string& code,
+         const ObjectFilter& filter,
          const std::function<bool(const Country&)>& same)
 {
+    Step step(what, code);
+    showCode("read_filtered");
+    //! [read_filtered]
     const ObjectProperties query = filter.toObjectProeprties();
-    Step step(what);
-    companion::Results found;
+    dbc::Results found;
     tour.client->read(tour.database, countriesCollection, query, found);
+    //! [read_filtered]
     step.done(found.size());
     showShort(toJson(query));
 
-    const auto expected = std::count_if(tour.countries.begin(), tour.countries.end(), same);
+    const auto expected =
+        std::count_if(tour.countries.begin(), tour.countries.end(), same);
     agree(what, found.size(), static_cast<std::size_t>(expected));
 }
 
 void range(Tour& tour)
 {
-    ObjectFilter filter; // outside a list, conditions on one key merge
+    // Outside a list, conditions on one key merge.
+    //! [range]
+    ObjectFilter filter;
     filter.setFilterInt(OperationTypeGreaterOrEqual, "numeric", 100);
     filter.setFilterInt(OperationTypeLess, "numeric", 200);
-    run(tour, "a range", filter, [](const Country& c) { return c.numeric >= 100 && c.numeric < 200; });
+    //! [range]
+    run(tour, "a range", "range", filter,
+        [](const Country& c) { return c.numeric >= 100 && c.numeric < 200; });
 }
 
 void regularExpression(Tour& tour)
 {
+    //! [regex]
     ObjectFilter filter;
     filter.setFilterString(OperationTypeRegex, "code", "^b[a-e]$", "i");
-    run(tour, "a regular expression, upper and lower case alike", filter,
-        [](const Country& c) { return c.code[0] == 'B' && c.code[1] <= 'E'; });
+    //! [regex]
+    run(tour, "a regular expression, upper and lower case alike", "regex",
+        filter, [](const Country& c) {
+            return c.code[0] == 'B' && c.code[1] <= 'E';
+        });
 }
 
 void absentField(Tour& tour)
 {
+    // The value plays no part.
+    //! [missing_field]
     ObjectFilter filter;
-    filter.setFilterBool(OperationTypeNotExists, "names.official", true); // the value plays no part
-    run(tour, "a field that is not there", filter, [](const Country& c) { return c.officialName.empty(); });
+    filter.setFilterBool(OperationTypeNotExists, "names.official", true);
+    //! [missing_field]
+    run(tour, "a field that is missing", "missing_field", filter,
+        [](const Country& c) { return c.officialName.empty(); });
 }
 
-// Lists open and close like brackets. Inside one, every condition is an element of its own.
+// Lists open and close like brackets. Inside one, every condition is an
+// element of its own.
 ObjectFilter shortOrUndivided()
 {
+    //! [lists]
     ObjectFilter filter;
     filter.start_or();
     filter.setFilterString(OperationTypeRegex, "name", "^.{1,4}$", "");
@@ -58,25 +78,32 @@ ObjectFilter shortOrUndivided()
     filter.setFilterInt(OperationTypeGreaterOrEqual, "numeric", 800);
     filter.finish_and();
     filter.finish_or();
+    //! [lists]
     return filter;
 }
 
 bool isShortOrUndivided(const Country& country)
 {
-    const auto characters = std::count_if(country.name.begin(), country.name.end(), [](char c) {
-        return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U; // counts a UTF-8 character at its first byte
-    });
-    return characters <= 4 || (country.subdivisions.empty() && country.numeric >= 800);
+    const auto characters =
+        std::count_if(country.name.begin(), country.name.end(), [](char c) {
+            return (static_cast<unsigned char>(c) & 0xC0U) !=
+                   0x80U; // counts a UTF-8 character at its first byte
+        });
+    return characters <= 4 ||
+           (country.subdivisions.empty() && country.numeric >= 800);
 }
 
 void lists(Tour& tour)
 {
-    run(tour, "an \"$and\" inside an \"$or\"", shortOrUndivided(), isShortOrUndivided);
+    run(tour, "an \"$and\" inside an \"$or\"", "lists", shortOrUndivided(),
+        isShortOrUndivided);
 }
 
-// A filter can be an element of another one's list: conditions that belong together are written once.
+// A filter can be an element of another one's list: conditions that belong
+// together are written once.
 void oneInsideAnother(Tour& tour)
 {
+    //! [include]
     ObjectFilter filter;
     filter.start_and();
     filter.include(shortOrUndivided());
@@ -84,8 +111,11 @@ void oneInsideAnother(Tour& tour)
     filter.setFilterTime(OperationTypeGreater, "loaded", 0);
     filter.setFilterString(OperationTypeNotEqual, "code", "WF", "");
     filter.finish_and();
-    run(tour, "that filter inside another one, with an id and a time", filter,
-        [](const Country& c) { return isShortOrUndivided(c) && c.code != "WF"; });
+    //! [include]
+    run(tour, "that filter inside another one, with an id and a time",
+        "include", filter, [](const Country& c) {
+            return isShortOrUndivided(c) && c.code != "WF";
+        });
 }
 
 } // namespace
@@ -93,7 +123,7 @@ void oneInsideAnother(Tour& tour)
 void filter(Tour& tour)
 {
     needStored(tour);
-    title("filter", "queries built call by call, and the JSON they make");
+    title("filter");
     range(tour);
     regularExpression(tour);
     absentField(tour);

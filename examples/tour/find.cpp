@@ -12,45 +12,56 @@ namespace {
 void oneByField(Tour& tour)
 {
     const Country& wanted = tour.countries.back();
-    const ObjectProperties query = companion::document({{"code", wanted.code}});
-
-    Step step("query: the country whose code is " + wanted.code);
-    companion::Results found;
+    Step step("query: the country whose code is " + wanted.code, "by_field");
+    //! [by_field]
+    const ObjectProperties query = dbc::document({{"code", wanted.code}});
+    dbc::Results found; // owns what the client appends
     tour.client->read(tour.database, countriesCollection, query, found);
+    //! [by_field]
     step.done(found.size());
     agree("countries with that code", found.size(), 1);
     const ObjectProperties& country = found.front();
-    show(companion::getOr(country, "name", "?") + ", " + std::to_string(companion::getOr(country, "numeric", 0)) +
-         ", " + companion::getOr(country, "names/alpha3", "?") + ", flag of " +
-         std::to_string(companion::getOr(country, "flag", companion::Bytes()).size()) + " bytes");
+    show(dbc::getOr(country, "name", "?") + ", " +
+         std::to_string(dbc::getOr(country, "numeric", 0)) + ", " +
+         dbc::getOr(country, "names/alpha3", "?") + ", flag of " +
+         std::to_string(dbc::getOr(country, "flag", dbc::Bytes()).size()) +
+         " bytes");
 }
 
-// On the server "." leads into a group, and to the library "." is a character like any other.
+// On the server "." leads into a group, and to the library "." is a character
+// like any other.
 void oneByNestedField(Tour& tour)
 {
     const Subdivision& wanted = tour.subdivisions.back();
-    const ObjectProperties query = companion::document({{"subdivisions.code", wanted.code}});
-
-    Step step("query: the country that holds " + wanted.code);
-    companion::Results found;
+    Step step("query: the country that holds " + wanted.code,
+              "by_nested_field");
+    //! [by_nested_field]
+    const ObjectProperties query =
+        dbc::document({{"subdivisions.code", wanted.code}});
+    dbc::Results found;
     tour.client->read(tour.database, countriesCollection, query, found);
+    //! [by_nested_field]
     step.done(found.size());
     agree("countries that hold it", found.size(), 1);
-    show(companion::getOr(found.front(), "name", "?") + " holds " + wanted.name);
+    show(dbc::getOr(found.front(), "name", "?") + " holds " + wanted.name);
 }
 
-// A query with an order has the form {"$query": {...}, "$orderby": {...}}. Fields are written in the order of their
-// names, so an order by several fields sorts by the alphabetically first one first.
+// A query with an order has the form {"$query": {...}, "$orderby": {...}}.
+// Fields are written in the order of their names, so an order by several
+// fields sorts by the alphabetically first one first.
 void someInOrder(Tour& tour)
 {
-    using companion::object;
-    const ObjectProperties query =
-        companion::document({{"$query", object({{"divided", false}})}, {"$orderby", object({{"name", -1}})}});
-    const ObjectProperties projection = companion::document({{"name", 1}, {"_id", 0}});
-
-    Step step("projection, order, limit 3, skip 2: undivided, from Z to A");
-    companion::Results found;
-    tour.client->find(tour.database, countriesCollection, query, projection, found, 3, 2);
+    Step step("projection, order, limit 3, skip 2: undivided, from Z to A",
+              "in_order");
+    //! [in_order]
+    const ObjectProperties query = dbc::document(
+        {{"$query", {{"divided", false}}}, {"$orderby", {{"name", -1}}}});
+    const ObjectProperties projection =
+        dbc::document({{"name", 1}, {"_id", 0}});
+    dbc::Results found;
+    tour.client->find(tour.database, countriesCollection, query, projection,
+                      found, 3, 2);
+    //! [in_order]
     step.done(found.size());
 
     std::vector<std::string> names;
@@ -67,7 +78,8 @@ void someInOrder(Tour& tour)
     for (const ObjectProperties& country : found)
     {
         show(toJson(country));
-        inPlace += companion::getOr(country, "name", "") == names.at(place++) ? 1 : 0;
+        inPlace +=
+            dbc::getOr(country, "name", "") == names.at(place++) ? 1 : 0;
     }
     agree("countries in their place", inPlace, 3);
 }
@@ -75,33 +87,42 @@ void someInOrder(Tour& tour)
 void allPageByPage(Tour& tour)
 {
     constexpr int pageSize = 1000;
-    // An empty query matches everything; without an order the pages of a changing collection may overlap.
+    Step step("all subdivisions in pages of " + std::to_string(pageSize),
+              "pages");
+    // An empty query matches everything; without an order the pages of a
+    // changing collection may overlap.
+    //! [pages]
     const ObjectProperties query =
-        companion::document({{"$query", companion::object()}, {"$orderby", companion::object({{"code", 1}})}});
-
-    Step step("all subdivisions in pages of " + std::to_string(pageSize));
-    companion::Results found; // find() appends: one list takes all pages
-    for (int skip = 0; found.size() == static_cast<std::size_t>(skip); skip += pageSize)
+        dbc::document({{"$query", {}}, {"$orderby", {{"code", 1}}}});
+    dbc::Results found; // find() appends: one list takes all pages
+    for (int skip = 0; found.size() == static_cast<std::size_t>(skip);
+         skip += pageSize)
     {
-        tour.client->find(tour.database, subdivisionsCollection, query, ObjectProperties(), found, pageSize, skip);
-        step.progress(found.size(), tour.subdivisions.size());
+        tour.client->find(tour.database, subdivisionsCollection, query,
+                          ObjectProperties(), found, pageSize, skip);
     }
-    step.done(found.size());
+    //! [pages]
+    step.done(found.size(), "documents", found.size() / pageSize + 1);
 
     std::set<std::string> codes;
     for (const ObjectProperties& subdivision : found)
     {
-        codes.insert(companion::getOr(subdivision, "code", ""));
+        codes.insert(dbc::getOr(subdivision, "code", ""));
     }
     agree("different codes", codes.size(), tour.subdivisions.size());
 }
 
 void refused(Tour& tour)
 {
-    const ObjectProperties query = fromJson(R"({"name": {"$nearly": "France"}})");
-    Step step("a query that is none: " + toJson(query));
-    companion::Results found;
-    const std::string said = answer([&] { tour.client->read(tour.database, countriesCollection, query, found); });
+    const ObjectProperties query =
+        fromJson(R"({"name": {"$nearly": "France"}})");
+    Step step("an invalid query: " + toJson(query), "invalid_query");
+    dbc::Results found;
+    const std::string said = answer([&] {
+        //! [invalid_query]
+        tour.client->read(tour.database, countriesCollection, query, found);
+        //! [invalid_query]
+    });
     step.done(found.size());
     show(said);
 }
@@ -111,7 +132,7 @@ void refused(Tour& tour)
 void find(Tour& tour)
 {
     needStored(tour);
-    title("find", "query, projection, order, limit and skip");
+    title("find");
     oneByField(tour);
     oneByNestedField(tour);
     someInOrder(tour);

@@ -1,7 +1,8 @@
-// Chapter "load": JSON text becomes documents, through JsonToProperties and the setters of ObjectProperties.
+// Chapter "load": JSON text becomes documents, through JsonToProperties and
+// the setters of ObjectProperties.
 #include "tour.h"
 
-#include <companion/values.h>
+#include <dbc/values.h>
 
 #include <chrono>
 #include <map>
@@ -29,7 +30,8 @@ void giveCountriesTheirParts(Tour& tour)
 
 void fillDocuments(Tour& tour)
 {
-    const long now = companion::millisecondsOf(companion::toTime(std::chrono::system_clock::now()));
+    const long now =
+        dbc::millisecondsOf(dbc::toTime(std::chrono::system_clock::now()));
     for (Subdivision& subdivision : tour.subdivisions)
     {
         fillDocument(subdivision, tour.batch, now);
@@ -47,8 +49,10 @@ void showFieldsOf(const ObjectProperties& document)
     {
         keys += ' ' + key;
     }
-    show("one of them, " + companion::getOr(document, "name", "") + ": values" + keys);
-    show("groups: " + document.childGroups().front() + "; arrays: " + document.childArrays().front() + ", " +
+    show("one of them, " + dbc::getOr(document, "name", "") + ": values" +
+         keys);
+    show("groups: " + document.childGroups().front() +
+         "; arrays: " + document.childArrays().front() + ", " +
          document.childArrays().back());
 }
 
@@ -56,26 +60,30 @@ void showFieldsOf(const ObjectProperties& document)
 
 void load(Tour& tour)
 {
-    title("load", "ISO country and subdivision records become documents");
+    title("load");
     tour.countries.clear();
     tour.subdivisions.clear();
 
-    Step countries("read iso_3166-1.json");
-    tour.countries = countriesFrom(readJsonFile(tour.options.data + "/iso_3166-1.json"));
-    countries.done(tour.countries.size(), "records");
+    Step countries("read iso_3166-1.json", "read_json");
+    tour.countries =
+        countriesFrom(readJsonFile(tour.options.data + "/iso_3166-1.json"));
+    countries.done(tour.countries.size(), "records", 0);
 
-    Step subdivisions("read iso_3166-2.json");
-    tour.subdivisions = subdivisionsFrom(readJsonFile(tour.options.data + "/iso_3166-2.json"));
-    subdivisions.done(tour.subdivisions.size(), "records");
+    Step subdivisions("read iso_3166-2.json, with lists in their order",
+                      "elements");
+    tour.subdivisions = subdivisionsFrom(
+        readJsonFile(tour.options.data + "/iso_3166-2.json"));
+    subdivisions.done(tour.subdivisions.size(), "records", 0);
     if (tour.countries.empty() || tour.subdivisions.empty())
     {
         throw std::runtime_error("no records in " + tour.options.data);
     }
 
-    Step documents("make typed documents of them");
+    Step documents("make typed documents of them", "make_document");
     giveCountriesTheirParts(tour);
     fillDocuments(tour);
-    documents.done(tour.countries.size() + tour.subdivisions.size());
+    documents.done(tour.countries.size() + tour.subdivisions.size(),
+                   "documents", 0);
     showFieldsOf(tour.countries.front().document);
 }
 

@@ -1,9 +1,10 @@
-// Records become documents: JSON text to a tree, a tree to plain structs, plain structs to typed documents.
+// Records become documents: JSON text to a tree, a tree to plain structs,
+// plain structs to typed documents.
 #include "records.h"
 
-#include <companion/access.h>
-#include <companion/files.h>
-#include <companion/scopes.h>
+#include <dbc/access.h>
+#include <dbc/files.h>
+#include <dbc/scopes.h>
 #include <json_to_properties.h>
 
 #include <fstream>
@@ -16,19 +17,27 @@ namespace tour {
 
 namespace {
 
-// The elements of a list, in their order. companion::elements() sorts them by number: the tree itself keeps children in
-// the order of their keys as text, 0, 1, 10, 11, 2 ...
-std::vector<std::shared_ptr<Property>> recordsIn(const ObjectProperties& json, const std::string& key)
+// The elements of a list, in their order. dbc::elements() sorts them by
+// number: the tree itself keeps children in the order of their keys as text,
+// 0, 1, 10, 11, 2 ...
+std::vector<std::shared_ptr<Property>> recordsIn(const ObjectProperties& json,
+                                                 const std::string& key)
 {
-    const auto list = companion::find(json, key);
+    const auto list = dbc::findNode(json, key);
     if (!list || !list->isArray())
     {
-        throw std::runtime_error("the data has no list of records \"" + key + "\"");
+        throw std::runtime_error("the data has no list of records \"" + key +
+                                 "\"");
     }
-    return companion::elements(json, key);
+    //! [elements]
+    std::vector<std::shared_ptr<Property>> elements =
+        dbc::elements(json, key);
+    //! [elements]
+    return elements;
 }
 
-// A look-up that adds nothing; valueAsString() would leave a missing field behind.
+// A look-up that adds nothing; valueAsString() would leave a missing field
+// behind.
 std::string text(Property& record, const std::string& field)
 {
     const std::shared_ptr<Property> found = record.propertyBySingleKey(field);
@@ -43,10 +52,15 @@ ObjectProperties readJsonFile(const std::string& path)
     std::ostringstream content;
     if (!file || !(content << file.rdbuf()))
     {
-        throw std::runtime_error("cannot read " + path + " (Debian package iso-codes; --data names another folder)");
+        throw std::runtime_error(
+            "cannot read " + path +
+            " (Debian package iso-codes; --data names another folder)");
     }
+    //! [read_json]
     ObjectProperties json;
-    if (!JsonToProperties::convert(content.str(), &json))
+    const bool valid = JsonToProperties::convert(content.str(), &json);
+    //! [read_json]
+    if (!valid)
     {
         throw std::runtime_error(path + " is not JSON");
     }
@@ -85,7 +99,8 @@ std::vector<Subdivision> subdivisionsFrom(const ObjectProperties& json)
     return subdivisions;
 }
 
-void fillDocument(Subdivision& subdivision, const std::string& batch, long long now)
+void fillDocument(Subdivision& subdivision, const std::string& batch,
+                  long long now)
 {
     ObjectProperties& document = subdivision.document;
     document.setValueString("code", subdivision.code);
@@ -96,21 +111,23 @@ void fillDocument(Subdivision& subdivision, const std::string& batch, long long 
     {
         document.setValueString("parent", subdivision.parent);
     }
-    document.setValueInt32("letters", static_cast<int>(subdivision.name.size()));
+    document.setValueInt32("letters",
+                           static_cast<int>(subdivision.name.size()));
     document.setValueTime("loaded", now);
     document.setValueId("batch", batch);
 }
 
 namespace {
 
-// In an array every setter and every beginGroup() adds an element. One key for all of them keeps the order of the
-// calls; with keys 0, 1, 2 ... of one's own the eleventh element would stand behind the second.
+// In an array every setter and every beginGroup() adds an element. One key
+// for all of them keeps the order of the calls; with keys 0, 1, 2 ... of
+// your own the eleventh element would follow the second.
 void fillArrays(Country& country)
 {
     ObjectProperties& document = country.document;
     std::set<std::string> seen;
     {
-        const companion::ArrayScope types(document, "types"); // values
+        const dbc::ArrayScope types(document, "types"); // values
         for (const Subdivision* const part : country.subdivisions)
         {
             if (seen.insert(part->type).second)
@@ -119,10 +136,10 @@ void fillArrays(Country& country)
             }
         }
     }
-    const companion::ArrayScope subdivisions(document, "subdivisions"); // documents
+    const dbc::ArrayScope subdivisions(document, "subdivisions"); // documents
     for (const Subdivision* const part : country.subdivisions)
     {
-        const companion::GroupScope element(document, "element");
+        const dbc::GroupScope element(document, "element");
         document.setValueString("code", part->code);
         document.setValueString("name", part->name);
     }
@@ -130,27 +147,37 @@ void fillArrays(Country& country)
 
 } // namespace
 
-void fillDocument(Country& country, std::size_t allSubdivisions, const std::string& batch, long long now)
+void fillDocument(Country& country, std::size_t allSubdivisions,
+                  const std::string& batch, long long now)
 {
     ObjectProperties& document = country.document;
 
     document.setValueString("code", country.code);
     document.setValueString("name", country.name);
+    //! [make_document]
     document.setValueInt32("numeric", country.numeric);
     document.setValueBool("divided", !country.subdivisions.empty());
+    //! [make_document]
     document.setValueDouble("share",
-                            static_cast<double>(country.subdivisions.size()) / static_cast<double>(allSubdivisions));
+                            static_cast<double>(country.subdivisions.size()) /
+                                static_cast<double>(allSubdivisions));
     document.setValueTime("loaded", now);
     document.setValueId("batch", batch);
-    document.setValueBinary("flag", std::vector<unsigned char>(country.flag.begin(), country.flag.end()));
+    document.setValueBinary(
+        "flag",
+        std::vector<unsigned char>(country.flag.begin(), country.flag.end()));
     document.setValueRegex("codes", "^" + country.code + "-", "");
-    companion::Crc32 checksum;
+    dbc::Crc32 checksum;
     checksum.add(country.name.data(), country.name.size());
-    document.setValueLongLong("checksum", checksum.value()); // beyond the reach of int32
+    document.setValueLongLong("checksum",
+                              checksum.value()); // beyond the reach of int32
 
     {
-        const companion::GroupScope names(document, "names"); // a nested document: until its end keys are below it
+        // A nested document: until the scope ends, keys are below it.
+        //! [make_document]
+        const dbc::GroupScope names(document, "names");
         document.setValueString("alpha3", country.alpha3);
+        //! [make_document]
         if (!country.officialName.empty())
         {
             document.setValueString("official", country.officialName);

@@ -13,8 +13,9 @@ struct Subdivision
 {
     std::string code; ///< "DE-BY"
     std::string name;
-    std::string type;   ///< "Land"
-    std::string parent; ///< code of the subdivision it is part of; mostly empty
+    std::string type; ///< "Land"
+    std::string
+        parent; ///< code of the subdivision it is part of; mostly empty
     ObjectProperties document;
     std::string id; ///< what the server knows it by, once written
 
@@ -35,16 +36,20 @@ struct Country
     std::string id;
 };
 
-/// Reads a JSON file whole into a document. @throws std::runtime_error that names the file
+/// Reads a JSON file whole into a document. @throws std::runtime_error that
+/// names the file
 ObjectProperties readJsonFile(const std::string& path);
 
 std::vector<Country> countriesFrom(const ObjectProperties& json);
 std::vector<Subdivision> subdivisionsFrom(const ObjectProperties& json);
 
-/// Fills the documents that go to the server: every kind of value a field can have.
+/// Fills the documents that go to the server: every kind of value a field can
+/// have.
 /// @param batch  an object id, the same in all of them
 /// @param now    milliseconds since 1970-01-01 UTC
-void fillDocument(Subdivision& subdivision, const std::string& batch, long long now);
-void fillDocument(Country& country, std::size_t allSubdivisions, const std::string& batch, long long now);
+void fillDocument(Subdivision& subdivision, const std::string& batch,
+                  long long now);
+void fillDocument(Country& country, std::size_t allSubdivisions,
+                  const std::string& batch, long long now);
 
 } // namespace tour

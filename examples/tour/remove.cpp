@@ -9,13 +9,19 @@ namespace tour {
 
 namespace {
 
-void removeMatching(Tour& tour, const std::string& what, const ObjectProperties& query, std::size_t expected)
+void removeMatching(Tour& tour, const std::string& what,
+                    const std::string& code, const ObjectProperties& query,
+                    std::size_t expected)
 {
-    const std::size_t before = count(tour, subdivisionsCollection, ObjectProperties());
-    Step step(what);
+    const std::size_t before =
+        count(tour, subdivisionsCollection, ObjectProperties());
+    Step step(what, code);
+    //! [remove]
     tour.client->remove(tour.database, subdivisionsCollection, query);
+    //! [remove]
     step.done(expected);
-    const std::size_t after = count(tour, subdivisionsCollection, ObjectProperties());
+    const std::size_t after =
+        count(tour, subdivisionsCollection, ObjectProperties());
     show(toJson(query) + ": " + std::to_string(after) + " left");
     agree(what, before - after, expected);
 }
@@ -25,20 +31,29 @@ void removeMatching(Tour& tour, const std::string& what, const ObjectProperties&
 void remove(Tour& tour)
 {
     needStored(tour);
-    title("remove", "documents that match a query");
+    title("remove");
     tour.stored = false;
 
-    const auto isParish = [](const Subdivision& s) { return s.type == "Parish"; };
-    const auto parishes = std::count_if(tour.subdivisions.begin(), tour.subdivisions.end(), isParish);
+    const auto isParish = [](const Subdivision& s) {
+        return s.type == "Parish";
+    };
+    const auto parishes = std::count_if(tour.subdivisions.begin(),
+                                        tour.subdivisions.end(), isParish);
     ObjectFilter parish;
     parish.setFilterString(OperationTypeEqual, "type", "Parish", "");
-    removeMatching(tour, "parishes", parish.toObjectProeprties(), static_cast<std::size_t>(parishes));
-    removeMatching(tour, "parishes, again: no match is no error", parish.toObjectProeprties(), 0);
+    removeMatching(tour, "parishes", "remove", parish.toObjectProeprties(),
+                   static_cast<std::size_t>(parishes));
+    removeMatching(tour, "parishes, again: no match is no error", "remove",
+                   parish.toObjectProeprties(), 0);
 
     note("an empty query matches everything");
-    removeMatching(tour, "the rest", ObjectProperties(), tour.subdivisions.size() - static_cast<std::size_t>(parishes));
-    tour.client->remove(tour.database, countriesCollection, ObjectProperties());
-    agree("countries left", count(tour, countriesCollection, ObjectProperties()), 0);
+    removeMatching(tour, "the rest", "remove", ObjectProperties(),
+                   tour.subdivisions.size() -
+                       static_cast<std::size_t>(parishes));
+    tour.client->remove(tour.database, countriesCollection,
+                        ObjectProperties());
+    agree("countries left",
+          count(tour, countriesCollection, ObjectProperties()), 0);
 }
 
 } // namespace tour

@@ -1,7 +1,11 @@
 #include "report.h"
 
+#include "text.h"
+
 #include <unistd.h>
 
+#include <algorithm>
+#include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <iostream>
@@ -27,6 +31,34 @@ bool onTerminal()
     return answer;
 }
 
+constexpr std::size_t screen = 80; // columns
+
+struct Total
+{
+    std::size_t documents = 0;
+    std::size_t files = 0;
+    std::size_t operations = 0;
+};
+Total allSteps;
+
+// Continued lines are indented by further @p indent spaces.
+void print(const std::string& front, const std::string& line,
+           std::size_t indent)
+{
+    for (const std::string& part :
+         wrapped(line, screen - front.size(), indent))
+    {
+        std::cout << front << part << '\n';
+    }
+    std::cout << std::flush;
+}
+
+std::string counted(std::size_t count, const std::string& unit)
+{
+    return std::to_string(count) + ' ' +
+           (count == 1 ? unit.substr(0, unit.size() - 1) : unit);
+}
+
 } // namespace
 
 void endOnInterrupt()
@@ -36,9 +68,21 @@ void endOnInterrupt()
     std::signal(SIGTERM, remember);
 }
 
-Step::Step(std::string what) : m_what(std::move(what)), m_start(std::chrono::steady_clock::now())
+double secondsSinceStart()
+{
+    static const auto start = std::chrono::steady_clock::now();
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() -
+                                         start)
+        .count();
+}
+
+Step::Step(const std::string& what, const std::string& code)
 {
     throwIfInterrupted();
+    std::cout << '\n';
+    print("  ", what, 2);
+    showCode(code);
+    m_start = secondsSinceStart();
 }
 
 Step::~Step()
@@ -57,21 +101,27 @@ void Step::progress(std::size_t done, std::size_t total)
     }
     m_bar = true;
     m_drawn = cells;
-    std::cout << "\r  [" << std::string(cells, '#') << std::string(width - cells, '.') << "] " << done << '/' << total
-              << std::flush;
+    std::cout << "\r  [" << std::string(cells, '#')
+              << std::string(width - cells, '.') << "] " << done << '/'
+              << total << std::flush;
 }
 
-void Step::done(std::size_t count, const std::string& unit)
+void Step::done(std::size_t count, const std::string& unit,
+                std::size_t operations)
 {
-    const std::chrono::duration<double> time = std::chrono::steady_clock::now() - m_start;
+    const double seconds = secondsSinceStart() - m_start;
     clearBar();
-    const std::string counted = count == 1 && unit.back() == 's' ? unit.substr(0, unit.size() - 1) : unit;
-    char figures[96];
-    std::snprintf(figures, sizeof figures, "%6zu %-9s %8.3f s", count, counted.c_str(), time.count());
-    std::cout << "  " << m_what << std::string(m_what.size() < 58 ? 58 - m_what.size() : 1, ' ') << figures;
-    if (count > 1 && time.count() > 0)
+    allSteps.documents += unit == "documents" ? count : 0;
+    allSteps.files += unit == "files" ? count : 0;
+    allSteps.operations += operations;
+    std::cout << "    = " << counted(count, unit);
+    char figures[64];
+    std::snprintf(figures, sizeof figures, " in %.3f s", seconds);
+    std::cout << figures;
+    if (count > 1 && seconds > 0)
     {
-        std::snprintf(figures, sizeof figures, " %8.0f/s", static_cast<double>(count) / time.count());
+        std::snprintf(figures, sizeof figures, ", %.0f per second",
+                      static_cast<double>(count) / seconds);
         std::cout << figures;
     }
     std::cout << std::endl;
@@ -81,39 +131,67 @@ void Step::clearBar()
 {
     if (std::exchange(m_bar, false))
     {
-        std::cout << "\r\033[K" << std::flush; // back to the first column, and clears the line
+        std::cout
+            << "\r\033[K"
+            << std::flush; // back to the first column, and clears the line
     }
 }
 
-void title(const std::string& name, const std::string& what)
+void summary()
 {
-    std::cout << '\n' << name << ": " << what << std::endl;
+    char seconds[32];
+    std::snprintf(seconds, sizeof seconds, "%.1f s", secondsSinceStart());
+    std::cout
+        << "\nThe tour handled " << counted(allSteps.documents, "documents")
+        << " and " << counted(allSteps.files, "files") << "\nin "
+        << counted(allSteps.operations, "operations") << " of the client, in "
+        << seconds << ".\n"
+        << "\nWhere to go on:\n"
+           "  README.md                        a first program of your own\n"
+           "  examples/01_write_and_find.cpp   small programs, one for each "
+           "task\n"
+           "  examples/tour/find.cpp           the code of this tour, one "
+           "file a chapter\n"
+           "  docs/guide/client.md             the guide; scripts/docs makes "
+           "pages of it\n"
+           "  docs/guide/dbc.md                the command-line tool\n"
+        << std::flush;
+}
+
+void showCode(const std::string& name)
+{
+    for (const std::string& line : partOfSources(name))
+    {
+        print("    | ", line,
+              std::min(line.find_first_not_of(' '), line.size()) + 4);
+    }
 }
 
 void show(const std::string& line)
 {
-    std::cout << "      " << line << std::endl;
+    print("      ", line, 2);
 }
 
 void showShort(const std::string& line)
 {
-    constexpr std::size_t width = 110;
-    if (line.size() <= width)
+    constexpr std::size_t most = screen - 10; // six in front, and " ..."
+    if (characters(line) <= most + 4)
     {
         show(line);
         return;
     }
-    std::size_t end = width;
-    while ((static_cast<unsigned char>(line[end]) & 0xC0U) == 0x80U) // not inside a UTF-8 character
+    std::size_t end = most;
+    while (characters(line.substr(0, end)) < most ||
+           (static_cast<unsigned char>(line[end]) & 0xC0U) == 0x80U)
     {
-        --end;
+        ++end;
     }
     show(line.substr(0, end) + " ...");
 }
 
 void note(const std::string& line)
 {
-    std::cout << "    ! " << line << std::endl;
+    print("    ! ", line, 0);
 }
 
 std::string answer(const std::function<void()>& operation)
@@ -133,8 +211,9 @@ void agree(const std::string& what, std::size_t server, std::size_t records)
 {
     if (server != records)
     {
-        throw std::runtime_error(what + ": the server answered " + std::to_string(server) +
-                                 ", a loop over the records " + std::to_string(records));
+        throw std::runtime_error(
+            what + ": the server answered " + std::to_string(server) +
+            ", a loop over the records " + std::to_string(records));
     }
 }
 

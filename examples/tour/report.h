@@ -1,6 +1,5 @@
 #pragma once
 
-#include <chrono>
 #include <cstddef>
 #include <functional>
 #include <stdexcept>
@@ -8,7 +7,8 @@
 
 namespace tour {
 
-/// Ctrl-C: unwinds, so that what the tour made on the server is dropped on the way out.
+/// Ctrl-C: unwinds, so that what the tour made on the server is dropped on
+/// the way out.
 struct Interrupted : std::runtime_error
 {
     Interrupted() : std::runtime_error("interrupted") {}
@@ -16,32 +16,46 @@ struct Interrupted : std::runtime_error
 /// Makes Ctrl-C end the tour at the next step instead of at once.
 void endOnInterrupt();
 
-/// One step of a chapter: prints what was done, how many documents and how fast.
+/// Seconds since the start of the program.
+double secondsSinceStart();
+
+/// One step of a chapter. Prints what is done and the code that does it, then
+/// how many documents and how fast.
 class Step
 {
 public:
-    /// Starts the clock. @throws Interrupted
-    explicit Step(std::string what);
+    /// Prints @p what and the part @p code of the tour's own source text, and
+    /// starts the clock.
+    /// @param code  the name in the two lines "//! [name]" around that part
+    /// @throws Interrupted
+    Step(const std::string& what, const std::string& code);
     Step(const Step&) = delete;
     Step& operator=(const Step&) = delete;
     /// Takes the bar of a step that failed off the screen.
     ~Step();
-    /// Draws a progress bar when standard output is a terminal, otherwise nothing. @throws Interrupted
+    /// Draws a progress bar when standard output is a terminal, otherwise
+    /// nothing. @throws Interrupted
     void progress(std::size_t done, std::size_t total);
-    /// Stops the clock and prints the line.
-    void done(std::size_t count, const std::string& unit = "documents");
+    /// Stops the clock and prints the result.
+    /// @param operations  calls of the client in this step
+    void done(std::size_t count, const std::string& unit = "documents",
+              std::size_t operations = 1);
 
 private:
     void clearBar();
 
-    std::string m_what;
-    std::chrono::steady_clock::time_point m_start;
-    std::size_t m_drawn = 0; ///< cells of the bar on the screen, so that it is drawn again only when it grows
+    double m_start = 0;
+    std::size_t m_drawn = 0; ///< cells of the bar on the screen, so that it
+                             ///< is drawn again only when it grows
     bool m_bar = false;
 };
 
-/// Prints the title of a chapter.
-void title(const std::string& name, const std::string& what);
+/// Prints what all steps have done, and where to go on.
+void summary();
+
+/// Prints the part @p name of the tour's source text, for a step that
+/// follows.
+void showCode(const std::string& name);
 /// Prints a line below a step: what was sent, or what the server answered.
 void show(const std::string& line);
 /// The same, cut to the width of a line.
@@ -49,10 +63,12 @@ void showShort(const std::string& line);
 /// Prints a line of advice: a trap, and how to keep clear of it.
 void note(const std::string& line);
 
-/// Runs something that the server may refuse: "accepted", or the text of the exception.
+/// Runs something that the server may refuse: "accepted", or the text of the
+/// exception.
 std::string answer(const std::function<void()>& operation);
 
-/// The tour ends here unless the server's count is the one that a plain loop over the records gives.
+/// The tour ends here unless the server's count is the one that a plain loop
+/// over the records gives.
 void agree(const std::string& what, std::size_t server, std::size_t records);
 
 } // namespace tour

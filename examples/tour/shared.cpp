@@ -8,10 +8,12 @@
 
 namespace tour {
 
-std::size_t count(Tour& tour, const std::string& collection, const ObjectProperties& query)
+std::size_t count(Tour& tour, const std::string& collection,
+                  const ObjectProperties& query)
 {
-    companion::Results found;
-    tour.client->find(tour.database, collection, query, companion::document({{"_id", 1}}), found, 0, 0);
+    dbc::Results found;
+    tour.client->find(tour.database, collection, query,
+                      dbc::document({{"_id", 1}}), found, 0, 0);
     return found.size();
 }
 
@@ -27,24 +29,11 @@ ObjectProperties fromJson(const std::string& json)
 
 std::string toJson(const ObjectProperties& document)
 {
+    //! [to_json]
     std::string json;
     PropertiesToJson::convert(document, json);
+    //! [to_json]
     return json;
-}
-
-long long number(const ObjectProperties& document, const std::string& key)
-{
-    switch (document.type(key))
-    {
-    case PropertyType::Int32:
-        return document.valueAsInt32(key, 0);
-    case PropertyType::Int64:
-        return document.valueAsLongLong(key, 0);
-    case PropertyType::Double:
-        return static_cast<long long>(document.valueAsDouble(key, 0));
-    default:
-        return 0;
-    }
 }
 
 } // namespace tour

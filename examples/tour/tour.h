@@ -3,10 +3,10 @@
 #include "records.h"
 #include "report.h"
 
-#include <companion/access.h>
-#include <companion/build.h>
-#include <companion/results.h>
 #include <database_client.h>
+#include <dbc/access.h>
+#include <dbc/build.h>
+#include <dbc/results.h>
 
 #include <cstddef>
 #include <memory>
@@ -19,24 +19,31 @@ namespace tour {
 struct Options
 {
     std::string uri;
-    std::string authUri; ///< an administrator on a server with authentication; empty: there is none
-    std::string data;    ///< the folder of iso_3166-1.json and iso_3166-2.json
+    std::string authUri; ///< an administrator on a server with
+                         ///< authentication; empty if not given
+    std::string data; ///< the folder of iso_3166-1.json and iso_3166-2.json
 };
 
-/// What the chapters share: the client, the database that the tour makes and drops, and the records in it.
+/// What the chapters share: the client, the database that the tour makes and
+/// drops, and the records in it.
 struct Tour
 {
     Options options;
-    std::unique_ptr<DataBaseClient> client; ///< connected before the first chapter that needs a server
-    std::string database;                   ///< a name of its own for every run
-    std::string batch;                      ///< an id that marks the documents of this run
-    std::vector<Country> countries;         ///< as read from the files, each with the document made of it
+    std::unique_ptr<DataBaseClient>
+        client; ///< connected before the first chapter that needs a server
+    std::string database; ///< a name of its own for every run
+    std::string batch;    ///< an id that marks the documents of this run
+    std::vector<Country> countries; ///< as read from the files, each with the
+                                    ///< document made of it
     std::vector<Subdivision> subdivisions;
     bool stored = false; ///< whether the documents are on the server
 };
 
 constexpr const char* countriesCollection = "countries";
 constexpr const char* subdivisionsCollection = "subdivisions";
+
+/// Prints the number, the name and the subject of a chapter.
+void title(const std::string& name);
 
 // One function a chapter, in the order of the tour.
 void load(Tour& tour);
@@ -55,13 +62,12 @@ void needRecords(Tour& tour);
 void needStored(Tour& tour);
 
 /// How many documents of the collection match, counted by reading their ids.
-std::size_t count(Tour& tour, const std::string& collection, const ObjectProperties& query);
+std::size_t count(Tour& tour, const std::string& collection,
+                  const ObjectProperties& query);
 
 /// A document from JSON text that is known to be valid.
 ObjectProperties fromJson(const std::string& json);
 /// A document as JSON text.
 std::string toJson(const ObjectProperties& document);
-/// A number whatever its kind: servers answer counts as int32, int64 or double, and valueAsInt32() converts nothing.
-long long number(const ObjectProperties& document, const std::string& key);
 
 } // namespace tour

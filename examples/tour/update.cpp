@@ -1,7 +1,9 @@
-// Chapter "update": the document passed is the operand of the operator that the command names.
+// Chapter "update": the document passed is the operand of the operator that
+// the command names.
 #include "tour.h"
 
 #include <algorithm>
+#include <functional>
 
 namespace tour {
 
@@ -11,81 +13,155 @@ constexpr const char* notesCollection = "notes";
 
 std::size_t countWith(Tour& tour, const std::string& field)
 {
-    return count(tour, countriesCollection, companion::document({{field, companion::object({{"$exists", true}})}}));
+    return count(tour, countriesCollection,
+                 dbc::document({{field, {{"$exists", true}}}}));
 }
 
-// One field comes, gets another name and goes again, in every country that has no subdivisions.
+// Counts the countries that have the fields of everyMatch() before and after.
+void showFields(Tour& tour, std::size_t visited, std::size_t seen)
+{
+    const std::size_t withVisited = countWith(tour, "visited");
+    const std::size_t withSeen = countWith(tour, "seen");
+    show(std::to_string(withVisited) + " have \"visited\", " +
+         std::to_string(withSeen) + " have \"seen\"");
+    agree("visited", withVisited, visited);
+    agree("seen", withSeen, seen);
+}
+
+// A field is added, renamed and removed in every country that has no
+// subdivisions.
 void everyMatch(Tour& tour)
 {
-    struct Round
-    {
-        const char* what;
-        UpdateCommand command;
-        const char* operand;
-        bool visited; ///< whether the countries have this field afterwards
-        bool seen;
-    };
-    const Round rounds[] = {
-        {"$set, every undivided country", UpdateCommandSet, R"({"visited": true})", true, false},
-        {"$rename", UpdateCommandRename, R"({"visited": "seen"})", false, true},
-        {"$unset", UpdateCommandUnset, R"({"seen": ""})", false, false},
-    };
+    DataBaseClient& client = *tour.client;
+    const ObjectProperties query = dbc::document({{"divided", false}});
     const auto undivided = static_cast<std::size_t>(std::count_if(
-        tour.countries.begin(), tour.countries.end(), [](const Country& c) { return c.subdivisions.empty(); }));
-    const ObjectProperties query = companion::document({{"divided", false}});
-    for (const Round& round : rounds)
-    {
-        Step step(round.what);
-        tour.client->update(tour.database, countriesCollection, query, fromJson(round.operand), UpdateFlagMultiUpdate,
-                            round.command);
-        step.done(undivided);
-        const std::size_t visited = countWith(tour, "visited");
-        const std::size_t seen = countWith(tour, "seen");
-        show(std::string(round.operand) + " -> " + std::to_string(visited) + " have \"visited\", " +
-             std::to_string(seen) + " have \"seen\"");
-        agree("visited", visited, round.visited ? undivided : 0);
-        agree("seen", seen, round.seen ? undivided : 0);
-    }
+        tour.countries.begin(), tour.countries.end(),
+        [](const Country& c) { return c.subdivisions.empty(); }));
+
+    Step set("$set, every undivided country", "set_all");
+    //! [set_all]
+    client.update(tour.database, countriesCollection, query,
+                  fromJson(R"({"visited": true})"), UpdateFlagMultiUpdate,
+                  UpdateCommandSet);
+    //! [set_all]
+    set.done(undivided);
+    showFields(tour, undivided, 0);
+
+    Step rename("$rename", "rename_all");
+    //! [rename_all]
+    client.update(tour.database, countriesCollection, query,
+                  fromJson(R"({"visited": "seen"})"), UpdateFlagMultiUpdate,
+                  UpdateCommandRename);
+    //! [rename_all]
+    rename.done(undivided);
+    showFields(tour, 0, undivided);
+
+    Step unset("$unset", "unset_all");
+    //! [unset_all]
+    client.update(tour.database, countriesCollection, query,
+                  fromJson(R"({"seen": ""})"), UpdateFlagMultiUpdate,
+                  UpdateCommandUnset);
+    //! [unset_all]
+    unset.done(undivided);
+    showFields(tour, 0, 0);
 }
 
-// The document that has this id, changed or, when there is none, inserted.
-void oneNote(Tour& tour, const ObjectProperties& query, const std::string& what, UpdateFlag flag, UpdateCommand command,
-             const std::string& operand)
+// Runs one change of the document that @p query finds, and shows what became
+// of it.
+void change(Tour& tour, const ObjectProperties& query,
+            const std::string& what, const std::string& code,
+            const std::function<void()>& update)
 {
-    Step step(what);
-    tour.client->update(tour.database, notesCollection, query, fromJson(operand), flag, command);
+    Step step(what, code);
+    update();
     step.done(1);
 
-    companion::Results found;
-    tour.client->find(tour.database, notesCollection, query, companion::document({{"_id", 0}}), found, 0, 0);
+    dbc::Results found;
+    tour.client->find(tour.database, notesCollection, query,
+                      dbc::document({{"_id", 0}}), found, 0, 0);
     agree("notes with that id", found.size(), 1);
-    show(operand + " -> " + toJson(found.front()));
+    show("now " + toJson(found.front()));
 }
 
+// The document that has this id is changed, or inserted if it does not exist.
 void oneDocument(Tour& tour)
 {
+    DataBaseClient& client = *tour.client;
+    const std::string& database = tour.database;
     // Here, and not in write(), an id can be chosen.
-    const ObjectProperties query = companion::document({{"_id", companion::ObjectId{tour.client->createId()}}});
-    const auto change = [&](const std::string& what, UpdateFlag flag, UpdateCommand command,
-                            const std::string& operand) { oneNote(tour, query, what, flag, command, operand); };
-    change("upsert: there is no such document yet", UpdateFlagUpsert, UpdateCommandSet,
-           R"({"title": "to see", "codes": ["DE"]})");
-    change("$push", UpdateFlagNone, UpdateCommandPush, R"({"codes": "FR"})");
-    change("$addToSet: it is there already", UpdateFlagNone, UpdateCommandAddToSet, R"({"codes": "FR"})");
-    change("$push", UpdateFlagNone, UpdateCommandPush, R"({"codes": "IT"})");
-    change("$pop: 1 is the last element, -1 the first", UpdateFlagNone, UpdateCommandPop, R"({"codes": -1})");
-    change("$pull", UpdateFlagNone, UpdateCommandPull, R"({"codes": "IT"})");
-    change("replace: no operator, a whole document", UpdateFlagNone, UpdateCommandReplace, R"({"title": "seen"})");
-    change("replace with an operator of one's own", UpdateFlagNone, UpdateCommandReplace, R"({"$inc": {"visits": 2}})");
+    const ObjectProperties query =
+        dbc::document({{"_id", dbc::ObjectId{client.createId()}}});
+    change(
+        tour, query, "upsert: there is no such document yet", "upsert", [&] {
+            //! [upsert]
+            client.update(database, notesCollection, query,
+                          fromJson(R"({"title": "to see", "codes": ["DE"]})"),
+                          UpdateFlagUpsert, UpdateCommandSet);
+            //! [upsert]
+        });
+    change(tour, query, "$push", "push_fr", [&] {
+        //! [push_fr]
+        client.update(database, notesCollection, query,
+                      fromJson(R"({"codes": "FR"})"), UpdateFlagNone,
+                      UpdateCommandPush);
+        //! [push_fr]
+    });
+    change(tour, query, "$addToSet: it is there already", "add_to_set", [&] {
+        //! [add_to_set]
+        client.update(database, notesCollection, query,
+                      fromJson(R"({"codes": "FR"})"), UpdateFlagNone,
+                      UpdateCommandAddToSet);
+        //! [add_to_set]
+    });
+    change(tour, query, "$push", "push_it", [&] {
+        //! [push_it]
+        client.update(database, notesCollection, query,
+                      fromJson(R"({"codes": "IT"})"), UpdateFlagNone,
+                      UpdateCommandPush);
+        //! [push_it]
+    });
+    change(tour, query, "$pop: 1 is the last element, -1 the first", "pop",
+           [&] {
+               //! [pop]
+               client.update(database, notesCollection, query,
+                             fromJson(R"({"codes": -1})"), UpdateFlagNone,
+                             UpdateCommandPop);
+               //! [pop]
+           });
+    change(tour, query, "$pull", "pull", [&] {
+        //! [pull]
+        client.update(database, notesCollection, query,
+                      fromJson(R"({"codes": "IT"})"), UpdateFlagNone,
+                      UpdateCommandPull);
+        //! [pull]
+    });
+    change(tour, query, "replace: no operator, a whole document", "replace",
+           [&] {
+               //! [replace]
+               client.update(database, notesCollection, query,
+                             fromJson(R"({"title": "seen"})"), UpdateFlagNone,
+                             UpdateCommandReplace);
+               //! [replace]
+           });
+    change(tour, query, "replace with any other operator", "increment", [&] {
+        //! [increment]
+        client.update(database, notesCollection, query,
+                      fromJson(R"({"$inc": {"visits": 2}})"), UpdateFlagNone,
+                      UpdateCommandReplace);
+        //! [increment]
+    });
 }
 
 void refused(Tour& tour)
 {
-    const ObjectProperties operand = companion::document({{"title", 1}});
-    Step step("$push to a field that is no array");
+    const ObjectProperties operand = dbc::document({{"title", 1}});
+    Step step("$push to a field that is no array", "push_refused");
     const std::string said = answer([&] {
-        tour.client->update(tour.database, notesCollection, ObjectProperties(), operand, UpdateFlagNone,
+        //! [push_refused]
+        tour.client->update(tour.database, notesCollection,
+                            ObjectProperties(), operand, UpdateFlagNone,
                             UpdateCommandPush);
+        //! [push_refused]
     });
     step.done(0);
     show(said);
@@ -96,7 +172,7 @@ void refused(Tour& tour)
 void update(Tour& tour)
 {
     needStored(tour);
-    title("update", "operators on every match, on one document, and on one that is not there yet");
+    title("update");
     everyMatch(tour);
     oneDocument(tour);
     refused(tour);

@@ -1,9 +1,10 @@
-// Chapter "users": a user is added, logs in, gets another password and is removed, on a server with authentication.
+// Chapter "users": a user is added, logs in, gets another password and is
+// removed, on a server with authentication.
 #include "tour.h"
 
 #include "driver.h"
 
-#include <companion/connection_string.h>
+#include <dbc/connection_string.h>
 
 #include <stdexcept>
 
@@ -13,7 +14,8 @@ namespace {
 
 constexpr const char* userName = "traveller";
 
-// The administrator's address with another user, who is known to the database of the tour.
+// The administrator's address with another user, who is known to the database
+// of the tour.
 std::string uriFor(const Tour& tour, const std::string& password)
 {
     const std::string& uri = tour.options.authUri;
@@ -22,18 +24,24 @@ std::string uriFor(const Tour& tour, const std::string& password)
     const std::size_t at = uri.find('@', begin);
     const std::size_t host = at == std::string::npos ? begin : at + 1;
     const std::size_t end = uri.find_first_of("/?", host);
-    return uri.substr(0, begin) + userName + ":" + companion::percentEncoded(password) + "@" +
+    return uri.substr(0, begin) + userName + ":" +
+           dbc::percentEncoded(password) + "@" +
            uri.substr(host, end - host) + "/" + tour.database;
 }
 
-// connect() sends nothing: whether a password is right shows at the first operation.
+// connect() sends nothing: whether a password is right shows at the first
+// operation.
 std::string logIn(const Tour& tour, const std::string& password)
 {
+    //! [log_in]
     DataBaseClient client;
     client.connect(uriFor(tour, password));
+    //! [log_in]
     return answer([&] {
-        companion::Results found;
+        //! [log_in]
+        dbc::Results found;
         client.read(tour.database, "visits", ObjectProperties(), found);
+        //! [log_in]
     });
 }
 
@@ -42,14 +50,16 @@ void mustBe(const std::string& said, bool accepted)
     show(said);
     if ((said == "accepted") != accepted)
     {
-        throw std::runtime_error(std::string("the server should have ") + (accepted ? "accepted" : "refused") +
+        throw std::runtime_error(std::string("the server should have ") +
+                                 (accepted ? "accepted" : "refused") +
                                  " that");
     }
 }
 
-void tryPassword(const Tour& tour, const std::string& what, const std::string& password, bool accepted)
+void tryPassword(const Tour& tour, const std::string& what,
+                 const std::string& password, bool accepted)
 {
-    Step step(what);
+    Step step(what, "log_in");
     const std::string said = logIn(tour, password);
     step.done(1, "log-ins");
     mustBe(said, accepted);
@@ -58,7 +68,11 @@ void tryPassword(const Tour& tour, const std::string& what, const std::string& p
 ObjectProperties rolesIn(const std::string& database)
 {
     // A list: its members are 0, 1, 2 ...
-    return companion::document({{"0", companion::object({{"role", "readWrite"}, {"db", database}})}});
+    //! [roles]
+    ObjectProperties roles =
+        dbc::document({{"0", {{"role", "readWrite"}, {"db", database}}}});
+    //! [roles]
+    return roles;
 }
 
 // Writes and reads one document as the new user.
@@ -66,17 +80,20 @@ void work(const Tour& tour, const std::string& password)
 {
     DataBaseClient client;
     client.connect(uriFor(tour, password));
-    Step step("write and read a document as this user");
-    const ObjectProperties visit = companion::document({{"place", "Andorra"}});
+    Step step("write and read a document as this user", "work");
+    //! [work]
+    const ObjectProperties visit = dbc::document({{"place", "Andorra"}});
     client.write(tour.database, "visits", visit);
-    companion::Results found;
+    dbc::Results found;
     client.read(tour.database, "visits", visit, found);
-    step.done(found.size());
+    //! [work]
+    step.done(found.size(), "documents", 2);
     agree("visits", found.size(), 1);
     show(toJson(found.front()));
 }
 
-/// Removes the user when the chapter ends early: dropping a database leaves its users in place.
+/// Removes the user when the chapter ends early: dropping a database leaves
+/// its users in place.
 class AddedUser
 {
 public:
@@ -95,7 +112,9 @@ public:
     void remove()
     {
         m_removed = true;
+        //! [remove_user]
         m_administrator.removeUser(m_database, userName);
+        //! [remove_user]
     }
 
 private:
@@ -104,34 +123,49 @@ private:
     bool m_removed = false;
 };
 
-AddedUser add(const Tour& tour, DataBaseClient& administrator, const std::string& password)
+AddedUser add(const Tour& tour, DataBaseClient& administrator,
+              const std::string& password)
 {
-    const ObjectProperties customData = companion::document({{"purpose", "tour"}});
-    Step step("add a user with a role and data of its own");
-    administrator.addUser(tour.database, userName, password, rolesIn(tour.database), customData);
+    Step step("add a user with a role and data of its own", "add_user");
+    //! [add_user]
+    const ObjectProperties customData = dbc::document({{"purpose", "tour"}});
+    administrator.addUser(tour.database, userName, password,
+                          rolesIn(tour.database), customData);
+    //! [add_user]
     step.done(1, "users");
     return AddedUser(administrator, tour.database);
 }
 
-void change(const Tour& tour, DataBaseClient& administrator, const std::string& password)
+void change(const Tour& tour, DataBaseClient& administrator,
+            const std::string& password)
 {
-    Step step("change its password");
+    Step step("change its password", "change_password");
+    //! [change_password]
     administrator.changeUserPassword(tour.database, userName, password);
+    //! [change_password]
     step.done(1, "users");
 }
 
 void giveRoles(const Tour& tour, DataBaseClient& administrator)
 {
-    const ObjectProperties customData = companion::document({{"purpose", "second visit"}});
-    Step step("give it roles and data anew");
-    const std::string said =
-        answer([&] { administrator.updateUser(tour.database, userName, rolesIn(tour.database), customData); });
+    const ObjectProperties customData =
+        dbc::document({{"purpose", "second visit"}});
+    Step step("set its roles and data again", "update_user");
+    showCode("roles");
+    const std::string said = answer([&] {
+        //! [update_user]
+        administrator.updateUser(tour.database, userName,
+                                 rolesIn(tour.database), customData);
+        //! [update_user]
+    });
     step.done(1, "users");
     showShort(said);
     if (said != "accepted")
     {
-        // FerretDB v1: it refuses any role, and the gateway before it sends none.
-        note("a server that keeps neither roles nor data has nothing to change here");
+        // FerretDB v1: it refuses any role, and the gateway before it sends
+        // none.
+        note("a server that keeps neither roles nor data has nothing to "
+             "change here");
     }
 }
 
@@ -139,7 +173,7 @@ void giveRoles(const Tour& tour, DataBaseClient& administrator)
 
 void users(Tour& tour)
 {
-    title("users", "a user is added, logs in, gets another password and is removed");
+    title("users");
     DataBaseClient administrator;
     connect(administrator, tour.options.authUri, tour.database);
     const std::string first = administrator.createId();
@@ -155,7 +189,7 @@ void users(Tour& tour)
     tryPassword(tour, "log in with the new password", second, true);
     giveRoles(tour, administrator);
 
-    Step step("remove the user");
+    Step step("remove the user", "remove_user");
     user.remove();
     step.done(1, "users");
     tryPassword(tour, "log in once more", second, false);

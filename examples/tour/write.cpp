@@ -8,28 +8,39 @@ namespace {
 template <typename Records>
 void writeAll(Tour& tour, const char* collection, Records& records)
 {
-    Step step(std::string("write ") + collection);
+    Step step(std::string("write ") + collection, "write");
     std::size_t done = 0;
     for (auto& record : records)
     {
-        tour.client->write(tour.database, collection, record.document, record.id);
+        //! [write]
+        tour.client->write(tour.database, collection, record.document,
+                           record.id);
+        //! [write]
         step.progress(++done, records.size());
     }
-    step.done(done);
+    step.done(done, "documents", done);
     show("the id of the last one, made by write(): " + records.back().id);
 }
 
-// write() appends a new "_id" whatever the document holds: a document that was read goes back with update(), or without
-// its own "_id".
+// write() appends a new "_id" whatever the document holds: a document that
+// was read goes back with update(), or without its own "_id".
 void showTheIdTrap(Tour& tour)
 {
-    const ObjectProperties document =
-        companion::document({{"_id", companion::ObjectId{tour.client->createId()}}, {"name", "has an id already"}});
-    Step step("write a document that has an \"_id\" of its own");
-    const std::string said = answer([&] { tour.client->write(tour.database, "odd", document); });
+    //! [write_with_id]
+    const dbc::ObjectId id{tour.client->createId()};
+    const ObjectProperties document = dbc::document({{"_id", id}});
+    //! [write_with_id]
+    Step step("write a document that has an \"_id\" of its own",
+              "write_with_id");
+    const std::string said = answer([&] {
+        //! [write_with_id]
+        tour.client->write(tour.database, "odd", document);
+        //! [write_with_id]
+    });
     step.done(said == "accepted" ? 1 : 0);
     showShort(said);
-    note("write() always adds an \"_id\"; to choose it yourself: update() with UpdateFlagUpsert, as in chapter update");
+    note("write() always adds an \"_id\"; to choose it yourself: update() "
+         "with UpdateFlagUpsert, as in chapter update");
 }
 
 } // namespace
@@ -37,14 +48,16 @@ void showTheIdTrap(Tour& tour)
 void write(Tour& tour)
 {
     needRecords(tour);
-    title("write", "every document is inserted and gets an id");
+    title("write");
     writeAll(tour, countriesCollection, tour.countries);
     writeAll(tour, subdivisionsCollection, tour.subdivisions);
     tour.stored = true;
 
     const ObjectProperties all;
-    agree("countries", count(tour, countriesCollection, all), tour.countries.size());
-    agree("subdivisions", count(tour, subdivisionsCollection, all), tour.subdivisions.size());
+    agree("countries", count(tour, countriesCollection, all),
+          tour.countries.size());
+    agree("subdivisions", count(tour, subdivisionsCollection, all),
+          tour.subdivisions.size());
     showTheIdTrap(tour);
 }
 

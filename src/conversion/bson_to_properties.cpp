@@ -3,6 +3,7 @@
 #include "object_properties.h"
 #include "property/nesting_stack.h"
 
+#include <cstdint>
 #include <cstring>
 #include <string>
 #include <vector>

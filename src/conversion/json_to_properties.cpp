@@ -3,6 +3,8 @@
 #include "bson_to_properties.h"
 #include "conversion/bson_handles.h"
 
+#include <cstdint>
+
 bool JsonToProperties::convert(const std::string& json, ObjectProperties* properties)
 {
     return properties && json_to_properties(json, properties);

@@ -1,10 +1,12 @@
 #include "properties_to_bson.h"
 
+#include "driver/driver.h"
 #include "object_properties.h"
 #include "property/nesting_stack.h"
 
 #include <bson/bson.h>
 
+#include <cstdint>
 #include <cstring>
 
 namespace {
@@ -115,7 +117,7 @@ bool beginNested(const Property& node, bson_t* parent, bson_t* child)
 {
     const char* const key = node.keyView().c_str();
     const auto keyLength = static_cast<int>(std::strlen(key));
-    return node.isArray() ? bson_append_array_begin(parent, key, keyLength, child)
+    return node.isArray() ? beginArray(parent, key, keyLength, child)
                           : bson_append_document_begin(parent, key, keyLength, child);
 }
 

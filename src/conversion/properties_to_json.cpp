@@ -1,6 +1,7 @@
 #include "properties_to_json.h"
 
 #include "conversion/bson_handles.h"
+#include "driver/driver.h"
 #include "object_properties.h"
 #include "properties_to_bson.h"
 
@@ -14,7 +15,7 @@ bool PropertiesToJson::properties_to_json(const ObjectProperties& properties, st
     OwnedBson bson;
     const bool converted = PropertiesToBson::convert(properties, bson.get());
     std::size_t length = 0;
-    const BsonText text(bson_as_json(bson.get(), &length));
+    const BsonText text(legacyJson(bson.get(), &length));
     if (text)
         json.assign(text.get(), length);
     else

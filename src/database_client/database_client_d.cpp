@@ -1,42 +1,10 @@
 #include "database_client/database_client_d.h"
 
 #include "database_client/DatabaseDriverManager.h"
-#include "database_client/stream_initiator.h"
+#include "database_client/sendable.h"
 #include "properties_to_bson.h"
 
-#include <cstdint>
 #include <stdexcept>
-
-namespace {
-
-// The driver checks documents with one call of its own per level: deeper ones would exhaust the stack of the thread.
-// Servers take a tenth of that.
-constexpr int deepestNesting = 1000;
-// The least that a level takes: kind, an empty key, length and end of the nested document.
-constexpr std::uint32_t smallestLevel = 7;
-
-bool nestsWithin(bson_iter_t& iter, int levels)
-{
-    while (bson_iter_next(&iter))
-    {
-        bson_iter_t nested;
-        if (!(BSON_ITER_HOLDS_DOCUMENT(&iter) || BSON_ITER_HOLDS_ARRAY(&iter)) || !bson_iter_recurse(&iter, &nested))
-            continue;
-        if (levels == 0 || !nestsWithin(nested, levels - 1))
-            return false;
-    }
-    return true;
-}
-
-bool canBeSent(const bson_t* bson)
-{
-    if (bson->len < smallestLevel * deepestNesting)
-        return true; // too short to be deep: nothing to walk
-    bson_iter_t iter;
-    return bson_iter_init(&iter, bson) && nestsWithin(iter, deepestNesting);
-}
-
-} // namespace
 
 DataBaseClientPrivate::DataBaseClientPrivate()
 {
@@ -61,7 +29,7 @@ void DataBaseClientPrivate::connect(const std::string& uri)
     bson_error_t unread{};
     const UriHandle parsed(mongoc_uri_new_with_error(uri.c_str(), &unread));
     if (parsed)
-        m_client = newCheckedClient(*parsed, unread);
+        m_client.reset(mongoc_client_new_from_uri_with_error(parsed.get(), &unread));
     if (!m_client)
         throw_runtime_error("Connection failed", "", 0);
 }

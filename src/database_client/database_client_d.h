@@ -2,11 +2,16 @@
 
 #include "database_client.h"
 #include "database_client/mongoc_handles.h"
+#include "database_client/shared_client.h"
 
 #include <list>
 #include <string>
 
 class ObjectProperties;
+
+namespace dbc {
+class ClientAccess;
+}
 
 /// What a client does. Operations are documented with DataBaseClient; those that are missing here are built there, on
 /// its virtual operations.
@@ -68,6 +73,8 @@ public:
     bool toMongoUpdateFlag(const UpdateFlag& flag, mongoc_update_flags_t& mongoFlag) const;
 
 private:
+    friend class dbc::ClientAccess;
+
     [[noreturn]] static void throwDriverError(const std::string& message, const bson_error_t& error);
     /// Converts for sending. @throws std::invalid_argument the refusal, also for documents nested deeper than the
     /// driver can walk
@@ -77,5 +84,5 @@ private:
     CollectionHandle openCollection(const std::string& database, const std::string& collection) const;
     GridFsHandle openGridFs(const std::string& database, const std::string& gridFsCollection) const;
 
-    ClientHandle m_client; ///< null when not connected
+    SharedClient m_client; ///< null when not connected
 };

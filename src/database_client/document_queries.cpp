@@ -1,10 +1,10 @@
 // Operations that return documents: find, read, aggregate.
 
 #include "bson_to_properties.h"
+#include "database_client/cursors.h"
 #include "database_client/database_client_d.h"
 #include "object_properties.h"
 
-#include <cstdint>
 #include <cstring>
 #include <stdexcept>
 
@@ -18,18 +18,6 @@ bool isQueryForm(const bson_t* query)
     while (isForm && bson_iter_next(&iter))
         isForm = std::strcmp(bson_iter_key(&iter), "$query") != 0 || BSON_ITER_HOLDS_DOCUMENT(&iter);
     return isForm;
-}
-
-// The legacy call, because it understands {"$query": ..., "$orderby": ...}: callers build queries of that form.
-CursorHandle openFind(const CollectionHandle& collection, const OwnedBson& query, const OwnedBson& fields, int limit,
-                      int skip)
-{
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
-    return CursorHandle(mongoc_collection_find(collection.get(), MONGOC_QUERY_NONE, static_cast<std::uint32_t>(skip),
-                                               static_cast<std::uint32_t>(limit), 0, query.get(), fields.get(),
-                                               nullptr));
-#pragma GCC diagnostic pop
 }
 
 void appendResult(const bson_t* bson, std::list<ObjectProperties*>& results)
@@ -71,9 +59,9 @@ void DataBaseClientPrivate::find(const std::string& database, const std::string&
         toBson(projection, fields, "Bad propjection");
 
     const CollectionHandle source = openCollection(database, collection);
-    const CursorHandle cursor = openFind(source, condition, fields, limit, skip);
     bson_error_t error{};
-    if (!appendResults(cursor, results, error))
+    const CursorHandle cursor = openFind(source, condition, fields, limit, skip, error);
+    if (!cursor || !appendResults(cursor, results, error))
         throwDriverError("Find error.", error);
 }
 
@@ -94,9 +82,8 @@ void DataBaseClientPrivate::aggregate(const std::string& database, const std::st
     toBson(pipeline, stages, "Bad pipeline");
 
     const CollectionHandle source = openCollection(database, collection);
-    const CursorHandle cursor(
-        mongoc_collection_aggregate(source.get(), MONGOC_QUERY_NONE, stages.get(), nullptr, nullptr));
     bson_error_t error{};
-    if (!appendResults(cursor, results, error))
+    const CursorHandle cursor = openAggregation(m_client.get(), source, stages.get(), nullptr, nullptr, error);
+    if (!cursor || !appendResults(cursor, results, error))
         throwDriverError("Aggregation error.", error);
 }

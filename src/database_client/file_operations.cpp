@@ -56,22 +56,16 @@ ssize_t readPiece(const GridFsFileHandle& file, const GridFsStreamHandle& stream
     return static_cast<ssize_t>(filled);
 }
 
-// Stored files by name. The driver's query form takes both keys, in this order.
+// Stored files by name.
 GridFsFileListHandle openFileList(const GridFsHandle& store)
 {
-    OwnedBson query;
-    bson_t orderBy;
-    BSON_APPEND_DOCUMENT_BEGIN(query.get(), "$orderby", &orderBy);
-    BSON_APPEND_INT32(&orderBy, "filename", 1);
-    bson_append_document_end(query.get(), &orderBy);
-    bson_t all;
-    BSON_APPEND_DOCUMENT_BEGIN(query.get(), "$query", &all);
-    bson_append_document_end(query.get(), &all);
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
-    // The replacement would want the order as an option; what goes to the server is the same.
-    return GridFsFileListHandle(mongoc_gridfs_find(store.get(), query.get()));
-#pragma GCC diagnostic pop
+    const OwnedBson all;
+    OwnedBson options;
+    bson_t order;
+    BSON_APPEND_DOCUMENT_BEGIN(options.get(), "sort", &order);
+    BSON_APPEND_INT32(&order, "filename", 1);
+    bson_append_document_end(options.get(), &order);
+    return GridFsFileListHandle(mongoc_gridfs_find_with_opts(store.get(), all.get(), options.get()));
 }
 
 bool isAtEnd(const bson_error_t& error)

@@ -30,8 +30,11 @@ foreach(symbol IN LISTS found)
     string(APPEND faults "\n  new:     ${symbol}")
   endif()
   if(NOT symbol MATCHES "^(typeinfo for |typeinfo name for |vtable for )?(DataBaseClient|ObjectFilter|ObjectProperties|Property)(::.*)?$"
+      AND NOT symbol MATCHES "^(typeinfo for |typeinfo name for |vtable for )?dbc::v1::"
+      AND NOT symbol MATCHES "^(typeinfo for |typeinfo name for |vtable for )?dbc::(Bulk|BulkError|Collection|Cursor|Database|FileReader|FileStore|ServerError)(::.*)?$"
       AND NOT symbol MATCHES "^(BsonToProperties|JsonToProperties|PropertiesToBson|PropertiesToJson)::"
-      AND NOT symbol MATCHES "^(createDataBaseClient|createObjectFilter|createObjectProperties|parseOldCollectionName\\(.*)$")
+      AND NOT symbol MATCHES "^(createDataBaseClient|createObjectFilter|createObjectProperties|parseOldCollectionName\\(.*)$"
+      AND NOT symbol MATCHES "^dbc::(nameOf|setLogHandler|useDefaultLog)\\(.*$")
     string(APPEND faults "\n  private: ${symbol}")
   endif()
 endforeach()

@@ -82,6 +82,23 @@ const std::string& database()
 
 const std::string collection = "a collection whose name is long enough";
 
+// The users of this test. Made before allocations are counted.
+struct Users
+{
+    ScratchDatabase scratch{TestServer::instance().directAuthUri()};
+    std::string database = scratch.name();
+    std::string changed = scratch.userName("a user with a long name");
+    std::string removed = scratch.userName("a user who will be removed");
+    std::string added = scratch.userName("a new user with a long name");
+    std::string unknown = scratch.userName("another user with a long name");
+};
+
+const Users& users()
+{
+    static const Users made;
+    return made;
+}
+
 struct Setting
 {
     Setting() : stream(&buffer)
@@ -129,9 +146,9 @@ protected:
         for (int i = 0; i < 3; ++i)
             setting.client.write(database(), collection, setting.document);
         setting.client.writeFile(database(), "files", "stored", inputFile());
-        for (const char* const user : {"a user with a long name", "a user who will be removed"})
-            setting.userClient.addUser(database(), user, "password", setting.none, setting.none);
-        expectFailure([&] { setting.userClient.removeUser(database(), "nobody"); });
+        for (const std::string& user : {users().changed, users().removed})
+            setting.userClient.addUser(users().database, user, "password", setting.none, setting.none);
+        expectFailure([&] { setting.userClient.removeUser(users().database, users().unknown); });
         setting.use();
     }
 };
@@ -223,18 +240,19 @@ const AllocatingOperation<Setting> operations[] = {
     {"removeFile", [](Setting& s) { s.client.removeFile(database(), "files", "again"); }},
     {"readFileThatFails",
      [](Setting& s) { expectFailure([&s] { s.client.readFile(database(), "files", "missing", &s.stream); }); }},
-    {"addUser",
-     [](Setting& s) { s.userClient.addUser(database(), "a new user with a long name", longText, s.none, s.none); }},
+    {"addUser", [](Setting& s) { s.userClient.addUser(users().database, users().added, longText, s.none, s.none); }},
     {"addUserThatFails",
-     [](Setting& s) { expectFailure([&s] { s.userClient.addUser(database(), "another user", "", s.none, s.none); }); }},
+     [](Setting& s) {
+         expectFailure([&s] { s.userClient.addUser(users().database, users().unknown, "", s.none, s.none); });
+     }},
     // FerretDB refuses a change of nothing.
     {"updateUser",
      [](Setting& s) {
-         expectFailure([&s] { s.userClient.updateUser(database(), "a user with a long name", s.none, s.none); });
+         expectFailure([&s] { s.userClient.updateUser(users().database, users().changed, s.none, s.none); });
      }},
     {"changeUserPassword",
-     [](Setting& s) { s.userClient.changeUserPassword(database(), "a user with a long name", longText); }},
-    {"removeUser", [](Setting& s) { s.userClient.removeUser(database(), "a user who will be removed"); }},
+     [](Setting& s) { s.userClient.changeUserPassword(users().database, users().changed, longText); }},
+    {"removeUser", [](Setting& s) { s.userClient.removeUser(users().database, users().removed); }},
 };
 
 INSTANTIATE_TEST_SUITE_P(Client, ClientWithoutMemory, testing::ValuesIn(operations),

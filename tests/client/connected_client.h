@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 namespace test_support {
 
@@ -22,6 +23,19 @@ public:
     ScratchDatabase& scratch() { return m_scratch; }
     const std::string& database() const { return m_scratch.name(); }
     WireGateway& gateway() { return TestServer::instance().gateway(); }
+
+    /// The only command of this name that was sent, or how many there were.
+    std::string sent(const std::string& name)
+    {
+        const std::vector<RecordedCommand> commands = gateway().commands(name);
+        return commands.size() == 1 ? commands[0].json() : std::to_string(commands.size()) + " commands";
+    }
+
+    /// Answers the next command of this name instead of the server.
+    void reply(const std::string& name, const std::string& reply)
+    {
+        gateway().inject(Fault::answer(reply).onCommand(name));
+    }
 
     static ObjectProperties number(const std::string& key, int value)
     {

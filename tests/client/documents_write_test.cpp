@@ -88,8 +88,9 @@ TEST_F(DocumentWrite, ThatIsRefusedThrowsTheTextAndTheCodeAndLeavesTheNewId)
     std::string id = "replaced";
     const std::string text = thrownText([&] { client().write(database(), "c", number("a", 1), id); });
 
-    EXPECT_EQ(text.rfind("runtime_error: Error occurred while insert operation: E11000 duplicate key error", 0), 0U)
-        << text;
+    // The server's own words differ.
+    EXPECT_EQ(text.rfind("runtime_error: Error occurred while insert operation: ", 0), 0U) << text;
+    EXPECT_NE(text.find("uplicate key"), std::string::npos) << text;
     EXPECT_EQ(text.substr(text.size() - 13), "(code: 11000)") << text;
     EXPECT_EQ(id.size(), 24U);
     EXPECT_EQ(scratch().count("c"), 1U);

@@ -2,6 +2,7 @@
 //
 // DATABASE_CLIENT_TEST_FAULTS is how many faults, DATABASE_CLIENT_TEST_SEED chooses them.
 
+#include "connection_options.h"
 #include "database_client.h"
 #include "environment_number.h"
 #include "object_properties.h"
@@ -24,6 +25,7 @@ using test_support::Fault;
 using test_support::ScratchDatabase;
 using test_support::TestServer;
 using test_support::WireGateway;
+using test_support::withOptions;
 
 Fault chosen(std::mt19937_64& random)
 {
@@ -45,7 +47,9 @@ Fault chosen(std::mt19937_64& random)
         return Fault::replaceReply(
             R"({"ok": 1, "n": 1, "writeConcernError": {"code": 64, "errmsg": "waiting for replication timed out"}})");
     case 7:
-        return Fault::shortenReply(16 + random() % 29); // of at least 45 bytes
+        // Shorter than any document needs: the driver refuses it. A message that ends inside its document is read
+        // beyond its end by libmongoc 1.23, which can end the process.
+        return Fault::shortenReply(16 + random() % 4);
     default:
         return Fault::rawReply(Bytes{1, 2, 3});
     }
@@ -56,7 +60,7 @@ TEST(AcknowledgedWrites, AreAllFoundWhateverHappensToTheConnection)
     WireGateway& gateway = TestServer::instance().gateway();
     ScratchDatabase database;
     DataBaseClient client;
-    client.connect(TestServer::instance().uri() + "?socketTimeoutMS=2000&serverSelectionTimeoutMS=5000");
+    client.connect(withOptions(TestServer::instance().uri(), "socketTimeoutMS=2000&serverSelectionTimeoutMS=5000"));
     const auto seed = environmentNumber("DATABASE_CLIENT_TEST_SEED", 1);
     const auto faults = environmentNumber("DATABASE_CLIENT_TEST_FAULTS", 20);
     std::mt19937_64 random(seed);

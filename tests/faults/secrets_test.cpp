@@ -129,8 +129,9 @@ TEST(ReservedCharacters, OfAPasswordReachTheServerWhenTheyAreEscaped)
     });
     EXPECT_EQ(said.find("uthentication"), std::string::npos) << said;
 
+    // Different at its beginning: libmongoc 1.30 reuses a login of this process if only later characters differ.
     DataBaseClient refused;
-    refused.connect("mongodb://" + escaped(user) + ":" + escaped(password) + "x@" + authHost() + "/?authSource=admin");
+    refused.connect("mongodb://" + escaped(user) + ":x" + escaped(password) + "@" + authHost() + "/?authSource=admin");
     const auto refusal = everythingSaid([&] { refused.write("secrets", "c", none); });
     EXPECT_NE(refusal.find("Authentication failed"), std::string::npos) << refusal;
     EXPECT_EQ(refusal.find(secret), std::string::npos) << refusal;

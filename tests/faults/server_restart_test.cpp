@@ -1,5 +1,6 @@
 // A server that is ended and started again while clients work with it.
 
+#include "connection_options.h"
 #include "database_client.h"
 #include "object_properties.h"
 #include "test_server.h"
@@ -21,9 +22,13 @@ namespace {
 using test_support::Fault;
 using test_support::ServerProcess;
 using test_support::WireGateway;
+using test_support::withOptions;
 
-// Limits that a test can wait for; the driver's own pause after a dropped connection is half a second.
-const std::string limits = "?serverSelectionTimeoutMS=5000&connectTimeoutMS=2000&socketTimeoutMS=60000";
+// Limits that a test can wait for.
+const std::string limits = "serverSelectionTimeoutMS=20000&connectTimeoutMS=2000&socketTimeoutMS=60000";
+// The driver waits for its pauses to pass, half a second after a lost connection and 5 s after a failed scan, instead
+// of refusing at once.
+const std::string untilThePauseIsOver = "serverSelectionTryOnce=false";
 
 std::set<std::string> idsOf(DataBaseClient& client, const std::string& collection)
 {
@@ -118,7 +123,7 @@ protected:
     void SetUp() override
     {
         if (!ServerProcess::available())
-            GTEST_SKIP() << "the server given by MONGODB_URI cannot be ended";
+            GTEST_SKIP() << "the server given by MONGODB_URI cannot be stopped";
         DataBaseClient::instance(); // the driver is initialised before there are threads
         m_server = std::make_unique<ServerProcess>();
     }
@@ -128,7 +133,7 @@ protected:
 
 TEST_F(ServerRestart, LosesNoWriteThatWasAcknowledgedAndTheSameClientWorksAgain)
 {
-    Writer writer(m_server->uri() + limits);
+    Writer writer(withOptions(m_server->uri(), limits));
     for (int round = 0; round < 3; ++round)
     {
         writer.waitForFurtherSuccesses(50);
@@ -142,7 +147,7 @@ TEST_F(ServerRestart, LosesNoWriteThatWasAcknowledgedAndTheSameClientWorksAgain)
     for (const auto& failure : writer.failures())
         EXPECT_EQ(failure.find("Error occurred while insert operation: "), 0U) << failure;
     DataBaseClient client;
-    client.connect(m_server->uri() + limits);
+    client.connect(withOptions(m_server->uri(), limits));
     const auto stored = idsOf(client, "c");
     for (const auto& id : writer.acknowledged())
         EXPECT_EQ(stored.count(id), 1U) << id << " was acknowledged and is lost";
@@ -154,7 +159,7 @@ TEST_F(ServerRestart, KeepsTheResultsDeliveredBeforeAndTheNextReadDeliversAll)
 {
     WireGateway gateway(m_server->uri(), m_server->rewrite());
     DataBaseClient client;
-    client.connect(gateway.uri() + limits);
+    client.connect(withOptions(gateway.uri(), limits + "&" + untilThePauseIsOver));
     constexpr std::size_t count = 300; // more than a first batch
     for (std::size_t i = 0; i < count; ++i)
         client.write("restart", "c", ObjectProperties());
@@ -191,7 +196,7 @@ TEST_F(ServerRestart, KeepsTheResultsDeliveredBeforeAndTheNextReadDeliversAll)
 TEST_F(ServerRestart, LeavesEveryOperationWithItsOwnExceptionWhileTheServerIsAway)
 {
     DataBaseClient client;
-    client.connect(m_server->uri() + "?serverSelectionTimeoutMS=200&connectTimeoutMS=200");
+    client.connect(withOptions(m_server->uri(), "serverSelectionTimeoutMS=200&connectTimeoutMS=200"));
     m_server->stop();
     const ObjectProperties empty;
     const auto failureOf = [](const auto& call) {
@@ -230,7 +235,8 @@ TEST_F(ServerRestart, EndsAnOperationAtTheSocketTimeLimitWhenTheServerNeverAnswe
 {
     WireGateway gateway(m_server->uri(), m_server->rewrite());
     DataBaseClient client;
-    client.connect(gateway.uri() + "?socketTimeoutMS=300&serverSelectionTimeoutMS=10000");
+    client.connect(
+        withOptions(gateway.uri(), "socketTimeoutMS=300&serverSelectionTimeoutMS=20000&" + untilThePauseIsOver));
     client.write("restart", "c", ObjectProperties());
     gateway.inject(Fault::holdReply().onCommand("insert"));
     EXPECT_THROW(client.write("restart", "c", ObjectProperties()), std::runtime_error);
@@ -243,12 +249,12 @@ TEST_F(ServerRestart, EndsAnOperationAtTheSelectionTimeLimitWhenNobodyAccepts)
     WireGateway gateway(m_server->uri(), m_server->rewrite());
     gateway.refuseConnections();
     DataBaseClient client;
-    client.connect(gateway.uri() + "?serverSelectionTimeoutMS=300");
+    client.connect(withOptions(gateway.uri(), "serverSelectionTimeoutMS=300"));
     EXPECT_THROW(client.write("restart", "c", ObjectProperties()), std::runtime_error);
     gateway.pause();
     gateway.acceptConnections();
     DataBaseClient another;
-    another.connect(gateway.uri() + "?serverSelectionTimeoutMS=300&connectTimeoutMS=200");
+    another.connect(withOptions(gateway.uri(), "serverSelectionTimeoutMS=300&connectTimeoutMS=200"));
     EXPECT_THROW(another.write("restart", "c", ObjectProperties()), std::runtime_error);
     gateway.resume();
 }

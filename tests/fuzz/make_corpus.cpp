@@ -20,7 +20,9 @@ namespace {
 class Corpus
 {
 public:
-    Corpus(const std::filesystem::path& root, const std::string& target) : m_folder(root / target)
+    /// What is added to the corpus is also added to @p other, with the name of this one before its own.
+    Corpus(const std::filesystem::path& root, const std::string& target, const Corpus* other = nullptr)
+        : m_folder(root / target), m_target(target), m_other(other)
     {
         std::filesystem::create_directories(m_folder);
     }
@@ -28,6 +30,8 @@ public:
     void add(const std::string& name, const std::string& bytes) const
     {
         std::ofstream(m_folder / name, std::ios::binary) << bytes;
+        if (m_other)
+            m_other->add(m_target + '-' + name, bytes);
     }
 
     void add(const std::string& name, const bson_t* bson) const
@@ -37,6 +41,8 @@ public:
 
 private:
     std::filesystem::path m_folder;
+    std::string m_target;
+    const Corpus* m_other;
 };
 
 const std::vector<std::pair<std::string, std::string>>& texts()
@@ -73,8 +79,9 @@ const std::vector<std::pair<std::string, std::string>>& texts()
 
 void makeConversions(const std::filesystem::path& root)
 {
-    const Corpus bsonCorpus(root, "bson");
-    const Corpus jsonCorpus(root, "json");
+    const Corpus valueCorpus(root, "value");
+    const Corpus bsonCorpus(root, "bson", &valueCorpus);
+    const Corpus jsonCorpus(root, "json", &valueCorpus);
     for (const auto& [name, text] : texts())
     {
         jsonCorpus.add(name, text);
@@ -173,50 +180,6 @@ void makeNames(const std::filesystem::path& root)
                              lengthAndText("p") + lengthAndText("d"));
 }
 
-// The forms of a reply that fuzz_reply reads: what was asked (0 a greeting, 1 a command, 2 a list of indexes), the size
-// of the pieces less one, the message.
-std::string replyTo(char asked, const bson_t* document)
-{
-    const std::string head(asked == 0 ? 36 : 21, '\0');
-    std::string message = head + std::string(reinterpret_cast<const char*>(bson_get_data(document)), document->len);
-    for (unsigned shift = 0; shift < 32; shift += 8)
-        message[shift / 8] = static_cast<char>(message.size() >> shift);
-    message[12] = asked == 0 ? '\1' : '\xDD';
-    message[13] = asked == 0 ? '\0' : '\7';
-    if (asked == 0)
-        message[32] = 1; // documents
-    return std::string({asked, 6}) + message;
-}
-
-void makeReplies(const std::filesystem::path& root)
-{
-    const Corpus replies(root, "reply");
-    const std::vector<std::pair<std::string, std::string>> own{
-        {"cursor", R"({"cursor": {"id": 0, "ns": "d.c", "firstBatch": [{"_id": 1}]}, "ok": 1.0})"},
-        {"indexes",
-         R"({"cursor": {"id": 0, "ns": "d.c", "firstBatch": [{"key": {"a": 1}, "name": "a_1"}]}, "ok": 1.0})"},
-        {"greeting",
-         R"({"ismaster": true, "hosts": ["a:1", "[::1]:2"], "setName": "rs", "tags": {"dc": "east"}, "maxWireVersion": 17})"},
-        {"authentication",
-         R"({"conversationId": 1, "payload": {"$binary": {"base64": "cj1hLHM9YixpPTQwOTY=", "subType": "00"}}, "ok": 1.0})"},
-        {"error", R"({"ok": 0.0, "errmsg": "no", "code": 13, "errorLabels": ["RetryableWriteError"]})"},
-        {"write-errors",
-         R"({"ok": 1.0, "n": 0, "writeErrors": [{"index": 0, "code": 11000, "errmsg": "taken"}],
-             "writeConcernError": {"code": 64, "errmsg": "late"}})"},
-    };
-    std::vector<std::pair<std::string, std::string>> all = texts();
-    all.insert(all.end(), own.begin(), own.end());
-    for (const auto& [name, text] : all)
-    {
-        bson_error_t error;
-        test_support::OwnedBson bson;
-        if (!bson_init_from_json(bson.get(), text.c_str(), -1, &error))
-            throw std::runtime_error(name + ": " + error.message);
-        for (const char asked : {'\0', '\1', '\2'})
-            replies.add(name + "-" + std::to_string(static_cast<int>(asked)), replyTo(asked, bson.get()));
-    }
-}
-
 } // namespace
 
 int main(int argc, char** argv)
@@ -229,5 +192,4 @@ int main(int argc, char** argv)
     makeConversions(argv[1]);
     makeSequences(argv[1]);
     makeNames(argv[1]);
-    makeReplies(argv[1]);
 }

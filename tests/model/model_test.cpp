@@ -6,6 +6,7 @@
 #include <CLI/CLI.hpp>
 
 #include <chrono>
+#include <cstdint>
 #include <iostream>
 
 namespace {

@@ -4,6 +4,7 @@
 
 #include <bson/bson.h>
 
+#include <cstdint>
 #include <cstring>
 #include <limits>
 #include <stdexcept>
@@ -189,14 +190,15 @@ private:
 
     bool element(Level& level, bson_type_t type, std::string_view key, std::size_t valueAt, std::size_t size)
     {
-        if (type == BSON_TYPE_UNDEFINED)
+        const bool changesArrays = m_rewrite != BsonRewrite::UserData;
+        if (changesArrays && type == BSON_TYPE_UNDEFINED)
         {
             copyUpTo(m_at);
             m_at = m_copied = valueAt;
             m_changed = true;
             return true;
         }
-        if (level.isArray)
+        if (changesArrays && level.isArray)
         {
             renumber(key, level.nextElement++, valueAt);
         }
@@ -220,8 +222,7 @@ private:
 
     bool emptied(std::string_view key) const
     {
-        return m_rewrite == BsonRewrite::ArraysAndUserData && m_open.size() == 1 &&
-               (key == "roles" || key == "customData");
+        return m_rewrite != BsonRewrite::Arrays && m_open.size() == 1 && (key == "roles" || key == "customData");
     }
 
     void renumber(std::string_view key, std::size_t number, std::size_t valueAt)

@@ -18,8 +18,9 @@ enum class BsonRewrite
 {
     /// Array elements are renumbered 0, 1, 2, ..., elements of kind undefined are left out, at every depth.
     Arrays,
-    /// The same, and `roles` and `customData` at the top level become empty.
-    ArraysAndUserData,
+    /// `roles` and `customData` at the top level become empty.
+    UserData,
+    ArraysAndUserData, ///< both
 };
 
 /// Rewrites one BSON document.

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <ostream>
 #include <string>
 
@@ -57,10 +58,10 @@ std::string forwarded(const std::string& original, BsonRewrite rewrite = BsonRew
     return result ? std::string(result->begin(), result->end()) : original;
 }
 
-bool needsRewriting(const std::string& original)
+bool needsRewriting(const std::string& original, BsonRewrite rewrite = BsonRewrite::Arrays)
 {
     const auto* data = reinterpret_cast<const std::uint8_t*>(original.data());
-    return rewriteBson(data, original.size(), BsonRewrite::Arrays).has_value();
+    return rewriteBson(data, original.size(), rewrite).has_value();
 }
 
 struct Row
@@ -152,6 +153,15 @@ TEST(BsonRewrite, EmptiesRolesAndCustomDataOfUserCommandsAtTheTopOnly)
     EXPECT_EQ(forwarded(command, BsonRewrite::ArraysAndUserData),
               document(number("createUser", 1) + group("customData", "") + array("roles", "") + inner));
     EXPECT_EQ(forwarded(document(array("roles", "")), BsonRewrite::ArraysAndUserData), document(array("roles", "")));
+}
+
+TEST(BsonRewrite, OfUserDataAloneLeavesArraysAndUndefinedUntouched)
+{
+    const std::string rest = array("a", number("7", 1)) + undefined("u");
+
+    EXPECT_EQ(forwarded(document(array("roles", number("0", 1)) + rest), BsonRewrite::UserData),
+              document(array("roles", "") + rest));
+    EXPECT_FALSE(needsRewriting(document(rest), BsonRewrite::UserData));
 }
 
 TEST(BsonRewrite, LeavesBytesThatAreNoDocumentUntouched)

@@ -12,6 +12,7 @@
 #include <cerrno>
 #include <chrono>
 #include <csignal>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -65,29 +66,15 @@ DriverClient openClient(const std::string& address)
     return DriverClient(mongoc_client_new_from_uri(uri.get()));
 }
 
-TestServer::Kind kindOf(const std::string& address)
+/// @p address is that of the servers which DATABASE_CLIENT_TEST_SERVER describes.
+ServerKind kindOf(const std::string& address)
 {
     const std::string named = required("DATABASE_CLIENT_TEST_SERVER");
-    if (named != "given")
+    if (named == "given")
     {
-        return named == "ferretdb" ? TestServer::Kind::FerretDb : TestServer::Kind::MongoDb;
+        return serverKindAt(address);
     }
-    const DriverClient client = openClient(address);
-    OwnedBson command;
-    OwnedBson reply;
-    bson_error_t error{};
-    parse(command, R"({"buildInfo": 1})");
-    if (!mongoc_client_command_simple(client.get(), "admin", command.get(), nullptr, reply.get(), &error))
-    {
-        fail("the server at MONGODB_URI does not answer", error);
-    }
-    const bool ferretDb = bson_has_field(reply.get(), "ferretdb") || bson_has_field(reply.get(), "ferretdbVersion");
-    return ferretDb ? TestServer::Kind::FerretDb : TestServer::Kind::MongoDb;
-}
-
-WireGateway::Rewrite rewriteFor(TestServer::Kind kind)
-{
-    return kind == TestServer::Kind::FerretDb ? WireGateway::Rewrite::ForFerretDb : WireGateway::Rewrite::Nothing;
+    return named == "ferretdb" ? ServerKind::FerretDbV1 : ServerKind::MongoDb;
 }
 
 /// Different in every process and at every call.
@@ -101,6 +88,34 @@ std::string uniqueName()
 }
 
 } // namespace
+
+ServerKind serverKindAt(const std::string& uri)
+{
+    const DriverClient client = openClient(uri);
+    OwnedBson command;
+    OwnedBson reply;
+    bson_error_t error{};
+    parse(command, R"({"buildInfo": 1})");
+    if (!mongoc_client_command_simple(client.get(), "admin", command.get(), nullptr, reply.get(), &error))
+    {
+        fail("the server does not answer", error);
+    }
+    return serverKindFrom(reply.get());
+}
+
+WireGateway::Rewrite rewriteFor(ServerKind kind)
+{
+    switch (kind)
+    {
+    case ServerKind::MongoDb:
+        break;
+    case ServerKind::FerretDbV1:
+        return WireGateway::Rewrite::ForFerretDbV1;
+    case ServerKind::FerretDbV2:
+        return WireGateway::Rewrite::ForFerretDbV2;
+    }
+    return WireGateway::Rewrite::Nothing;
+}
 
 TestServer& TestServer::instance()
 {
@@ -121,8 +136,12 @@ ScratchDatabase::ScratchDatabase(const std::string& uri) : m_client(openClient(u
 ScratchDatabase::~ScratchDatabase()
 {
     const DriverDatabase database(mongoc_client_get_database(m_client.get(), m_name.c_str()));
+    // Users do not go with their database. A server without authentication may not know the commands.
+    for (const std::string& user : m_users)
+    {
+        mongoc_database_remove_user(database.get(), user.c_str(), nullptr);
+    }
     OwnedBson command;
-    // Users do not go with their database. A server without authentication may not know the command.
     BSON_APPEND_INT32(command.get(), "dropAllUsersFromDatabase", 1);
     mongoc_database_command_simple(database.get(), command.get(), nullptr, nullptr, nullptr);
     bson_error_t error{};
@@ -130,6 +149,11 @@ ScratchDatabase::~ScratchDatabase()
     {
         std::fprintf(stderr, "database %s stays behind: %s\n", m_name.c_str(), error.message);
     }
+}
+
+std::string ScratchDatabase::userName(const std::string& name)
+{
+    return m_users.emplace_back(m_name + "_" + name);
 }
 
 void ScratchDatabase::insert(const std::string& collection, const std::string& document)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "driver_handles.h"
+#include "server_kind.h"
 #include "wire_gateway.h"
 #include "wire_socket.h"
 
@@ -12,22 +13,22 @@
 
 namespace test_support {
 
+/// Asks the server at @p uri. @throws std::runtime_error  it does not answer
+ServerKind serverKindAt(const std::string& uri);
+/// What a gateway in front of such a server has to change.
+WireGateway::Rewrite rewriteFor(ServerKind kind);
+
 /// The server that scripts/with-server put into the environment, behind one gateway for each of its two addresses.
 class TestServer
 {
 public:
-    enum class Kind
-    {
-        MongoDb,
-        FerretDb,
-    };
-
     /// The one of this process, made at the first call.
     /// @throws std::runtime_error  the environment names no server: run the test through scripts/with-server.
     static TestServer& instance();
 
-    Kind kind() const { return m_kind; }
-    bool isFerretDb() const { return m_kind == Kind::FerretDb; }
+    ServerKind kind() const { return m_kind; }
+    /// Any version: every user may read and write, and has neither roles nor custom data.
+    bool isFerretDb() const { return m_kind != ServerKind::MongoDb; }
 
     /// In front of the server without authentication, and in front of the one that knows users, as root.
     WireGateway& gateway() { return m_gateway; }
@@ -44,12 +45,13 @@ private:
 
     std::string m_directUri;
     std::string m_directAuthUri;
-    Kind m_kind;
+    ServerKind m_kind;
     WireGateway m_gateway;
     WireGateway m_authGateway;
 };
 
 /// A database of its own name, read and written past the gateway, and dropped with its users at the end of the block.
+/// Some servers have users for all databases together: name users with userName().
 /// Documents are texts in extended JSON, going in and coming out relaxed.
 class ScratchDatabase
 {
@@ -64,6 +66,8 @@ public:
 
     const std::string& name() const { return m_name; }
     mongoc_client_t* client() const { return m_client.get(); }
+    /// A user name that no other test has. The user is dropped with the database.
+    std::string userName(const std::string& name);
 
     /// All of these throw std::runtime_error with the driver's text when the server refuses.
     void insert(const std::string& collection, const std::string& document);
@@ -79,6 +83,7 @@ public:
 private:
     DriverClient m_client;
     std::string m_name;
+    std::vector<std::string> m_users;
 };
 
 /// A server of the test's own, of the same program, to be ended and started again on the same port with the same data.

@@ -49,9 +49,9 @@ TEST(ScratchDatabase, OnTheServerWithAuthenticationKnowsUsersAndDropsThem)
     const std::string& uri = TestServer::instance().directAuthUri();
     std::string name;
     {
-        const ScratchDatabase database(uri);
+        ScratchDatabase database(uri);
         name = database.name();
-        database.run(R"({"createUser": "reader", "pwd": "secret", "roles": []})");
+        database.run(R"({"createUser": ")" + database.userName("reader") + R"(", "pwd": "secret", "roles": []})");
         EXPECT_NE(database.run(R"({"usersInfo": 1})").find("reader"), std::string::npos);
     }
     const ScratchDatabase other(uri);

@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <condition_variable>
 #include <csignal>
+#include <cstdint>
 #include <cstdio>
 #include <deque>
 #include <exception>
@@ -787,7 +788,7 @@ private:
                 return false; // what a client sees of a server that is gone is for the test to judge
             }
         }
-        const auto rewritten = m_rewrite == Rewrite::ForFerretDb ? message.rewrittenForFerretDb() : std::nullopt;
+        const auto rewritten = message.rewritten(m_rewrite);
         const Bytes& bytes = rewritten ? *rewritten : message.bytes();
         return sendAll(connection.server.get(), bytes.data(), bytes.size());
     }
@@ -798,7 +799,7 @@ private:
     std::optional<WireMessage> receiveReply(const Connection& connection, const WireMessage& request) const
     {
         auto reply = receiveMessage(connection.server.get());
-        while (reply && m_rewrite == Rewrite::ForFerretDb && !reply->answers(request))
+        while (reply && m_rewrite != Rewrite::Nothing && !reply->answers(request))
         {
             reply = receiveMessage(connection.server.get());
         }

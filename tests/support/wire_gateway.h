@@ -124,8 +124,9 @@ class WireGateway
 public:
     enum class Rewrite
     {
-        Nothing,     ///< MongoDB: the bytes go on as they came
-        ForFerretDb, ///< arrays renumbered, undefined left out, roles and customData of user commands emptied
+        Nothing,       ///< MongoDB: the bytes go on as they came
+        ForFerretDbV2, ///< roles and customData of user commands emptied; replies that nobody waits for left out
+        ForFerretDbV1, ///< the same, and arrays renumbered and undefined left out
     };
     static constexpr std::chrono::seconds kPatience{20};
 

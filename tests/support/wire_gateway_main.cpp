@@ -1,8 +1,8 @@
-// usage: wire-gateway SERVER-URI [--ferretdb]
+// usage: wire-gateway SERVER-URI
 //
-// Prints the gateway's URI and runs until standard input ends or a signal comes. With --ferretdb commands are rewritten
-// to what that server takes.
-#include "wire_gateway.h"
+// Prints the connection string to use and runs until standard input ends or a signal comes. In front of a FerretDB this
+// is a gateway that rewrites commands to what that server takes; any other server is used directly.
+#include "test_server.h"
 
 #include <pthread.h>
 #include <sys/signalfd.h>
@@ -12,8 +12,8 @@
 
 #include <csignal>
 #include <cstdio>
-#include <cstring>
 #include <exception>
+#include <optional>
 
 namespace {
 
@@ -44,18 +44,22 @@ void waitForEnd()
 
 int main(int argc, char** argv)
 {
-    const bool forFerretDb = argc == 3 && std::strcmp(argv[2], "--ferretdb") == 0;
-    if (argc != 2 && !forFerretDb)
+    if (argc != 2)
     {
-        std::fputs("usage: wire-gateway SERVER-URI [--ferretdb]\n", stderr);
+        std::fputs("usage: wire-gateway SERVER-URI\n", stderr);
         return 2;
     }
     try
     {
         using test_support::WireGateway;
-        WireGateway gateway(argv[1], forFerretDb ? WireGateway::Rewrite::ForFerretDb : WireGateway::Rewrite::Nothing);
-        gateway.record(false);
-        std::printf("%s\n", gateway.uri().c_str());
+        const WireGateway::Rewrite rewrite = test_support::rewriteFor(test_support::serverKindAt(argv[1]));
+        std::optional<WireGateway> gateway;
+        if (rewrite != WireGateway::Rewrite::Nothing)
+        {
+            gateway.emplace(argv[1], rewrite);
+            gateway->record(false);
+        }
+        std::printf("%s\n", gateway ? gateway->uri().c_str() : argv[1]);
         std::fflush(stdout);
         waitForEnd();
         return 0;

@@ -1,8 +1,11 @@
 #include "wire_message.h"
 
+#include "driver_texts.h"
+
 #include <bson/bson.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <string_view>
 
@@ -278,7 +281,7 @@ std::string relaxedJson(const Bytes& document)
         return {};
     }
     const std::unique_ptr<char, decltype(&bson_free)> text(bson_as_relaxed_extended_json(&view, nullptr), &bson_free);
-    return text ? std::string(text.get()) : std::string();
+    return text ? inWordsOf123(text.get()) : std::string();
 }
 
 bool isDriversOwn(std::string_view key)
@@ -348,16 +351,26 @@ std::optional<RecordedCommand> WireMessage::command() const
     }
 }
 
-std::optional<Bytes> WireMessage::rewrittenForFerretDb() const
+std::optional<Bytes> WireMessage::rewritten(WireGateway::Rewrite rewrite) const
 {
-    const auto sections = opCode() == kOpMsg ? sectionsOf(m_bytes, flagBits()) : std::nullopt;
+    const auto sections =
+        opCode() == kOpMsg && rewrite != WireGateway::Rewrite::Nothing ? sectionsOf(m_bytes, flagBits()) : std::nullopt;
     if (!sections)
     {
         return std::nullopt;
     }
     const auto parsed = command();
     const bool ofUsers = parsed && (parsed->name == "createUser" || parsed->name == "updateUser");
-    const BsonRewrite forBody = ofUsers ? BsonRewrite::ArraysAndUserData : BsonRewrite::Arrays;
+    const bool ofArrays = rewrite == WireGateway::Rewrite::ForFerretDbV1;
+    if (!ofUsers && !ofArrays)
+    {
+        return std::nullopt;
+    }
+    BsonRewrite forBody = ofUsers ? BsonRewrite::UserData : BsonRewrite::Arrays;
+    if (ofUsers && ofArrays)
+    {
+        forBody = BsonRewrite::ArraysAndUserData;
+    }
 
     Bytes output(m_bytes.begin(), m_bytes.begin() + kHeaderSize);
     output.reserve(m_bytes.size());
@@ -386,7 +399,7 @@ std::optional<Bytes> WireMessage::rewrittenForFerretDb() const
         output.insert(output.end(), identifier.begin(), identifier.end());
         output.push_back(0);
     };
-    const auto element = [&](const Reader& part) { appendRewritten(output, part, BsonRewrite::Arrays, changed); };
+    const auto element = [&](const Reader& part) { appendRewritten(output, part, forBody, changed); };
     if (!visitSections(*sections, body, begin, element) || !changed)
     {
         return std::nullopt;

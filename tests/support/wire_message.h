@@ -28,8 +28,8 @@ public:
 
     /// The command inside, its order and connection not set; nothing when the message is none or is not well formed.
     std::optional<RecordedCommand> command() const;
-    /// The message as a FerretDB takes it, or nothing when it can go on as it is.
-    std::optional<Bytes> rewrittenForFerretDb() const;
+    /// The message as that server takes it, or nothing when it can go on as it is.
+    std::optional<Bytes> rewritten(WireGateway::Rewrite rewrite) const;
     /// A reply to this message, of the kind that it asks for.
     Bytes replyWith(const Bytes& document) const;
 

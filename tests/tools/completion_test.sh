@@ -35,5 +35,7 @@ completes "dbc find shop.orders --sort " ""
 completes "dbc count --so" ""
 completes "dbc import shop.orders -f $1" "$1"
 completes "dbc files put shop $1" "$1"
+completes "dbc files rm shop --p" "--password-file --partial"
+completes "dbc files ls shop --pa" "--password-file"
 [[ $(complete -p dbc) == *" _dbc dbc" ]] || failed=1
 exit "$failed"

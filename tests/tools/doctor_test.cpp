@@ -1,3 +1,4 @@
+#include "connection_options.h"
 #include "test_server.h"
 #include "tool_process.h"
 
@@ -6,24 +7,83 @@
 namespace test_support {
 namespace {
 
-TEST(Doctor, TellsOfAMemberThatIsAwayThoughTheOthersServe)
+// The test server, as the primary of a set that has another member. Only `dbc doctor` runs meanwhile.
+class Doctor : public testing::Test
 {
-    WireGateway& gateway = TestServer::instance().gateway();
-    const std::string place = "127.0.0.1:" + std::to_string(gateway.port());
-    const std::string primary = R"({"ok": 1, "ismaster": true, "setName": "set", "maxWireVersion": 17,
-        "maxBsonObjectSize": 16777216, "maxMessageSizeBytes": 48000000, "maxWriteBatchSize": 100000, "hosts": [")" +
-                                place + R"(", "127.0.0.1:1"], "me": ")" + place + "\"}";
-    for (const char* const handshake : {"isMaster", "hello"})
-        gateway.inject(Fault::replaceReply(primary).onCommand(handshake).andLater());
-    ToolProcess tool({"--uri", "mongodb://" + place + ",127.0.0.1:1/?replicaSet=set", "doctor"});
+protected:
+    void pretendSetWith(const std::string& otherMember)
+    {
+        const std::string primary = R"({"ok": 1, "ismaster": true, "setName": "set", "maxWireVersion": 17,
+            "maxBsonObjectSize": 16777216, "maxMessageSizeBytes": 48000000, "maxWriteBatchSize": 100000, "hosts": [")" +
+                                    place() + R"(", ")" + otherMember + R"("], "me": ")" + place() + "\"}";
+        for (const char* const handshake : {"isMaster", "hello"})
+            gateway().inject(Fault::replaceReply(primary).onCommand(handshake).andLater());
+    }
+
+    static std::string setUri(const std::string& furtherHosts = "")
+    {
+        std::string uri = gateway().uri();
+        uri.insert(uri.find(place()) + place().size(), furtherHosts);
+        return withOptions(uri, "replicaSet=set");
+    }
+
+    void TearDown() override { gateway().clearFaults(); }
+
+    static WireGateway& gateway() { return TestServer::instance().gateway(); }
+    static std::string place() { return "127.0.0.1:" + std::to_string(gateway().port()); }
+};
+
+TEST_F(Doctor, ReportsADeadHostThoughTheOthersServe)
+{
+    pretendSetWith("127.0.0.1:1");
+    ToolProcess tool({"--uri", setUri(",127.0.0.1:1"), "doctor"});
 
     EXPECT_EQ(tool.wait(), 3) << tool.messages();
 
-    gateway.clearFaults();
     const std::string output = tool.output();
-    EXPECT_NE(output.find("ok    port: " + place + " answers\n"), std::string::npos) << output;
+    EXPECT_NE(output.find("ok    port: " + place() + " answers\n"), std::string::npos) << output;
     EXPECT_NE(output.find("fail  port: 127.0.0.1:1 refuses"), std::string::npos) << output;
     EXPECT_NE(output.find("ok    login: "), std::string::npos) << output;
+    EXPECT_EQ(output.find(" names "), std::string::npos) << output;
+}
+
+TEST_F(Doctor, ReportsADeadMemberThatTheStringDoesNotName)
+{
+    pretendSetWith("127.0.0.1:1");
+    ToolProcess tool({"--uri", setUri(), "doctor"});
+
+    EXPECT_EQ(tool.wait(), 3) << tool.messages();
+
+    const std::string output = tool.output();
+    EXPECT_NE(output.find("ok    member: " + place() + " names 127.0.0.1:1\n"), std::string::npos) << output;
+    EXPECT_NE(output.find("fail  port: 127.0.0.1:1 refuses"), std::string::npos) << output;
+    EXPECT_NE(output.find("ok    login: "), std::string::npos) << output;
+}
+
+TEST_F(Doctor, ReportsAMemberWhoseNameCannotBeResolved)
+{
+    pretendSetWith("no-such-host.invalid:27017");
+    ToolProcess tool({"--uri", setUri(), "doctor"});
+
+    EXPECT_EQ(tool.wait(), 3) << tool.messages();
+
+    const std::string output = tool.output();
+    EXPECT_NE(output.find("names no-such-host.invalid:27017\n"), std::string::npos) << output;
+    EXPECT_NE(output.find("fail  address: no-such-host.invalid: "), std::string::npos) << output;
+    const bool wouldHang = !mongoc_check_version(1, 30, 0);
+    EXPECT_EQ(output.find("fail  server: not asked: ") != std::string::npos, wouldHang) << output;
+    EXPECT_EQ(output.find("ok    login: ") != std::string::npos, !wouldHang) << output;
+}
+
+TEST_F(Doctor, AsksForNoMembersWhereTheDriverTakesOneHostAlone)
+{
+    pretendSetWith("no-such-host.invalid:27017");
+    for (const std::string& uri : {gateway().uri(), withOptions(setUri(), "directConnection=true")})
+    {
+        ToolProcess tool({"--uri", uri, "doctor"});
+
+        EXPECT_EQ(tool.wait(), 0) << tool.messages() << tool.output();
+    }
 }
 
 } // namespace

@@ -1,8 +1,9 @@
-// How connections are made: to every kind of address, silently, and without what cannot be checked.
+// How connections are made: to every kind of address, and without a word of the driver.
 
 #include "connected_client.h"
 
 #include "captured_output.h"
+#include "connection_options.h"
 #include "wire_socket.h"
 
 #include <poll.h>
@@ -12,7 +13,7 @@
 #include <unistd.h>
 
 #include <array>
-#include <atomic>
+#include <cstdint>
 #include <cstdlib>
 #include <stdexcept>
 #include <string>
@@ -21,7 +22,7 @@
 namespace test_support {
 namespace {
 
-const char* const patience = "?serverSelectionTimeoutMS=5000&connectTimeoutMS=5000";
+const char* const patience = "serverSelectionTimeoutMS=5000&connectTimeoutMS=5000";
 
 // Hands on what comes to a socket in the file system, one connection after another.
 class LocalSocket
@@ -113,7 +114,7 @@ protected:
 
 TEST_F(Connections, AreMadeToAName)
 {
-    expectReached(replaced(gateway().uri(), "127.0.0.1", "localhost") + patience);
+    expectReached(withOptions(replaced(gateway().uri(), "127.0.0.1", "localhost"), patience));
 }
 
 TEST_F(Connections, AreMadeToASocketInTheFileSystem)
@@ -122,7 +123,8 @@ TEST_F(Connections, AreMadeToASocketInTheFileSystem)
     std::string path = local.path();
     for (std::size_t at = 0; (at = path.find('/', at)) != std::string::npos;)
         path.replace(at, 1, "%2F");
-    expectReached(replaced(gateway().uri(), "127.0.0.1:" + std::to_string(gateway().port()), path) + patience);
+    expectReached(
+        withOptions(replaced(gateway().uri(), "127.0.0.1:" + std::to_string(gateway().port()), path), patience));
 }
 
 TEST_F(Connections, ToNobodyAreRefusedWithTheAddress)
@@ -154,16 +156,7 @@ TEST_F(Connections, AreMadeWithoutAWordOnStandardOutput)
     EXPECT_EQ(output.text(), "");
 }
 
-TEST_F(Connections, AreNotCompressedWhateverTheStringSays)
-{
-    gateway().clear();
-    expectReached(gateway().uri() + "?compressors=zlib");
-    const auto greetings = gateway().commands("isMaster");
-    ASSERT_FALSE(greetings.empty());
-    EXPECT_EQ(greetings.front().json("compression"), "[  ]");
-}
-
-TEST_F(Connections, LeaveTheLogToWhoeverHasIt)
+TEST_F(Connections, KeepTheLogHandlerThatTheProgramHasSet)
 {
     struct Log
     {
@@ -174,37 +167,16 @@ TEST_F(Connections, LeaveTheLogToWhoeverHasIt)
     };
     std::string log;
     mongoc_log_set_handler(Log::take, &log);
-    expectReached(gateway().uri());
-    EXPECT_EQ(log.find("initiator"), std::string::npos) << log;
-    mongoc_log(MONGOC_LOG_LEVEL_DEBUG, "test", "still heard");
-    mongoc_log_set_handler(mongoc_log_default_handler, nullptr);
-    EXPECT_NE(log.find("still heard"), std::string::npos);
-}
+    DataBaseClient client;
 
-TEST_F(Connections, LoseNothingThatOthersLogMeanwhile)
-{
-    struct Count
-    {
-        static void take(mongoc_log_level_t /*level*/, const char* domain, const char* /*message*/, void* data)
-        {
-            if (domain == std::string("another"))
-                ++*static_cast<int*>(data);
-        }
-    };
-    constexpr int messages = 20000;
-    int heard = 0; // the driver calls its log under a lock
-    mongoc_log_set_handler(Count::take, &heard);
-    std::atomic<bool> isDone{false};
-    std::thread another([&isDone] {
-        for (int i = 0; i < messages; ++i)
-            mongoc_log(MONGOC_LOG_LEVEL_DEBUG, "another", "message");
-        isDone = true;
-    });
-    while (!isDone)
-        DataBaseClient().connect("mongodb://127.0.0.1:1/");
-    another.join();
+    client.connect(gateway().uri());
+    EXPECT_EQ(log, "");
+    client.connect(withOptions(gateway().uri(), "unknown=1")); // the driver warns of the option
+    const DriverUri uri(mongoc_uri_new("mongodb://host/?missing=1"));
+
     mongoc_log_set_handler(mongoc_log_default_handler, nullptr);
-    EXPECT_EQ(heard, messages);
+    EXPECT_NE(log.find("unknown"), std::string::npos) << log;
+    EXPECT_NE(log.find("missing"), std::string::npos) << log;
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "connected_client.h"
 
+#include "connection_options.h"
 #include "row_name.h"
 
 namespace test_support {
@@ -9,13 +10,6 @@ class DocumentCommand : public ConnectedClient
 {
 public:
     DocumentCommand() { gateway().clear(); }
-
-    /// The one command of this name that left.
-    std::string sent(const std::string& name)
-    {
-        const std::vector<RecordedCommand> commands = gateway().commands(name);
-        return commands.size() == 1 ? commands[0].json() : std::to_string(commands.size()) + " commands";
-    }
 
     std::string sentFind(const ObjectProperties& query, const ObjectProperties& projection = {}, int limit = 0,
                          int skip = 0)
@@ -122,6 +116,64 @@ TEST_F(DocumentCommand, OfAnAggregationTakesNumberedStagesAsThePipeline)
     client().aggregate(database(), "c", stages, results.get());
 
     EXPECT_EQ(sent("aggregate"), R"({ "aggregate" : "c", "pipeline" : [ { "$limit" : 1 } ], "cursor" : {  } })");
+}
+
+TEST_F(DocumentCommand, OfAnAggregationIsFollowedByOthersOfItsSession)
+{
+    gateway().inject(Fault::answer(R"({"ok": 1, "cursor": {"id": {"$numberLong": "7"}, "ns": ")" + database() +
+                                   R"(.c", "firstBatch": [{"n": 1}]}})")
+                         .onCommand("aggregate"));
+    gateway().inject(Fault::answer(R"({"ok": 1, "cursor": {"id": {"$numberLong": "0"}, "ns": ")" + database() +
+                                   R"(.c", "nextBatch": [{"n": 2}]}})")
+                         .onCommand("getMore"));
+    ResultList results;
+
+    client().aggregate(database(), "c", pipeline([](ObjectProperties& stage) { stage.setValueInt32("$limit", 2); }),
+                       results.get());
+
+    EXPECT_EQ(results.size(), 2U);
+    EXPECT_EQ(gateway().names(), (std::vector<std::string>{"aggregate", "getMore"}));
+    EXPECT_EQ(sent("getMore"), R"({ "getMore" : 7, "collection" : "c" })");
+    EXPECT_EQ(gateway().commands("getMore").at(0).json("lsid"), gateway().commands("aggregate").at(0).json("lsid"));
+}
+
+TEST_F(DocumentCommand, OfAnAggregationCarriesTheConcernThatItsLastStageTakes)
+{
+    client().connect(withOptions(gateway().uri(), "w=majority&readConcernLevel=local"));
+    const std::string reply = R"({"ok": 1, "cursor": {"id": {"$numberLong": "0"}, "ns": "d.c", "firstBatch": []}})";
+    const auto sentWith = [&](const char* stage, const auto& setValue) {
+        gateway().clear();
+        gateway().inject(Fault::answer(reply).onCommand("aggregate"));
+        ResultList results;
+        client().aggregate(database(), "c", pipeline([&](ObjectProperties& document) { setValue(document, stage); }),
+                           results.get());
+        return gateway().commands("aggregate").at(0);
+    };
+    const auto setText = [](ObjectProperties& document, const char* stage) { document.setValueString(stage, "t"); };
+    const auto setNumber = [](ObjectProperties& document, const char* stage) { document.setValueInt32(stage, 1); };
+
+    // Which of the two comes first depends on the driver's version.
+    const auto expectConcerns = [](const RecordedCommand& command, const std::string& writeConcern) {
+        EXPECT_EQ(command.json("readConcern"), R"({ "level" : "local" })");
+        EXPECT_EQ(command.json("writeConcern"), writeConcern);
+    };
+    expectConcerns(sentWith("$limit", setNumber), "");
+    expectConcerns(sentWith("$out", setText), R"({ "w" : "majority" })");
+    expectConcerns(sentWith("$merge", setText), R"({ "w" : "majority" })");
+}
+
+TEST_F(DocumentCommand, OfAnAggregationThatTheServerRefusesIsAnError)
+{
+    gateway().inject(Fault::answer(R"({"ok": 0, "errmsg": "no such stage", "code": 40324})").onCommand("aggregate"));
+    ResultList results;
+
+    const std::string error = thrownText([&] {
+        client().aggregate(database(), "c", pipeline([](ObjectProperties& stage) { stage.setValueInt32("$none", 1); }),
+                           results.get());
+    });
+
+    EXPECT_EQ(error, "runtime_error: Aggregation error.: no such stage(code: 40324)");
+    EXPECT_EQ(gateway().names(), std::vector<std::string>{"aggregate"});
 }
 
 TEST_F(DocumentCommand, AlwaysHoldsTheWholeDocumentWhereverItsCursorStands)

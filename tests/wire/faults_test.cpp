@@ -1,7 +1,9 @@
 #include "connected_client.h"
 
+#include "connection_options.h"
 #include "row_name.h"
 
+#include <cstdint>
 #include <functional>
 #include <sstream>
 
@@ -150,40 +152,6 @@ TEST_P(OperationFault, ReplyWhoseHeaderIsNone)
     expectRecovery();
 }
 
-TEST_P(OperationFault, ReplyThatEndsBeforeItsDocument)
-{
-    inject(Fault::shortenReply(30));
-    EXPECT_PRED1([this](const std::string& text) { return isOwn(text); }, failure());
-    expectRecovery();
-}
-
-TEST_P(OperationFault, ReplyOfAnotherKindThanWasAskedFor)
-{
-    for (const unsigned opCode : {1U, 2004U, 2012U})
-    {
-        inject(Fault::changeReply([opCode](Bytes& reply) {
-            reply[12] = static_cast<std::uint8_t>(opCode);
-            reply[13] = static_cast<std::uint8_t>(opCode >> 8U);
-        }));
-        EXPECT_PRED1([this](const std::string& text) { return isOwn(text); }, failure());
-        expectRecovery();
-    }
-}
-
-TEST_P(OperationFault, ReplyThatIsMalformedInside)
-{
-    inject(Fault::changeReply([](Bytes& reply) { reply[25] = 0x55; })); // no kind of an element
-    EXPECT_PRED1([this](const std::string& text) { return isOwn(text); }, failure());
-    expectRecovery();
-}
-
-TEST_P(OperationFault, ReplyThatTheDriverWouldEndTheProcessOver)
-{
-    inject(Fault::answer(R"({"ok": 0, "errmsg": "an error without a number", "code": 0})"));
-    EXPECT_PRED1([this](const std::string& text) { return isOwn(text); }, failure());
-    expectRecovery();
-}
-
 TEST_P(OperationFault, ErrorOfTheServerArrivesWithTextAndCode)
 {
     inject(Fault::answer(R"({"ok": 0, "errmsg": "refused for a test", "code": 13})"));
@@ -201,7 +169,7 @@ TEST_P(OperationFault, ServerThatIsNotPrimaryArrivesWithTextAndCode)
 
 TEST_P(OperationFault, ReplyLaterThanTheSocketTimeoutAllows)
 {
-    client().connect(gateway().uri() + "?socketTimeoutMS=200");
+    client().connect(withOptions(gateway().uri(), "socketTimeoutMS=200"));
     inject(Fault::holdReply());
     EXPECT_PRED1([this](const std::string& text) { return isOwn(text); }, failure());
     expectRecovery();
@@ -306,11 +274,13 @@ TEST(WriteFault, ThatTheDriverGivesNoRecordOfThrowsTheMessageAlone)
 
 TEST(ServerFault, OfAServerThatEndsAndStartsAgainIsReportedAndPasses)
 {
-    ASSERT_TRUE(ServerProcess::available()) << "a server given by MONGODB_URI cannot be ended";
+    if (!ServerProcess::available())
+        GTEST_SKIP() << "the server given by MONGODB_URI cannot be stopped";
     ServerProcess server;
     WireGateway gateway(server.uri(), server.rewrite());
     DataBaseClient client;
-    client.connect(gateway.uri());
+    // The driver waits for its pauses to pass, 5 s after a failed scan, instead of refusing at once.
+    client.connect(withOptions(gateway.uri(), "serverSelectionTryOnce=false&serverSelectionTimeoutMS=20000"));
     std::string id;
     client.write("restart", "c", ObjectProperties(), id);
 
@@ -320,7 +290,7 @@ TEST(ServerFault, OfAServerThatEndsAndStartsAgainIsReportedAndPasses)
 
     ResultList results;
     std::string text;
-    for (int attempt = 0; attempt < 100; ++attempt)
+    for (int attempt = 0; attempt < 10; ++attempt) // the first ones may meet connections of the old server
     {
         text = thrownText([&] { client.read("restart", "c", ObjectProperties(), results.get()); });
         if (text.empty())

@@ -2,6 +2,7 @@
 #include "pattern_text.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <sstream>

@@ -1,7 +1,7 @@
 #include "connection.h"
 
-#include "companion/connection_string.h"
 #include "database_client/mongoc_handles.h"
+#include "dbc/connection_string.h"
 #include "failure.h"
 #include "interrupt.h"
 
@@ -101,8 +101,8 @@ std::string connectionString(const ConnectionOptions& options)
     const std::size_t begin = schemeLength(options.uri);
     if (options.uri.find('@', begin) != std::string::npos)
         throw Failure(UsageError, "--user together with credentials in the connection string");
-    return options.uri.substr(0, begin) + companion::percentEncoded(options.user) + ":" +
-           companion::percentEncoded(passwordOf(options)) + "@" + options.uri.substr(begin);
+    return options.uri.substr(0, begin) + dbc::percentEncoded(options.user) + ":" +
+           dbc::percentEncoded(passwordOf(options)) + "@" + options.uri.substr(begin);
 }
 
 UriHandle parsedConnectionString(const std::string& uri)

@@ -1,12 +1,10 @@
 #include "commands.h"
 
-#include "companion/errors.h"
 #include "failure.h"
 #include "input.h"
 #include "query_words.h"
 #include "raw_collection.h"
 
-#include <algorithm>
 #include <cstdint>
 #include <iostream>
 #include <map>
@@ -68,9 +66,11 @@ int insert(const GlobalOptions& global, const std::string& name, const std::vect
     parsed.reserve(documents.size());
     for (const std::string& text : documents)
         parsed.push_back(parseJson(text, "the document"));
-    const auto inserted = RawCollection(connectionString(global.connection), name).insert(parsed, false);
-    if (!global.connection.quiet)
-        std::cout << "inserted " << inserted << '\n';
+    const auto result = RawCollection(connectionString(global.connection), name).insert(parsed, false);
+    if (!global.connection.quiet && !result.isAcknowledged)
+        std::cout << "sent " << parsed.size() << ", not acknowledged\n";
+    else if (!global.connection.quiet)
+        std::cout << "inserted " << result.inserted << '\n';
     return Success;
 }
 
@@ -79,45 +79,53 @@ struct UpdateCommandLine
     std::string collection;
     std::vector<std::string> query;
     std::string document;
-    UpdateCommand command = UpdateCommandSet;
+    std::string operatorText; // empty: the document holds the operators, or replaces the match
     bool multiple = false;
     bool upsert = false;
 };
 
+// The update in the form in which the server takes it.
+BsonPointer updateOf(const UpdateCommandLine& line)
+{
+    BsonPointer operand = parseJson(line.document, "the update");
+    if (line.operatorText.empty())
+        return operand;
+    BsonPointer update(bson_new());
+    if (!BSON_APPEND_DOCUMENT(update.get(), line.operatorText.c_str(), operand.get()))
+        throw Failure(UsageError, "the update is too large");
+    return update;
+}
+
 int update(const GlobalOptions& global, const UpdateCommandLine& line)
 {
-    const BsonPointer condition = parseQuery(line.query);
-    const ObjectProperties query = toProperties(*condition.get(), "the query");
-    const ObjectProperties document = toProperties(*parseJson(line.document, "the update").get(), "the update");
-    std::string database;
-    std::string collection;
-    parseOldCollectionName(line.collection, database, collection);
-    const UpdateFlag flag = line.upsert ? UpdateFlagUpsert : line.multiple ? UpdateFlagMultiUpdate : UpdateFlagNone;
-    const auto matching = RawCollection(connectionString(global.connection), line.collection).count(*condition.get());
-    if (matching > 0 || line.upsert)
-        connect(global.connection)->update(database, collection, query, document, flag, line.command);
-    if (!global.connection.quiet && matching == 0 && line.upsert)
-        std::cout << "inserted 1\n";
+    using Mode = RawCollection::UpdateMode;
+    const BsonPointer query = parseQuery(line.query);
+    const BsonPointer update = updateOf(line);
+    const Mode mode = line.upsert ? Mode::FirstOrInsert : line.multiple ? Mode::All : Mode::First;
+    const auto result =
+        RawCollection(connectionString(global.connection), line.collection).update(*query.get(), *update.get(), mode);
+    if (!global.connection.quiet && !result.isAcknowledged)
+        std::cout << "sent, not acknowledged\n";
+    else if (!global.connection.quiet && result.inserted > 0)
+        std::cout << "inserted " << result.inserted << '\n';
+    else if (!global.connection.quiet && result.modified != result.matched)
+        std::cout << "updated " << result.modified << " of " << result.matched << " that match\n";
     else if (!global.connection.quiet)
-        std::cout << "updated " << (line.multiple ? matching : std::min<std::uint64_t>(matching, 1)) << '\n';
-    return matching > 0 || line.upsert ? Success : NothingFound;
+        std::cout << "updated " << result.modified << '\n';
+    return result.matched + result.inserted > 0 || !result.isAcknowledged ? Success : NothingFound;
 }
 
 int remove(const GlobalOptions& global, const FindCommand& command, bool all)
 {
     const BsonPointer query = parseQuery(command.query);
     if (bson_empty(query.get()) && !all)
-        throw Failure(UsageError, "to remove every document, say --all");
-    const ObjectProperties condition = toProperties(*query.get(), "the query");
-    const auto matching = RawCollection(connectionString(global.connection), command.collection).count(*query.get());
-    std::string database;
-    std::string collection;
-    parseOldCollectionName(command.collection, database, collection);
-    if (matching > 0)
-        connect(global.connection)->remove(database, collection, condition);
-    if (!global.connection.quiet)
-        std::cout << "removed " << matching << '\n';
-    return matching > 0 ? Success : NothingFound;
+        throw Failure(UsageError, "to remove every document, give --all");
+    const auto result = RawCollection(connectionString(global.connection), command.collection).remove(*query.get());
+    if (!global.connection.quiet && !result.isAcknowledged)
+        std::cout << "sent, not acknowledged\n";
+    else if (!global.connection.quiet)
+        std::cout << "removed " << result.removed << '\n';
+    return result.removed > 0 || !result.isAcknowledged ? Success : NothingFound;
 }
 
 CLI::App* addCommand(CLI::App& program, const char* name, const char* help, std::string& collection)
@@ -134,8 +142,8 @@ void addFind(CLI::App& program, const GlobalOptions& global, Work& work)
     app->add_option("query", command->query, queryHelp);
     app->add_option("--sort", command->sort, R"(Order, as JSON: {"name": 1, "age": -1})");
     app->add_option("--fields", command->projection, R"(Fields to print, as JSON: {"name": 1})");
-    app->add_option("--limit", command->limit, "Most documents to print")->check(CLI::NonNegativeNumber);
-    app->add_option("--skip", command->skip, "Documents to pass over first")->check(CLI::NonNegativeNumber);
+    app->add_option("--limit", command->limit, "Maximum number of documents to print")->check(CLI::NonNegativeNumber);
+    app->add_option("--skip", command->skip, "Documents to skip first")->check(CLI::NonNegativeNumber);
     app->callback([=, &global, &work] { work = [=, &global] { return find(global, *command); }; });
 }
 
@@ -167,15 +175,15 @@ void addInsert(CLI::App& program, const GlobalOptions& global, Work& work)
 
 void addUpdate(CLI::App& program, const GlobalOptions& global, Work& work)
 {
-    static const std::map<std::string, UpdateCommand> operators{
-        {"replace", UpdateCommandReplace}, {"set", UpdateCommandSet},   {"unset", UpdateCommandUnset},
-        {"rename", UpdateCommandRename},   {"push", UpdateCommandPush}, {"pull", UpdateCommandPull},
-        {"pullAll", UpdateCommandPullAll}, {"pop", UpdateCommandPop},   {"addToSet", UpdateCommandAddToSet}};
+    static const std::map<std::string, std::string> operators{
+        {"replace", ""},   {"set", "$set"},         {"unset", "$unset"}, {"rename", "$rename"},    {"push", "$push"},
+        {"pull", "$pull"}, {"pullAll", "$pullAll"}, {"pop", "$pop"},     {"addToSet", "$addToSet"}};
     const auto line = std::make_shared<UpdateCommandLine>();
+    line->operatorText = operators.at("set");
     CLI::App* app = addCommand(program, "update", "Change the first document that matches a query", line->collection);
     app->add_option("query", line->query, queryHelp)->required();
     app->add_option("--document,-d", line->document, "Operand of the operator, as JSON")->required();
-    addChoice(*app, "--operator,-o", line->command, operators, "What to do with the operand; set unless given");
+    addChoice(*app, "--operator,-o", line->operatorText, operators, "What to do with the operand; set unless given");
     CLI::Option* upsert = app->add_flag("--upsert", line->upsert, "Insert a document when none matches");
     app->add_flag("--multi", line->multiple, "Change every document that matches")->excludes(upsert);
     app->callback([=, &global, &work] { work = [=, &global] { return update(global, *line); }; });

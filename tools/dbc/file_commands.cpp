@@ -1,16 +1,14 @@
 #include "commands.h"
 
-#include "companion/errors.h"
-#include "companion/files.h"
+#include "dbc/errors.h"
+#include "dbc/files.h"
 #include "failure.h"
+#include "file_store.h"
 #include "interrupt.h"
 #include "progress.h"
-#include "raw_collection.h"
-#include "reading_position.h"
 #include "replaced_file.h"
 
-#include <sys/stat.h>
-#include <unistd.h>
+#include <strings.h>
 
 #include <cstdint>
 #include <cstdio>
@@ -20,7 +18,6 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
-#include <system_error>
 
 namespace {
 
@@ -30,85 +27,43 @@ struct FileCommand
     std::string store = "fs";
     std::string name;
     std::string path;
+    bool partial = false;
 };
 
-void store(const GlobalOptions& global, const FileCommand& command, const std::string& name, const std::string& path,
-           int own)
-{
-    struct stat file = {};
-    if (::stat(path.c_str(), &file) != 0)
-        throw Failure(UsageError, "cannot read " + command.path);
-    const auto client = connect(global.connection);
-    const ReadingPosition position(name, file, own, global.connection.quiet);
-    client->writeFile(command.database, command.store, name, path);
-}
+using SourceFile = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
 
-// The driver reads files alone, so what comes from a pipe goes into one without a name.
-companion::TemporaryFile standardInput(bool quiet)
+// Standard input stays open.
+SourceFile openSource(const std::string& path)
 {
-    Progress progress("reading", 0, quiet, Progress::Unit::Bytes);
-    std::uint64_t bytes = 0;
-    const auto read = [&](char* buffer, std::size_t capacity) {
-        std::cin.read(buffer, static_cast<std::streamsize>(capacity));
-        if (std::cin.bad())
-            throw Failure(UsageError, "standard input cannot be read");
-        const auto count = static_cast<std::size_t>(std::cin.gcount());
-        progress.show(bytes += count);
-        return count;
-    };
-    try
-    {
-        return companion::temporaryFile(read);
-    }
-    catch (const std::system_error&)
-    {
-        throw Failure(UsageError, "cannot write a temporary file");
-    }
+    SourceFile source = path == "-" ? SourceFile(stdin, [](std::FILE*) { return 0; })
+                                    : SourceFile(std::fopen(path.c_str(), "rbe"), &std::fclose);
+    if (!source)
+        throw Failure(UsageError, "cannot read " + path);
+    return source;
 }
 
 int put(const GlobalOptions& global, const FileCommand& command)
 {
     if (command.path == "-" && command.name.empty())
-        throw Failure(UsageError, "what comes from standard input has no name: give --name");
-    if (command.path != "-" && ::access(command.path.c_str(), R_OK) != 0)
-        throw Failure(UsageError, "cannot read " + command.path);
+        throw Failure(UsageError, "a file from standard input needs a name: give --name");
     const std::string name =
         command.name.empty() ? std::filesystem::path(command.path).filename().string() : command.name;
-    if (command.path != "-")
-    {
-        store(global, command, name, command.path, -1);
-        return Success;
-    }
-    const companion::TemporaryFile input = standardInput(global.connection.quiet);
-    store(global, command, name, companion::path(input), ::fileno(input.get()));
+    if (name.empty())
+        throw Failure(UsageError, "cannot read " + command.path);
+    const SourceFile source = openSource(command.path);
+    FileStore(connectionString(global.connection), command.database, command.store)
+        .upload(source.get(), name, global.connection.quiet);
     return Success;
-}
-
-// 0 when there is no such file, or nobody will see it. Of several files with one name it may be another's.
-std::uint64_t lengthOf(const std::string& uri, const FileCommand& command, bool quiet)
-{
-    std::uint64_t length = 0;
-    if (!Progress::isShown(quiet))
-        return length;
-    OwnedBson query;
-    BSON_APPEND_UTF8(query.get(), "filename", command.name.c_str());
-    RawCollection::FindOptions options;
-    options.limit = 1;
-    RawCollection(uri, command.database + "." + command.store + ".files")
-        .find(*query.get(), options, [&length](const RawCollection::Document& document) {
-            bson_iter_t iter;
-            if (bson_iter_init_find(&iter, document.bson, "length"))
-                length = static_cast<std::uint64_t>(bson_iter_as_int64(&iter));
-        });
-    return length;
 }
 
 void copyTo(std::ostream& target, const GlobalOptions& global, const FileCommand& command)
 {
     const std::string uri = connectionString(global.connection);
     const bool quiet = global.connection.quiet;
-    Progress progress(command.name, lengthOf(uri, command, quiet), quiet, Progress::Unit::Bytes);
-    companion::Download download(target, [&progress](std::uint64_t bytes) {
+    const std::uint64_t length = // costs a query, so only if somebody sees it
+        Progress::isShown(quiet) ? FileStore(uri, command.database, command.store).lengthOf(command.name) : 0;
+    Progress progress(command.name, length, quiet, Progress::Unit::Bytes);
+    dbc::Download download(target, [&progress](std::uint64_t bytes) {
         progress.show(bytes);
         return !isInterrupted();
     });
@@ -119,7 +74,7 @@ void copyTo(std::ostream& target, const GlobalOptions& global, const FileCommand
     }
     catch (const std::runtime_error& error)
     {
-        if (companion::describe(error).kind == companion::ErrorKind::NotFound)
+        if (dbc::describe(error).kind == dbc::ErrorKind::NotFound)
             throw Failure(NothingFound, "no file is named " + command.name);
         throwIfInterrupted(); // Cancelled, or what the driver says of a read that was woken
         throw;
@@ -142,30 +97,30 @@ int get(const GlobalOptions& global, const FileCommand& command)
     return Success;
 }
 
-std::list<std::string> names(DataBaseClient& client, const FileCommand& command)
-{
-    std::list<std::string> result;
-    client.listFiles(command.database, command.store, result);
-    return result;
-}
-
 int list(const GlobalOptions& global, const FileCommand& command)
 {
-    const auto stored = names(*connect(global.connection), command);
-    for (const std::string& name : stored)
-        std::cout << name << '\n';
-    return stored.empty() ? NothingFound : Success;
+    std::list<std::string> names;
+    connect(global.connection)->listFiles(command.database, command.store, names);
+    for (const std::string& name : names)
+        std::cout << name << (dbc::finalFileName(name).empty() ? "\n" : " (incomplete)\n");
+    return names.empty() ? NothingFound : Success;
 }
 
 int remove(const GlobalOptions& global, const FileCommand& command)
 {
-    const auto client = connect(global.connection);
-    const std::size_t before = names(*client, command).size();
-    client->removeFile(command.database, command.store, command.name);
-    const std::size_t removed = before - names(*client, command).size();
-    if (!global.connection.quiet)
-        std::cout << "removed " << removed << '\n';
-    return removed > 0 ? Success : NothingFound;
+    if (command.name.empty() && !command.partial)
+        throw Failure(UsageError, "give the name of a stored file, or --partial");
+    const auto isAccepted = [&command](const std::string& stored) {
+        const std::string name = command.partial ? dbc::finalFileName(stored) : stored;
+        return command.name.empty() ? !name.empty() : ::strcasecmp(name.c_str(), command.name.c_str()) == 0;
+    };
+    const auto result =
+        FileStore(connectionString(global.connection), command.database, command.store).remove(isAccepted);
+    if (!global.connection.quiet && !result.isAcknowledged)
+        std::cout << "sent, not acknowledged\n";
+    else if (!global.connection.quiet)
+        std::cout << "removed " << result.removed << '\n';
+    return result.removed > 0 || !result.isAcknowledged ? Success : NothingFound;
 }
 
 using Action = int (*)(const GlobalOptions&, const FileCommand&);
@@ -189,12 +144,14 @@ void addFileCommands(CLI::App& program, const GlobalOptions& global, Work& work)
     CLI::App* app =
         addCommand(*files, global, work, "put", "Store a local file, or - for standard input", command, put);
     app->add_option("path", command->path, "Local file")->required();
-    app->add_option("--name", command->name, "Name on the server; that of the file unless given");
+    app->add_option("--name", command->name, "Name on the server; the name of the local file unless given");
     app = addCommand(*files, global, work, "get", "Fetch a stored file", command, get);
     app->add_option("name", command->name, "Name on the server")->required();
     app->add_option("path", command->path, "Local file, or - for standard output; the name unless given");
-    addCommand(*files, global, work, "ls", "List the stored files", command, list);
-    app = addCommand(*files, global, work, "rm", "Remove a stored file, upper and lower case taken as equal", command,
-                     remove);
-    app->add_option("name", command->name, "Name on the server")->required();
+    addCommand(*files, global, work, "ls", "List the stored files; uploads that were cut short are marked (incomplete)",
+               command, list);
+    app = addCommand(*files, global, work, "rm", "Remove the stored files of a name, ignoring case", command, remove);
+    app->add_option("name", command->name, "Name on the server");
+    app->add_flag("--partial", command->partial,
+                  "Remove incomplete uploads, of this name or of all; running ones fail");
 }

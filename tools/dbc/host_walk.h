@@ -3,12 +3,23 @@
 #include <mongoc/mongoc.h>
 
 #include <string>
+#include <vector>
 
-/// Prints what a step of an examination found out.
-void good(const std::string& step, const std::string& text);
+/// Print the result of one step of `dbc doctor`.
+void reportSuccess(const std::string& step, const std::string& text);
 /// @return false
-bool bad(const std::string& step, const std::string& text, const std::string& advice);
+bool reportFailure(const std::string& step, const std::string& text, const std::string& advice);
 
-/// Looks at one host of a connection string: its address, its port, and TLS where the string asks for it. Prints a line
-/// for each. @return whether all is right
-bool lookAtHost(const mongoc_uri_t& uri, const mongoc_host_list_t& host);
+enum class HostState
+{
+    Good,
+    Unresolved, ///< its name has no address
+    Unreachable ///< the port, or TLS
+};
+
+/// Checks one host: name resolution, port, and TLS if the connection string asks for it. Prints a line for each step.
+HostState lookAtHost(const mongoc_uri_t& uri, const mongoc_host_list_t& host);
+
+/// The members of the replica set, as HOST:PORT, that a host names. Connects to this host only. Empty if it is not a
+/// member of a set or cannot be asked.
+std::vector<std::string> membersNamedBy(const mongoc_uri_t& uri, const mongoc_host_list_t& host);

@@ -4,6 +4,7 @@
 #include "interrupt.h"
 
 #include <cctype>
+#include <cstdint>
 
 BsonPointer parseJson(const std::string& text, const std::string& what)
 {

@@ -1,6 +1,6 @@
 #include "commands.h"
 
-#include "companion/errors.h"
+#include "dbc/errors.h"
 #include "doctor.h"
 #include "failure.h"
 #include "input.h"
@@ -247,8 +247,8 @@ bool visitAtRandom(RawCollection& collection, const bson_t& query, std::int64_t 
     }
     catch (const std::runtime_error& error)
     {
-        const auto info = companion::describe(error);
-        if (any || isInterrupted() || info.kind != companion::ErrorKind::Other)
+        const auto info = dbc::describe(error);
+        if (any || isInterrupted() || info.kind != dbc::ErrorKind::Other)
             throw;
         reason = info.text;
         return false;

@@ -5,20 +5,59 @@
 #include <unistd.h>
 
 #include <atomic>
+#include <cerrno>
 #include <csignal>
+#include <cstring>
+#include <ctime>
+#include <system_error>
 #include <utility>
 
 namespace {
 
 std::atomic<bool> interrupted{false};
 std::atomic<const char*> removedOnSignal{nullptr};
-static_assert(std::atomic<bool>::is_always_lock_free && std::atomic<const char*>::is_always_lock_free,
+std::atomic<const char*> unsaidNotice{nullptr};
+std::atomic<timer_t> wakeTimer{};
+static_assert(std::atomic<bool>::is_always_lock_free && std::atomic<const char*>::is_always_lock_free &&
+                  std::atomic<timer_t>::is_always_lock_free,
               "a signal handler may only touch what has no lock");
+
+// A terminal may show a progress bar or the "^C" of its own: the line is cleared first.
+constexpr const char* terminalNotice =
+    "\r\x1b[Kdbc: stopping after the current step; press Ctrl-C again to stop at once\n";
+constexpr const char* notice = "dbc: stopping after the current step; press Ctrl-C again to stop at once\n";
+
+// Before a handler needs it: a handler may set a timer, but not create one.
+void createWakeTimer()
+{
+    static bool isCreated = false;
+    if (isCreated)
+        return;
+    timer_t timer{};
+    if (::timer_create(CLOCK_MONOTONIC, nullptr, &timer) != 0) // sends SIGALRM
+        throw std::system_error(errno, std::generic_category(), "timer_create");
+    wakeTimer = timer;
+    isCreated = true;
+}
+
+void setWakeTimer(const itimerspec& time) noexcept
+{
+    ::timer_settime(wakeTimer, 0, &time, nullptr);
+}
+
+// Work that ends soon after the interrupt is not commented on.
+constexpr itimerspec soonAndThenEverySecond{{1, 0}, {0, 300'000'000}};
 
 // A signal that comes just before a read would not end it, so the read is woken again and again.
 extern "C" void onWake(int /*signal*/)
 {
-    ::alarm(1);
+    const char* const text = unsaidNotice.exchange(nullptr);
+    if (!text)
+        return;
+    const int errorBefore = errno;
+    const ssize_t ignored = ::write(STDERR_FILENO, text, std::strlen(text));
+    static_cast<void>(ignored);
+    errno = errorBefore;
 }
 
 // Takes effect when the handler that calls it returns.
@@ -36,13 +75,15 @@ extern "C" void onInterrupt(int signal)
     if (interrupted)
         endBy(signal);
     interrupted = true;
-    ::alarm(1);
+    setWakeTimer(soonAndThenEverySecond);
 }
 
 } // namespace
 
 InterruptWatch::InterruptWatch()
 {
+    createWakeTimer();
+    unsaidNotice = ::isatty(STDERR_FILENO) == 1 ? terminalNotice : notice;
     struct sigaction action = {};
     action.sa_handler = onInterrupt;
     sigaction(SIGINT, &action, &m_interrupt);
@@ -56,7 +97,7 @@ InterruptWatch::~InterruptWatch()
 {
     sigaction(SIGINT, &m_interrupt, nullptr);
     sigaction(SIGTERM, &m_terminate, nullptr);
-    ::alarm(0);
+    setWakeTimer({});
     sigaction(SIGALRM, &m_wake, nullptr);
 }
 

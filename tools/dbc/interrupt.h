@@ -5,7 +5,8 @@
 #include <string>
 
 /// While one lives, Ctrl-C and SIGTERM are noted instead of ending the program: for work that looks at isInterrupted()
-/// again and again. All other work is ended by them at once.
+/// again and again. If the work goes on for 0.3 seconds, standard error says so, and that a second Ctrl-C ends the
+/// program at once. All other work is ended by them at once. One at a time.
 class InterruptWatch
 {
 public:

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "companion/loss_guard.h"
+#include "dbc/loss_guard.h"
 #include "failure.h"
 
 #include <cstdint>
@@ -8,7 +8,7 @@
 #include <ostream>
 #include <string>
 
-/// What to do with documents that hold what the document model of the library drops or bends.
+/// What to do with documents that hold what the document model of the library drops or changes.
 enum class LossPolicy
 {
     Ignore,
@@ -26,9 +26,9 @@ public:
     {
         if (m_policy == LossPolicy::Ignore)
             return;
-        const auto losses = companion::findLosses(bson);
+        const auto losses = dbc::findLosses(bson);
         m_documents += losses.empty() ? 0U : 1U;
-        for (const companion::LossAt& loss : losses)
+        for (const dbc::LossAt& loss : losses)
         {
             if (m_policy == LossPolicy::Refuse)
                 throw Failure(ServerRefused, "document " + std::to_string(documentNumber) + ", " + loss.path + ": " +
@@ -50,5 +50,5 @@ public:
 private:
     const LossPolicy m_policy;
     std::uint64_t m_documents = 0;
-    std::map<companion::Loss, std::uint64_t> m_fields;
+    std::map<dbc::Loss, std::uint64_t> m_fields;
 };

@@ -1,5 +1,5 @@
 #include "commands.h"
-#include "companion/errors.h"
+#include "dbc/errors.h"
 #include "failure.h"
 #include "interrupt.h"
 
@@ -11,23 +11,23 @@
 
 namespace {
 
-ExitStatus statusOf(companion::ErrorKind kind)
+ExitStatus statusOf(dbc::ErrorKind kind)
 {
     switch (kind)
     {
-    case companion::ErrorKind::NotConnected:
-    case companion::ErrorKind::Network:
-    case companion::ErrorKind::Timeout:
-    case companion::ErrorKind::Authentication:
+    case dbc::ErrorKind::NotConnected:
+    case dbc::ErrorKind::Network:
+    case dbc::ErrorKind::Timeout:
+    case dbc::ErrorKind::Authentication:
         return ConnectionError;
-    case companion::ErrorKind::BadArgument:
+    case dbc::ErrorKind::BadArgument:
         return UsageError;
-    case companion::ErrorKind::NotFound:
+    case dbc::ErrorKind::NotFound:
         return NothingFound;
-    case companion::ErrorKind::DuplicateKey:
-    case companion::ErrorKind::NotAuthorized:
-    case companion::ErrorKind::TooLarge:
-    case companion::ErrorKind::Other:
+    case dbc::ErrorKind::DuplicateKey:
+    case dbc::ErrorKind::NotAuthorized:
+    case dbc::ErrorKind::TooLarge:
+    case dbc::ErrorKind::Other:
         return ServerRefused;
     }
     return ServerRefused;
@@ -76,7 +76,7 @@ int run(const Work& work)
             return Interrupted;
         }
         std::cerr << "dbc: " << error.what() << '\n';
-        return statusOf(companion::describe(error).kind);
+        return statusOf(dbc::describe(error).kind);
     }
 }
 

@@ -1,6 +1,7 @@
 #include "output.h"
 
 #include "conversion/bson_handles.h"
+#include "driver/driver.h"
 #include "failure.h"
 
 #include <ostream>
@@ -18,7 +19,7 @@ std::string toJson(const bson_t& bson, Dialect dialect)
         text = bson_as_canonical_extended_json(&bson, &length);
         break;
     case Dialect::Legacy:
-        text = bson_as_json(&bson, &length);
+        text = legacyJson(&bson, &length);
         break;
     }
     const BsonText owner(text);

@@ -1,13 +1,15 @@
 #include "query_words.h"
 
 #include "bson_to_properties.h"
-#include "companion/loss_guard.h"
+#include "dbc/loss_guard.h"
+#include "driver/driver.h"
 #include "failure.h"
 #include "input.h"
 
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <cstdint>
 #include <cstring>
 
 const char* const queryHelp =
@@ -100,7 +102,7 @@ BsonPointer parseQuery(const std::vector<std::string>& words)
         return query;
     // As a list: two conditions may be on one field.
     bson_t list;
-    BSON_APPEND_ARRAY_BEGIN(query.get(), "$and", &list);
+    beginArray(query.get(), "$and", -1, &list);
     std::uint32_t index = 0;
     for (const std::string& word : words)
     {
@@ -118,7 +120,7 @@ BsonPointer parseQuery(const std::vector<std::string>& words)
 
 ObjectProperties toProperties(const bson_t& bson, const std::string& what)
 {
-    for (const companion::LossAt& loss : companion::findLosses(bson))
+    for (const dbc::LossAt& loss : dbc::findLosses(bson))
     {
         // A server ignores the keys of an array, but not its order.
         throw Failure(UsageError, what + " is beyond what can be sent: " + loss.path + ": " + nameOf(loss.loss));

@@ -1,10 +1,11 @@
 #include "raw_collection.h"
 
-#include "companion/errors.h"
-#include "database_client/stream_initiator.h"
+#include "database_client/cursors.h"
+#include "dbc/errors.h"
 #include "failure.h"
 #include "interrupt.h"
 
+#include <cstdint>
 #include <optional>
 #include <stdexcept>
 
@@ -23,7 +24,7 @@ RawCollection::RawCollection(const std::string& uri, const std::string& fullName
     DataBaseClient().isConnected(); // the first client of the process starts the driver
     const UriHandle parsed = parsedConnectionString(uri);
     bson_error_t error{};
-    m_client = newCheckedClient(*parsed, error);
+    m_client.reset(mongoc_client_new_from_uri_with_error(parsed.get(), &error));
     if (!m_client)
         throw std::runtime_error("Connection failed");
     std::string collection;
@@ -68,8 +69,10 @@ std::uint64_t RawCollection::find(const bson_t& query, const FindOptions& option
 
 std::uint64_t RawCollection::aggregate(const bson_t& pipeline, const Visit& visit)
 {
-    const CursorHandle cursor(
-        mongoc_collection_aggregate(m_collection.get(), MONGOC_QUERY_NONE, &pipeline, nullptr, nullptr));
+    bson_error_t error{};
+    const CursorHandle cursor = openAggregation(m_client.get(), m_collection, &pipeline, nullptr, nullptr, error);
+    if (!cursor)
+        throwDriverError("Aggregation error.", error);
     return visitAll(cursor, "Aggregation error.", visit);
 }
 
@@ -103,15 +106,26 @@ bool hasOnlyDuplicates(const bson_t* reply)
     return any;
 }
 
-std::uint64_t insertedCount(const bson_t* reply)
+std::uint64_t countIn(const OwnedBson& reply, const char* key)
 {
     bson_iter_t iter;
-    return bson_iter_init_find(&iter, reply, "nInserted") ? static_cast<std::uint64_t>(bson_iter_as_int64(&iter)) : 0;
+    return bson_iter_init_find(&iter, reply.get(), key) ? static_cast<std::uint64_t>(bson_iter_as_int64(&iter)) : 0;
+}
+
+bool isAcknowledged(const CollectionHandle& collection)
+{
+    return mongoc_write_concern_is_acknowledged(mongoc_collection_get_write_concern(collection.get()));
+}
+
+bool hasOperators(const bson_t& update)
+{
+    bson_iter_t iter;
+    return bson_iter_init(&iter, &update) && bson_iter_next(&iter) && bson_iter_key(&iter)[0] == '$';
 }
 
 } // namespace
 
-std::uint64_t RawCollection::insert(const std::vector<BsonPointer>& documents, bool skipDuplicates)
+RawCollection::WriteResult RawCollection::insert(const std::vector<BsonPointer>& documents, bool skipDuplicates)
 {
     OwnedBson options;
     BSON_APPEND_BOOL(options.get(), "ordered", !skipDuplicates);
@@ -126,7 +140,42 @@ std::uint64_t RawCollection::insert(const std::vector<BsonPointer>& documents, b
     if (mongoc_bulk_operation_execute(bulk.get(), reply.get(), &error) == 0 &&
         !(skipDuplicates && hasOnlyDuplicates(reply.get())))
         throwDriverError("Error occurred while insert operation", error);
-    return insertedCount(reply.get());
+    WriteResult result;
+    result.isAcknowledged = isAcknowledged(m_collection);
+    result.inserted = countIn(reply, "nInserted");
+    return result;
+}
+
+RawCollection::WriteResult RawCollection::update(const bson_t& query, const bson_t& update, UpdateMode mode)
+{
+    OwnedBson options;
+    if (mode == UpdateMode::FirstOrInsert)
+        BSON_APPEND_BOOL(options.get(), "upsert", true);
+    const auto call = mode == UpdateMode::All ? &mongoc_collection_update_many
+                      : hasOperators(update)  ? &mongoc_collection_update_one
+                                              : &mongoc_collection_replace_one;
+    OwnedBson reply;
+    bson_error_t error{};
+    if (!call(m_collection.get(), &query, &update, options.get(), reply.get(), &error))
+        throwDriverError("Updating failed", error);
+    WriteResult result;
+    result.isAcknowledged = isAcknowledged(m_collection);
+    result.inserted = countIn(reply, "upsertedCount");
+    result.matched = countIn(reply, "matchedCount");
+    result.modified = countIn(reply, "modifiedCount");
+    return result;
+}
+
+RawCollection::WriteResult RawCollection::remove(const bson_t& query)
+{
+    OwnedBson reply;
+    bson_error_t error{};
+    if (!mongoc_collection_delete_many(m_collection.get(), &query, nullptr, reply.get(), &error))
+        throwDriverError("Error occurred while remove operation", error);
+    WriteResult result;
+    result.isAcknowledged = isAcknowledged(m_collection);
+    result.removed = countIn(reply, "deletedCount");
+    return result;
 }
 
 void RawCollection::command(const bson_t& command, OwnedBson& reply)

@@ -37,12 +37,33 @@ public:
     std::uint64_t aggregate(const bson_t& pipeline, const Visit& visit);
     /// Documents that match the query, counted by the server.
     std::uint64_t count(const bson_t& query);
-    /// Inserts documents; those without an "_id" get one. A key that is there already is counted and passed over when
-    /// @p skipDuplicates, else an error.
-    /// @return how many were inserted
-    std::uint64_t insert(const std::vector<BsonPointer>& documents, bool skipDuplicates);
+    /// What a write did, as the server's reply says.
+    struct WriteResult
+    {
+        bool isAcknowledged = true; ///< false with w=0: the server sends no counts
+        std::uint64_t inserted = 0;
+        std::uint64_t matched = 0;
+        std::uint64_t modified = 0; ///< at most matched: an update may leave a document as it is
+        std::uint64_t removed = 0;
+    };
+    /// Inserts documents; those without an "_id" get one. A duplicate key is skipped with @p skipDuplicates, and an
+    /// error without it.
+    WriteResult insert(const std::vector<BsonPointer>& documents, bool skipDuplicates);
+    enum class UpdateMode
+    {
+        First,
+        FirstOrInsert,
+        All
+    };
+    /// @param update  operators, or without any the document that replaces the first match
+    WriteResult update(const bson_t& query, const bson_t& update, UpdateMode mode);
+    /// Removes every match.
+    WriteResult remove(const bson_t& query);
     /// Runs a command of the database and gives its reply.
     void command(const bson_t& command, OwnedBson& reply);
+
+    /// The connection, for what the driver does with it; belongs to this object.
+    mongoc_client_t* client() const noexcept { return m_client.get(); }
 
 private:
     std::uint64_t visitAll(const CursorHandle& cursor, const char* message, const Visit& visit);

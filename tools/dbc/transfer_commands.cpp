@@ -10,6 +10,7 @@
 #include "replaced_file.h"
 
 #include <array>
+#include <cstdint>
 #include <cstdio>
 #include <fstream>
 #include <iostream>
@@ -140,12 +141,13 @@ class Import
 public:
     Import(const GlobalOptions& global, const ImportCommand& command)
         : m_command(command), m_collection(connectionString(global.connection), command.collection),
-          m_state(command.resume), m_losses(command.losses), m_progress("importing", 0, global.connection.quiet)
+          m_state(command.resume), m_losses(command.losses), m_isQuiet(global.connection.quiet)
     {}
 
     void run(std::istream& stream)
     {
         const InterruptWatch watch;
+        Progress progress("importing", 0, m_isQuiet); // wiped before anybody prints a summary
         DocumentReader reader(stream);
         while (BsonPointer document = reader.next())
         {
@@ -157,43 +159,51 @@ public:
             m_batch.push_back(withId(std::move(document), m_state.idOf(reader.count())));
             m_batchBytes += static_cast<const bson_t*>(m_batch.back().get())->len;
             if (m_batch.size() >= m_command.batch || m_batchBytes >= largestBatch)
-                send();
+                send(progress);
         }
-        send();
+        send(progress);
         throwIfInterrupted();
         m_state.remove();
     }
 
     std::uint64_t inserted() const noexcept { return m_inserted; }
     std::uint64_t duplicates() const noexcept { return m_duplicates; }
+    /// Documents sent with w=0: whether they were stored is not known.
+    std::uint64_t unacknowledged() const noexcept { return m_unacknowledged; }
     const LossCounter& losses() const noexcept { return m_losses; }
 
 private:
     // However few documents are in it: memory stays flat for documents of any size.
     static constexpr std::size_t largestBatch = 16 * 1024 * 1024;
 
-    void send()
+    void send(Progress& progress)
     {
         if (m_batch.empty())
             return;
-        const auto inserted = m_collection.insert(m_batch, m_command.skipDuplicates || m_state.isResumable());
-        m_inserted += inserted;
-        m_duplicates += m_batch.size() - inserted;
+        const auto result = m_collection.insert(m_batch, m_command.skipDuplicates || m_state.isResumable());
+        if (result.isAcknowledged)
+        {
+            m_inserted += result.inserted;
+            m_duplicates += m_batch.size() - result.inserted;
+        }
+        else
+            m_unacknowledged += m_batch.size();
         m_state.save(m_state.done() + m_batch.size());
         m_batch.clear();
         m_batchBytes = 0;
-        m_progress.show(m_state.done());
+        progress.show(m_state.done());
     }
 
     const ImportCommand& m_command;
     RawCollection m_collection;
     ImportState m_state;
     LossCounter m_losses;
-    Progress m_progress;
+    const bool m_isQuiet;
     std::vector<BsonPointer> m_batch;
     std::size_t m_batchBytes = 0;
     std::uint64_t m_inserted = 0;
     std::uint64_t m_duplicates = 0;
+    std::uint64_t m_unacknowledged = 0;
 };
 
 int importDocuments(const GlobalOptions& global, const ImportCommand& command)
@@ -209,9 +219,12 @@ int importDocuments(const GlobalOptions& global, const ImportCommand& command)
     import->run(command.file.empty() ? std::cin : file);
     if (!global.connection.quiet)
     {
-        std::cerr << "imported " << import->inserted() << '\n';
+        if (import->unacknowledged() > 0)
+            std::cerr << "sent " << import->unacknowledged() << ", not acknowledged\n";
+        else
+            std::cerr << "imported " << import->inserted() << '\n';
         if (import->duplicates() > 0)
-            std::cerr << "passed over " << import->duplicates() << ", whose key is there already\n";
+            std::cerr << "skipped " << import->duplicates() << " with a duplicate key\n";
         import->losses().print(std::cerr);
     }
     return Success;
@@ -220,7 +233,7 @@ int importDocuments(const GlobalOptions& global, const ImportCommand& command)
 void addLossOption(CLI::App& app, LossPolicy& policy)
 {
     addChoice(app, "--losses", policy, policies,
-              "What to do about fields that the library's document model drops or bends; count unless given");
+              "What to do about fields that the library's document model drops or changes; count unless given");
 }
 
 } // namespace
@@ -243,9 +256,9 @@ void addTransferCommands(CLI::App& program, const GlobalOptions& global, Work& w
                     "JSON, a document on each line or one array; standard input unless given");
     app->add_option("--batch", incoming->batch, "Documents in one request; 1000 unless given")
         ->check(CLI::Range(1, 100000));
-    app->add_flag("--skip-duplicates", incoming->skipDuplicates, "Pass over documents whose key is there already");
+    app->add_flag("--skip-duplicates", incoming->skipDuplicates, "Skip documents with a duplicate key");
     app->add_option("--resume", incoming->resume,
-                    "File that keeps how far the import came; a second run goes on there");
+                    "File that records how far the import came; a second run continues there");
     addLossOption(*app, incoming->losses);
     app->callback([=, &global, &work] { work = [=, &global] { return importDocuments(global, *incoming); }; });
 }

@@ -1,6 +1,6 @@
 #include "commands.h"
 
-#include "companion/build.h"
+#include "dbc/build.h"
 #include "failure.h"
 #include "input.h"
 #include "query_words.h"
@@ -37,17 +37,17 @@ std::string newPassword(const UserCommand& command)
 // "readWrite" for the user's own database, "readWrite@shop" for another.
 ObjectProperties rolesOf(const UserCommand& command)
 {
-    std::vector<companion::Field> roles;
+    std::vector<dbc::Field> roles;
     for (std::size_t index = 0; index < command.roles.size(); ++index)
     {
         const std::string& role = command.roles[index];
         const std::size_t at = role.find('@');
-        companion::Value value = role;
+        dbc::Value value = role;
         if (at != std::string::npos)
-            value = companion::object({{"role", role.substr(0, at)}, {"db", role.substr(at + 1)}});
-        roles.emplace_back(companion::elementKey(index, command.roles.size()), std::move(value));
+            value = dbc::object({{"role", role.substr(0, at)}, {"db", role.substr(at + 1)}});
+        roles.emplace_back(dbc::elementKey(index, command.roles.size()), std::move(value));
     }
-    return companion::document(roles);
+    return dbc::document(roles);
 }
 
 ObjectProperties customDataOf(const UserCommand& command)

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <cstdint>
 #include <cstring>
 #include <limits>
 #include <list>
@@ -368,6 +369,7 @@ TEST(BsonReader, DrivesADocumentThroughItsVirtualOperations)
     public:
         using ObjectProperties::beginGroup;
         using ObjectProperties::setValueInt32;
+        using ObjectProperties::operator=;
         void beginGroup(const std::string& key) override { note("begin " + key); }
         void endGroup() const override { note("end"); }
         void beginArray(const std::string& key) const override { note("array " + key); }

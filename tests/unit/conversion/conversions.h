@@ -2,6 +2,7 @@
 
 #include "bson_bytes.h"
 #include "bson_to_properties.h"
+#include "driver.h"
 #include "object_properties.h"
 #include "owned_bson.h"
 #include "properties_to_bson.h"
@@ -60,7 +61,7 @@ inline void appendNested(bson_t* bson, const char* key, bool isArray, const Buil
 {
     bson_t child;
     if (isArray)
-        bson_append_array_begin(bson, key, -1, &child);
+        beginArray(bson, key, -1, &child);
     else
         bson_append_document_begin(bson, key, -1, &child);
     fill(&child);

@@ -1,4 +1,5 @@
 #include "document_kinds.h"
+#include "driver_texts.h"
 #include "object_properties.h"
 #include "properties_to_json.h"
 
@@ -18,7 +19,7 @@ std::string textOf(const ObjectProperties& document)
 {
     std::string text;
     PropertiesToJson::convert(document, text);
-    return text;
+    return test_support::inWordsOf123(text);
 }
 
 ObjectProperties members()

@@ -1,0 +1,6 @@
+# The clang of this release, which scripts/setup installs by its number.
+set(database_client_clang_versions 14 18 19 21)
+list(TRANSFORM database_client_clang_versions PREPEND clang- OUTPUT_VARIABLE c_names)
+list(TRANSFORM database_client_clang_versions PREPEND clang++- OUTPUT_VARIABLE cxx_names)
+find_program(DATABASE_CLIENT_CLANG NAMES ${c_names} clang)
+find_program(DATABASE_CLIENT_CLANGXX NAMES ${cxx_names} clang++)

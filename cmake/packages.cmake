@@ -1,0 +1,8 @@
+# database_client_package(NAME DEBIAN [ARGUMENT...])
+# find_package(NAME ARGUMENT... REQUIRED), whose error names the Debian packages to install.
+macro(database_client_package name debian)
+  find_package(${name} ${ARGN} QUIET)
+  if(NOT ${name}_FOUND)
+    message(FATAL_ERROR "${name} is missing or too old. On Debian: apt install ${debian}")
+  endif()
+endmacro()

@@ -1,0 +1,185 @@
+// Collections, cursors, bulk writes and indexes. Needs a server: scripts/with-server.
+#include "example.h"
+
+#include "test_server.h"
+
+#include <dbc/collection.h>
+#include <dbc/database.h>
+
+#include <optional>
+#include <vector>
+
+namespace {
+
+void changes(DataBaseClient& client, const std::string& database)
+{
+    section("changes");
+    //! [changes]
+    dbc::Collection orders(client, database, "orders");
+    const dbc::InsertOneResult inserted = orders.insertOne({{"item", "cup"}, {"count", 3}});
+    const dbc::UpdateResult updated = orders.updateOne({{"_id", inserted.id}}, {{"$inc", {{"count", 2}}}});
+    std::cout << updated.matched << " matched, " << updated.modified << " modified\n";
+
+    dbc::UpdateOptions options;
+    options.upsert = true;
+    const dbc::UpdateResult upserted = orders.updateOne({{"_id", 7}}, {{"$set", {{"item", "plate"}}}}, options);
+    std::cout << "inserted " << *upserted.upsertedId << '\n';
+
+    std::cout << orders.removeMany({{"item", "cup"}}).removed << " removed, " << orders.count({}) << " left\n";
+    //! [changes]
+}
+
+std::optional<dbc::Value> nextRecord()
+{
+    static int number = 0;
+    return number < 5000 ? std::optional<dbc::Value>(dbc::Value{{"_id", number++}}) : std::nullopt;
+}
+
+void import(DataBaseClient& client, const std::string& database)
+{
+    section("import");
+    dbc::Collection orders(client, database, "imported");
+    //! [import]
+    const std::vector<ObjectProperties> documents = {dbc::document({{"item", "cup"}}),
+                                                     dbc::document({{"item", "jug"}})};
+    std::cout << orders.insertMany(documents).ids.size() << " ids\n";
+
+    // A generator: 5,000 records that are never in memory at once.
+    const dbc::InsertManyResult result = orders.insertMany([]() -> std::optional<dbc::Value> { return nextRecord(); });
+    std::cout << result.inserted << " inserted\n";
+    //! [import]
+}
+
+void bulk(DataBaseClient& client, const std::string& database)
+{
+    section("bulk");
+    dbc::Collection orders(client, database, "bulk");
+    //! [bulk]
+    dbc::Bulk bulk;
+    bulk.insertOne({{"_id", 1}, {"state", "new"}})
+        .updateOne({{"_id", 1}}, {{"$set", {{"state", "paid"}}}})
+        .removeMany({{"state", "cancelled"}})
+        .insertOne({{"_id", 1}}); // the id is taken
+    try
+    {
+        orders.bulkWrite(bulk);
+    }
+    catch (const dbc::BulkError& error)
+    {
+        std::cout << error.result().inserted << " inserted, " << error.result().modified << " modified\n";
+        for (const dbc::WriteError& refused : error.errors())
+            std::cout << "operation " << refused.index << ": " << dbc::nameOf(refused.kind) << '\n';
+    }
+    //! [bulk]
+}
+
+void cursor(DataBaseClient& client, const std::string& database)
+{
+    section("cursor");
+    dbc::Collection orders(client, database, "cursor");
+    for (int number = 1; number <= 4; ++number)
+        orders.insertOne({{"_id", number}, {"state", number % 2 == 0 ? "open" : "sent"}});
+    //! [cursor]
+    dbc::FindOptions options;
+    options.sort = {{"state"}, {"_id", dbc::Order::Descending}};
+    options.limit = 3;
+    for (const dbc::Value& order : orders.find({}, options))
+        std::cout << order << '\n';
+
+    // The type of the loop variable decides the form of the documents.
+    int sum = 0;
+    for (const ObjectProperties& order : orders.find({{"state", "open"}}))
+        sum += order.valueAsInt32("_id", 0);
+    std::cout << sum << '\n';
+
+    if (const std::optional<dbc::Value> order = orders.findOne({{"_id", 3}}))
+        std::cout << order->getOr("state", "?") << '\n';
+    //! [cursor]
+}
+
+void paging(DataBaseClient& client, const std::string& database)
+{
+    section("paging");
+    dbc::Collection orders(client, database, "paging");
+    for (int number = 1; number <= 5; ++number)
+        orders.insertOne({{"_id", number}});
+    //! [paging]
+    dbc::FindOptions page;
+    page.sort = {{"_id"}};
+    page.limit = 2;
+    dbc::Value last = 0; // the last "_id" of the page before
+    for (bool isMore = true; isMore;)
+    {
+        isMore = false;
+        for (const dbc::Value& order : orders.find({{"_id", {{"$gt", last}}}}, page))
+        {
+            last = order.at("_id");
+            std::cout << last << ' ';
+            isMore = true;
+        }
+        std::cout << "|\n";
+    }
+    //! [paging]
+}
+
+void aggregation(DataBaseClient& client, const std::string& database)
+{
+    section("aggregation");
+    dbc::Collection orders(client, database, "aggregation");
+    orders.insertMany(
+        {{{"item", "cup"}, {"count", 3}}, {{"item", "jug"}, {"count", 1}}, {{"item", "cup"}, {"count", 2}}});
+    //! [aggregation]
+    for (const dbc::Value& item : orders.aggregate(dbc::array({
+             {{"$group", {{"_id", "$item"}, {"sum", {{"$sum", "$count"}}}}}},
+             {{"$sort", {{"_id", 1}}}},
+         })))
+        std::cout << item << '\n';
+    //! [aggregation]
+}
+
+void indexes(DataBaseClient& client, const std::string& database)
+{
+    section("indexes");
+    dbc::Collection orders(client, database, "indexes");
+    //! [indexes]
+    dbc::IndexOptions unique;
+    unique.unique = true;
+    std::cout << orders.createIndex({{"number"}, {"year", dbc::IndexType::Descending}}, unique) << '\n';
+    orders.insertOne({{"number", 1}, {"year", 2024}});
+    try
+    {
+        orders.insertOne({{"number", 1}, {"year", 2024}});
+    }
+    catch (const dbc::ServerError& error)
+    {
+        std::cout << dbc::nameOf(error.kind()) << ", code " << error.code() << '\n';
+    }
+    //! [indexes]
+}
+
+void command(DataBaseClient& client, const std::string& name)
+{
+    section("command");
+    //! [command]
+    dbc::Database database(client, name);
+    const dbc::Value reply = database.command({{"count", "indexes"}});
+    std::cout << reply.getOr("n", 0) << '\n';
+    //! [command]
+}
+
+} // namespace
+
+int main()
+{
+    const test_support::ScratchDatabase scratch;
+    DataBaseClient client;
+    client.connect(test_support::TestServer::instance().uri());
+    changes(client, scratch.name());
+    import(client, scratch.name());
+    bulk(client, scratch.name());
+    cursor(client, scratch.name());
+    paging(client, scratch.name());
+    aggregation(client, scratch.name());
+    indexes(client, scratch.name());
+    command(client, scratch.name());
+}

@@ -1,0 +1,60 @@
+// Scopes that put the cursor back. Needs no server.
+#include "example.h"
+
+#include <dbc/scopes.h>
+
+#include <stdexcept>
+
+namespace {
+
+// Throws with the cursor two groups deep.
+void readPort(const ObjectProperties& settings)
+{
+    const dbc::GroupScope server(settings, "server");
+    const dbc::GroupScope listen(settings, "listen");
+    if (!settings.contains("port"))
+        throw std::runtime_error("no port in " + settings.group());
+}
+
+void balanced()
+{
+    section("balanced");
+    //! [balanced]
+    ObjectProperties settings;
+    {
+        const dbc::GroupScope server(settings, "server");
+        settings.setValueString("name", "main");
+        const dbc::GroupScope listen(settings, "listen");
+        settings.setValueString("address", "127.0.0.1");
+    } // both groups are left here, in the right order
+    std::cout << text(settings) << '\n';
+
+    try
+    {
+        readPort(settings); // two scopes deep when it throws
+    }
+    catch (const std::runtime_error& error)
+    {
+        std::cout << error.what() << ", and the cursor stands in \"" << settings.group() << "\"\n";
+    }
+    //! [balanced]
+}
+
+void refused()
+{
+    section("refused");
+    //! [refused]
+    ObjectProperties order;
+    order.setValueString("buyer/name", "Ada");
+    const dbc::ArrayScope buyer(order, "buyer"); // a group, not an array
+    std::cout << (buyer ? "in the array" : "not in an array") << '\n';
+    //! [refused]
+}
+
+} // namespace
+
+int main()
+{
+    balanced();
+    refused();
+}

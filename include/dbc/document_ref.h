@@ -1,0 +1,65 @@
+#pragma once
+
+/// @file
+/// A document as a parameter, in whatever form the caller has it.
+
+#include "dbc/value.h"
+#include "object_properties.h"
+
+#include <cstddef>
+#include <initializer_list>
+#include <optional>
+
+namespace dbc {
+
+class DocumentRefAccess;
+
+inline namespace v1 {
+
+/// The bytes of one BSON document. Does not own them.
+struct BsonView
+{
+    const unsigned char* data = nullptr; ///< The first byte of the document's length.
+    std::size_t size = 0;                ///< Number of bytes.
+};
+
+/// A document that an operation takes as a parameter: an ObjectProperties, whose fields are sent in key order; a Value
+/// or braces, sent in their own order; or BSON as it is. Refers to the document and does not own it, except for braces.
+/// Use it for parameters only.
+///
+///     orders.insertOne({{"item", "cup"}, {"count", 3}});
+class DocumentRef
+{
+public:
+    /// A document without fields.
+    DocumentRef() noexcept : m_form(Form::Empty) {}
+    /// The whole document, wherever its cursor stands.
+    DocumentRef(const ObjectProperties& document) noexcept : m_form(Form::Properties), m_document(&document) {}
+    /// An object. Where an operation takes a pipeline, also an array of stages.
+    DocumentRef(const Value& document) noexcept : m_form(Form::Value), m_document(&document) {}
+    /// Bytes, checked before they are sent.
+    DocumentRef(const BsonView& document) noexcept : m_form(Form::Bson), m_document(&document) {}
+    /// The object of these fields.
+    DocumentRef(std::initializer_list<Field> fields) : m_form(Form::Owned), m_owned(Value(fields)) {}
+    DocumentRef(const DocumentRef&) = delete;
+    DocumentRef& operator=(const DocumentRef&) = delete;
+
+private:
+    friend class dbc::DocumentRefAccess;
+
+    enum class Form
+    {
+        Empty,
+        Properties,
+        Value,
+        Bson,
+        Owned
+    };
+
+    Form m_form;
+    const void* m_document = nullptr;
+    std::optional<Value> m_owned;
+};
+
+} // namespace v1
+} // namespace dbc

@@ -1,0 +1,287 @@
+#pragma once
+
+/// @file
+/// Streams around the file operations of DataBaseClient: watching a file arrive, and storing what is not a local file.
+
+#include "database_client.h"
+#include "dbc/results.h"
+#include "object_properties.h"
+
+#include <array>
+#include <cerrno>
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <functional>
+#include <istream>
+#include <memory>
+#include <ostream>
+#include <stdexcept>
+#include <streambuf>
+#include <string>
+#include <system_error>
+#include <utility>
+
+namespace dbc {
+
+/// CRC-32 as in ISO 3309 and RFC 1952, the checksum that gzip and `crc32` give.
+class Crc32
+{
+public:
+    /// Takes in more bytes.
+    void add(const char* bytes, std::size_t count) noexcept
+    {
+        for (const char* end = bytes + count; bytes != end; ++bytes)
+            m_value = table()[(m_value ^ static_cast<unsigned char>(*bytes)) & 0xffU] ^ (m_value >> 8);
+    }
+
+    /// The checksum of the bytes so far.
+    std::uint32_t value() const noexcept { return m_value ^ 0xffffffffU; }
+
+private:
+    static const std::array<std::uint32_t, 256>& table() noexcept
+    {
+        static const auto values = [] {
+            std::array<std::uint32_t, 256> result{};
+            for (std::uint32_t index = 0; index < result.size(); ++index)
+            {
+                result[index] = index;
+                for (int bit = 0; bit < 8; ++bit)
+                    result[index] = (result[index] >> 1) ^ (result[index] & 1U ? 0xedb88320U : 0U);
+            }
+            return result;
+        }();
+        return values;
+    }
+
+    std::uint32_t m_value = 0xffffffffU;
+};
+
+/// What a progress function throws, or Download::cancel() causes: the copy ends and the exception reaches the caller of
+/// readFile().
+class Cancelled : public std::runtime_error
+{
+public:
+    Cancelled() : std::runtime_error("Cancelled") {}
+};
+
+/// A stream for readFile() that hands on what arrives to another stream, counts it, computes its checksum, reports
+/// progress, and can end the copy:
+///
+///     std::ofstream file("photo.jpg", std::ios::binary);
+///     dbc::Download download(file, [](std::uint64_t bytes) { std::cerr << bytes << '\r'; return true; });
+///     client.readFile("shop", "files", "photo.jpg", &download);
+///
+/// readFile() itself does not look at a stream's state, so a failure of the target, too, ends the copy here.
+class Download : public std::iostream
+{
+public:
+    /// Called after each piece with the bytes so far; false cancels.
+    using Progress = std::function<bool(std::uint64_t bytes)>;
+
+    /// Passes what is written to it on to @p target, which must outlive it.
+    explicit Download(std::ostream& target, Progress progress = nullptr)
+        : std::iostream(nullptr), m_buffer(target, std::move(progress))
+    {
+        rdbuf(&m_buffer);
+        exceptions(std::ios::badbit); // what the buffer throws goes on through readFile()
+    }
+
+    /// Bytes so far.
+    std::uint64_t bytes() const noexcept { return m_buffer.m_bytes; }
+    /// Checksum of the bytes so far.
+    std::uint32_t crc32() const noexcept { return m_buffer.m_checksum.value(); }
+
+private:
+    class Buffer : public std::streambuf
+    {
+    public:
+        Buffer(std::ostream& target, Progress progress) : m_target(target), m_progress(std::move(progress)) {}
+
+        std::uint64_t m_bytes = 0;
+        Crc32 m_checksum;
+
+    protected:
+        std::streamsize xsputn(const char* bytes, std::streamsize count) override
+        {
+            if (!m_target.write(bytes, count))
+                throw std::runtime_error("The target of the download cannot be written");
+            m_checksum.add(bytes, static_cast<std::size_t>(count));
+            m_bytes += static_cast<std::uint64_t>(count);
+            if (m_progress && !m_progress(m_bytes))
+                throw Cancelled();
+            return count;
+        }
+
+        int_type overflow(int_type character) override
+        {
+            if (traits_type::eq_int_type(character, traits_type::eof()))
+                return traits_type::not_eof(character);
+            const char byte = traits_type::to_char_type(character);
+            xsputn(&byte, 1);
+            return character;
+        }
+
+    private:
+        std::ostream& m_target;
+        Progress m_progress;
+    };
+
+    Buffer m_buffer;
+};
+
+/// Fills a buffer of @p capacity bytes and returns how many it wrote, 0 at the end.
+using Generator = std::function<std::size_t(char* buffer, std::size_t capacity)>;
+
+/// A file without a name, gone when it is closed.
+using TemporaryFile = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
+
+/// A temporary file with what @p generator gives, for what takes files alone: temporaryFilePath() leads to it.
+/// @throws std::system_error when it cannot be written; what the generator throws
+inline TemporaryFile temporaryFile(const Generator& generator)
+{
+    TemporaryFile spool(std::tmpfile(), &std::fclose);
+    const auto fail = [] { throw std::system_error(errno, std::generic_category(), "Temporary file"); };
+    if (!spool)
+        fail();
+    std::array<char, 65536> buffer;
+    while (const std::size_t count = generator(buffer.data(), buffer.size()))
+    {
+        if (std::fwrite(buffer.data(), 1, count, spool.get()) != count)
+            fail();
+    }
+    if (std::fflush(spool.get()) != 0)
+        fail();
+    return spool;
+}
+
+/// A path to the file, for this process and as long as the file is open.
+inline std::string temporaryFilePath(const TemporaryFile& file)
+{
+    return "/dev/fd/" + std::to_string(::fileno(file.get()));
+}
+
+/// Between the name and the object id in the name of a file that is still being uploaded.
+inline constexpr const char* partialFileMark = ".partial-";
+
+/// The name that the writeFile() functions below give a file until all of it is stored: "NAME.partial-ID". @p id is
+/// DataBaseClient::createId(), so two uploads of one name never share a temporary name.
+inline std::string partialFileName(const std::string& fileName, const std::string& id)
+{
+    return fileName + partialFileMark + id;
+}
+
+/// The final name of a file with a temporary name; an empty string if @p storedName is not of the form
+/// "NAME.partial-ID" with 24 lower-case hexadecimal digits for ID.
+inline std::string finalFileName(const std::string& storedName)
+{
+    constexpr std::size_t idLength = 24;
+    const std::string mark = partialFileMark;
+    if (storedName.size() <= mark.size() + idLength)
+        return std::string();
+    const std::size_t idBegin = storedName.size() - idLength;
+    const bool hasId = storedName.find_first_not_of("0123456789abcdef", idBegin) == std::string::npos;
+    const std::size_t nameLength = idBegin - mark.size();
+    return hasId && storedName.compare(nameLength, mark.size(), mark) == 0 ? storedName.substr(0, nameLength)
+                                                                           : std::string();
+}
+
+namespace detail {
+
+/// The "_id" and "length" of a document that matches; no document if there is none.
+inline Results findOne(DataBaseClient& client, const std::string& database, const std::string& collection,
+                       const ObjectProperties& query)
+{
+    ObjectProperties fields;
+    fields.setValueInt32("_id", 1);
+    fields.setValueInt32("length", 1);
+    Results found;
+    client.find(database, collection, query, fields, found, 1, 0);
+    return found;
+}
+
+inline void giveFinalName(DataBaseClient& client, const std::string& database, const std::string& gridFsCollection,
+                          const std::string& partialName, const std::string& finalName)
+{
+    const std::string files = gridFsCollection + ".files";
+    const std::string chunks = gridFsCollection + ".chunks";
+    const auto require = [](bool isThere) {
+        if (!isThere)
+            throw std::runtime_error("The file was removed while it was being stored");
+    };
+    ObjectProperties file;
+    file.setValueString("filename", partialName);
+    const Results stored = findOne(client, database, files, file);
+    require(!stored.empty());
+    const std::string id = stored.begin()->valueAsId("_id", "");
+
+    // Another program may have removed the file as a leftover. The driver then stores the remaining chunks under a new
+    // record, but the first chunk is missing.
+    ObjectProperties firstChunk;
+    firstChunk.setValueId("files_id", id);
+    firstChunk.setValueInt32("n", 0);
+    require(stored.begin()->valueAsInt64("length", 0) == 0 || !findOne(client, database, chunks, firstChunk).empty());
+
+    ObjectProperties name;
+    name.setValueString("filename", finalName);
+    client.update(database, files, file, name, UpdateFlagNone, UpdateCommandSet);
+
+    ObjectProperties renamed;
+    renamed.setValueId("_id", id);
+    renamed.setValueString("filename", finalName);
+    require(!findOne(client, database, files, renamed).empty());
+}
+
+} // namespace detail
+
+/// Stores what @p generator returns, so that no file of this name is ever seen cut short. The bytes pass through a
+/// temporary local file, so memory stays flat. Then they are uploaded under partialFileName(), and the file gets its
+/// final name when everything is stored. If anything fails, what was stored is removed and the exception goes on.
+///
+/// A process that ends during the upload, or a server that cannot be reached any more, leaves the file under its
+/// temporary name: `dbc files ls` marks it, `dbc files rm --partial` removes it. If the connection breaks while the
+/// server gives the final name, an exception is thrown although the whole file may be stored.
+/// Stored files of the same name stay beside the new one, as with DataBaseClient::writeFile().
+/// @throws std::system_error      the temporary local file cannot be written
+/// @throws std::invalid_argument  no connection; an empty name
+/// @throws std::runtime_error     "Error occurred while <driver call> operation..."; "Find error...." or "Updating
+///                                failed..." if the server does not give the final name; "The file was removed while it
+///                                was being stored"; and what the generator throws
+inline void writeFile(DataBaseClient& client, const std::string& database, const std::string& gridFsCollection,
+                      const std::string& fileName, const Generator& generator)
+{
+    const TemporaryFile spool = temporaryFile(generator);
+    // The driver reads names up to their first zero byte. An empty name is left to the client, which refuses it.
+    const std::string finalName = fileName.substr(0, fileName.find('\0'));
+    const std::string partialName = finalName.empty() ? finalName : partialFileName(finalName, client.createId());
+    try
+    {
+        client.writeFile(database, gridFsCollection, partialName, temporaryFilePath(spool));
+        detail::giveFinalName(client, database, gridFsCollection, partialName, finalName);
+    }
+    catch (...)
+    {
+        try
+        {
+            client.removeFile(database, gridFsCollection, partialName);
+        }
+        catch (const std::exception&) // the caller gets the first failure
+        {}
+        throw;
+    }
+}
+
+/// Stores what a stream holds from its read position on, as the overload above does.
+/// @throws std::runtime_error  the stream cannot be read; otherwise as above
+inline void writeFile(DataBaseClient& client, const std::string& database, const std::string& gridFsCollection,
+                      const std::string& fileName, std::istream& source)
+{
+    writeFile(client, database, gridFsCollection, fileName, [&source](char* buffer, std::size_t capacity) {
+        source.read(buffer, static_cast<std::streamsize>(capacity));
+        if (source.bad())
+            throw std::runtime_error("The source of the file cannot be read");
+        return static_cast<std::size_t>(source.gcount());
+    });
+}
+
+} // namespace dbc

@@ -1,0 +1,124 @@
+#pragma once
+
+/// @file
+/// Names what a BSON document holds that the document model drops or bends. Needs libbson.
+
+#include "bson_to_properties.h"
+#include "dbc/value_type.h"
+
+#include <cstdint>
+#include <cstring>
+#include <list>
+#include <string>
+#include <unordered_set>
+#include <utility>
+#include <vector>
+
+namespace dbc {
+
+namespace detail {
+
+inline bool isCut(const char* text, std::uint32_t length)
+{
+    return std::memchr(text, '\0', length) != nullptr;
+}
+
+/// Calls report(loss) for what happens to the value of the element.
+template <typename Report>
+void reportValue(const bson_iter_t& iter, const Report& report)
+{
+    std::uint32_t length = 0;
+    const char* text = nullptr;
+    const std::uint8_t* bytes = nullptr;
+    bson_subtype_t subtype = BSON_SUBTYPE_BINARY;
+    if (const auto loss = lossOf(static_cast<Type>(bson_iter_type(&iter))))
+        report(*loss);
+    if (BSON_ITER_HOLDS_UTF8(&iter))
+    {
+        text = bson_iter_utf8(&iter, &length);
+        if (isCut(text, length))
+            report(Loss::TextWithZero);
+    }
+    else if (BSON_ITER_HOLDS_SYMBOL(&iter))
+    {
+        text = bson_iter_symbol(&iter, &length);
+        if (isCut(text, length > 0 ? length - 1 : 0))
+            report(Loss::TextWithZero);
+    }
+    else if (BSON_ITER_HOLDS_BINARY(&iter))
+    {
+        bson_iter_binary(&iter, &subtype, &length, &bytes);
+        if (subtype != BSON_SUBTYPE_BINARY)
+            report(Loss::BinarySubtype);
+        if (length == 0)
+            report(Loss::EmptyBinary);
+    }
+}
+
+struct LossLevel
+{
+    bson_iter_t iter;
+    bool isArray = false;
+    std::size_t elements = 0;
+    std::string key; // of the element that the iterator stands on
+    std::unordered_set<std::string> keys;
+};
+
+/// Joined only where something is reported: kept for every level it would grow with the square of the depth.
+inline std::string pathOf(const std::list<LossLevel>& open)
+{
+    std::string path;
+    for (const LossLevel& level : open)
+        path.append(path.empty() ? "" : ".").append(level.key);
+    return path;
+}
+
+} // namespace detail
+
+/// Every field of the document that does not come back as it was, in the order of the document; nothing when the
+/// document makes the round trip unharmed but for the order of its fields, which the model keeps sorted.
+/// Depth is limited by memory only. Takes time in proportion to the size of the document.
+inline std::vector<LossAt> findLosses(const bson_t& bson)
+{
+    std::vector<LossAt> losses;
+    std::list<detail::LossLevel> open(1);
+    if (!bson_iter_init(&open.back().iter, &bson))
+        return {{std::string(), Loss::Corrupt}};
+    const auto report = [&](Loss loss) { losses.push_back({detail::pathOf(open), loss}); };
+    while (!open.empty())
+    {
+        detail::LossLevel& level = open.back();
+        if (!bson_iter_next(&level.iter))
+        {
+            // The driver's iterator says only by this offset that it stopped at something it cannot read.
+            const bool corrupt = level.iter.err_off != 0;
+            const bool isLongArray = level.isArray && level.elements > 10;
+            open.pop_back();
+            if (corrupt)
+                report(Loss::Corrupt);
+            if (isLongArray)
+                report(Loss::LongArray);
+            continue;
+        }
+        ++level.elements;
+        level.key.assign(bson_iter_key(&level.iter), bson_iter_key_len(&level.iter));
+        if (level.key.empty())
+            report(Loss::EmptyKey);
+        if (level.key.find('/') != std::string::npos)
+            report(Loss::KeyWithSlash);
+        if (!level.keys.insert(level.key).second)
+            report(Loss::DuplicateKey);
+        detail::reportValue(level.iter, report);
+        if (!BSON_ITER_HOLDS_DOCUMENT(&level.iter) && !BSON_ITER_HOLDS_ARRAY(&level.iter))
+            continue;
+        detail::LossLevel nested;
+        nested.isArray = BSON_ITER_HOLDS_ARRAY(&level.iter);
+        if (bson_iter_recurse(&level.iter, &nested.iter))
+            open.push_back(std::move(nested));
+        else
+            report(Loss::Corrupt);
+    }
+    return losses;
+}
+
+} // namespace dbc

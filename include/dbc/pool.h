@@ -1,0 +1,154 @@
+#pragma once
+
+/// @file
+/// Clients shared by threads: each lease has a client of its own, and returns it by itself.
+
+#include "database_client.h"
+
+#include <chrono>
+#include <condition_variable>
+#include <cstddef>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <unistd.h>
+#include <utility>
+#include <vector>
+
+namespace dbc {
+
+/// Hands out connected clients, at most @p limit (and at least one) at a time. Clients are made when needed and kept
+/// for the next lease. Construct the pool before other threads use the library. Every lease ends before the pool does.
+///
+/// May be used by any number of threads. A connection must not be shared with a child process: after `fork` the pool of
+/// the parent refuses to lease in the child, which makes a pool of its own.
+class ClientPool
+{
+public:
+    /// A client for as long as this object lives.
+    class Lease
+    {
+    public:
+        /// Takes over the client of @p other.
+        Lease(Lease&& other) noexcept
+            : m_pool(std::exchange(other.m_pool, nullptr)), m_client(std::move(other.m_client))
+        {}
+        /// Gives its own client back and takes over that of @p other.
+        Lease& operator=(Lease&& other) noexcept
+        {
+            if (this != &other)
+            {
+                giveBack();
+                m_pool = std::exchange(other.m_pool, nullptr);
+                m_client = std::move(other.m_client);
+            }
+            return *this;
+        }
+        /// Gives the client back.
+        ~Lease() { giveBack(); }
+
+        /// The client.
+        DataBaseClient& operator*() const noexcept { return *m_client; }
+        /// The client.
+        DataBaseClient* operator->() const noexcept { return m_client.get(); }
+
+    private:
+        friend class ClientPool;
+        Lease(ClientPool& pool, std::unique_ptr<DataBaseClient> client) : m_pool(&pool), m_client(std::move(client)) {}
+
+        void giveBack() noexcept
+        {
+            if (m_pool)
+                m_pool->takeBack(std::move(m_client));
+            m_pool = nullptr;
+        }
+
+        ClientPool* m_pool;
+        std::unique_ptr<DataBaseClient> m_client;
+    };
+
+    /// @throws std::runtime_error "Connection failed" when @p uri is not a connection string
+    ClientPool(std::string uri, std::size_t limit)
+        : m_uri(std::move(uri)), m_limit(limit > 0 ? limit : 1), m_owner(::getpid())
+    {
+        m_idle.reserve(m_limit);
+        m_idle.push_back(newClient());
+        m_clients = 1;
+    }
+    ClientPool(const ClientPool&) = delete;
+    ClientPool& operator=(const ClientPool&) = delete;
+
+    ~ClientPool()
+    {
+        // Ending the parent's connections from the child would end them for the parent too.
+        if (::getpid() != m_owner)
+            for (auto& client : m_idle)
+                static_cast<void>(client.release());
+    }
+
+    /// A client; waits for one at most @p limit when all are leased.
+    /// @return nothing when the time is over
+    /// @throws std::logic_error in a child process of the one that made the pool
+    std::optional<Lease> tryLease(std::chrono::milliseconds limit)
+    {
+        if (::getpid() != m_owner)
+            throw std::logic_error("The pool belongs to the parent process");
+        std::unique_lock<std::mutex> lock(m_mutex);
+        if (!m_returned.wait_for(lock, limit, [this] { return !m_idle.empty() || m_clients < m_limit; }))
+            return std::nullopt;
+        if (!m_idle.empty())
+        {
+            auto client = std::move(m_idle.back());
+            m_idle.pop_back();
+            return Lease(*this, std::move(client));
+        }
+        auto client = newClient();
+        ++m_clients;
+        return Lease(*this, std::move(client));
+    }
+
+    /// A client; waits for one at most @p limit when all are leased.
+    /// @throws std::runtime_error "No client was free in time"
+    /// @throws std::logic_error   in a child process of the one that made the pool
+    Lease lease(std::chrono::milliseconds limit)
+    {
+        auto result = tryLease(limit);
+        if (!result)
+            throw std::runtime_error("No client was free in time");
+        return *std::move(result);
+    }
+
+private:
+    std::unique_ptr<DataBaseClient> newClient() const
+    {
+        auto client = std::make_unique<DataBaseClient>();
+        client->connect(m_uri);
+        return client;
+    }
+
+    void takeBack(std::unique_ptr<DataBaseClient> client) noexcept
+    {
+        if (::getpid() != m_owner)
+        {
+            static_cast<void>(client.release());
+            return;
+        }
+        {
+            const std::lock_guard<std::mutex> lock(m_mutex);
+            m_idle.push_back(std::move(client));
+        }
+        m_returned.notify_one();
+    }
+
+    const std::string m_uri;
+    const std::size_t m_limit;
+    const ::pid_t m_owner;
+    std::mutex m_mutex;
+    std::condition_variable m_returned;
+    std::vector<std::unique_ptr<DataBaseClient>> m_idle;
+    std::size_t m_clients = 0;
+};
+
+} // namespace dbc

@@ -1,0 +1,909 @@
+#pragma once
+
+/// @file
+/// Any BSON value: read, built, compared, and converted to and from BSON, JSON and ObjectProperties.
+
+#include "database_client_export.h"
+#include "dbc/value_type.h"
+#include "dbc/values.h"
+#include "object_properties.h"
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <initializer_list>
+#include <iosfwd>
+#include <limits>
+#include <map>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <tuple>
+#include <type_traits>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+namespace dbc {
+inline namespace v1 {
+
+class Field;
+class Value;
+
+/// Bytes and their subtype.
+struct Binary
+{
+    Bytes bytes;               ///< The bytes; for subtype 2 without the length that BSON repeats.
+    unsigned char subtype = 0; ///< 0 generic, 4 UUID, 5 MD5, 6 encrypted, 128 and above user-defined, ...
+};
+
+/// IEEE 754 decimal128, as its bits.
+struct Decimal128
+{
+    std::uint64_t high = 0x3040000000000000U; ///< Sign, exponent and the upper digits.
+    std::uint64_t low = 0;                    ///< The lower digits.
+
+    /// The number of a decimal text such as "-1.50E+3", "NaN" or "Infinity".
+    /// @throws std::invalid_argument  no number, or more than 34 digits or an exponent out of range
+    DATABASE_CLIENT_API static Decimal128 parse(const std::string& text);
+    /// The number as text; parse() returns the same bits for it.
+    DATABASE_CLIENT_API std::string text() const;
+};
+
+/// A time of the server's own: used in its log of operations. For times of a program use dbc::Time.
+struct Timestamp
+{
+    std::uint32_t seconds = 0;   ///< Seconds since 1970-01-01 UTC.
+    std::uint32_t increment = 0; ///< Counts within the second.
+};
+
+/// JavaScript code.
+struct Code
+{
+    std::string text; ///< The code.
+};
+
+/// A symbol, deprecated in BSON.
+struct Symbol
+{
+    std::string text; ///< Its name.
+};
+
+/// A pointer to a document, deprecated in BSON.
+struct DbPointer
+{
+    std::string collection; ///< Database and collection, with a "." between.
+    ObjectId id;            ///< `_id` of the document.
+};
+
+struct CodeWithScope;
+
+/// How toJson() writes.
+enum class JsonFormat
+{
+    Relaxed,   ///< Extended JSON for people: numbers are plain, times are ISO 8601 where they can.
+    Canonical, ///< Extended JSON that keeps every type: an Int64 is {"$numberLong": "1"}.
+    Legacy     ///< As PropertiesToJson: {"$date": 0}, {"$oid": "..."}.
+};
+
+/// BSON or JSON that cannot be read.
+class DATABASE_CLIENT_API FormatError : public std::invalid_argument
+{
+public:
+    /// @param reason  becomes what(), followed by the position
+    FormatError(const std::string& reason, std::size_t position);
+    ~FormatError() override;
+    /// A copy.
+    FormatError(const FormatError&) = default;
+    /// A copy.
+    FormatError& operator=(const FormatError&) = default;
+
+    /// Bytes before the first one that cannot be read.
+    std::size_t position() const noexcept { return m_position; }
+
+private:
+    std::size_t m_position;
+};
+
+/// A value that an ObjectProperties cannot hold.
+class DATABASE_CLIENT_API LossError : public std::invalid_argument
+{
+public:
+    /// what() names every field.
+    explicit LossError(std::vector<LossAt> losses);
+    ~LossError() override;
+    /// A copy.
+    LossError(const LossError&) = default;
+    /// A copy.
+    LossError& operator=(const LossError&) = default;
+
+    /// Every field that does not fit, in the order of the document.
+    const std::vector<LossAt>& losses() const noexcept { return m_losses; }
+
+private:
+    std::vector<LossAt> m_losses;
+};
+
+/// A view of the fields of an object or the elements of an array. Valid until the value is changed or destroyed.
+template <typename T>
+class Range
+{
+public:
+    /// No items.
+    Range() = default;
+    /// @p count items from @p first on.
+    Range(T* first, std::size_t count) noexcept : m_first(first), m_count(count) {}
+
+    T* begin() const noexcept { return m_first; }                     ///< The first item.
+    T* end() const noexcept { return m_first + m_count; }             ///< The place behind the last item.
+    std::size_t size() const noexcept { return m_count; }             ///< Number of items.
+    bool empty() const noexcept { return m_count == 0; }              ///< Whether there is no item.
+    T& operator[](std::size_t index) const { return m_first[index]; } ///< The item at @p index, which must exist.
+
+private:
+    T* m_first = nullptr;
+    std::size_t m_count = 0;
+};
+
+} // namespace v1
+
+namespace detail {
+
+template <typename T>
+using Plain = std::remove_cv_t<std::remove_reference_t<T>>;
+
+/// Braces have no type to deduce, so a parameter constrained by this is never made of braces. Otherwise {"a", 1} would
+/// become the string of the first character of "a".
+template <typename T>
+constexpr bool isText = isOneOf<std::decay_t<T>, const char*, char*, std::string, std::string_view>;
+
+/// What a value is made of: exact types, because any pointer converts to bool.
+template <typename T>
+struct IsBuildable
+    : std::bool_constant<isText<T> || isArithmetic<T> ||
+                         isOneOf<T, bool, std::nullptr_t, Time, ObjectId, Bytes, Binary, RegularExpression, Decimal128,
+                                 Timestamp, Code, CodeWithScope, DbPointer, Symbol>>
+{};
+template <typename Duration>
+struct IsBuildable<std::chrono::time_point<std::chrono::system_clock, Duration>> : std::true_type
+{};
+template <typename T>
+struct IsBuildable<std::optional<T>> : std::bool_constant<std::is_same_v<T, Value> || IsBuildable<T>::value>
+{};
+template <typename T>
+struct IsBuildable<std::vector<T>>
+    : std::bool_constant<isOneOf<T, Value, Field, unsigned char> || IsBuildable<T>::value>
+{};
+template <typename T>
+struct IsBuildable<std::map<std::string, T>> : std::bool_constant<std::is_same_v<T, Value> || IsBuildable<T>::value>
+{};
+template <typename T>
+struct IsBuildable<std::unordered_map<std::string, T>>
+    : std::bool_constant<std::is_same_v<T, Value> || IsBuildable<T>::value>
+{};
+
+template <typename>
+inline constexpr bool isTimePoint = false;
+template <typename Duration>
+inline constexpr bool isTimePoint<std::chrono::time_point<std::chrono::system_clock, Duration>> = true;
+template <typename>
+inline constexpr bool isOptional = false;
+template <typename T>
+inline constexpr bool isOptional<std::optional<T>> = true;
+template <typename>
+inline constexpr bool isVector = false;
+template <typename T>
+inline constexpr bool isVector<std::vector<T>> = true;
+
+/// The time as another type of the same clock, or nothing where that type cannot hold it.
+template <typename TimePoint>
+std::optional<TimePoint> exactTime(long milliseconds)
+{
+    using Duration = typename TimePoint::duration;
+    const std::chrono::milliseconds exact(milliseconds);
+    if constexpr (!std::is_same_v<Duration, std::chrono::milliseconds>)
+    {
+        using Wide = std::chrono::duration<long double, std::milli>;
+        const bool isInside = Wide(exact) >= Wide(Duration::min()) && Wide(exact) <= Wide(Duration::max());
+        if (!isInside || std::chrono::duration_cast<Duration>(exact) != exact)
+            return std::nullopt;
+    }
+    return TimePoint(std::chrono::duration_cast<Duration>(exact));
+}
+
+/// Anything that can stand in braces, further braces included. It is the worst match for all of it, so a function that
+/// takes it sees only what no other overload takes.
+struct Anything
+{
+    Anything(std::initializer_list<Anything>) {}
+    template <typename T>
+    Anything(const T&)
+    {}
+};
+
+/// As Anything, but no T: a copy in braces, T{t}, is a copy with every compiler.
+template <typename T>
+struct AnythingBut
+{
+    AnythingBut(std::initializer_list<Anything>) {}
+    template <typename Other, typename = std::enable_if_t<!std::is_same_v<Other, T>>>
+    AnythingBut(const Other&)
+    {}
+};
+
+template <typename>
+constexpr bool areFields = false;
+
+template <typename T>
+constexpr void refuseBraces()
+{
+    static_assert(areFields<T>, "braces build objects: write {{key, value}, ...}; for a list write dbc::array({...})");
+}
+
+} // namespace detail
+
+inline namespace v1 {
+
+/// Any BSON value. An object keeps its fields in their order, equal keys included.
+///
+///     Value order = {{"buyer", {{"name", "Ada"}}}, {"tags", array({"first", 1})}, {"paid", nullptr}};
+///     for (const auto& [key, value] : order.fields())
+///         std::cout << key << ": " << value << '\n';
+///     int count = order.getOr("buyer/orders", 0);
+///
+/// Braces build objects, {} the empty one; an array is written dbc::array({...}); other braces do not compile.
+/// A value owns all that it holds, and a copy is a deep one. 16 bytes; strings of up to 14 bytes are stored in place.
+/// Distinct values may be used by distinct threads at the same time, and one value may be read by several.
+/// A moved-from value is the empty object. Depth is limited by memory only, except in JSON.
+class Value
+{
+public:
+    /// @name From a value
+    /// @{
+
+    /// The empty object, as {}.
+    Value() noexcept : Value(Type::Object) {}
+    /// A value of the type that the argument stands for: const char*, std::string, std::string_view, bool, any number
+    /// type of ValueTraits (an Int32 where all its numbers fit, otherwise an Int64), nullptr for null, any time_point
+    /// of the system clock (rounded down to milliseconds), ObjectId, Bytes, Binary, RegularExpression, Decimal128,
+    /// Timestamp, Code, CodeWithScope, DbPointer, Symbol; a std::optional, empty for null; a std::vector for an array,
+    /// of Field for an object; a std::map or std::unordered_map from std::string for an object.
+    /// @throws std::out_of_range      an unsigned number that is too large for an Int64
+    /// @throws std::invalid_argument  an ObjectId that is not 24 hexadecimal digits; a null const char*; a regular
+    ///                                expression or a key with a zero byte
+    /// @throws std::length_error      a string or bytes of 2^31 - 1 or more
+    template <typename T,
+              typename = std::enable_if_t<detail::IsBuildable<detail::Plain<T>>::value || detail::isText<T>>>
+    Value(T&& value);
+    /// The object of these fields.
+    Value(std::initializer_list<Field> fields);
+    /// Any other braces do not compile.
+    template <int = 0, typename T = Value>
+    Value(std::initializer_list<detail::AnythingBut<Value>>)
+    {
+        detail::refuseBraces<T>();
+    }
+    /// Several values in braces do not compile.
+    template <typename First, typename Second, typename... Others>
+    Value(const First&, const Second&, const Others&...)
+    {
+        detail::refuseBraces<First>();
+    }
+
+    /// A deep copy.
+    Value(const Value& other);
+    /// Leaves the empty object in @p other.
+    Value(Value&& other) noexcept { take(other); }
+    /// A deep copy.
+    Value& operator=(const Value& other);
+    /// Leaves the empty object in @p other.
+    Value& operator=(Value&& other) noexcept
+    {
+        Value taken(std::move(other));
+        swap(taken);
+        return *this;
+    }
+    /// Frees the value, whatever its depth, without allocating.
+    ~Value()
+    {
+        if (ownsMemory())
+            release();
+    }
+
+    /// The object of these fields, in their order.
+    DATABASE_CLIENT_API static Value object(std::vector<Field> fields);
+    /// The array of these elements.
+    DATABASE_CLIENT_API static Value array(std::vector<Value> elements);
+    static Value array() noexcept { return Value(Type::Array); }         ///< The empty array.
+    static Value undefined() noexcept { return Value(Type::Undefined); } ///< BSON undefined.
+    static Value minKey() noexcept { return Value(Type::MinKey); }       ///< BSON min key.
+    static Value maxKey() noexcept { return Value(Type::MaxKey); }       ///< BSON max key.
+
+    /// Exchanges two values.
+    void swap(Value& other) noexcept
+    {
+        unsigned char bytes[sizeof(m_bytes)];
+        std::memcpy(bytes, m_bytes, sizeof(bytes));
+        std::memcpy(m_bytes, other.m_bytes, sizeof(bytes));
+        std::memcpy(other.m_bytes, bytes, sizeof(bytes));
+    }
+    /// @}
+
+    /// @name Type
+    /// @{
+    Type type() const noexcept { return static_cast<Type>(m_bytes[0]); } ///< The type.
+    bool isObject() const noexcept { return type() == Type::Object; }    ///< An object.
+    bool isArray() const noexcept { return type() == Type::Array; }      ///< An array.
+    bool isNull() const noexcept { return type() == Type::Null; }        ///< Null.
+    bool isString() const noexcept { return type() == Type::String; }    ///< A string.
+    bool isBool() const noexcept { return type() == Type::Bool; }        ///< A truth value.
+    /// An Int32, Int64, Double or Decimal128.
+    bool isNumber() const noexcept
+    {
+        return type() == Type::Int32 || type() == Type::Int64 || type() == Type::Double || type() == Type::Decimal128;
+    }
+    /// @}
+
+    /// @name Reading
+    /// @{
+
+    /// The value as a T, or nothing if it is of another type. Numbers are converted where the result is exact.
+    /// T is a type that builds a value, except const char*; a std::string_view shows the string inside this value.
+    /// A std::vector needs every element to be readable, a std::map every field.
+    template <typename T>
+    std::optional<T> get() const;
+    /// The value at a path, as findPath() and get().
+    template <typename T>
+    std::optional<T> get(std::string_view path) const
+    {
+        const Value* const value = findPath(path);
+        return value ? value->get<T>() : std::nullopt;
+    }
+    /// The value at a path, or @p fallback where get() returns nothing. The type of the fallback is the type that is
+    /// read.
+    template <typename T>
+    T getOr(std::string_view path, T fallback) const
+    {
+        auto value = get<T>(path);
+        return value ? *std::move(value) : std::move(fallback);
+    }
+    /// A string literal as the fallback reads a string.
+    std::string getOr(std::string_view path, const char* fallback) const { return getOr<std::string>(path, fallback); }
+
+    /// The first field with this key, taken literally; null if there is none or this is no object.
+    /// Takes time in proportion to the number of fields, but about constant time in an object of many fields that is
+    /// searched often.
+    DATABASE_CLIENT_API const Value* find(std::string_view key) const noexcept;
+    Value* find(std::string_view key) noexcept
+    {
+        return const_cast<Value*>(std::as_const(*this).find(key));
+    } ///< As above.
+    /// The value at keys and element numbers joined by "/": "items/0/sku". Empty keys are skipped. Null if there is
+    /// none.
+    DATABASE_CLIENT_API const Value* findPath(std::string_view path) const noexcept;
+    /// As above.
+    Value* findPath(std::string_view path) noexcept { return const_cast<Value*>(std::as_const(*this).findPath(path)); }
+    /// Whether there is a field with this key.
+    bool contains(std::string_view key) const noexcept { return find(key) != nullptr; }
+    /// The first field with this key. @throws std::out_of_range if there is none
+    DATABASE_CLIENT_API const Value& at(std::string_view key) const;
+    /// The element of an array, or the value of the field, at @p index. @throws std::out_of_range if there is none
+    DATABASE_CLIENT_API const Value& at(std::size_t index) const;
+    Value& at(std::string_view key) { return const_cast<Value&>(std::as_const(*this).at(key)); } ///< As above.
+    Value& at(std::size_t index) { return const_cast<Value&>(std::as_const(*this).at(index)); }  ///< As above.
+
+    /// Number of fields or elements; 0 for any other type.
+    DATABASE_CLIENT_API std::size_t size() const noexcept;
+    /// Whether there is no field and no element.
+    bool empty() const noexcept { return size() == 0; }
+    /// The fields of an object; none for any other type: `for (const auto& [key, value] : order.fields())`.
+    Range<const Field> fields() const noexcept;
+    /// The fields of an object; none for any other type. Their values may be changed.
+    Range<Field> fields() noexcept;
+    /// The elements of an array; none for any other type.
+    Range<const Value> elements() const noexcept;
+    /// The elements of an array; none for any other type. They may be changed.
+    Range<Value> elements() noexcept;
+    /// @}
+
+    /// @name Changing
+    /// Each throws std::logic_error for a value of another type. Pointers and ranges into this value become invalid.
+    /// @{
+
+    /// Sets the first field with this key, or appends one. Returns the value in its place.
+    /// @throws std::invalid_argument  a key with a zero byte
+    DATABASE_CLIENT_API Value& set(std::string_view key, Value value);
+    /// Appends a field, also when the key exists. @throws std::invalid_argument  a key with a zero byte
+    DATABASE_CLIENT_API Value& append(std::string_view key, Value value);
+    /// Appends an element to an array.
+    DATABASE_CLIENT_API Value& push(Value value);
+    /// Removes every field with this key and returns their number.
+    DATABASE_CLIENT_API std::size_t remove(std::string_view key);
+    /// Removes the field or element at @p index. @throws std::out_of_range if there is none
+    DATABASE_CLIENT_API void removeAt(std::size_t index);
+    /// Removes all fields or elements.
+    DATABASE_CLIENT_API void clear();
+    /// Makes room for this many fields or elements.
+    DATABASE_CLIENT_API void reserve(std::size_t count);
+    /// @}
+
+    /// @name Conversion
+    /// @{
+
+    /// The object of a BSON document. Strings are not checked for valid UTF-8, and the keys of arrays are not kept.
+    /// @throws FormatError  not exactly one BSON document of @p size bytes
+    DATABASE_CLIENT_API static Value fromBson(const std::uint8_t* bytes, std::size_t size);
+    /// The BSON document of an object or array. Throws as appendBson().
+    DATABASE_CLIENT_API std::vector<std::uint8_t> toBson() const;
+    /// Appends the BSON document to @p target, which keeps what it holds.
+    /// @throws std::logic_error   neither an object nor an array
+    /// @throws std::length_error  a document of 2^31 bytes or more
+    DATABASE_CLIENT_API void appendBson(std::vector<std::uint8_t>& target) const;
+
+    /// The value of a JSON text, plain or extended: canonical, relaxed or legacy. Up to 96 levels of
+    /// braces and brackets.
+    /// @throws FormatError  not exactly one JSON value; the text says where and why
+    DATABASE_CLIENT_API static Value fromJson(std::string_view json);
+    /// The value as JSON. Up to 90 levels; fromJson() reads them. @throws std::invalid_argument  more levels, or a
+    /// string that is not UTF-8
+    DATABASE_CLIENT_API std::string toJson(JsonFormat format = JsonFormat::Relaxed) const;
+
+    /// The object of a document, its fields in key order and its elements in that of their numbers.
+    /// @throws std::invalid_argument  a key with a zero byte or an Id that is not 24 hexadecimal digits
+    DATABASE_CLIENT_API static Value fromProperties(const ObjectProperties& document);
+    /// A document of this object. Keys are taken literally.
+    /// @throws LossError         a field that ObjectProperties cannot hold
+    /// @throws std::logic_error  not an object
+    DATABASE_CLIENT_API ObjectProperties toProperties() const;
+    /// As above, but fields that do not fit are added to @p losses and dropped or changed as nameOf(Loss) says.
+    DATABASE_CLIENT_API ObjectProperties toProperties(std::vector<LossAt>& losses) const;
+    /// Sets this value as the child of @p parent with this key. It takes the place of an older one, except in an array,
+    /// where it is added. Of fields with equal keys the last one is kept. Undefined makes a node of type Undefined.
+    /// @throws LossError  a value that a node cannot hold
+    DATABASE_CLIENT_API void writeTo(Property& parent, const std::string& key) const;
+    /// @}
+
+    /// Less than, equal to or greater than 0, in the order in which a server sorts: by type (numbers of all types by
+    /// value, strings and symbols together), then by value; objects field by field in their order.
+    DATABASE_CLIENT_API int compare(const Value& other) const;
+
+private:
+    friend class Field;
+    friend class ValueAccess;
+
+    // A value of 16 bytes: the type; the length of a string in place, or owned; a subtype; then the value.
+    static constexpr std::size_t sizeOffset = 4;    // std::uint32_t: bytes of a long string or binary
+    static constexpr std::size_t payloadOffset = 8; // number or pointer
+    static constexpr std::size_t textOffset = 2;    // string in place
+    static constexpr std::size_t textCapacity = 14;
+    static constexpr unsigned char owned = 0xFF; // the payload points to memory of this value
+
+    struct Block; // fields or elements, behind a header
+
+    explicit Value(Type type) noexcept { m_bytes[0] = static_cast<unsigned char>(type); }
+
+    template <typename Number>
+    Number load(std::size_t offset) const noexcept
+    {
+        Number number;
+        std::memcpy(&number, m_bytes + offset, sizeof(number));
+        return number;
+    }
+    template <typename Number>
+    void store(std::size_t offset, Number number) noexcept
+    {
+        std::memcpy(m_bytes + offset, &number, sizeof(number));
+    }
+    void setType(Type type) noexcept { m_bytes[0] = static_cast<unsigned char>(type); }
+    bool ownsMemory() const noexcept { return m_bytes[1] == owned; }
+    void take(Value& other) noexcept
+    {
+        std::memcpy(m_bytes, other.m_bytes, sizeof(m_bytes));
+        std::memset(other.m_bytes, 0, sizeof(m_bytes));
+        other.setType(Type::Object);
+    }
+
+    // The string of a String, Symbol or Code.
+    std::string_view text() const noexcept
+    {
+        if (ownsMemory())
+            return {load<const char*>(payloadOffset), load<std::uint32_t>(sizeOffset)};
+        return {reinterpret_cast<const char*>(m_bytes) + textOffset, m_bytes[1]};
+    }
+    // Only to be compared; its first byte is put back before the end.
+    void borrow(std::string_view text) noexcept
+    {
+        store(payloadOffset, text.data());
+        store(sizeOffset, static_cast<std::uint32_t>(text.size()));
+        m_bytes[1] = owned;
+    }
+    // Each sets a value that owns nothing.
+    DATABASE_CLIENT_API void setText(Type type, const char* text, std::size_t size);
+    DATABASE_CLIENT_API void setObjectId(const std::string& hex);
+    DATABASE_CLIENT_API void setBinary(const unsigned char* bytes, std::size_t size, unsigned char subtype);
+    DATABASE_CLIENT_API void setPair(Type type, Value first, Value second);
+    DATABASE_CLIENT_API void setDecimal(const Decimal128& value);
+    DATABASE_CLIENT_API void setFields(const Field* fields, std::size_t count);
+    DATABASE_CLIENT_API std::string objectIdText() const;
+    DATABASE_CLIENT_API Binary binary() const;
+    DATABASE_CLIENT_API const Value& pairItem(std::size_t index) const noexcept;
+    DATABASE_CLIENT_API void* items() const noexcept;
+    DATABASE_CLIENT_API void* openItems() noexcept; // for whoever may change keys
+    DATABASE_CLIENT_API void release() noexcept;
+    DATABASE_CLIENT_API void copy(const Value& other);
+    [[noreturn]] DATABASE_CLIENT_API static void throwNullPointer();
+
+    template <typename T>
+    void build(T&& value);
+
+    alignas(8) unsigned char m_bytes[16] = {};
+};
+
+/// JavaScript with the variables it sees, deprecated in BSON.
+struct CodeWithScope
+{
+    std::string text; ///< The code.
+    Value scope;      ///< An object of the variables.
+};
+
+/// A field: its key, taken literally ("/" and the empty key included), and its value.
+class Field
+{
+public:
+    /// @param key  const char*, std::string or std::string_view
+    /// @throws std::invalid_argument  a key with a zero byte, a null const char*
+    template <typename Key, typename = std::enable_if_t<detail::isText<Key>>>
+    Field(Key&& key, Value value) : m_key(keyOf(std::forward<Key>(key))), m_value(std::move(value))
+    {}
+
+    /// The key, valid until the field is changed or destroyed.
+    std::string_view key() const noexcept { return m_key.text(); }
+    Value& value() noexcept { return m_value; }             ///< The value.
+    const Value& value() const noexcept { return m_value; } ///< The value.
+
+    /// For `const auto& [key, value]`.
+    template <std::size_t Index>
+    decltype(auto) get() const noexcept
+    {
+        if constexpr (Index == 0)
+            return key();
+        else
+            return value();
+    }
+    /// For `auto& [key, value]`.
+    template <std::size_t Index>
+    decltype(auto) get() noexcept
+    {
+        if constexpr (Index == 0)
+            return key();
+        else
+            return value();
+    }
+
+private:
+    friend class Value;
+    friend class ValueAccess;
+    struct Made
+    {};
+
+    Field(Made /*unused*/, Value&& key, Value&& value) noexcept : m_key(std::move(key)), m_value(std::move(value)) {}
+    DATABASE_CLIENT_API static Value checkedKey(std::string_view key);
+    template <typename Key>
+    static Value keyOf(Key&& key)
+    {
+        if constexpr (std::is_pointer_v<detail::Plain<Key>>)
+            if (static_cast<const char*>(key) == nullptr)
+                Value::throwNullPointer();
+        return checkedKey(key);
+    }
+
+    Value m_key;
+    Value m_value;
+};
+
+} // namespace v1
+} // namespace dbc
+
+/// Two: key and value.
+template <>
+struct std::tuple_size<dbc::Field> : std::integral_constant<std::size_t, 2>
+{};
+/// The key.
+template <>
+struct std::tuple_element<0, dbc::Field>
+{
+    using type = std::string_view; ///< Type of the key.
+};
+/// The value.
+template <>
+struct std::tuple_element<1, dbc::Field>
+{
+    using type = dbc::Value; ///< Type of the value.
+};
+
+namespace dbc {
+inline namespace v1 {
+
+/// Equal in the order of Value::compare(): 1 == 1.0.
+inline bool operator==(const Value& left, const Value& right)
+{
+    return left.compare(right) == 0;
+}
+/// Not equal in the order of Value::compare().
+inline bool operator!=(const Value& left, const Value& right)
+{
+    return left.compare(right) != 0;
+}
+/// Before @p right in the order of Value::compare().
+inline bool operator<(const Value& left, const Value& right)
+{
+    return left.compare(right) < 0;
+}
+/// After @p right in the order of Value::compare().
+inline bool operator>(const Value& left, const Value& right)
+{
+    return left.compare(right) > 0;
+}
+/// Not after @p right in the order of Value::compare().
+inline bool operator<=(const Value& left, const Value& right)
+{
+    return left.compare(right) <= 0;
+}
+/// Not before @p right in the order of Value::compare().
+inline bool operator>=(const Value& left, const Value& right)
+{
+    return left.compare(right) >= 0;
+}
+
+/// Writes the value as relaxed JSON; values that JSON cannot show as their type in angle brackets.
+DATABASE_CLIENT_API std::ostream& operator<<(std::ostream& stream, const Value& value);
+
+/// Every field that toProperties() cannot keep, in the order of the document.
+DATABASE_CLIENT_API std::vector<LossAt> findLosses(const Value& value);
+
+inline Value::Value(std::initializer_list<Field> fields) : Value(Type::Object)
+{
+    setFields(fields.begin(), fields.size());
+}
+
+inline Value::Value(const Value& other)
+{
+    if (other.ownsMemory())
+        copy(other);
+    else
+        std::memcpy(m_bytes, other.m_bytes, sizeof(m_bytes));
+}
+
+inline Value& Value::operator=(const Value& other)
+{
+    Value copied(other);
+    swap(copied);
+    return *this;
+}
+
+template <typename T, typename>
+Value::Value(T&& value) : Value(Type::Null)
+{
+    build(std::forward<T>(value));
+}
+
+template <typename T>
+void Value::build(T&& value)
+{
+    using Source = detail::Plain<T>;
+    if constexpr (detail::isText<T>)
+    {
+        if constexpr (std::is_pointer_v<Source>)
+            if (static_cast<const char*>(value) == nullptr)
+                throwNullPointer();
+        const std::string_view view(value);
+        setText(Type::String, view.data(), view.size());
+    }
+    else if constexpr (std::is_same_v<Source, bool>)
+    {
+        setType(Type::Bool);
+        m_bytes[payloadOffset] = value ? 1 : 0;
+    }
+    else if constexpr (std::is_same_v<Source, std::nullptr_t>)
+        setType(Type::Null);
+    else if constexpr (std::is_floating_point_v<Source>)
+    {
+        store(payloadOffset, static_cast<double>(value));
+        setType(Type::Double);
+    }
+    else if constexpr (detail::isArithmetic<Source>)
+    {
+        if constexpr (std::numeric_limits<Source>::digits <= std::numeric_limits<int>::digits)
+        {
+            store(payloadOffset, static_cast<std::int32_t>(value));
+            setType(Type::Int32);
+        }
+        else
+        {
+            store(payloadOffset, static_cast<std::int64_t>(detail::int64From(value)));
+            setType(Type::Int64);
+        }
+    }
+    else if constexpr (detail::isTimePoint<Source>)
+    {
+        store(payloadOffset, static_cast<std::int64_t>(millisecondsOf(toTime(value))));
+        setType(Type::Time);
+    }
+    else if constexpr (std::is_same_v<Source, ObjectId>)
+        setObjectId(value.text);
+    else if constexpr (std::is_same_v<Source, Bytes>)
+        setBinary(value.data(), value.size(), 0);
+    else if constexpr (std::is_same_v<Source, Binary>)
+        setBinary(value.bytes.data(), value.bytes.size(), value.subtype);
+    else if constexpr (std::is_same_v<Source, RegularExpression>)
+        setPair(Type::RegularExpression, Field::checkedKey(value.pattern), Field::checkedKey(value.options));
+    else if constexpr (std::is_same_v<Source, Decimal128>)
+        setDecimal(value);
+    else if constexpr (std::is_same_v<Source, Timestamp>)
+    {
+        store(payloadOffset, value.increment);
+        store(payloadOffset + sizeof(value.increment), value.seconds);
+        setType(Type::Timestamp);
+    }
+    else if constexpr (std::is_same_v<Source, Code>)
+        setText(Type::Code, value.text.data(), value.text.size());
+    else if constexpr (std::is_same_v<Source, Symbol>)
+        setText(Type::Symbol, value.text.data(), value.text.size());
+    else if constexpr (std::is_same_v<Source, CodeWithScope>)
+        setPair(Type::CodeWithScope, Value(value.text), value.scope);
+    else if constexpr (std::is_same_v<Source, DbPointer>)
+        setPair(Type::DbPointer, Value(value.collection), Value(value.id));
+    else if constexpr (detail::isOptional<Source>)
+    {
+        if (value)
+            *this = Value(*std::forward<T>(value));
+    }
+    else if constexpr (detail::isVector<Source>)
+    {
+        if constexpr (std::is_same_v<typename Source::value_type, Field>)
+            *this = object(std::forward<T>(value));
+        else
+        {
+            Value result(Type::Array);
+            result.reserve(value.size());
+            for (auto&& element : value)
+                result.push(Value(static_cast<const typename Source::value_type&>(element)));
+            swap(result);
+        }
+    }
+    else
+    {
+        Value result;
+        result.reserve(value.size());
+        for (const auto& [key, element] : value)
+            result.append(key, Value(element));
+        swap(result);
+    }
+}
+
+inline Range<const Field> Value::fields() const noexcept
+{
+    return isObject() ? Range<const Field>(static_cast<const Field*>(items()), size()) : Range<const Field>();
+}
+
+inline Range<Field> Value::fields() noexcept
+{
+    return isObject() ? Range<Field>(static_cast<Field*>(openItems()), size()) : Range<Field>();
+}
+
+inline Range<const Value> Value::elements() const noexcept
+{
+    return isArray() ? Range<const Value>(static_cast<const Value*>(items()), size()) : Range<const Value>();
+}
+
+inline Range<Value> Value::elements() noexcept
+{
+    return isArray() ? Range<Value>(static_cast<Value*>(items()), size()) : Range<Value>();
+}
+
+template <typename T>
+std::optional<T> Value::get() const
+{
+    if constexpr (std::is_same_v<T, Value>)
+        return *this;
+    else if constexpr (std::is_same_v<T, bool>)
+        return isBool() ? std::optional<bool>(m_bytes[payloadOffset] != 0) : std::nullopt;
+    else if constexpr (detail::isArithmetic<T>)
+    {
+        if (type() == Type::Int32)
+            return exactNumber<T>(load<int>(payloadOffset));
+        if (type() == Type::Int64)
+            return exactNumber<T>(load<long>(payloadOffset));
+        if (type() == Type::Double)
+            return exactNumber<T>(load<double>(payloadOffset));
+        return std::nullopt;
+    }
+    else if constexpr (detail::isOneOf<T, std::string, std::string_view>)
+        return isString() ? std::optional<T>(text()) : std::nullopt;
+    else if constexpr (std::is_same_v<T, std::nullptr_t>)
+        return isNull() ? std::optional<T>(nullptr) : std::nullopt;
+    else if constexpr (detail::isTimePoint<T>)
+    {
+        if (type() != Type::Time)
+            return std::nullopt;
+        return detail::exactTime<T>(load<long>(payloadOffset));
+    }
+    else if constexpr (std::is_same_v<T, ObjectId>)
+        return type() == Type::ObjectId ? std::optional<T>(ObjectId{objectIdText()}) : std::nullopt;
+    else if constexpr (std::is_same_v<T, Bytes>)
+        return type() == Type::Binary ? std::optional<T>(binary().bytes) : std::nullopt;
+    else if constexpr (std::is_same_v<T, Binary>)
+        return type() == Type::Binary ? std::optional<T>(binary()) : std::nullopt;
+    else if constexpr (std::is_same_v<T, RegularExpression>)
+    {
+        if (type() != Type::RegularExpression)
+            return std::nullopt;
+        return RegularExpression{std::string(pairItem(0).text()), std::string(pairItem(1).text())};
+    }
+    else if constexpr (std::is_same_v<T, Decimal128>)
+    {
+        if (type() != Type::Decimal128)
+            return std::nullopt;
+        T result;
+        std::memcpy(&result, load<const void*>(payloadOffset), sizeof(result));
+        return result;
+    }
+    else if constexpr (std::is_same_v<T, Timestamp>)
+    {
+        if (type() != Type::Timestamp)
+            return std::nullopt;
+        return Timestamp{load<std::uint32_t>(payloadOffset + sizeof(std::uint32_t)),
+                         load<std::uint32_t>(payloadOffset)};
+    }
+    else if constexpr (std::is_same_v<T, Code>)
+        return type() == Type::Code ? std::optional<T>(Code{std::string(text())}) : std::nullopt;
+    else if constexpr (std::is_same_v<T, Symbol>)
+        return type() == Type::Symbol ? std::optional<T>(Symbol{std::string(text())}) : std::nullopt;
+    else if constexpr (std::is_same_v<T, CodeWithScope>)
+    {
+        if (type() != Type::CodeWithScope)
+            return std::nullopt;
+        return CodeWithScope{std::string(pairItem(0).text()), pairItem(1)};
+    }
+    else if constexpr (std::is_same_v<T, DbPointer>)
+    {
+        if (type() != Type::DbPointer)
+            return std::nullopt;
+        return DbPointer{std::string(pairItem(0).text()), ObjectId{pairItem(1).objectIdText()}};
+    }
+    else if constexpr (detail::isVector<T>)
+    {
+        if (!isArray())
+            return std::nullopt;
+        T result;
+        result.reserve(size());
+        for (const Value& element : elements())
+        {
+            auto read = element.get<typename T::value_type>();
+            if (!read)
+                return std::nullopt;
+            result.push_back(*std::move(read));
+        }
+        return result;
+    }
+    else
+    {
+        static_assert(detail::IsBuildable<T>::value && !detail::isOptional<T>, "no value is read as this type");
+        if (!isObject())
+            return std::nullopt;
+        T result;
+        for (const auto& [key, value] : fields())
+        {
+            auto read = value.template get<typename T::mapped_type>();
+            if (!read)
+                return std::nullopt;
+            result.insert_or_assign(std::string(key), *std::move(read));
+        }
+        return result;
+    }
+}
+
+} // namespace v1
+} // namespace dbc

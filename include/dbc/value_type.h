@@ -1,0 +1,208 @@
+#pragma once
+
+/// @file
+/// The types of BSON, and what becomes of each of them in an ObjectProperties.
+
+#include <optional>
+#include <string>
+
+namespace dbc {
+inline namespace v1 {
+
+/// Type of a value; the numbers are those of the BSON specification, which "$type" takes, too.
+enum class Type : unsigned char
+{
+    Double = 0x01,            ///< IEEE 754 binary64.
+    String = 0x02,            ///< UTF-8 string; may hold zero bytes.
+    Object = 0x03,            ///< Fields in their order; keys may occur twice.
+    Array = 0x04,             ///< Elements in their order.
+    Binary = 0x05,            ///< Bytes with a subtype.
+    Undefined = 0x06,         ///< Deprecated in BSON.
+    ObjectId = 0x07,          ///< 12 bytes.
+    Bool = 0x08,              ///< Truth value.
+    Time = 0x09,              ///< Milliseconds since 1970-01-01 UTC.
+    Null = 0x0A,              ///< Null.
+    RegularExpression = 0x0B, ///< Pattern and options.
+    DbPointer = 0x0C,         ///< Deprecated in BSON: a collection and an object id.
+    Code = 0x0D,              ///< JavaScript.
+    Symbol = 0x0E,            ///< Deprecated in BSON.
+    CodeWithScope = 0x0F,     ///< Deprecated in BSON: JavaScript with its variables.
+    Int32 = 0x10,             ///< Signed 32-bit integer.
+    Timestamp = 0x11,         ///< Seconds and a counter, for the server's own use.
+    Int64 = 0x12,             ///< Signed 64-bit integer.
+    Decimal128 = 0x13,        ///< IEEE 754 decimal128.
+    MaxKey = 0x7F,            ///< Compares greater than every other value.
+    MinKey = 0xFF             ///< Compares less than every other value.
+};
+
+/// The name that "$type" takes: "double", "string", "object", ...
+inline const char* nameOf(Type type)
+{
+    switch (type)
+    {
+    case Type::Double:
+        return "double";
+    case Type::String:
+        return "string";
+    case Type::Object:
+        return "object";
+    case Type::Array:
+        return "array";
+    case Type::Binary:
+        return "binData";
+    case Type::Undefined:
+        return "undefined";
+    case Type::ObjectId:
+        return "objectId";
+    case Type::Bool:
+        return "bool";
+    case Type::Time:
+        return "date";
+    case Type::Null:
+        return "null";
+    case Type::RegularExpression:
+        return "regex";
+    case Type::DbPointer:
+        return "dbPointer";
+    case Type::Code:
+        return "javascript";
+    case Type::Symbol:
+        return "symbol";
+    case Type::CodeWithScope:
+        return "javascriptWithScope";
+    case Type::Int32:
+        return "int";
+    case Type::Timestamp:
+        return "timestamp";
+    case Type::Int64:
+        return "long";
+    case Type::Decimal128:
+        return "decimal";
+    case Type::MaxKey:
+        return "maxKey";
+    case Type::MinKey:
+        return "minKey";
+    }
+    return "";
+}
+
+/// What happens to a field on its way through BsonToProperties and back through PropertiesToBson.
+enum class Loss
+{
+    Undefined,     ///< Dropped on reading.
+    Null,          ///< Dropped.
+    DbPointer,     ///< Dropped.
+    Code,          ///< Dropped.
+    CodeWithScope, ///< Dropped.
+    Timestamp,     ///< Dropped.
+    Decimal128,    ///< Dropped.
+    MinKey,        ///< Dropped.
+    MaxKey,        ///< Dropped.
+    Symbol,        ///< Becomes a string.
+    BinarySubtype, ///< Becomes subtype 0.
+    EmptyBinary,   ///< Dropped on writing.
+    TextWithZero,  ///< Cut at its first zero byte.
+    EmptyKey,      ///< Taken as the root of the document: what was read before is lost.
+    KeyWithSlash,  ///< Taken as a path.
+    DuplicateKey,  ///< The last value stays.
+    LongArray,     ///< More than ten elements: come out as 0, 1, 10, 2 ...
+    Corrupt        ///< The bytes from here on are not BSON and are not read.
+};
+
+/// What befalls the field, in a few words.
+inline const char* nameOf(Loss loss)
+{
+    switch (loss)
+    {
+    case Loss::Undefined:
+        return "undefined is dropped";
+    case Loss::Null:
+        return "null is dropped";
+    case Loss::DbPointer:
+        return "DBPointer is dropped";
+    case Loss::Code:
+        return "code is dropped";
+    case Loss::CodeWithScope:
+        return "code with scope is dropped";
+    case Loss::Timestamp:
+        return "timestamp is dropped";
+    case Loss::Decimal128:
+        return "decimal128 is dropped";
+    case Loss::MinKey:
+        return "min key is dropped";
+    case Loss::MaxKey:
+        return "max key is dropped";
+    case Loss::Symbol:
+        return "symbol becomes a string";
+    case Loss::BinarySubtype:
+        return "binary loses its subtype";
+    case Loss::EmptyBinary:
+        return "binary without bytes is dropped";
+    case Loss::TextWithZero:
+        return "text is cut at its zero byte";
+    case Loss::EmptyKey:
+        return "empty key stands for the whole document";
+    case Loss::KeyWithSlash:
+        return "key with \"/\" is taken as a path";
+    case Loss::DuplicateKey:
+        return "key stands twice";
+    case Loss::LongArray:
+        return "array of more than ten elements changes its order";
+    case Loss::Corrupt:
+        return "bytes are not BSON";
+    }
+    return "";
+}
+
+/// One field and what happens to it. The path is that of the field, its keys joined by ".".
+struct LossAt
+{
+    /// Keys from the root, joined by ".".
+    std::string path;
+    /// What happens to the field.
+    Loss loss = Loss::Corrupt;
+};
+
+/// What becomes of every value of this type; nothing for the types that ObjectProperties holds.
+inline std::optional<Loss> lossOf(Type type)
+{
+    switch (type)
+    {
+    case Type::Undefined:
+        return Loss::Undefined;
+    case Type::Null:
+        return Loss::Null;
+    case Type::DbPointer:
+        return Loss::DbPointer;
+    case Type::Code:
+        return Loss::Code;
+    case Type::Symbol:
+        return Loss::Symbol;
+    case Type::CodeWithScope:
+        return Loss::CodeWithScope;
+    case Type::Timestamp:
+        return Loss::Timestamp;
+    case Type::Decimal128:
+        return Loss::Decimal128;
+    case Type::MinKey:
+        return Loss::MinKey;
+    case Type::MaxKey:
+        return Loss::MaxKey;
+    case Type::Double:
+    case Type::String:
+    case Type::Object:
+    case Type::Array:
+    case Type::Binary:
+    case Type::ObjectId:
+    case Type::Bool:
+    case Type::Time:
+    case Type::RegularExpression:
+    case Type::Int32:
+    case Type::Int64:
+        break;
+    }
+    return std::nullopt;
+}
+
+} // namespace v1
+} // namespace dbc

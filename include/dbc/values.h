@@ -1,0 +1,240 @@
+#pragma once
+
+/// @file
+/// The types in which these headers read and write the values of a document.
+
+#include "object_properties.h"
+
+#include <chrono>
+#include <cmath>
+#include <cstddef>
+#include <limits>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <type_traits>
+#include <vector>
+
+namespace dbc {
+
+/// Value of a Binary.
+using Bytes = std::vector<unsigned char>;
+/// A time as the server keeps it: whole milliseconds since 1970-01-01 UTC.
+using Time = std::chrono::time_point<std::chrono::system_clock, std::chrono::milliseconds>;
+
+/// Text of an object id; apart from std::string, so that an Id is never taken for a String.
+struct ObjectId
+{
+    /// 24 hexadecimal digits.
+    std::string text;
+    friend bool operator==(const ObjectId& left, const ObjectId& right) { return left.text == right.text; }
+    friend bool operator!=(const ObjectId& left, const ObjectId& right) { return !(left == right); }
+};
+
+/// Value of a Regex.
+struct RegularExpression
+{
+    /// The expression.
+    std::string pattern;
+    /// Letters such as "i", in the order of the alphabet.
+    std::string options;
+    friend bool operator==(const RegularExpression& left, const RegularExpression& right)
+    {
+        return left.pattern == right.pattern && left.options == right.options;
+    }
+    friend bool operator!=(const RegularExpression& left, const RegularExpression& right) { return !(left == right); }
+};
+
+/// Whole milliseconds of any time point of the system clock, rounded down.
+template <typename Duration>
+Time toTime(std::chrono::time_point<std::chrono::system_clock, Duration> time)
+{
+    return std::chrono::floor<std::chrono::milliseconds>(time);
+}
+
+/// The time so many milliseconds after 1970-01-01 UTC.
+inline Time timeFromMilliseconds(long long milliseconds)
+{
+    return Time(std::chrono::milliseconds(milliseconds));
+}
+
+/// Milliseconds since 1970-01-01 UTC.
+inline long millisecondsOf(Time time)
+{
+    return static_cast<long>(time.time_since_epoch().count());
+}
+
+/// The key of an element in an array of @p count elements: with leading zeros, so that byte order is number order also
+/// for more than ten elements. A server ignores the keys of an array, so it stores 0, 1, 2.
+inline std::string elementKey(std::size_t index, std::size_t count)
+{
+    const std::string key = std::to_string(index);
+    const std::size_t width = std::to_string(count > 0 ? count - 1 : 0).size();
+    return std::string(width - key.size(), '0') + key;
+}
+
+namespace detail {
+
+template <typename T, typename... Types>
+constexpr bool isOneOf = (std::is_same_v<T, Types> || ...);
+
+/// The integer types that hold numbers: no truth value, and no character.
+template <typename T>
+constexpr bool isInteger = isOneOf<T, signed char, unsigned char, short, unsigned short, int, unsigned, long,
+                                   unsigned long, long long, unsigned long long>;
+
+template <typename T>
+constexpr bool isArithmetic = isInteger<T> || isOneOf<T, float, double>;
+
+} // namespace detail
+
+/// The same number as another type, or nothing where that type has no number equal to it: 1.5 as an int, 2^53 + 1 as
+/// a double, 2^40 as an int, NaN as an integer. -0.0 equals 0.
+template <typename To, typename From>
+std::optional<To> exactNumber(From number) noexcept
+{
+    static_assert(detail::isArithmetic<To> && detail::isArithmetic<From>,
+                  "exactNumber converts integers, float and double");
+    using Limits = std::numeric_limits<To>;
+    if constexpr (std::is_same_v<To, From>)
+        return number;
+    else if constexpr (std::is_integral_v<To> && std::is_integral_v<From>)
+    {
+        const To converted = static_cast<To>(number);
+        const bool isSame = static_cast<From>(converted) == number && (converted < To()) == (number < From());
+        return isSame ? std::optional<To>(converted) : std::nullopt;
+    }
+    else if constexpr (std::is_integral_v<To>)
+    {
+        // Both are powers of two, so no rounding; the largest integer itself may have no equal double.
+        const double beyond = 2.0 * static_cast<double>(static_cast<To>(1) << (Limits::digits - 1));
+        const double least = std::is_signed_v<To> ? -beyond : 0.0;
+        const double wide = static_cast<double>(number);
+        const bool isInside = wide >= least && wide < beyond; // false for NaN
+        return isInside && std::trunc(wide) == wide ? std::optional<To>(static_cast<To>(wide)) : std::nullopt;
+    }
+    else if constexpr (std::is_integral_v<From>)
+    {
+        const To converted = static_cast<To>(number);
+        return exactNumber<From>(converted) == number ? std::optional<To>(converted) : std::nullopt;
+    }
+    else if (std::isfinite(number) && std::abs(static_cast<double>(number)) > static_cast<double>(Limits::max()))
+        return std::nullopt;
+    else
+    {
+        const To converted = static_cast<To>(number);
+        return converted == number || std::isnan(number) ? std::optional<To>(converted) : std::nullopt;
+    }
+}
+
+namespace detail {
+
+template <typename Integer>
+long int64From(Integer value)
+{
+    const std::optional<long> number = exactNumber<long>(value);
+    if (!number)
+        throw std::out_of_range("Number is too large for an Int64");
+    return *number;
+}
+
+} // namespace detail
+
+/// How a value of type T is read from a node and written to it. read() returns nothing when the node is of another
+/// type. T is one of std::string, bool, every integer and floating-point type but the character types and long double,
+/// Time, ObjectId, Bytes, RegularExpression.
+template <typename T, typename = void>
+struct ValueTraits;
+
+template <>
+struct ValueTraits<std::string>
+{
+    static std::optional<std::string> read(const Property& node)
+    {
+        return node.isString() ? std::optional<std::string>(node.textView()) : std::nullopt;
+    }
+    static void write(Property& node, const std::string& value) { node.setValueString(value); }
+};
+
+template <>
+struct ValueTraits<bool>
+{
+    static std::optional<bool> read(Property& node)
+    {
+        return node.isBool() ? std::optional<bool>(node.currentValueAsBool(false)) : std::nullopt;
+    }
+    static void write(Property& node, bool value) { node.setValueBool(value); }
+};
+
+/// Numbers are read from Int32, Int64 and Double where the result is exact.
+template <typename T>
+struct ValueTraits<T, std::enable_if_t<detail::isArithmetic<T>>>
+{
+    static std::optional<T> read(Property& node)
+    {
+        if (node.isInt32())
+            return exactNumber<T>(node.currentValueAsInt32(0));
+        if (node.isInt64())
+            return exactNumber<T>(node.currentValueAsInt64(0));
+        if (node.isDouble())
+            return exactNumber<T>(node.currentValueAsDouble(0.0));
+        return std::nullopt;
+    }
+    /// Writes an Int32 for the types that always fit into it, an Int64 for wider ones, a Double for float and double.
+    /// @throws std::out_of_range when an unsigned number is too large for an Int64
+    static void write(Property& node, T value)
+    {
+        if constexpr (std::is_floating_point_v<T>)
+            node.setValueDouble(value);
+        else if constexpr (std::numeric_limits<T>::digits <= std::numeric_limits<int>::digits)
+            node.setValueInt32(value);
+        else
+            node.setValueInt64(detail::int64From(value));
+    }
+};
+
+template <>
+struct ValueTraits<Time>
+{
+    static std::optional<Time> read(Property& node)
+    {
+        return node.isTime() ? std::optional<Time>(timeFromMilliseconds(node.currentValueAsTime(0))) : std::nullopt;
+    }
+    static void write(Property& node, Time value) { node.setValueTime(millisecondsOf(value)); }
+};
+
+template <>
+struct ValueTraits<ObjectId>
+{
+    static std::optional<ObjectId> read(const Property& node)
+    {
+        return node.isId() ? std::optional<ObjectId>(ObjectId{node.textView()}) : std::nullopt;
+    }
+    static void write(Property& node, const ObjectId& value) { node.setValueId(value.text); }
+};
+
+template <>
+struct ValueTraits<Bytes>
+{
+    static std::optional<Bytes> read(const Property& node)
+    {
+        return node.isBinary() ? std::optional<Bytes>(node.bytesView()) : std::nullopt;
+    }
+    static void write(Property& node, const Bytes& value) { node.setValueBinary(value); }
+};
+
+template <>
+struct ValueTraits<RegularExpression>
+{
+    static std::optional<RegularExpression> read(const Property& node)
+    {
+        return node.isRegex() ? std::optional<RegularExpression>({node.patternView(), node.optionsView()})
+                              : std::nullopt;
+    }
+    static void write(Property& node, const RegularExpression& value)
+    {
+        node.setValueRegex(value.pattern, value.options);
+    }
+};
+
+} // namespace dbc

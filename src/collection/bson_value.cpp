@@ -1,0 +1,44 @@
+#include "collection/bson_value.h"
+
+#include "collection/value_access.h"
+#include "conversion/bson_handles.h"
+
+#include <cstdint>
+#include <utility>
+#include <vector>
+
+namespace dbc {
+
+void appendValue(bson_t* bson, const char* key, const Value& value)
+{
+    Value wrapped;
+    wrapped.append(key, value);
+    const std::vector<std::uint8_t> bytes = wrapped.toBson();
+    bson_t view;
+    if (bson_init_static(&view, bytes.data(), bytes.size()))
+        bson_concat(bson, &view);
+}
+
+Value valueAt(const bson_iter_t& iter)
+{
+    if (BSON_ITER_HOLDS_OID(&iter))
+        return valueFrom(*bson_iter_oid(&iter));
+    OwnedBson wrapped;
+    bson_append_iter(wrapped.get(), "", 0, &iter);
+    Value document = valueFrom(wrapped.get());
+    return std::move(document.at(std::size_t{0}));
+}
+
+Value valueFrom(const bson_t* bson)
+{
+    return Value::fromBson(bson_get_data(bson), bson->len);
+}
+
+Value valueFrom(const bson_oid_t& id)
+{
+    Value value = ValueAccess::makeValue(Type::ObjectId);
+    ValueAccess::setObjectId(value, id.bytes);
+    return value;
+}
+
+} // namespace dbc

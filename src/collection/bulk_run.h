@@ -1,0 +1,39 @@
+#pragma once
+
+#include "collection/bulk_state.h"
+#include "conversion/bson_handles.h"
+#include "database_client/mongoc_handles.h"
+#include "dbc/bulk.h"
+
+#include <cstddef>
+#include <vector>
+
+namespace dbc {
+
+/// One bulk write of the driver: operations are added, then carried out.
+class BulkRun
+{
+public:
+    /// @param options  as mongoc_collection_create_bulk_operation_with_opts takes them
+    BulkRun(const CollectionHandle& collection, const bson_t* options, bool bypassValidation);
+
+    /// Adds an operation; an insert takes neither filter nor options, a removal no document. False if the driver
+    /// refuses it; error() is then set.
+    bool add(Bulk::State::Type type, const bson_t* filter, const bson_t* document, const bson_t* options);
+    bool add(const Bulk::State& bulk, const Bulk::State::Operation& operation);
+    /// False if the bulk write failed, completely or in part; error() is then set.
+    bool execute();
+
+    bool isAcknowledged() const;
+    /// Adds the counts, and the ids and errors with @p offset added to their index.
+    void report(std::size_t offset, BulkResult& result, std::vector<WriteError>& errors) const;
+    /// What the driver says about the failure as a whole.
+    ErrorDetails error() const;
+
+private:
+    BulkHandle m_bulk;
+    OwnedBson m_reply;
+    bson_error_t m_error{};
+};
+
+} // namespace dbc

@@ -1,0 +1,60 @@
+#pragma once
+
+#include "collection/outgoing.h"
+#include "database_client/mongoc_handles.h"
+#include "dbc/bulk.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <vector>
+
+namespace dbc {
+
+/// The operations of a Bulk: their documents one behind the other, as BSON.
+struct Bulk::State
+{
+    enum class Type
+    {
+        InsertOne,
+        UpdateOne,
+        UpdateMany,
+        ReplaceOne,
+        RemoveOne,
+        RemoveMany
+    };
+    struct Operation
+    {
+        Type type;
+        // Offsets in bytes. What the type does not use is a document without fields.
+        std::size_t filter;
+        std::size_t document;
+        std::size_t options;
+    };
+
+    void add(Type type, const bson_t* filter, const bson_t* document, const bson_t* options);
+
+    std::vector<Operation> operations;
+    std::vector<unsigned char> bytes;
+};
+
+/// One document of a Bulk. It was written by libbson: its length is the first thing in it.
+struct StoredBson
+{
+    StoredBson(const Bulk::State& bulk, std::size_t offset)
+    {
+        std::uint32_t length = 0;
+        std::memcpy(&length, bulk.bytes.data() + offset, sizeof(length));
+        bson_init_static(&bson, bulk.bytes.data() + offset, BSON_UINT32_FROM_LE(length));
+    }
+    bson_t bson;
+};
+
+/// The way of Collection into a Bulk.
+class BulkAccess
+{
+public:
+    static const Bulk::State& stateOf(const Bulk& bulk) { return *bulk.d; }
+};
+
+} // namespace dbc

@@ -1,0 +1,37 @@
+#include "dbc/collection.h"
+
+#include "collection/collection_state.h"
+
+#include <utility>
+
+namespace dbc {
+
+CollectionHandle Collection::State::open() const
+{
+    mongoc_client_t* const connected = client.connected().get();
+    DataBaseClientPrivate::check_argument(database, "Database name");
+    DataBaseClientPrivate::check_argument(name, "Collection name");
+    return CollectionHandle(mongoc_client_get_collection(connected, database.c_str(), name.c_str()));
+}
+
+Collection::Collection(DataBaseClient& client, std::string database, std::string name)
+    : d(new State{ClientAccess(client), std::move(database), std::move(name)})
+{}
+
+Collection::Collection(Collection&& other) noexcept = default;
+
+Collection& Collection::operator=(Collection&& other) noexcept = default;
+
+Collection::~Collection() = default;
+
+const std::string& Collection::database() const noexcept
+{
+    return d->database;
+}
+
+const std::string& Collection::name() const noexcept
+{
+    return d->name;
+}
+
+} // namespace dbc

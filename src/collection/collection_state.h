@@ -1,0 +1,21 @@
+#pragma once
+
+#include "database_client/client_access.h"
+#include "database_client/mongoc_handles.h"
+#include "dbc/collection.h"
+
+#include <string>
+
+namespace dbc {
+
+struct Collection::State
+{
+    /// The collection, after the checks that every operation begins with.
+    CollectionHandle open() const;
+
+    ClientAccess client;
+    std::string database;
+    std::string name;
+};
+
+} // namespace dbc

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "collection/file_chunks.h"
+
+#include <memory>
+#include <streambuf>
+
+namespace dbc {
+
+/// Reads from the memory of the cursor, without a copy of its own.
+class FileReader::Buffer : public std::streambuf
+{
+public:
+    explicit Buffer(FileChunks content) : m_content(std::move(content)) {}
+
+    static std::unique_ptr<FileReader> reader(FileChunks content)
+    {
+        return std::unique_ptr<FileReader>(new FileReader(std::make_unique<Buffer>(std::move(content))));
+    }
+
+    const FileInfo& info() const noexcept { return m_content.info(); }
+
+protected:
+    int_type underflow() override;
+    pos_type seekoff(off_type offset, std::ios_base::seekdir direction, std::ios_base::openmode mode) override;
+    pos_type seekpos(pos_type position, std::ios_base::openmode mode) override;
+
+private:
+    FileChunks m_content;
+};
+
+} // namespace dbc

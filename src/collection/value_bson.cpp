@@ -1,0 +1,733 @@
+#include "dbc/value.h"
+
+#include "collection/value_access.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstdint>
+
+namespace dbc {
+inline namespace v1 {
+
+namespace {
+
+using Access = ValueAccess;
+using Block = Access::Block;
+
+constexpr std::size_t smallestDocument = 5; // its length and the zero byte at its end
+constexpr std::size_t largestDocument = 0x7FFFFFFF;
+
+#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
+constexpr bool isLittleEndian = true;
+#else
+constexpr bool isLittleEndian = false;
+#endif
+
+template <typename Number>
+Number littleEndian(Number number) noexcept
+{
+    if constexpr (!isLittleEndian)
+    {
+        unsigned char bytes[sizeof(number)];
+        std::memcpy(bytes, &number, sizeof(number));
+        std::reverse(std::begin(bytes), std::end(bytes));
+        std::memcpy(&number, bytes, sizeof(number));
+    }
+    return number;
+}
+
+template <typename Number>
+Number read(const std::uint8_t* bytes) noexcept
+{
+    Number number;
+    std::memcpy(&number, bytes, sizeof(number));
+    return littleEndian(number);
+}
+
+/// Items of objects and arrays that are still open, in one stack: each level is copied into a block of its exact size
+/// when it ends.
+class ItemStack
+{
+public:
+    ItemStack() = default;
+    ItemStack(const ItemStack&) = delete;
+    ItemStack& operator=(const ItemStack&) = delete;
+    ~ItemStack()
+    {
+        for (std::size_t index = 0; index < m_size; ++index)
+            m_items[index].~Field();
+        if (m_items != inPlace())
+            ::operator delete(m_items);
+    }
+
+    std::size_t size() const noexcept { return m_size; }
+    Field& operator[](std::size_t index) noexcept { return m_items[index]; }
+
+    /// A new item without a key; its value is the empty object.
+    Field& push()
+    {
+        if (m_size == m_capacity)
+            grow();
+        return *new (m_items + m_size++) Field(Access::makeField(Value(), Value()));
+    }
+
+    /// Moves the items from @p first on into @p target, an object or array without items.
+    void popInto(Value& target, std::size_t first)
+    {
+        const std::size_t count = m_size - first;
+        if (count == 0)
+            return;
+        Block* const block = Access::newBlock(count, target.isObject() ? sizeof(Field) : sizeof(Value));
+        // Nothing in a value points to the value itself, so it moves as bytes. Elements have no key that owns memory.
+        if (target.isObject())
+            std::memcpy(static_cast<void*>(block->fields()), static_cast<const void*>(m_items + first),
+                        count * sizeof(Field));
+        else
+            for (std::size_t index = 0; index < count; ++index)
+                std::memcpy(static_cast<void*>(block->values() + index),
+                            static_cast<const void*>(&m_items[first + index].value()), sizeof(Value));
+        block->size = static_cast<std::uint32_t>(count);
+        m_size = first;
+        Access::setBlock(target, target.type(), block);
+    }
+
+private:
+    static constexpr std::size_t inPlaceCapacity = 64;
+
+    Field* inPlace() noexcept { return reinterpret_cast<Field*>(m_inPlace); }
+
+    void grow()
+    {
+        auto* const items = static_cast<Field*>(::operator new(2 * m_capacity * sizeof(Field)));
+        std::memcpy(static_cast<void*>(items), static_cast<const void*>(m_items), m_size * sizeof(Field));
+        if (m_items != inPlace())
+            ::operator delete(m_items);
+        m_items = items;
+        m_capacity *= 2;
+    }
+
+    alignas(Field) unsigned char m_inPlace[inPlaceCapacity * sizeof(Field)];
+    Field* m_items = inPlace();
+    std::size_t m_size = 0;
+    std::size_t m_capacity = inPlaceCapacity;
+};
+
+class BsonReader
+{
+public:
+    BsonReader(const std::uint8_t* bytes, std::size_t size) noexcept
+        : m_begin(bytes), m_next(bytes), m_last(bytes + size)
+    {}
+
+    Value read()
+    {
+        Value root;
+        m_levels.push_back({nullptr, 0, false});
+        m_levels.back().end = open();
+        if (m_levels.back().end + 1 != m_last)
+            fail("the document does not end with its bytes", m_begin);
+        while (true)
+        {
+            Level& level = m_levels.back();
+            if (m_next == level.end)
+            {
+                if (*m_next != 0)
+                    fail("a document without a zero byte at its end", m_next);
+                ++m_next;
+                const std::size_t first = level.first;
+                m_levels.pop_back();
+                if (m_levels.empty())
+                {
+                    m_items.popInto(root, first);
+                    return root;
+                }
+                Value& target = m_items[first - 1].value();
+                const bool isScope = target.type() == Type::CodeWithScope;
+                m_items.popInto(isScope ? Access::block(target)->values()[1] : target, first);
+                continue;
+            }
+            readField(level);
+        }
+    }
+
+private:
+    struct Level
+    {
+        const std::uint8_t* end; // its final zero byte
+        std::size_t first;       // its first item
+        bool isArray;
+    };
+
+    [[noreturn]] void fail(const char* reason, const std::uint8_t* place) const
+    {
+        throw FormatError(std::string("BSON: ") + reason, static_cast<std::size_t>(place - m_begin));
+    }
+
+    /// Bytes before the end of the innermost document.
+    std::size_t left() const noexcept { return static_cast<std::size_t>(m_levels.back().end - m_next); }
+
+    const std::uint8_t* take(std::size_t size)
+    {
+        if (size > left())
+            fail("a value that goes beyond its document", m_next);
+        const std::uint8_t* const bytes = m_next;
+        m_next += size;
+        return bytes;
+    }
+
+    template <typename Number>
+    Number number()
+    {
+        return dbc::read<Number>(take(sizeof(Number)));
+    }
+
+    /// Reads the length of a document and returns the place of its final zero byte.
+    const std::uint8_t* open()
+    {
+        const std::uint8_t* const begin = m_next;
+        const std::size_t available = m_levels.back().end ? left() : static_cast<std::size_t>(m_last - m_next);
+        if (available < smallestDocument)
+            fail("a document that is too short", begin);
+        const auto size = dbc::read<std::int32_t>(begin);
+        if (size < static_cast<std::int32_t>(smallestDocument) || static_cast<std::size_t>(size) > available)
+            fail("a document with a wrong length", begin);
+        m_next += sizeof(size);
+        return begin + size - 1;
+    }
+
+    /// Up to and with the next zero byte.
+    std::string_view cString()
+    {
+        const auto* const end = static_cast<const std::uint8_t*>(std::memchr(m_next, 0, left()));
+        if (!end)
+            fail("a key without a zero byte at its end", m_next);
+        const std::string_view text(reinterpret_cast<const char*>(m_next), static_cast<std::size_t>(end - m_next));
+        m_next = end + 1;
+        return text;
+    }
+
+    std::string_view string()
+    {
+        const std::uint8_t* const begin = m_next;
+        const auto size = number<std::int32_t>();
+        if (size < 1 || static_cast<std::size_t>(size) > left())
+            fail("a string with a wrong length", begin);
+        const std::uint8_t* const text = take(static_cast<std::size_t>(size));
+        if (text[size - 1] != 0)
+            fail("a string without a zero byte at its end", begin);
+        return {reinterpret_cast<const char*>(text), static_cast<std::size_t>(size) - 1};
+    }
+
+    /// Sets a string that is stored in place, from sixteen readable bytes.
+    static void setShort(Value& value, Type type, const void* text, std::size_t size) noexcept
+    {
+        std::uint64_t low = 0;
+        std::uint64_t high = 0;
+        std::memcpy(&low, text, sizeof(low));
+        std::memcpy(&high, static_cast<const char*>(text) + sizeof(low), sizeof(high));
+        constexpr std::uint64_t all = ~std::uint64_t{0};
+        low &= size >= 8 ? all : (std::uint64_t{1} << (8 * size)) - 1;
+        high &= size <= 8 ? 0 : (std::uint64_t{1} << (8 * (size - 8))) - 1;
+        Access::setWords(value, static_cast<unsigned char>(type) | size << 8 | low << 16, low >> 48 | high << 16);
+    }
+
+    static void setText(Value& value, Type type, std::string_view text, const std::uint8_t* last)
+    {
+        const auto* const begin = reinterpret_cast<const std::uint8_t*>(text.data());
+        if (isLittleEndian && text.size() <= Access::textCapacity && last - begin >= 16)
+            setShort(value, type, begin, text.size());
+        else
+            Access::setText(value, type, text.data(), text.size());
+    }
+
+    /// Number of bytes before the first zero byte of eight.
+    static unsigned zeroByteOf(std::uint64_t word) noexcept
+    {
+        constexpr std::uint64_t ones = 0x0101010101010101U;
+        const std::uint64_t zeros = (word - ones) & ~word & (ones << 7);
+        return zeros ? static_cast<unsigned>(__builtin_ctzll(zeros)) / 8 : 8;
+    }
+
+    void readKey(Value& key)
+    {
+        if (isLittleEndian && left() >= 16)
+        {
+            std::uint64_t low = 0;
+            std::uint64_t high = 0;
+            std::memcpy(&low, m_next, sizeof(low));
+            std::memcpy(&high, m_next + sizeof(low), sizeof(high));
+            unsigned size = zeroByteOf(low);
+            if (size == 8)
+                size += zeroByteOf(high);
+            if (size <= Access::textCapacity)
+            {
+                setShort(key, Type::String, m_next, size);
+                m_next += size + 1;
+                return;
+            }
+        }
+        const std::string_view text = cString();
+        Access::setText(key, Type::String, text.data(), text.size());
+    }
+
+    void skipKey()
+    {
+        const std::uint8_t* const end = std::find(m_next, m_levels.back().end, std::uint8_t{0});
+        if (end == m_levels.back().end)
+            fail("a key without a zero byte at its end", m_next);
+        m_next = end + 1;
+    }
+
+    void readField(const Level& level)
+    {
+        const std::uint8_t* const begin = m_next;
+        const auto type = static_cast<Type>(*m_next++);
+        Field& field = m_items.push();
+        if (level.isArray)
+            skipKey();
+        else
+            readKey(Access::key(field));
+        readValue(type, Access::value(field), begin);
+    }
+
+    void readValue(Type type, Value& value, const std::uint8_t* begin)
+    {
+        switch (type)
+        {
+        case Type::Double:
+            Access::setNumber(value, type, number<double>());
+            return;
+        case Type::Int64:
+        case Type::Time:
+            Access::setNumber(value, type, number<std::int64_t>());
+            return;
+        case Type::Int32:
+            Access::setNumber(value, type, number<std::int32_t>());
+            return;
+        case Type::Timestamp: {
+            const auto increment = number<std::uint32_t>();
+            value = Timestamp{number<std::uint32_t>(), increment};
+            return;
+        }
+        case Type::Bool: {
+            const std::uint8_t flag = *take(1);
+            if (flag > 1)
+                fail("a truth value that is neither 0 nor 1", begin);
+            Access::setNumber(value, type, flag);
+            return;
+        }
+        case Type::String:
+        case Type::Code:
+        case Type::Symbol: {
+            const std::string_view text = string();
+            setText(value, type, text, m_last);
+            return;
+        }
+        case Type::Object:
+        case Type::Array: {
+            Access::setType(value, type);
+            const std::uint8_t* const end = open();
+            m_levels.push_back({end, m_items.size(), type == Type::Array});
+            return;
+        }
+        case Type::ObjectId:
+            Access::setObjectId(value, take(Access::objectIdSize));
+            return;
+        case Type::Null:
+        case Type::Undefined:
+        case Type::MinKey:
+        case Type::MaxKey:
+            Access::setType(value, type);
+            return;
+        case Type::Binary:
+            readBinary(value, begin);
+            return;
+        case Type::Decimal128: {
+            const auto low = number<std::uint64_t>();
+            value = Decimal128{number<std::uint64_t>(), low};
+            return;
+        }
+        case Type::RegularExpression: {
+            const std::string_view pattern = cString();
+            Access::setPair(value, type, Value(pattern), Value(cString()));
+            return;
+        }
+        case Type::DbPointer: {
+            const std::string_view collection = string();
+            Value id;
+            Access::setObjectId(id, take(Access::objectIdSize));
+            Access::setPair(value, type, Value(collection), std::move(id));
+            return;
+        }
+        case Type::CodeWithScope:
+            readCodeWithScope(value, begin);
+            return;
+        }
+        fail("an unknown type", begin);
+    }
+
+    void readBinary(Value& value, const std::uint8_t* begin)
+    {
+        const auto size = number<std::int32_t>();
+        const std::uint8_t subtype = *take(1);
+        if (size < 0)
+            fail("a binary with a wrong length", begin);
+        const std::uint8_t* bytes = take(static_cast<std::size_t>(size));
+        auto length = static_cast<std::size_t>(size);
+        if (subtype == 2)
+        {
+            if (length < sizeof(std::int32_t) || dbc::read<std::uint32_t>(bytes) != length - sizeof(std::int32_t))
+                fail("a binary of subtype 2 with a wrong length", begin);
+            bytes += sizeof(std::int32_t);
+            length -= sizeof(std::int32_t);
+        }
+        Access::setBinary(value, bytes, length, subtype);
+    }
+
+    /// The fields of the scope are a level of their own; its object waits for them in the value.
+    void readCodeWithScope(Value& value, const std::uint8_t* begin)
+    {
+        const auto size = number<std::int32_t>();
+        const std::string_view code = string();
+        const std::uint8_t* const scope = m_next;
+        const std::uint8_t* const end = open();
+        if (size != end + 1 - scope + static_cast<std::ptrdiff_t>(2 * sizeof(size) + code.size() + 1))
+            fail("code with a scope and a wrong length", begin);
+        Access::setPair(value, Type::CodeWithScope, Value(code), Value());
+        m_levels.push_back({end, m_items.size(), false});
+    }
+
+    const std::uint8_t* m_begin;
+    const std::uint8_t* m_next;
+    const std::uint8_t* m_last;
+    std::vector<Level> m_levels;
+    ItemStack m_items;
+};
+
+/// 0, 1, 2 ... as text.
+class IndexKey
+{
+public:
+    std::string_view text() const noexcept { return {m_digits + m_first, sizeof(m_digits) - m_first}; }
+    void increment() noexcept
+    {
+        std::size_t place = sizeof(m_digits) - 1;
+        while (m_digits[place] == '9')
+            m_digits[place--] = '0';
+        m_digits[place] = static_cast<char>(m_digits[place] == 0 ? '1' : m_digits[place] + 1);
+        m_first = std::min(m_first, place);
+    }
+
+private:
+    char m_digits[12] = {0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, '0'};
+    std::size_t m_first = 11;
+};
+
+/// Digits of the numbers from 0 to @p count - 1.
+std::size_t digitsOfIndexes(std::size_t count) noexcept
+{
+    std::size_t digits = count;
+    for (std::size_t least = 10; least < count; least *= 10)
+        digits += count - least;
+    return digits;
+}
+
+std::size_t textSize(const Value& value) noexcept
+{
+    return sizeof(std::int32_t) + Access::text(value).size() + 1;
+}
+
+/// Size of the value without the documents in it.
+std::size_t ownSize(const Value& value) noexcept
+{
+    switch (value.type())
+    {
+    case Type::Double:
+    case Type::Time:
+    case Type::Int64:
+    case Type::Timestamp:
+        return 8;
+    case Type::Int32:
+        return 4;
+    case Type::Bool:
+        return 1;
+    case Type::String:
+    case Type::Code:
+    case Type::Symbol:
+        return textSize(value);
+    case Type::Object:
+    case Type::Array:
+        return smallestDocument;
+    case Type::Binary:
+        return sizeof(std::int32_t) + 1 + Access::bytes(value).size();
+    case Type::ObjectId:
+        return Access::objectIdSize;
+    case Type::RegularExpression:
+        return Access::text(Access::pairItem(value, 0)).size() + Access::text(Access::pairItem(value, 1)).size() + 2;
+    case Type::DbPointer:
+        return textSize(Access::pairItem(value, 0)) + Access::objectIdSize;
+    case Type::CodeWithScope:
+        return sizeof(std::int32_t) + textSize(Access::pairItem(value, 0)) + smallestDocument;
+    case Type::Decimal128:
+        return 16;
+    case Type::Undefined:
+    case Type::Null:
+    case Type::MinKey:
+    case Type::MaxKey:
+        break;
+    }
+    return 0;
+}
+
+/// The document in the value: itself, the scope of code, or none.
+const Value* documentIn(const Value& value) noexcept
+{
+    if (Access::isContainer(value))
+        return &value;
+    return value.type() == Type::CodeWithScope ? &Access::pairItem(value, 1) : nullptr;
+}
+
+std::size_t sizeOf(const Value& root)
+{
+    std::size_t size = smallestDocument;
+    std::vector<const Value*> open{&root};
+    const auto add = [&size, &open](const Value& value) {
+        size += ownSize(value) + 2; // type, and zero byte of the key
+        const Value* const document = documentIn(value);
+        if (document && !document->empty())
+            open.push_back(document);
+    };
+    while (!open.empty())
+    {
+        const Value& document = *open.back();
+        open.pop_back();
+        for (const Field& field : document.fields())
+        {
+            size += field.key().size();
+            add(field.value());
+        }
+        if (document.isArray())
+            size += digitsOfIndexes(document.size());
+        for (const Value& element : document.elements())
+            add(element);
+    }
+    return size;
+}
+
+/// Writes into memory that has room for the document and sixteen bytes more.
+class BsonWriter
+{
+public:
+    explicit BsonWriter(std::uint8_t* target) noexcept : m_next(target) {}
+
+    void write(const Value& root)
+    {
+        open(root, nullptr);
+        while (!m_levels.empty())
+        {
+            Level& level = m_levels.back();
+            if (level.field != level.lastField)
+            {
+                const Field& field = *level.field++;
+                writeField(Access::key(field), field.value());
+            }
+            else if (level.element != level.lastElement)
+            {
+                const Value& element = *level.element++;
+                *m_next++ = static_cast<std::uint8_t>(element.type());
+                const std::string_view key = level.key.text();
+                std::memcpy(m_next, key.data(), key.size());
+                m_next += key.size();
+                *m_next++ = 0;
+                level.key.increment();
+                writeValue(element);
+            }
+            else
+                close(level);
+        }
+    }
+
+private:
+    struct Level
+    {
+        const Field* field;
+        const Field* lastField;
+        const Value* element;
+        const Value* lastElement;
+        std::uint8_t* begin;
+        std::uint8_t* code; // where code with this scope begins
+        IndexKey key;
+    };
+
+    template <typename Number>
+    void number(Number value) noexcept
+    {
+        put(m_next, value);
+        m_next += sizeof(value);
+    }
+    template <typename Number>
+    static void put(std::uint8_t* target, Number value) noexcept
+    {
+        value = littleEndian(value);
+        std::memcpy(target, &value, sizeof(value));
+    }
+
+    void bytes(const void* data, std::size_t size) noexcept
+    {
+        if (size > 0)
+            std::memcpy(m_next, data, size);
+        m_next += size;
+    }
+
+    void cString(const Value& value) noexcept
+    {
+        const std::string_view text = Access::text(value);
+        if (Access::ownsMemory(value))
+            std::memcpy(m_next, text.data(), text.size());
+        else
+            std::memcpy(m_next, text.data(), Access::textCapacity); // what is too much is written over
+        m_next += text.size();
+        *m_next++ = 0;
+    }
+
+    void string(const Value& value) noexcept
+    {
+        number(static_cast<std::int32_t>(Access::text(value).size() + 1));
+        cString(value);
+    }
+
+    void open(const Value& document, std::uint8_t* code)
+    {
+        const auto fields = document.fields();
+        const auto elements = document.elements();
+        m_levels.push_back({fields.begin(), fields.end(), elements.begin(), elements.end(), m_next, code, IndexKey()});
+        m_next += sizeof(std::int32_t);
+    }
+
+    void close(const Level& level) noexcept
+    {
+        *m_next++ = 0;
+        put(level.begin, static_cast<std::int32_t>(m_next - level.begin));
+        if (level.code)
+            put(level.code, static_cast<std::int32_t>(m_next - level.code));
+        m_levels.pop_back();
+    }
+
+    void writeField(const Value& key, const Value& value)
+    {
+        *m_next++ = static_cast<std::uint8_t>(value.type());
+        cString(key);
+        writeValue(value);
+    }
+
+    void writeValue(const Value& value)
+    {
+        switch (value.type())
+        {
+        case Type::Double:
+            number(Access::number<double>(value));
+            return;
+        case Type::Time:
+        case Type::Int64:
+            number(Access::number<std::int64_t>(value));
+            return;
+        case Type::Int32:
+            number(Access::number<std::int32_t>(value));
+            return;
+        case Type::Timestamp: {
+            const auto timestamp = *value.get<Timestamp>();
+            number(timestamp.increment);
+            number(timestamp.seconds);
+            return;
+        }
+        case Type::Bool:
+            *m_next++ = Access::number<std::uint8_t>(value);
+            return;
+        case Type::String:
+        case Type::Code:
+        case Type::Symbol:
+            string(value);
+            return;
+        case Type::Object:
+        case Type::Array:
+            open(value, nullptr);
+            return;
+        case Type::Binary: {
+            const std::string_view content = Access::bytes(value);
+            number(static_cast<std::int32_t>(content.size()));
+            *m_next++ = Access::subtype(value);
+            bytes(content.data(), content.size());
+            return;
+        }
+        case Type::ObjectId:
+            bytes(Access::objectId(value), Access::objectIdSize);
+            return;
+        case Type::RegularExpression:
+            cString(Access::pairItem(value, 0));
+            cString(Access::pairItem(value, 1));
+            return;
+        case Type::DbPointer:
+            string(Access::pairItem(value, 0));
+            bytes(Access::objectId(Access::pairItem(value, 1)), Access::objectIdSize);
+            return;
+        case Type::CodeWithScope: {
+            std::uint8_t* const begin = m_next;
+            m_next += sizeof(std::int32_t);
+            string(Access::pairItem(value, 0));
+            open(Access::pairItem(value, 1), begin);
+            return;
+        }
+        case Type::Decimal128: {
+            const auto decimal = *value.get<Decimal128>();
+            number(decimal.low);
+            number(decimal.high);
+            return;
+        }
+        case Type::Undefined:
+        case Type::Null:
+        case Type::MinKey:
+        case Type::MaxKey:
+            return;
+        }
+    }
+
+    std::uint8_t* m_next;
+    std::vector<Level> m_levels;
+};
+
+} // namespace
+
+FormatError::FormatError(const std::string& reason, std::size_t position)
+    : std::invalid_argument(reason + ", at byte " + std::to_string(position)), m_position(position)
+{}
+
+FormatError::~FormatError() = default;
+
+Value Value::fromBson(const std::uint8_t* bytes, std::size_t size)
+{
+    return BsonReader(bytes, size).read();
+}
+
+void Value::appendBson(std::vector<std::uint8_t>& target) const
+{
+    if (!Access::isContainer(*this))
+        throw std::logic_error("Value: neither an object nor an array");
+    const std::size_t size = sizeOf(*this);
+    if (size > largestDocument)
+        throw std::length_error("Value: more than 2^31 - 1 bytes of BSON");
+    constexpr std::size_t slack = 16;
+    const std::size_t before = target.size();
+    target.resize(before + size + slack);
+    BsonWriter(target.data() + before).write(*this);
+    target.resize(before + size);
+}
+
+std::vector<std::uint8_t> Value::toBson() const
+{
+    std::vector<std::uint8_t> bytes;
+    appendBson(bytes);
+    return bytes;
+}
+
+} // namespace v1
+} // namespace dbc

@@ -1,0 +1,198 @@
+#include "database_client/cursors.h"
+
+#include <cstdint>
+#include <cstring>
+#include <utility>
+
+namespace {
+
+// Makes a view of a nested document or array. Not returned: a bson_t holds pointers into itself.
+void view(const bson_iter_t& nested, bson_t& nestedView)
+{
+    std::uint32_t size = 0;
+    const std::uint8_t* data = nullptr;
+    if (BSON_ITER_HOLDS_ARRAY(&nested))
+        bson_iter_array(&nested, &size, &data);
+    else
+        bson_iter_document(&nested, &size, &data);
+    bson_init_static(&nestedView, data, size);
+}
+
+// The option of the find command that a modifier of the query form stands for.
+const char* optionOf(const char* modifier)
+{
+    if (std::strcmp(modifier, "$orderby") == 0)
+        return "sort";
+    if (std::strcmp(modifier, "$showDiskLoc") == 0)
+        return "showRecordId";
+    return modifier + 1;
+}
+
+// Takes the query form apart. A document without "$query" is the condition itself, whatever else it holds.
+// False, and the error set, for a key beside "$query" that is not a modifier.
+bool split(const bson_t* query, bson_t& condition, bson_t* options, bson_error_t& error)
+{
+    bson_init_static(&condition, bson_get_data(query), query->len);
+    bson_iter_t iter;
+    if (!bson_has_field(query, "$query") || !bson_iter_init(&iter, query))
+        return true;
+    while (bson_iter_next(&iter))
+    {
+        const char* const key = bson_iter_key(&iter);
+        if (key[0] != '$')
+        {
+            bson_set_error(&error, MONGOC_ERROR_CURSOR, MONGOC_ERROR_CURSOR_INVALID_CURSOR,
+                           "Cannot mix $query with non-dollar field '%s'", key);
+            return false;
+        }
+        if (std::strcmp(key, "$query") == 0)
+            view(iter, condition);
+        else
+            bson_append_iter(options, optionOf(key), -1, &iter);
+    }
+    return true;
+}
+
+// An int64 among the query's modifiers is replaced and any other value kept: so does the driver with the limit.
+void setSkip(bson_t* options, std::uint32_t skip)
+{
+    bson_iter_t present;
+    if (skip == 0)
+        return;
+    if (!bson_iter_init_find(&present, options, "skip"))
+        BSON_APPEND_INT64(options, "skip", skip);
+    else if (BSON_ITER_HOLDS_INT64(&present))
+        bson_iter_overwrite_int64(&present, skip);
+}
+
+} // namespace
+
+CursorHandle openFind(const CollectionHandle& collection, const OwnedBson& query, const OwnedBson& fields, int limit,
+                      int skip, bson_error_t& error)
+{
+    bson_t condition;
+    OwnedBson options;
+    if (!split(query.get(), condition, options.get(), error))
+        return nullptr;
+    if (!bson_empty(fields.get()))
+        BSON_APPEND_DOCUMENT(options.get(), "projection", fields.get());
+    setSkip(options.get(), static_cast<std::uint32_t>(skip));
+    CursorHandle cursor(mongoc_collection_find_with_opts(collection.get(), &condition, options.get(), nullptr));
+    // Here and not among the options: the driver makes two of a negative limit.
+    if (limit != 0)
+        mongoc_cursor_set_limit(cursor.get(), limit);
+    return cursor;
+}
+
+namespace {
+
+bool endsInWriteStage(const bson_t& stages)
+{
+    bson_iter_t stage;
+    bool writes = false;
+    for (bson_iter_init(&stage, &stages); bson_iter_next(&stage);)
+    {
+        writes = false;
+        if (!BSON_ITER_HOLDS_DOCUMENT(&stage))
+            continue;
+        bson_t operators;
+        view(stage, operators);
+        writes = bson_has_field(&operators, "$out") || bson_has_field(&operators, "$merge");
+    }
+    return writes;
+}
+
+SessionHandle startSession(mongoc_client_t* client)
+{
+    const SessionOptionsHandle options(mongoc_session_opts_new());
+    mongoc_session_opts_set_causal_consistency(options.get(), false); // like the sessions that the driver starts itself
+    return SessionHandle(mongoc_client_start_session(client, options.get(), nullptr)); // null: not supported
+}
+
+// The size of a batch is a part of "cursor", and the write concern is the driver's to add; all else is of the command.
+void appendOptions(const bson_t* options, bson_t* command, bson_t* cursor, bson_t* callOptions)
+{
+    bson_iter_t iter;
+    if (!options || !bson_iter_init(&iter, options))
+        return;
+    while (bson_iter_next(&iter))
+    {
+        const char* const key = bson_iter_key(&iter);
+        bson_t* const target = std::strcmp(key, "batchSize") == 0      ? cursor
+                               : std::strcmp(key, "writeConcern") == 0 ? callOptions
+                                                                       : command;
+        bson_append_iter(target, key, -1, &iter);
+    }
+}
+
+// Runs the aggregation as a command and reads on where its reply ends: on the same server, in the same session.
+CursorHandle openAggregationByCommand(mongoc_client_t* client, const CollectionHandle& collection,
+                                      const bson_t* pipeline, const bson_t* aggregationOptions,
+                                      const mongoc_read_prefs_t* readPreference, bson_error_t& error)
+{
+    bson_iter_t list;
+    const bool isNamed = bson_iter_init_find(&list, pipeline, "pipeline") && BSON_ITER_HOLDS_ARRAY(&list);
+    bson_t stages;
+    if (isNamed)
+        view(list, stages);
+    else
+        bson_init_static(&stages, bson_get_data(pipeline), pipeline->len);
+
+    OwnedBson command;
+    OwnedBson cursorOptions;
+    OwnedBson options;
+    BSON_APPEND_UTF8(command.get(), "aggregate", mongoc_collection_get_name(collection.get()));
+    BSON_APPEND_ARRAY(command.get(), "pipeline", &stages);
+    appendOptions(aggregationOptions, command.get(), cursorOptions.get(), options.get());
+    BSON_APPEND_DOCUMENT(command.get(), "cursor", cursorOptions.get());
+
+    OwnedBson reply;
+    SessionHandle session;
+    bool done = false;
+    if (endsInWriteStage(stages))
+        // To the primary, and with the write concern. The reply holds no results.
+        done = mongoc_collection_read_write_command_with_opts(collection.get(), command.get(), readPreference,
+                                                              options.get(), reply.get(), &error);
+    else
+    {
+        const ServerHandle server(mongoc_client_select_server(
+            client, false, readPreference ? readPreference : mongoc_collection_get_read_prefs(collection.get()),
+            &error));
+        if (!server)
+            return nullptr;
+        BSON_APPEND_INT32(options.get(), "serverId",
+                          static_cast<std::int32_t>(mongoc_server_description_id(server.get())));
+        session = startSession(client);
+        if (session && !mongoc_client_session_append(session.get(), options.get(), &error))
+            return nullptr;
+        done = mongoc_collection_read_command_with_opts(collection.get(), command.get(), readPreference, options.get(),
+                                                        reply.get(), &error);
+    }
+    if (!done)
+        return nullptr;
+    bson_concat(options.get(), cursorOptions.get());
+    CursorHandle cursor(mongoc_cursor_new_from_command_reply_with_opts(client, reply.get(), options.get()),
+                        DestroyCursor{std::move(session)});
+    bson_init(reply.get()); // its content belongs to the cursor now
+    return cursor;
+}
+
+// libmongoc 1.30.4 of Debian 13 checks "database.collection" as the name of a database: it refuses every aggregation,
+// and sends nothing. A name that is really invalid is refused again by the command.
+bool isRefusedName(const bson_error_t& error)
+{
+    return error.domain == MONGOC_ERROR_NAMESPACE && error.code == MONGOC_ERROR_NAMESPACE_INVALID;
+}
+
+} // namespace
+
+CursorHandle openAggregation(mongoc_client_t* client, const CollectionHandle& collection, const bson_t* pipeline,
+                             const bson_t* options, const mongoc_read_prefs_t* readPreference, bson_error_t& error)
+{
+    CursorHandle cursor(
+        mongoc_collection_aggregate(collection.get(), MONGOC_QUERY_NONE, pipeline, options, readPreference));
+    if (!mongoc_cursor_error(cursor.get(), &error))
+        return cursor;
+    return isRefusedName(error) ? openAggregationByCommand(client, collection, pipeline, options, readPreference, error)
+                                : nullptr;
+}

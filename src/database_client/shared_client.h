@@ -1,0 +1,52 @@
+#pragma once
+
+#include "database_client/mongoc_handles.h"
+
+#include <cstddef>
+#include <memory>
+#include <utility>
+
+/// The driver's client of one DataBaseClient; null when not connected. What is opened through it, such as a cursor, may
+/// share it and then outlives a disconnect. One pointer: DataBaseClientPrivate keeps its size.
+class SharedClient
+{
+public:
+    mongoc_client_t* get() const noexcept { return m_state ? m_state->client.get() : nullptr; }
+    explicit operator bool() const noexcept { return get() != nullptr; }
+    friend bool operator!=(const SharedClient& client, std::nullptr_t) noexcept { return client.get() != nullptr; }
+
+    void reset() noexcept
+    {
+        if (m_state)
+            m_state->client.reset();
+    }
+    /// Takes ownership of @p client.
+    void reset(mongoc_client_t* client)
+    {
+        ClientHandle owned(client);
+        state().client = std::move(owned);
+    }
+
+    /// Shared ownership of the connected client; empty when not connected.
+    const std::shared_ptr<mongoc_client_t>& share() const { return state().client; }
+    /// Expires with this object, connected or not.
+    std::weak_ptr<const void> lifetime() const { return state().token; }
+
+private:
+    struct State
+    {
+        std::shared_ptr<mongoc_client_t> client;
+        std::shared_ptr<const char> token = std::make_shared<const char>();
+    };
+
+    State& state() const
+    {
+        if (!m_state)
+            m_state = std::make_unique<State>();
+        return *m_state;
+    }
+
+    mutable std::unique_ptr<State> m_state; ///< null until the first connect() or the first user of lifetime()
+};
+
+static_assert(sizeof(SharedClient) == sizeof(mongoc_client_t*), "the size of DataBaseClientPrivate is fixed");

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <string>
+
+namespace test_support {
+
+/// The connection string @p uri with @p options ("a=1&b=2") added. The path and the query of @p uri may be missing.
+/// The driver takes the last of two options of one name, so the added ones apply.
+inline std::string withOptions(std::string uri, const std::string& options)
+{
+    const std::size_t scheme = uri.find("://");
+    const std::size_t host = scheme == std::string::npos ? 0 : scheme + 3;
+    if (uri.find_first_of("/?", host) == std::string::npos)
+        uri += '/';
+    if (uri.find('?', host) == std::string::npos)
+        uri += '?';
+    else if (uri.back() != '?' && uri.back() != '&')
+        uri += '&';
+    return uri + options;
+}
+
+} // namespace test_support

@@ -1,0 +1,210 @@
+#include "every_type.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <limits>
+#include <map>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace {
+
+using dbc::Value;
+
+TEST(ValueRead, ReadsEveryType)
+{
+    const Value value = test_support::everyType();
+    EXPECT_EQ(value.get<double>("double"), -1.5);
+    EXPECT_EQ(value.get<std::string>("string of fifteen"), "fifteen  bytes.");
+    EXPECT_EQ(value.get<std::string_view>("string"), "in place");
+    EXPECT_EQ(value.get<dbc::Bytes>("binary"), (dbc::Bytes{1, 2, 3}));
+    EXPECT_EQ(value.get<dbc::Binary>("binary of subtype 2")->bytes, (dbc::Bytes{4, 5}));
+    EXPECT_EQ(value.get<dbc::Binary>("binary of subtype 4")->subtype, 4);
+    EXPECT_EQ(value.get<dbc::ObjectId>("object id")->text, "507f1f77bcf86cd799439011");
+    EXPECT_EQ(value.get<bool>("true"), true);
+    EXPECT_EQ(value.get<dbc::Time>("time"), dbc::timeFromMilliseconds(-62135596800000));
+    EXPECT_TRUE(value.get<std::nullptr_t>("null"));
+    EXPECT_EQ(value.get<dbc::RegularExpression>("regular expression"), (dbc::RegularExpression{"^a.*b$", "im"}));
+    EXPECT_EQ(value.get<dbc::DbPointer>("pointer")->collection, "shop.orders");
+    EXPECT_EQ(value.get<dbc::DbPointer>("pointer")->id.text, "507f1f77bcf86cd799439011");
+    EXPECT_EQ(value.get<dbc::Code>("code")->text, "function() { return 1; }");
+    EXPECT_EQ(value.get<dbc::Symbol>("symbol")->text, "a symbol that is not in place");
+    EXPECT_EQ(value.get<dbc::CodeWithScope>("code with scope")->text, "f()");
+    EXPECT_EQ(value.get<dbc::CodeWithScope>("code with scope")->scope.get<std::string>("y/z"), "deep");
+    EXPECT_EQ(value.get<int>("int32"), std::numeric_limits<int>::min());
+    EXPECT_EQ(value.get<dbc::Timestamp>("timestamp")->seconds, 4000000000U);
+    EXPECT_EQ(value.get<dbc::Timestamp>("timestamp")->increment, 4294967295U);
+    EXPECT_EQ(value.get<long>("int64"), std::numeric_limits<long>::max());
+    EXPECT_EQ(value.get<dbc::Decimal128>("decimal")->text(), "-1.2345678901234567890123456789E-50");
+    EXPECT_EQ(value.get<Value>("object/inner"), Value({{"deep", 1}}));
+    EXPECT_EQ(value.get<std::vector<int>>("long array"), std::vector<int>(12, 7));
+    EXPECT_EQ((value.get<std::map<std::string, Value>>("object")->at("empty")), Value());
+}
+
+TEST(ValueRead, ReturnsNothingForAnotherType)
+{
+    const Value value = test_support::everyType();
+    EXPECT_FALSE(value.get<std::string>("symbol"));
+    EXPECT_FALSE(value.get<std::string>("null"));
+    EXPECT_FALSE(value.get<int>("time"));
+    EXPECT_FALSE(value.get<int>("true"));
+    EXPECT_FALSE(value.get<bool>("int32"));
+    EXPECT_FALSE(value.get<std::vector<int>>("array")) << "one element is no number";
+    EXPECT_FALSE(value.get<std::nullptr_t>("undefined"));
+}
+
+TEST(ValueRead, ConvertsNumbersWhereTheResultIsExact)
+{
+    EXPECT_EQ(Value(7.0).get<int>(), 7);
+    EXPECT_EQ(Value(7L).get<unsigned char>(), 7);
+    EXPECT_EQ(Value(7).get<double>(), 7.0);
+    EXPECT_FALSE(Value(1.5).get<int>());
+    EXPECT_FALSE(Value(1L << 40).get<int>());
+    EXPECT_FALSE(Value((1L << 53) + 1).get<double>());
+    EXPECT_FALSE(Value(-1).get<unsigned>());
+    EXPECT_EQ(Value({{"n", 3.0}}).getOr("n", 0), 3);
+    EXPECT_EQ(Value({{"n", 3.5}}).getOr("n", 0), 0);
+}
+
+TEST(ValueRead, ReturnsATimeOnlyAsATypeThatHoldsIt)
+{
+    using std::chrono::milliseconds;
+    using std::chrono::nanoseconds;
+    using std::chrono::seconds;
+    using std::chrono::system_clock;
+    using std::chrono::time_point;
+    using Nanoseconds = time_point<system_clock, nanoseconds>;
+    using Seconds = time_point<system_clock, seconds>;
+    EXPECT_EQ(Value(dbc::timeFromMilliseconds(1500)).get<Nanoseconds>(), Nanoseconds(milliseconds(1500)));
+    EXPECT_FALSE(Value(dbc::timeFromMilliseconds(std::numeric_limits<long>::max())).get<Nanoseconds>());
+    EXPECT_FALSE(Value(dbc::timeFromMilliseconds(std::numeric_limits<long>::min())).get<Nanoseconds>());
+    EXPECT_FALSE(Value(dbc::timeFromMilliseconds(1500)).get<Seconds>());
+    EXPECT_EQ(Value(dbc::timeFromMilliseconds(-2000)).get<Seconds>(), Seconds(seconds(-2)));
+}
+
+TEST(ValueRead, FollowsPathsThroughObjectsAndArrays)
+{
+    const Value value = test_support::everyType();
+    EXPECT_EQ(value.get<int>("array/3/four"), 4);
+    EXPECT_EQ(value.get<int>("/array//2/0/"), 3);
+    EXPECT_EQ(value.findPath(""), &value);
+    EXPECT_EQ(value.findPath("array/5"), nullptr);
+    EXPECT_EQ(value.findPath("array/-1"), nullptr);
+    EXPECT_EQ(value.findPath("array/0x"), nullptr);
+    EXPECT_EQ(value.findPath("array/99999999999999999999999"), nullptr);
+    EXPECT_EQ(value.findPath("double/x"), nullptr);
+    EXPECT_EQ(value.findPath("missing/x"), nullptr);
+    EXPECT_EQ(value.getOr("missing", "fallback"), "fallback");
+}
+
+TEST(ValueRead, TakesKeysLiterally)
+{
+    const Value value = {{"a/b", 1}, {"", 2}, {"a", 3}, {"a.b", 4}};
+    EXPECT_EQ(value.find("a/b")->get<int>(), 1);
+    EXPECT_EQ(value.find("")->get<int>(), 2);
+    EXPECT_EQ(value.find("a.b")->get<int>(), 4);
+    EXPECT_EQ(value.find("A"), nullptr);
+    EXPECT_EQ(value.find(std::string_view("a\0", 2)), nullptr);
+    EXPECT_EQ(Value(5).find("a"), nullptr);
+}
+
+TEST(ValueRead, ThrowsWhereThereIsNoItem)
+{
+    const Value value = {{"a", dbc::array({1})}};
+    EXPECT_EQ(value.at("a").at(0), Value(1));
+    EXPECT_EQ(value.at(0).size(), 1U);
+    EXPECT_THROW(static_cast<void>(value.at("b")), std::out_of_range);
+    EXPECT_THROW(static_cast<void>(value.at(1)), std::out_of_range);
+    EXPECT_THROW(static_cast<void>(Value("text").at(0)), std::out_of_range);
+}
+
+TEST(ValueRead, FindsEveryKeyOfALargeObjectHoweverOftenItIsAsked)
+{
+    Value value;
+    for (int number = 0; number < 1000; ++number)
+        value.append((number % 2 == 0 ? "k" : "a key that is not stored in place ") + std::to_string(number), number);
+    value.append("k0", "second");
+    for (int round = 0; round < 3; ++round)
+        for (int number = 0; number < 1000; ++number)
+        {
+            const std::string suffix = std::to_string(number);
+            EXPECT_EQ(
+                value.find(number % 2 == 0 ? "k" + suffix : "a key that is not stored in place " + suffix)->get<int>(),
+                number);
+            EXPECT_EQ(value.find("missing" + suffix), nullptr);
+            EXPECT_EQ(value.find("another missing key, a long one " + suffix), nullptr);
+        }
+}
+
+TEST(ValueRead, FindsKeysThatChangedAfterManySearches)
+{
+    Value value;
+    for (int number = 0; number < 100; ++number)
+        value.append("k" + std::to_string(number), number);
+    const auto search = [&value] {
+        for (int round = 0; round < 40; ++round)
+            static_cast<void>(value.find("k99"));
+    };
+    search();
+    value.append("new", 1);
+    EXPECT_EQ(value.find("new")->get<int>(), 1);
+    search();
+    EXPECT_EQ(value.remove("k0"), 1U);
+    EXPECT_EQ(value.find("k0"), nullptr);
+    EXPECT_EQ(value.find("k1")->get<int>(), 1);
+    search();
+    value.removeAt(0);
+    EXPECT_EQ(value.find("k1"), nullptr);
+    EXPECT_EQ(value.find("k2")->get<int>(), 2);
+    search();
+    auto fields = value.fields();
+    search();
+    fields[0] = dbc::Field("renamed", 5);
+    EXPECT_EQ(value.find("k2"), nullptr);
+    EXPECT_EQ(value.find("renamed")->get<int>(), 5);
+    search();
+    const Value copied = value;
+    value.clear();
+    EXPECT_EQ(value.find("renamed"), nullptr);
+    EXPECT_EQ(copied.find("renamed")->get<int>(), 5);
+}
+
+TEST(ValueRead, MayBeDoneBySeveralThreads)
+{
+    Value value;
+    for (int number = 0; number < 200; ++number)
+        value.append("k" + std::to_string(number), number);
+    const Value& shared = value;
+    std::vector<std::thread> threads;
+    std::vector<int> sums(4);
+    for (int& sum : sums)
+        threads.emplace_back([&shared, &sum] {
+            for (int number = 0; number < 200; ++number)
+                sum += shared.getOr("k" + std::to_string(number), 0);
+        });
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(sums, std::vector<int>(4, 199 * 100));
+}
+
+TEST(ValueRead, OfABareValueHasNoFieldsAndNoElements)
+{
+    EXPECT_TRUE(Value(1).fields().empty());
+    EXPECT_TRUE(Value("x").elements().empty());
+    EXPECT_TRUE(Value({{"a", 1}}).elements().empty());
+    EXPECT_TRUE(dbc::array({1}).fields().empty());
+    EXPECT_EQ(Value(1).size(), 0U);
+}
+
+TEST(Decimal128, RefusesATextThatIsNoNumber)
+{
+    EXPECT_THROW(dbc::Decimal128::parse("1.5x"), std::invalid_argument);
+    EXPECT_THROW(dbc::Decimal128::parse(""), std::invalid_argument);
+    EXPECT_EQ(dbc::Decimal128::parse("1E+6144").text(), "1.000000000000000000000000000000000E+6144");
+    EXPECT_EQ(dbc::Decimal128().text(), "0");
+}
+
+} // namespace

@@ -1,0 +1,395 @@
+#include "connected_client.h"
+
+#include "dbc/file_store.h"
+#include "dbc/files.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cstdint>
+#include <cstdio>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+#include <system_error>
+
+namespace test_support {
+namespace {
+
+using dbc::FileInfo;
+using dbc::FileStore;
+using dbc::Value;
+
+class FileStoreOnServer : public ConnectedClient
+{
+public:
+    FileStoreOnServer() : m_store(client(), database()) {}
+    ~FileStoreOnServer() override { gateway().clearFaults(); }
+
+    FileStore& store() { return m_store; }
+
+    /// Content in chunks of ten bytes.
+    FileInfo upload(const std::string& name, const std::string& content)
+    {
+        dbc::UploadOptions options;
+        options.chunkSize = 10;
+        std::istringstream source(content);
+        return m_store.upload(name, source, options);
+    }
+
+    std::string download(const std::string& name, const dbc::DownloadOptions& options = {})
+    {
+        std::ostringstream target;
+        m_store.download(name, target, options);
+        return target.str();
+    }
+
+    static std::string letters(std::size_t count)
+    {
+        std::string text;
+        while (text.size() < count)
+            text += static_cast<char>('a' + text.size() % 26);
+        return text;
+    }
+
+    std::size_t records() { return scratch().count("fs.files"); }
+    std::size_t chunks() { return scratch().count("fs.chunks"); }
+
+private:
+    FileStore m_store;
+};
+
+TEST_F(FileStoreOnServer, ReturnsWhatWasStoredWhateverItsLength)
+{
+    for (const std::size_t length : {0U, 1U, 9U, 10U, 11U, 20U, 95U})
+    {
+        const std::string content = letters(length);
+        const FileInfo info = upload("f", content);
+
+        EXPECT_EQ(download("f"), content);
+        EXPECT_EQ(info.length, length);
+        store().removeById(info.id);
+    }
+    EXPECT_EQ(chunks(), 0U);
+}
+
+TEST_F(FileStoreOnServer, RecordHoldsWhatTheUploaderGave)
+{
+    dbc::UploadOptions options;
+    options.id = Value("my id");
+    options.contentType = "text/plain";
+    options.metadata = Value{{"owner", "ada"}};
+    std::istringstream source("content");
+
+    const FileInfo stored = store().upload("f", source, options);
+    const std::optional<FileInfo> found = store().find("f");
+
+    ASSERT_TRUE(found);
+    for (const FileInfo& info : {stored, *found})
+    {
+        EXPECT_EQ(info.id, Value("my id"));
+        EXPECT_EQ(info.name, "f");
+        EXPECT_EQ(info.length, 7U);
+        EXPECT_EQ(info.chunkSize, 255U * 1024U);
+        EXPECT_EQ(info.contentType, "text/plain");
+        EXPECT_EQ(info.metadata, (Value{{"owner", "ada"}}));
+    }
+    EXPECT_EQ(found->uploaded, stored.uploaded);
+    EXPECT_GT(stored.uploaded.time_since_epoch().count(), 0);
+}
+
+TEST_F(FileStoreOnServer, FilesAreReadByTheFrozenClientAndTheOtherWayRound)
+{
+    upload("new", letters(25));
+    std::stringstream content;
+    client().readFile(database(), "fs", "new", &content);
+    EXPECT_EQ(content.str(), letters(25));
+
+    client().writeFile(database(), "fs", "old", "/dev/null");
+    EXPECT_EQ(download("old"), "");
+}
+
+TEST_F(FileStoreOnServer, WritesTheRecordLastAndIndexesFirst)
+{
+    gateway().clear();
+    upload("f", letters(25));
+
+    EXPECT_EQ(gateway().names(),
+              (std::vector<std::string>{"find", "createIndexes", "createIndexes", "insert", "insert"}));
+    const std::vector<RecordedCommand> inserts = gateway().commands("insert");
+    EXPECT_EQ(inserts.at(0).target, "fs.chunks");
+    EXPECT_EQ(inserts.at(1).target, "fs.files");
+    EXPECT_EQ(inserts.at(0).json("documents.2.n"), "2");
+
+    gateway().clear();
+    upload("g", letters(25));
+    EXPECT_EQ(gateway().names(), (std::vector<std::string>{"insert", "insert"}));
+}
+
+TEST_F(FileStoreOnServer, DownloadReadsAnyPart)
+{
+    upload("f", letters(35));
+    const std::string content = letters(35);
+    for (const std::uint64_t offset : {0U, 1U, 9U, 10U, 34U, 35U, 100U})
+    {
+        for (const std::uint64_t length : {0U, 1U, 9U, 10U, 25U, 100U})
+        {
+            dbc::DownloadOptions options;
+            options.offset = offset;
+            options.length = length;
+            EXPECT_EQ(download("f", options), offset < content.size() ? content.substr(offset, length) : "")
+                << offset << ' ' << length;
+        }
+    }
+    gateway().clear();
+    dbc::DownloadOptions options;
+    options.offset = 12;
+    options.length = 3;
+    download("f", options);
+    EXPECT_EQ(gateway().commands("find").at(1).json("limit"), "1");
+    EXPECT_EQ(gateway().commands("find").at(1).json("filter.n"), R"({ "$gte" : 1 })");
+}
+
+TEST_F(FileStoreOnServer, ReaderReadsAndSeeks)
+{
+    upload("f", letters(35));
+    const std::string content = letters(35);
+
+    const std::unique_ptr<dbc::FileReader> reader = store().open("f");
+    EXPECT_EQ(reader->info().length, 35U);
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(*reader), {}), content);
+
+    for (const int position : {0, 34, 12, 13, 11, 10, 9, 29, 30, 5})
+    {
+        reader->clear();
+        reader->seekg(position);
+        EXPECT_EQ(reader->tellg(), std::streampos(position));
+        char text[4] = {};
+        reader->read(text, 3);
+        EXPECT_EQ(std::string(text), content.substr(static_cast<std::size_t>(position), 3));
+    }
+    reader->clear();
+    reader->seekg(-2, std::ios::end);
+    reader->seekg(1, std::ios::cur);
+    EXPECT_EQ(reader->get(), content.back());
+    EXPECT_EQ(reader->get(), std::char_traits<char>::eof());
+    reader->clear();
+    EXPECT_TRUE(reader->seekg(36).fail());
+}
+
+TEST_F(FileStoreOnServer, ByNameIsTheNewestFile)
+{
+    upload("f", "old");
+    const std::chrono::milliseconds before =
+        std::chrono::duration_cast<std::chrono::milliseconds>(store().find("f")->uploaded.time_since_epoch());
+    FileInfo newest = upload("f", "new");
+    // Until the clock of the machine has moved on.
+    while (newest.uploaded.time_since_epoch() == before)
+    {
+        store().removeById(newest.id);
+        newest = upload("f", "new");
+    }
+
+    EXPECT_EQ(download("f"), "new");
+    EXPECT_EQ(store().list().size(), 2U);
+    EXPECT_EQ(store().remove("f"), 2U);
+    EXPECT_EQ(records() + chunks(), 0U);
+    EXPECT_EQ(store().remove("f"), 0U);
+}
+
+TEST_F(FileStoreOnServer, ListIsFilteredAndSorted)
+{
+    for (const char* const name : {"b", "c", "a"})
+        upload(name, name);
+    dbc::ListOptions options;
+    options.sort = {{"filename", dbc::Order::Descending}};
+    options.limit = 2;
+
+    std::string names;
+    for (const FileInfo& info : store().list({}, options))
+        names += info.name;
+
+    EXPECT_EQ(names, "cb");
+    EXPECT_EQ(store().list({{"filename", "a"}}).size(), 1U);
+}
+
+TEST_F(FileStoreOnServer, RenameAndRemoveReportWhetherTheFileExists)
+{
+    const FileInfo info = upload("f", "x");
+
+    EXPECT_TRUE(store().rename(info.id, "g"));
+    EXPECT_EQ(download("g"), "x");
+    EXPECT_TRUE(store().removeById(info.id));
+    EXPECT_FALSE(store().removeById(info.id));
+    EXPECT_FALSE(store().rename(info.id, "f"));
+    EXPECT_EQ(store().find("g"), std::nullopt);
+}
+
+TEST_F(FileStoreOnServer, ProgressCountsBytesAndCancels)
+{
+    std::vector<std::uint64_t> steps;
+    dbc::UploadOptions options;
+    options.chunkSize = 10;
+    options.progress = [&](std::uint64_t bytes) {
+        steps.push_back(bytes);
+        return bytes < 20;
+    };
+    std::istringstream source(letters(35));
+    EXPECT_THROW(store().upload("f", source, options), dbc::Cancelled);
+    EXPECT_EQ(steps, (std::vector<std::uint64_t>{10, 20}));
+    EXPECT_EQ(records() + chunks(), 0U);
+
+    upload("f", letters(35));
+    dbc::DownloadOptions download;
+    download.offset = 5;
+    steps.clear();
+    download.progress = [&](std::uint64_t bytes) {
+        steps.push_back(bytes);
+        return bytes < 15;
+    };
+    std::ostringstream target;
+    EXPECT_THROW(store().download("f", target, download), dbc::Cancelled);
+    EXPECT_EQ(steps, (std::vector<std::uint64_t>{5, 15}));
+}
+
+TEST_F(FileStoreOnServer, FailedUploadLeavesNothing)
+{
+    struct Row
+    {
+        const char* name;
+        std::size_t insert;
+        Fault fault;
+    };
+    const Row rows[] = {
+        {"chunk refused", 1, Fault::answer(R"({"ok": 0, "errmsg": "full", "code": 14031})")},
+        {"record refused", 2, Fault::answer(R"({"ok": 0, "errmsg": "full", "code": 14031})")},
+        {"reply to the chunks lost", 1, Fault::dropAfterForwarding()},
+        {"reply to the record lost", 2, Fault::dropAfterForwarding()},
+    };
+    upload("first", "x"); // makes the indexes
+    for (const Row& row : rows)
+    {
+        gateway().inject(Fault(row.fault).onCommand("insert").number(row.insert));
+        EXPECT_EQ(thrownText([&] { upload("f", letters(25)); }).substr(0, 30), "runtime_error: Upload failed: ")
+            << row.name;
+        EXPECT_EQ(gateway().pendingFaults(), 0U);
+        // A pause of the driver may have kept the removal from being sent after a lost connection: then a record that
+        // was written stays whole.
+        const std::size_t left = records();
+        EXPECT_TRUE(left == 1 || download("f") == letters(25)) << row.name;
+        store().remove("f");
+        gateway().clearFaults();
+    }
+    EXPECT_EQ(download("first"), "x");
+}
+
+TEST_F(FileStoreOnServer, UploadWithAnIdThatIsTakenLeavesTheOtherFile)
+{
+    dbc::UploadOptions options;
+    options.id = Value(1);
+    std::istringstream first("first");
+    store().upload("f", first, options);
+    std::istringstream second("second");
+    try
+    {
+        store().upload("g", second, options);
+        FAIL() << "nothing was thrown";
+    }
+    catch (const dbc::ServerError& error)
+    {
+        EXPECT_EQ(error.kind(), dbc::ErrorKind::DuplicateKey);
+    }
+    EXPECT_EQ(download("f"), "first");
+    EXPECT_EQ(records(), 1U);
+    EXPECT_EQ(chunks(), 1U);
+}
+
+TEST_F(FileStoreOnServer, BrokenFileIsAnErrorAfterWhatCameBefore)
+{
+    upload("f", letters(35));
+    scratch().run(R"({"delete": "fs.chunks", "deletes": [{"q": {"n": 2}, "limit": 1}]})");
+    std::ostringstream target;
+    EXPECT_EQ(thrownText([&] { store().download("f", target); }),
+              "runtime_error: Download failed: chunk 2 of the stored file is missing");
+    EXPECT_EQ(target.str(), letters(20));
+    const std::unique_ptr<dbc::FileReader> reader = store().open("f");
+    reader->seekg(20);
+    EXPECT_EQ(reader->get(), std::char_traits<char>::eof());
+    EXPECT_TRUE(reader->bad());
+
+    scratch().run(R"({"update": "fs.chunks", "updates": [{"q": {"n": 1}, "u": {"$set": {"data": 5}}}]})");
+    EXPECT_EQ(thrownText([&] { store().download("f", target); }),
+              "runtime_error: Download failed: chunk 1 of the stored file has a wrong length");
+    scratch().run(R"({"update": "fs.files", "updates": [{"q": {}, "u": {"$set": {"chunkSize": 0}}}]})");
+    EXPECT_EQ(thrownText([&] { store().download("f", target); }),
+              "runtime_error: Download failed: the record of a stored file is malformed");
+    EXPECT_EQ(thrownText([&] { store().list(); }),
+              "runtime_error: Listing files failed: the record of a stored file is malformed");
+}
+
+TEST_F(FileStoreOnServer, StreamsThatFailEndTheCopy)
+{
+    upload("f", letters(35));
+    std::ofstream target; // not open
+    EXPECT_EQ(thrownText([&] { store().download("f", target); }),
+              "runtime_error: The target of the download cannot be written");
+    std::ifstream directory("/");
+    EXPECT_EQ(thrownText([&] { store().upload("g", directory); }),
+              "runtime_error: The source of the file cannot be read");
+    EXPECT_THROW(store().uploadFile("g", "/nonexistent"), std::system_error);
+    EXPECT_EQ(records(), 1U);
+}
+
+TEST_F(FileStoreOnServer, ArgumentsAreRefusedBeforeAnythingIsSent)
+{
+    gateway().clear();
+    std::istringstream source;
+    std::ostringstream target;
+    dbc::UploadOptions options;
+    options.chunkSize = 0;
+    DataBaseClient unconnected;
+
+    EXPECT_EQ(thrownText([&] { FileStore(unconnected, "").list(); }),
+              "invalid_argument: Connection is not established. Run connect before");
+    EXPECT_EQ(thrownText([&] { FileStore(client(), "").list(); }), "invalid_argument: Database name is empty");
+    EXPECT_EQ(thrownText([&] { FileStore(client(), "d", "").list(); }),
+              "invalid_argument: GridFS collection name is empty");
+    EXPECT_EQ(thrownText([&] { store().upload("", source); }), "invalid_argument: GridFS file name is empty");
+    EXPECT_EQ(thrownText([&] { store().upload("f", source, options); }),
+              "invalid_argument: Chunk size is out of range");
+    EXPECT_EQ(thrownText([&] { store().download("", target); }), "invalid_argument: GridFS file name is empty");
+    EXPECT_EQ(thrownText([&] { store().open(""); }), "invalid_argument: GridFS file name is empty");
+    EXPECT_EQ(thrownText([&] { store().find(""); }), "invalid_argument: GridFS file name is empty");
+    EXPECT_EQ(thrownText([&] { store().remove(""); }), "invalid_argument: GridFS file name is empty");
+    EXPECT_EQ(thrownText([&] { store().rename(Value(1), ""); }), "invalid_argument: GridFS file name is empty");
+    EXPECT_EQ(gateway().names(), std::vector<std::string>{});
+    try
+    {
+        store().download("missing", target);
+        FAIL() << "nothing was thrown";
+    }
+    catch (const dbc::ServerError& error)
+    {
+        EXPECT_STREQ(error.what(), "Download failed: there is no such file");
+        EXPECT_EQ(error.kind(), dbc::ErrorKind::NotFound);
+    }
+}
+
+TEST_F(FileStoreOnServer, UploadIsAcknowledgedThoughTheConnectionStringAsksForNone)
+{
+    DataBaseClient careless;
+    const std::string uri = TestServer::instance().uri();
+    careless.connect(uri + (uri.find('?') == std::string::npos ? "?w=0" : "&w=0"));
+    FileStore target(careless, database());
+    std::istringstream source("content");
+    upload("first", "x"); // makes the indexes
+    gateway().clear();
+
+    target.upload("f", source);
+
+    for (const RecordedCommand& insert : gateway().commands("insert"))
+        EXPECT_EQ(insert.json("writeConcern"), R"({ "w" : 1 })");
+    EXPECT_EQ(download("f"), "content");
+}
+
+} // namespace
+} // namespace test_support
