@@ -43,7 +43,7 @@ install(TARGETS database_client EXPORT database_client
   INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/database_client)
 install(FILES ${database_client_headers}
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/database_client COMPONENT development)
-install(FILES ${dbc_headers}
+install(FILES ${dbc_headers} ${PROJECT_BINARY_DIR}/include/dbc/version.h
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/database_client/dbc COMPONENT development)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/database_client)

@@ -34,7 +34,7 @@ foreach(symbol IN LISTS found)
       AND NOT symbol MATCHES "^(typeinfo for |typeinfo name for |vtable for )?dbc::(Bulk|BulkError|Collection|Cursor|Database|FileReader|FileStore|ServerError)(::.*)?$"
       AND NOT symbol MATCHES "^(BsonToProperties|JsonToProperties|PropertiesToBson|PropertiesToJson)::"
       AND NOT symbol MATCHES "^(createDataBaseClient|createObjectFilter|createObjectProperties|parseOldCollectionName\\(.*)$"
-      AND NOT symbol MATCHES "^dbc::(nameOf|setLogHandler|useDefaultLog)\\(.*$")
+      AND NOT symbol MATCHES "^dbc::(driverVersion|libraryVersion|nameOf|setLogHandler|useDefaultLog)\\(.*$")
     string(APPEND faults "\n  private: ${symbol}")
   endif()
 endforeach()
