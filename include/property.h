@@ -13,8 +13,6 @@
 #include <utility>
 #include <vector>
 
-class PathSegments;
-
 /// Kind of a node and of its value. The numbers are part of the library's interface.
 enum PropertyType : int
 {
@@ -121,11 +119,12 @@ public:
 
     private:
         friend class Property;
+        friend class PropertyTree;
 
         DATABASE_CLIENT_LOCAL PropertyItem(const std::string& key, PropertyType type);
+        DATABASE_CLIENT_LOCAL void copyValue(const PropertyItem& other);
         template <typename Number>
         DATABASE_CLIENT_LOCAL void setNumber(Number PropertyValue::*member, Number value, PropertyType type) noexcept;
-        DATABASE_CLIENT_LOCAL bool holdsNumber() const noexcept;
         DATABASE_CLIENT_LOCAL void swap(PropertyItem& other) noexcept;
 
         PropertyValue m_value;
@@ -340,45 +339,19 @@ public:
     /// @}
 
 private:
-    friend class ObjectPropertiesPrivate;
+    friend class PropertyTree;
     class Passkey
     {
-        friend class Property;
+        friend class PropertyTree;
         Passkey() {}
     };
 
 public:
-    /// For the tree itself: a node with the key, kind and value of @p item.
-    DATABASE_CLIENT_LOCAL Property(const Passkey& passkey, const PropertyItem& item,
-                                   const std::weak_ptr<Property>& parent);
     /// For the tree itself: a node of kind @p type without a value.
     DATABASE_CLIENT_LOCAL Property(const Passkey& passkey, const std::string& key, PropertyType type,
                                    std::weak_ptr<Property>&& parent);
 
 private:
-    DATABASE_CLIENT_LOCAL std::weak_ptr<Property> self();
-    DATABASE_CLIENT_LOCAL Property* findChild(const std::string& key) const;
-    DATABASE_CLIENT_LOCAL Property* insertChild(Children::iterator place, const std::string& key, PropertyType type);
-    DATABASE_CLIENT_LOCAL Property* createChild(const std::string& key, PropertyType type);
-    DATABASE_CLIENT_LOCAL Property* findOrCreateChild(const std::string& key, PropertyType type);
-    DATABASE_CLIENT_LOCAL Property* createPath(PathSegments& segments, PropertyType type);
-    DATABASE_CLIENT_LOCAL std::shared_ptr<Property> createPath(const std::string& path, PropertyType type);
-    DATABASE_CLIENT_LOCAL std::pair<Property*, Children::iterator> locate(const std::string& path);
-    DATABASE_CLIENT_LOCAL Property* find(const std::string& path);
-    DATABASE_CLIENT_LOCAL Property* obtain(const std::string& path, PropertyType missing, PropertyType accepted);
-    DATABASE_CLIENT_LOCAL Property* obtainByPath(const std::string& path, PropertyType missing, PropertyType accepted);
-    DATABASE_CLIENT_LOCAL Property& valueNode(const std::string& path);
-    DATABASE_CLIENT_LOCAL Property& valueNodeToRead(const std::string& path);
-    DATABASE_CLIENT_LOCAL void becomeValue(PropertyType type) noexcept;
-    DATABASE_CLIENT_LOCAL Children::iterator entryAt(int index);
-    DATABASE_CLIENT_LOCAL std::list<std::string>
-    keysOfChildren(const std::string* (*keyIfWanted)(const Children::value_type&)) const;
-    DATABASE_CLIENT_LOCAL void assume(const Property& source, const std::string& key);
-    DATABASE_CLIENT_LOCAL void becomeGroup() noexcept;
-    DATABASE_CLIENT_LOCAL bool holds(const Property& child) const noexcept;
-    DATABASE_CLIENT_LOCAL static Children copyOfChildren(const Property& source, const std::weak_ptr<Property>& parent);
-    DATABASE_CLIENT_LOCAL static void release(Children& children, int depth) noexcept;
-
     PropertyItem m_item;
     Children m_children;
     std::weak_ptr<Property> m_parent;

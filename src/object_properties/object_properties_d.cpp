@@ -1,5 +1,7 @@
 #include "object_properties_d.h"
 
+#include "property/property_paths.h"
+
 namespace {
 
 // A key without segments: empty, or nothing but "/".
@@ -26,7 +28,7 @@ private:
 
 ObjectPropertiesPrivate::ObjectPropertiesPrivate() : root(Property::create()), current(root)
 {
-    root->becomeGroup();
+    PropertyTree::becomeGroup(*root);
 }
 
 Property& ObjectPropertiesPrivate::rootGroup(const std::string& key) const
@@ -41,13 +43,13 @@ void ObjectPropertiesPrivate::beginGroup(const std::string& key)
 
 void ObjectPropertiesPrivate::beginGroup(const std::string& key) const
 {
-    current = isRootKey(key) ? root : rootGroup(key).obtain(key, Group, Group)->getPtr();
+    current = isRootKey(key) ? root : property_paths::obtain(rootGroup(key), key, Group, Group)->getPtr();
 }
 
 // The root has no parent, and a node that was cut off may have lost it: the cursor stays there.
 void ObjectPropertiesPrivate::endGroup() const
 {
-    if (auto parent = current->m_parent.lock())
+    if (auto parent = PropertyTree::parentOf(*current))
         current = std::move(parent);
 }
 
@@ -59,7 +61,7 @@ void ObjectPropertiesPrivate::beginArray(const std::string& key) const
         current = root;
         return;
     }
-    Property* node = rootGroup(key).obtain(key, Array, Group);
+    Property* node = property_paths::obtain(rootGroup(key), key, Array, Group);
     if (node->isGroup())
         current = root;
     else if (node->isArray())
@@ -351,7 +353,7 @@ std::vector<int> ObjectPropertiesPrivate::positionsToCursor() const
     std::vector<int> positions;
     for (auto node = current; node != root;)
     {
-        auto parent = node->m_parent.lock();
+        auto parent = PropertyTree::parentOf(*node);
         if (!parent)
             return {};
         int position = 0;
@@ -369,7 +371,7 @@ std::vector<int> ObjectPropertiesPrivate::positionsToCursor() const
 void ObjectPropertiesPrivate::include(const std::string& key, const ObjectPropertiesPrivate& other)
 {
     Property& anchor = rootGroup(key);
-    Property* target = anchor.find(key);
+    Property* target = property_paths::find(anchor, key);
     if (!target || !target->isGroup())
         target = anchor.createGroup(key).get();
     becomeGroupLike(*target, other);
@@ -383,21 +385,21 @@ void ObjectPropertiesPrivate::includeElement(const std::string& key, const Objec
 // The target keeps its key, and is a group even if the other root was given a value.
 void ObjectPropertiesPrivate::becomeGroupLike(Property& target, const ObjectPropertiesPrivate& other)
 {
-    target.assume(*other.root, target.keyView());
-    target.becomeGroup();
+    PropertyTree::assume(target, *other.root, target.keyView());
+    PropertyTree::becomeGroup(target);
 }
 
 void ObjectPropertiesPrivate::exclude(const std::string& key, ObjectPropertiesPrivate& other)
 {
-    const auto [parent, entry] = rootGroup(key).locate(key);
+    const auto [parent, entry] = property_paths::locate(rootGroup(key), key);
     if (!parent)
         return;
     const auto node = entry->second;
-    other.root->assume(*node, std::string());
+    PropertyTree::assume(*other.root, *node, std::string());
     other.current = other.root;
     if (&other == this)
         return; // the node went with everything else that this document held
-    parent->m_children.erase(entry);
+    PropertyTree::removeChild(*parent, entry);
     leave(*node);
 }
 
@@ -406,8 +408,8 @@ bool ObjectPropertiesPrivate::moveTo(const std::shared_ptr<Property>& node) cons
 {
     for (auto place = node; place != root;)
     {
-        const auto parent = place ? place->m_parent.lock() : nullptr;
-        if (!parent || !parent->holds(*place))
+        const auto parent = place ? PropertyTree::parentOf(*place) : nullptr;
+        if (!parent || !PropertyTree::holds(*parent, *place))
             return false;
         place = parent;
     }
@@ -435,7 +437,7 @@ void ObjectPropertiesPrivate::visitChildren(bool (*visit)(void* visitor), void* 
 // A cursor inside the subtree goes to the root, any other stays.
 void ObjectPropertiesPrivate::leave(const Property& subtree) const
 {
-    for (auto node = current; node; node = node->m_parent.lock())
+    for (auto node = current; node; node = PropertyTree::parentOf(*node))
     {
         if (node.get() == &subtree)
         {

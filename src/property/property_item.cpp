@@ -19,6 +19,13 @@ void freeStorage(Container& container) noexcept
     Container().swap(container);
 }
 
+// The value word is a number exactly for these kinds. For every other kind it is null or an owned text, also while a
+// text has been stored and its kind not yet set, so that no text is ever lost.
+bool isNumber(PropertyType type) noexcept
+{
+    return type >= Bool && type <= Time;
+}
+
 } // namespace
 
 Property::PropertyItem::PropertyValue::PropertyValue() : text(nullptr) {}
@@ -29,9 +36,14 @@ Property::PropertyItem::PropertyItem() = default;
 
 Property::PropertyItem::PropertyItem(const std::string& key, PropertyType type) : m_key(key), m_type(type) {}
 
+Property::PropertyItem::PropertyItem(const PropertyItem& other) : PropertyItem(other.m_key, other.m_type)
+{
+    copyValue(other);
+}
+
 // Only the storage of the kind is copied: that of the others is empty, and copying nothing costs as much as copying a
 // short text.
-Property::PropertyItem::PropertyItem(const PropertyItem& other) : PropertyItem(other.m_key, other.m_type)
+void Property::PropertyItem::copyValue(const PropertyItem& other)
 {
     switch (m_type)
     {
@@ -73,13 +85,6 @@ Property::PropertyItem::~PropertyItem()
     clearString();
 }
 
-// The value word is a number exactly for these kinds. For every other kind it is null or an owned text, also while a
-// text has been stored and its kind not yet set, so that no text is ever lost.
-bool Property::PropertyItem::holdsNumber() const noexcept
-{
-    return m_type >= Bool && m_type <= Time;
-}
-
 void Property::PropertyItem::swap(PropertyItem& other) noexcept
 {
     std::swap(m_value, other.m_value);
@@ -105,7 +110,7 @@ void Property::PropertyItem::setValueString(const std::string& value)
 {
     auto text = newText(value.data(), std::strlen(value.c_str()));
     releaseMemory();
-    if (holdsNumber())
+    if (isNumber(m_type))
         m_type = Undefined;
     m_value.text = text.release();
 }
@@ -147,7 +152,7 @@ void Property::PropertyItem::setValueRegex(const std::pair<std::string, std::str
 
 std::string Property::PropertyItem::valueAsString() const
 {
-    return holdsNumber() || !m_value.text ? std::string() : m_value.text;
+    return isNumber(m_type) || !m_value.text ? std::string() : m_value.text;
 }
 
 bool Property::PropertyItem::valueAsBool() const
@@ -182,7 +187,7 @@ std::pair<std::string, std::string> Property::PropertyItem::valueAsRegex() const
 
 void Property::PropertyItem::clearString()
 {
-    if (!holdsNumber())
+    if (!isNumber(m_type))
         delete[] m_value.text;
     m_value.text = nullptr;
 }

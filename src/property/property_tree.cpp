@@ -1,220 +1,118 @@
-#include "property.h"
+#include "property/property_tree.h"
 
 #include "property/nesting_stack.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <iterator>
 #include <utility>
 
-Property::Property(const std::string& key, std::shared_ptr<Property> parent) : m_parent(parent)
+PropertyTree::LookUp PropertyTree::lookUp(const Property& node, const std::string& key)
 {
-    m_item.m_key = key;
+    const Entry entry = node.m_children.lower_bound(key);
+    return {entry, entry != node.m_children.end() && entry->first == key};
 }
 
-Property::Property(const Passkey& /*passkey*/, const PropertyItem& item, const std::weak_ptr<Property>& parent)
-    : m_item(item), m_parent(parent)
-{}
+Property* PropertyTree::child(const Property& node, const std::string& key)
+{
+    const auto [entry, found] = lookUp(node, key);
+    return found ? entry->second.get() : nullptr;
+}
+
+// From the nearer end: the map has no positions.
+PropertyTree::Entry PropertyTree::entryAt(const Property& node, int index)
+{
+    const Children& children = node.m_children;
+    const auto count = static_cast<std::ptrdiff_t>(children.size());
+    if (index < 0 || index >= count)
+        return children.end();
+    return index <= count / 2 ? std::next(children.begin(), index) : std::prev(children.end(), count - index);
+}
+
+// The key leads to the node unless a copy into the node has changed it.
+bool PropertyTree::holds(const Property& node, const Property& child) noexcept
+{
+    const auto isChild = [&child](const Children::value_type& entry) { return entry.second.get() == &child; };
+    const auto [first, last] = node.m_children.equal_range(child.m_item.m_key);
+    return std::any_of(first, last, isChild) || std::any_of(node.m_children.begin(), node.m_children.end(), isChild);
+}
+
+// What getPtr() is to an owner: it throws alike, but takes no share.
+std::weak_ptr<Property> PropertyTree::self(Property& node)
+{
+    auto weak = node.weak_from_this();
+    if (weak.expired())
+        throw std::bad_weak_ptr();
+    return weak;
+}
 
 Property::Property(const Passkey& /*passkey*/, const std::string& key, PropertyType type,
                    std::weak_ptr<Property>&& parent)
     : m_item(key, type), m_parent(std::move(parent))
 {}
 
-Property::~Property()
+std::shared_ptr<Property> PropertyTree::newNode(const std::string& key, PropertyType type,
+                                                std::weak_ptr<Property>&& parent)
 {
-    release(m_children, 0);
+    return std::make_shared<Property>(Property::Passkey(), key, type, std::move(parent));
 }
 
-std::shared_ptr<Property> Property::create()
+// Flattened: making a node runs through a dozen small library functions, called one by one for every field read.
+[[gnu::flatten]] Property* PropertyTree::insertChild(Property& node, Entry place, const std::string& key,
+                                                     PropertyType type)
 {
-    auto node = std::make_shared<Property>(Passkey(), std::string(), Undefined, std::weak_ptr<Property>());
-    node->init();
-    return node;
+    return node.m_children.emplace_hint(place, key, newNode(key, type, self(node)))->second.get();
 }
 
-void Property::init()
+// On an array every call adds an element, behind those with an equal key: with the end as its hint the map does just
+// that, and searches only where the key does not belong to the end. Elsewhere a child that exists is given as it is,
+// whatever its kind. Documents mostly arrive in key order, so the end is looked at first: that saves the search.
+Property* PropertyTree::createChild(Property& node, const std::string& key, PropertyType type)
 {
-    getPtr();
+    const Children& children = node.m_children;
+    if (node.m_item.m_type == Array || children.empty() || std::prev(children.end())->first < key)
+        return insertChild(node, children.end(), key, type);
+    return findOrCreateChild(node, key, type);
 }
 
-std::shared_ptr<Property> Property::getPtr()
+Property* PropertyTree::findOrCreateChild(Property& node, const std::string& key, PropertyType type)
 {
-    return shared_from_this();
+    const auto [entry, found] = lookUp(node, key);
+    return found ? entry->second.get() : insertChild(node, entry, key, type);
 }
 
-std::shared_ptr<Property> Property::parent()
+void PropertyTree::becomeGroup(Property& node) noexcept
 {
-    return std::shared_ptr<Property>(m_parent);
-}
-
-// What getPtr() is to an owner: it throws alike, but takes no share.
-std::weak_ptr<Property> Property::self()
-{
-    auto weak = weak_from_this();
-    if (weak.expired())
-        throw std::bad_weak_ptr();
-    return weak;
-}
-
-std::string Property::key() const
-{
-    return m_item.m_key;
-}
-
-std::size_t Property::childCount() const
-{
-    return m_children.size();
-}
-
-Property::Children::iterator Property::begin()
-{
-    return m_children.begin();
-}
-
-Property::Children::iterator Property::end()
-{
-    return m_children.end();
-}
-
-Property::Children::const_iterator Property::begin() const
-{
-    return m_children.begin();
-}
-
-Property::Children::const_iterator Property::end() const
-{
-    return m_children.end();
-}
-
-std::list<std::string> Property::keysOfChildren(const std::string* (*keyIfWanted)(const Children::value_type&)) const
-{
-    std::list<std::string> keys;
-    if (!isGroup() && !isArray())
-        return keys;
-    for (const auto& entry : m_children)
-    {
-        if (const std::string* key = keyIfWanted(entry))
-            keys.push_back(*key);
-    }
-    return keys;
-}
-
-std::list<std::string> Property::childKeys() const
-{
-    return keysOfChildren([](const Children::value_type& entry) {
-        return entry.second->isGroup() || entry.second->isArray() ? nullptr : &entry.first;
-    });
-}
-
-std::list<std::string> Property::childGroups() const
-{
-    return keysOfChildren(
-        [](const Children::value_type& entry) { return entry.second->isGroup() ? &entry.first : nullptr; });
-}
-
-// The child's own key, not that of its entry, which a copy into the child can make differ: callers depend on it.
-std::list<std::string> Property::childArrays() const
-{
-    return keysOfChildren([](const Children::value_type& entry) -> const std::string* {
-        return entry.second->isArray() ? &entry.second->m_item.m_key : nullptr;
-    });
-}
-
-bool Property::containsSingleKey(const std::string& key) const
-{
-    return findChild(key) != nullptr;
-}
-
-std::shared_ptr<Property> Property::propertyBySingleKey(const std::string& key)
-{
-    Property* child = findChild(key);
-    return child ? child->getPtr() : nullptr;
-}
-
-std::shared_ptr<Property> Property::childByIndex(const int& index)
-{
-    const auto place = entryAt(index);
-    return place == m_children.end() ? nullptr : place->second;
-}
-
-void Property::remove(const std::string& key)
-{
-    const auto place = m_children.lower_bound(key);
-    if (place != m_children.end() && place->first == key)
-        m_children.erase(place);
-}
-
-void Property::removeAll(const std::string& key)
-{
-    m_children.erase(key);
-}
-
-void Property::remove(const int& index)
-{
-    const auto place = entryAt(index);
-    if (place != m_children.end())
-        m_children.erase(place);
-}
-
-// From the nearer end: the map has no positions.
-Property::Children::iterator Property::entryAt(int index)
-{
-    const auto count = static_cast<std::ptrdiff_t>(m_children.size());
-    if (index < 0 || index >= count)
-        return m_children.end();
-    return index <= count / 2 ? std::next(m_children.begin(), index) : std::prev(m_children.end(), count - index);
-}
-
-void Property::clearChilds()
-{
-    release(m_children, 0);
-}
-
-void Property::clear()
-{
-    clearChilds();
-    m_item.clear();
-}
-
-// The key leads to the node unless a copy into the node has changed it.
-bool Property::holds(const Property& child) const noexcept
-{
-    const auto isChild = [&child](const Children::value_type& entry) { return entry.second.get() == &child; };
-    const auto [first, last] = m_children.equal_range(child.m_item.m_key);
-    return std::any_of(first, last, isChild) || std::any_of(m_children.begin(), m_children.end(), isChild);
-}
-
-void Property::becomeGroup() noexcept
-{
-    if (isGroup())
+    if (node.m_item.m_type == Group)
         return;
-    m_item.clear();
-    m_item.m_type = Group;
+    node.m_item.clear();
+    node.m_item.m_type = Group;
 }
 
-void Property::copy(const Property& source)
+void PropertyTree::becomeValue(Property& node, PropertyType type) noexcept
 {
-    assume(source, source.m_item.m_key);
+    node.m_item.m_type = type;
+    release(node.m_children);
 }
 
 // Everything new is made before anything old goes: the source may be part of this subtree, or this part of the
 // source's.
-void Property::assume(const Property& source, const std::string& key)
+void PropertyTree::assume(Property& node, const Property& source, const std::string& key)
 {
-    if (this == &source)
+    if (&node == &source)
         return;
-    PropertyItem item(source.m_item);
+    Property::PropertyItem item(source.m_item);
     item.m_key = key;
-    Children children = copyOfChildren(source, self());
-    m_item.swap(item);
-    m_children.swap(children);
-    release(children, 0);
+    Children children = copyOfChildren(source, self(node));
+    node.m_item.swap(item);
+    node.m_children.swap(children);
+    release(children);
 }
 
 // Each level is first copied as a map, which takes over the shape of the tree: that saves searching a place for every
 // child. Until its turn comes an entry of the copy shares the child of the source.
-[[gnu::flatten]] Property::Children Property::copyOfChildren(const Property& source,
-                                                             const std::weak_ptr<Property>& parent)
+[[gnu::flatten]] PropertyTree::Children PropertyTree::copyOfChildren(const Property& source,
+                                                                     const std::weak_ptr<Property>& parent)
 {
     struct Level
     {
@@ -234,11 +132,12 @@ void Property::assume(const Property& source, const std::string& key)
             continue;
         }
         std::shared_ptr<Property>& entry = level.next++->second;
-        const auto copy = std::make_shared<Property>(Passkey(), entry->m_item, level.parent);
+        const auto copy = newNode(entry->m_item.m_key, entry->m_item.m_type, std::weak_ptr<Property>(level.parent));
+        copy->m_item.copyValue(entry->m_item);
         if (!entry->m_children.empty())
         {
             copy->m_children = entry->m_children;
-            open.push(copy->begin(), copy->end(), copy);
+            open.push(copy->m_children.begin(), copy->m_children.end(), copy);
         }
         entry = copy;
     }
@@ -247,7 +146,7 @@ void Property::assume(const Property& source, const std::string& key)
 
 // Recursion is fast but bounded. Below the bound the children of a level are merged into one map and freed from there:
 // that allocates nothing, so freeing cannot fail, and needs no stack, so it may be any depth.
-void Property::release(Children& children, int depth) noexcept
+void PropertyTree::release(Children& children, int depth) noexcept
 {
     if (children.empty())
         return;
@@ -271,4 +170,9 @@ void Property::release(Children& children, int depth) noexcept
         if (ownsMore(entry.mapped()))
             children.merge(entry.mapped()->m_children);
     }
+}
+
+Property::~Property()
+{
+    PropertyTree::release(m_children);
 }
