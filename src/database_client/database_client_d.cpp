@@ -34,16 +34,6 @@ void DataBaseClientPrivate::connect(const std::string& uri)
         throw_runtime_error("Connection failed", "", 0);
 }
 
-void DataBaseClientPrivate::disconnect()
-{
-    m_client.reset();
-}
-
-bool DataBaseClientPrivate::isConnected() const
-{
-    return m_client != nullptr;
-}
-
 void DataBaseClientPrivate::getDatabaseName(std::string& name)
 {
     name.clear();
@@ -85,23 +75,8 @@ void DataBaseClientPrivate::throw_runtime_error(const std::string& message, cons
     throw std::runtime_error(text);
 }
 
-void DataBaseClientPrivate::throwDriverError(const std::string& message, const bson_error_t& error)
-{
-    throw_runtime_error(message, error.message, static_cast<int>(error.code));
-}
-
 void DataBaseClientPrivate::toBson(const ObjectProperties& properties, OwnedBson& bson, const char* refusal)
 {
     if (!PropertiesToBson::convert(properties, bson.get()) || !canBeSent(bson.get()))
         throw std::invalid_argument(refusal);
-}
-
-DatabaseHandle DataBaseClientPrivate::openDatabase(const std::string& database) const
-{
-    return DatabaseHandle(mongoc_client_get_database(m_client.get(), database.c_str()));
-}
-
-CollectionHandle DataBaseClientPrivate::openCollection(const std::string& database, const std::string& collection) const
-{
-    return CollectionHandle(mongoc_client_get_collection(m_client.get(), database.c_str(), collection.c_str()));
 }

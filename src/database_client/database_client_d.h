@@ -26,8 +26,8 @@ public:
     static std::string uri(const std::string& host, const int& port, const std::string& user,
                            const std::string& password, const std::string& database);
     void connect(const std::string& uri);
-    void disconnect();
-    bool isConnected() const;
+    void disconnect() { m_client.reset(); }
+    bool isConnected() const { return m_client != nullptr; }
     void getDatabaseName(std::string& name);
     std::string createId() const;
 
@@ -75,13 +75,22 @@ public:
 private:
     friend class dbc::ClientAccess;
 
-    [[noreturn]] static void throwDriverError(const std::string& message, const bson_error_t& error);
+    [[noreturn]] static void throwDriverError(const std::string& message, const bson_error_t& error)
+    {
+        throw_runtime_error(message, error.message, static_cast<int>(error.code));
+    }
     /// Converts for sending. @throws std::invalid_argument the refusal, also for documents nested deeper than the
     /// driver can walk
     static void toBson(const ObjectProperties& properties, OwnedBson& bson, const char* refusal);
 
-    DatabaseHandle openDatabase(const std::string& database) const;
-    CollectionHandle openCollection(const std::string& database, const std::string& collection) const;
+    DatabaseHandle openDatabase(const std::string& database) const
+    {
+        return DatabaseHandle(mongoc_client_get_database(m_client.get(), database.c_str()));
+    }
+    CollectionHandle openCollection(const std::string& database, const std::string& collection) const
+    {
+        return CollectionHandle(mongoc_client_get_collection(m_client.get(), database.c_str(), collection.c_str()));
+    }
     GridFsHandle openGridFs(const std::string& database, const std::string& gridFsCollection) const;
 
     SharedClient m_client; ///< null when not connected

@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <limits>
 
-ObjectFilterPrivate::ObjectFilterPrivate() : m_lists{}, m_depth(0) {}
-
 ObjectFilterPrivate::~ObjectFilterPrivate() = default;
 
 // The lists that are open stay open in the copy, so its cursor has to stand where they are. Without open lists it
@@ -42,36 +40,6 @@ void ObjectFilterPrivate::startArrayOperation(ArrayOperationType operation)
     }
     if (m_depth < std::numeric_limits<int>::max())
         ++m_depth;
-}
-
-void ObjectFilterPrivate::start_and()
-{
-    startArrayOperation(ArrayOperationTypeAnd);
-}
-
-void ObjectFilterPrivate::finish_and()
-{
-    finish_array_operation();
-}
-
-void ObjectFilterPrivate::start_or()
-{
-    startArrayOperation(ArrayOperationTypeOr);
-}
-
-void ObjectFilterPrivate::finish_or()
-{
-    finish_array_operation();
-}
-
-void ObjectFilterPrivate::beginGroup(const std::string& key)
-{
-    m_query.beginGroup(key);
-}
-
-void ObjectFilterPrivate::endGroup()
-{
-    m_query.endGroup();
 }
 
 // What all conditions share. setValue(target, key...) writes the value: under a key of the document, or into a node.
@@ -171,31 +139,6 @@ void ObjectFilterPrivate::exclude(const std::string& key, ObjectFilterPrivate& t
     ObjectFilterPrivate part;
     m_query.exclude(key, part.m_query);
     target.copy(part);
-}
-
-bool ObjectFilterPrivate::isEmpty() const
-{
-    return m_query.isEmpty();
-}
-
-ObjectProperties ObjectFilterPrivate::toObjectProeprties() const
-{
-    return d();
-}
-
-void ObjectFilterPrivate::fromObjectProperties(const ObjectProperties& properties)
-{
-    setD(properties);
-}
-
-ObjectProperties ObjectFilterPrivate::d() const
-{
-    return m_query;
-}
-
-void ObjectFilterPrivate::setD(const ObjectProperties& properties)
-{
-    m_query = properties;
 }
 
 std::string ObjectFilterPrivate::operationTypeName(OperationType operation)

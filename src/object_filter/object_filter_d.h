@@ -21,7 +21,7 @@ public:
         ArrayOperationTypeOr = 1   ///< "$or"
     };
 
-    ObjectFilterPrivate();
+    ObjectFilterPrivate() : m_lists{}, m_depth(0) {}
     ObjectFilterPrivate(const ObjectFilterPrivate&) = delete;
     ObjectFilterPrivate& operator=(const ObjectFilterPrivate&) = delete;
 
@@ -29,12 +29,12 @@ public:
 
     virtual ~ObjectFilterPrivate();
     virtual void copy(const ObjectFilterPrivate& other);
-    virtual void start_and();
-    virtual void finish_and();
-    virtual void start_or();
-    virtual void finish_or();
-    virtual void beginGroup(const std::string& key);
-    virtual void endGroup();
+    virtual void start_and() { startArrayOperation(ArrayOperationTypeAnd); }
+    virtual void finish_and() { finish_array_operation(); }
+    virtual void start_or() { startArrayOperation(ArrayOperationTypeOr); }
+    virtual void finish_or() { finish_array_operation(); }
+    virtual void beginGroup(const std::string& key) { m_query.beginGroup(key); }
+    virtual void endGroup() { m_query.endGroup(); }
     virtual void setFilterString(OperationType operation, const std::string& key, const std::string& value,
                                  const std::string& options);
     virtual void setFilterBool(OperationType operation, const std::string& key, const bool& value);
@@ -45,11 +45,11 @@ public:
     virtual void setFilterId(OperationType operation, const std::string& key, const std::string& value);
     virtual void include(const ObjectFilterPrivate& other);
     virtual void exclude(const std::string& key, ObjectFilterPrivate& target);
-    virtual bool isEmpty() const;
-    virtual ObjectProperties toObjectProeprties() const;
-    virtual void fromObjectProperties(const ObjectProperties& properties);
-    virtual ObjectProperties d() const;
-    virtual void setD(const ObjectProperties& properties);
+    virtual bool isEmpty() const { return m_query.isEmpty(); }
+    virtual ObjectProperties toObjectProeprties() const { return d(); }
+    virtual void fromObjectProperties(const ObjectProperties& properties) { setD(properties); }
+    virtual ObjectProperties d() const { return m_query; }
+    virtual void setD(const ObjectProperties& properties) { m_query = properties; }
     virtual std::string operationTypeName(OperationType operation);
     virtual std::string arrayOperationName(ArrayOperationType operation);
     /// Closes the innermost list, whatever its kind.
