@@ -4,15 +4,8 @@
 
 #include <memory>
 
-DatabaseDriverManager::DatabaseDriverManager()
-{
-    mongoc_init();
-}
-
-DatabaseDriverManager::~DatabaseDriverManager()
-{
-    mongoc_cleanup();
-}
+DatabaseDriverManager::DatabaseDriverManager() { mongoc_init(); }
+DatabaseDriverManager::~DatabaseDriverManager() { mongoc_cleanup(); }
 
 void DatabaseDriverManager::init()
 {

@@ -34,7 +34,6 @@ std::string DataBaseClient::uri(const std::string& host, const int& port, const 
 }
 
 DataBaseClient::DataBaseClient() : d(std::make_unique<DataBaseClientPrivate>()) {}
-
 DataBaseClient::~DataBaseClient() = default;
 
 // Overloads that are built on other virtual operations, so that a subclass that replaces those governs these too.
@@ -45,10 +44,7 @@ void DataBaseClient::connect(const std::string& database, const std::string& hos
     connect(uri(host, port, user, password, database));
 }
 
-void DataBaseClient::connect(const std::string& host, int port)
-{
-    connect(uri(host, port, "", "", ""));
-}
+void DataBaseClient::connect(const std::string& host, int port) { connect(uri(host, port, "", "", "")); }
 
 void DataBaseClient::write(const std::string& database, const std::string& collection, const ObjectProperties& document)
 {
@@ -89,20 +85,9 @@ void DataBaseClient::remove(const std::string& fullCollectionName, const ObjectP
 
 // Operations that forward; what they do stands with DataBaseClientPrivate.
 
-void DataBaseClient::connect(const std::string& uri)
-{
-    d->connect(uri);
-}
-
-void DataBaseClient::disconnect()
-{
-    d->disconnect();
-}
-
-bool DataBaseClient::isConnected() const
-{
-    return d->isConnected();
-}
+void DataBaseClient::connect(const std::string& uri) { d->connect(uri); }
+void DataBaseClient::disconnect() { d->disconnect(); }
+bool DataBaseClient::isConnected() const { return d->isConnected(); }
 
 void DataBaseClient::write(const std::string& database, const std::string& collection, const ObjectProperties& document,
                            std::string& id)
@@ -134,15 +119,8 @@ void DataBaseClient::remove(const std::string& database, const std::string& coll
     d->remove(database, collection, query);
 }
 
-void DataBaseClient::getDatabaseName(std::string& name)
-{
-    d->getDatabaseName(name);
-}
-
-std::string DataBaseClient::createId() const
-{
-    return d->createId();
-}
+void DataBaseClient::getDatabaseName(std::string& name) { d->getDatabaseName(name); }
+std::string DataBaseClient::createId() const { return d->createId(); }
 
 void DataBaseClient::addUser(const std::string& database, std::string user, const std::string& password,
                              const ObjectProperties& roles, const ObjectProperties& customData)

@@ -1,7 +1,4 @@
 #include "database_client.h"
 #include "factories.h"
 
-DataBaseClient* createDataBaseClient()
-{
-    return new DataBaseClient;
-}
+DataBaseClient* createDataBaseClient() { return new DataBaseClient; }

@@ -6,11 +6,7 @@
 
 #include <stdexcept>
 
-DataBaseClientPrivate::DataBaseClientPrivate()
-{
-    DatabaseDriverManager::init();
-}
-
+DataBaseClientPrivate::DataBaseClientPrivate() { DatabaseDriverManager::init(); }
 DataBaseClientPrivate::~DataBaseClientPrivate() = default;
 
 std::string DataBaseClientPrivate::uri(const std::string& host, const int& port, const std::string& user,

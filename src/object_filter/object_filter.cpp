@@ -10,49 +10,16 @@ void ObjectFilter::setFilterDocument(const std::string& key, const ObjectPropert
     d->setFilterDocument(key, operators);
 }
 
-ObjectFilter* createObjectFilter()
-{
-    return new ObjectFilter;
-}
-
+ObjectFilter* createObjectFilter() { return new ObjectFilter; }
 ObjectFilter::ObjectFilter() : d(std::make_unique<ObjectFilterPrivate>()) {}
-
-ObjectFilter::ObjectFilter(const ObjectFilter& other) : ObjectFilter()
-{
-    d->copy(*other.d);
-}
-
+ObjectFilter::ObjectFilter(const ObjectFilter& other) : ObjectFilter() { d->copy(*other.d); }
 ObjectFilter::~ObjectFilter() = default;
-
-void ObjectFilter::start_and()
-{
-    d->start_and();
-}
-
-void ObjectFilter::finish_and()
-{
-    d->finish_and();
-}
-
-void ObjectFilter::start_or()
-{
-    d->start_or();
-}
-
-void ObjectFilter::finish_or()
-{
-    d->finish_or();
-}
-
-void ObjectFilter::beginGroup(const std::string& key)
-{
-    d->beginGroup(key);
-}
-
-void ObjectFilter::endGroup()
-{
-    d->endGroup();
-}
+void ObjectFilter::start_and() { d->start_and(); }
+void ObjectFilter::finish_and() { d->finish_and(); }
+void ObjectFilter::start_or() { d->start_or(); }
+void ObjectFilter::finish_or() { d->finish_or(); }
+void ObjectFilter::beginGroup(const std::string& key) { d->beginGroup(key); }
+void ObjectFilter::endGroup() { d->endGroup(); }
 
 void ObjectFilter::setFilterString(OperationType operation, const std::string& key, const std::string& value,
                                    const std::string& options)
@@ -90,30 +57,11 @@ void ObjectFilter::setFilterId(OperationType operation, const std::string& key, 
     d->setFilterId(operation, key, value);
 }
 
-void ObjectFilter::include(const ObjectFilter& other)
-{
-    d->include(*other.d);
-}
-
-void ObjectFilter::exclude(const std::string& key, ObjectFilter& target)
-{
-    d->exclude(key, *target.d);
-}
-
-bool ObjectFilter::isEmpty() const
-{
-    return d->isEmpty();
-}
-
-ObjectProperties ObjectFilter::toObjectProeprties() const
-{
-    return d->toObjectProeprties();
-}
-
-void ObjectFilter::fromObjectProperties(const ObjectProperties& properties)
-{
-    d->fromObjectProperties(properties);
-}
+void ObjectFilter::include(const ObjectFilter& other) { d->include(*other.d); }
+void ObjectFilter::exclude(const std::string& key, ObjectFilter& target) { d->exclude(key, *target.d); }
+bool ObjectFilter::isEmpty() const { return d->isEmpty(); }
+ObjectProperties ObjectFilter::toObjectProeprties() const { return d->toObjectProeprties(); }
+void ObjectFilter::fromObjectProperties(const ObjectProperties& properties) { d->fromObjectProperties(properties); }
 
 ObjectFilter& ObjectFilter::operator=(const ObjectFilter& other)
 {

@@ -5,10 +5,7 @@
 namespace {
 
 // A key without segments: empty, or nothing but "/".
-bool isRootKey(const std::string& key) noexcept
-{
-    return key.find_first_not_of('/') == std::string::npos;
-}
+bool isRootKey(const std::string& key) noexcept { return key.find_first_not_of('/') == std::string::npos; }
 
 // Puts the cursor back where it stood, on every way out.
 class CursorReturn

@@ -1,7 +1,4 @@
 #include "factories.h"
 #include "object_properties.h"
 
-ObjectProperties* createObjectProperties()
-{
-    return new ObjectProperties;
-}
+ObjectProperties* createObjectProperties() { return new ObjectProperties; }

@@ -19,10 +19,7 @@ std::list<std::string> keysOfChildren(const Property& node, KeyIfWanted keyIfWan
 
 } // namespace
 
-Property::Property(const std::string& key, std::shared_ptr<Property> parent) : m_parent(parent)
-{
-    m_item.m_key = key;
-}
+Property::Property(const std::string& key, std::shared_ptr<Property> parent) : m_parent(parent) { m_item.m_key = key; }
 
 std::shared_ptr<Property> Property::create()
 {
@@ -31,115 +28,30 @@ std::shared_ptr<Property> Property::create()
     return node;
 }
 
-void Property::init()
-{
-    getPtr();
-}
+void Property::init() { getPtr(); }
+std::shared_ptr<Property> Property::getPtr() { return shared_from_this(); }
+std::shared_ptr<Property> Property::parent() { return std::shared_ptr<Property>(m_parent); }
+std::string Property::key() const { return m_item.m_key; }
+const std::string& Property::keyView() const noexcept { return m_item.m_key; }
 
-std::shared_ptr<Property> Property::getPtr()
-{
-    return shared_from_this();
-}
+int Property::type() const { return m_item.m_type; }
+bool Property::isGroup() const { return m_item.m_type == Group; }
+bool Property::isArray() const { return m_item.m_type == Array; }
+bool Property::isString() const { return m_item.m_type == String; }
+bool Property::isBool() const { return m_item.m_type == Bool; }
+bool Property::isInt32() const { return m_item.m_type == Int32; }
+bool Property::isInt64() const { return m_item.m_type == Int64; }
+bool Property::isDouble() const { return m_item.m_type == Double; }
+bool Property::isTime() const { return m_item.m_type == Time; }
+bool Property::isId() const { return m_item.m_type == Id; }
+bool Property::isBinary() const { return m_item.m_type == Binary; }
+bool Property::isRegex() const { return m_item.m_type == Regex; }
 
-std::shared_ptr<Property> Property::parent()
-{
-    return std::shared_ptr<Property>(m_parent);
-}
-
-std::string Property::key() const
-{
-    return m_item.m_key;
-}
-
-const std::string& Property::keyView() const noexcept
-{
-    return m_item.m_key;
-}
-
-int Property::type() const
-{
-    return m_item.m_type;
-}
-
-bool Property::isGroup() const
-{
-    return m_item.m_type == Group;
-}
-
-bool Property::isArray() const
-{
-    return m_item.m_type == Array;
-}
-
-bool Property::isString() const
-{
-    return m_item.m_type == String;
-}
-
-bool Property::isBool() const
-{
-    return m_item.m_type == Bool;
-}
-
-bool Property::isInt32() const
-{
-    return m_item.m_type == Int32;
-}
-
-bool Property::isInt64() const
-{
-    return m_item.m_type == Int64;
-}
-
-bool Property::isDouble() const
-{
-    return m_item.m_type == Double;
-}
-
-bool Property::isTime() const
-{
-    return m_item.m_type == Time;
-}
-
-bool Property::isId() const
-{
-    return m_item.m_type == Id;
-}
-
-bool Property::isBinary() const
-{
-    return m_item.m_type == Binary;
-}
-
-bool Property::isRegex() const
-{
-    return m_item.m_type == Regex;
-}
-
-std::size_t Property::childCount() const
-{
-    return m_children.size();
-}
-
-Property::Children::iterator Property::begin()
-{
-    return m_children.begin();
-}
-
-Property::Children::iterator Property::end()
-{
-    return m_children.end();
-}
-
-Property::Children::const_iterator Property::begin() const
-{
-    return m_children.begin();
-}
-
-Property::Children::const_iterator Property::end() const
-{
-    return m_children.end();
-}
+std::size_t Property::childCount() const { return m_children.size(); }
+Property::Children::iterator Property::begin() { return m_children.begin(); }
+Property::Children::iterator Property::end() { return m_children.end(); }
+Property::Children::const_iterator Property::begin() const { return m_children.begin(); }
+Property::Children::const_iterator Property::end() const { return m_children.end(); }
 
 std::list<std::string> Property::childKeys() const
 {
@@ -162,10 +74,7 @@ std::list<std::string> Property::childArrays() const
     });
 }
 
-bool Property::containsSingleKey(const std::string& key) const
-{
-    return PropertyTree::child(*this, key) != nullptr;
-}
+bool Property::containsSingleKey(const std::string& key) const { return PropertyTree::child(*this, key) != nullptr; }
 
 std::shared_ptr<Property> Property::propertyBySingleKey(const std::string& key)
 {
@@ -202,10 +111,7 @@ void Property::remove(const std::string& key)
         m_children.erase(entry);
 }
 
-void Property::removeAll(const std::string& key)
-{
-    m_children.erase(key);
-}
+void Property::removeAll(const std::string& key) { m_children.erase(key); }
 
 void Property::remove(const int& index)
 {
@@ -214,10 +120,7 @@ void Property::remove(const int& index)
         m_children.erase(entry);
 }
 
-void Property::clearChilds()
-{
-    PropertyTree::release(m_children);
-}
+void Property::clearChilds() { PropertyTree::release(m_children); }
 
 void Property::clear()
 {
@@ -225,7 +128,4 @@ void Property::clear()
     m_item.clear();
 }
 
-void Property::copy(const Property& source)
-{
-    PropertyTree::assume(*this, source, source.m_item.m_key);
-}
+void Property::copy(const Property& source) { PropertyTree::assume(*this, source, source.m_item.m_key); }

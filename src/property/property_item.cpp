@@ -21,19 +21,13 @@ void freeStorage(Container& container) noexcept
 
 // The value word is a number exactly for these kinds. For every other kind it is null or an owned text, also while a
 // text has been stored and its kind not yet set, so that no text is ever lost.
-bool isNumber(PropertyType type) noexcept
-{
-    return type >= Bool && type <= Time;
-}
+bool isNumber(PropertyType type) noexcept { return type >= Bool && type <= Time; }
 
 } // namespace
 
 Property::PropertyItem::PropertyValue::PropertyValue() : text(nullptr) {}
-
 Property::PropertyItem::PropertyValue::~PropertyValue() {}
-
 Property::PropertyItem::PropertyItem() = default;
-
 Property::PropertyItem::PropertyItem(const std::string& key, PropertyType type) : m_key(key), m_type(type) {}
 
 Property::PropertyItem::PropertyItem(const PropertyItem& other) : PropertyItem(other.m_key, other.m_type)
@@ -80,10 +74,7 @@ Property::PropertyItem& Property::PropertyItem::operator=(const PropertyItem& ot
     return *this;
 }
 
-Property::PropertyItem::~PropertyItem()
-{
-    clearString();
-}
+Property::PropertyItem::~PropertyItem() { clearString(); }
 
 void Property::PropertyItem::swap(PropertyItem& other) noexcept
 {
@@ -115,25 +106,10 @@ void Property::PropertyItem::setValueString(const std::string& value)
     m_value.text = text.release();
 }
 
-void Property::PropertyItem::setValueBool(const bool& value)
-{
-    setNumber(&PropertyValue::boolean, value, Bool);
-}
-
-void Property::PropertyItem::setValueInt32(const int& value)
-{
-    setNumber(&PropertyValue::int32, value, Int32);
-}
-
-void Property::PropertyItem::setValueInt64(const long& value)
-{
-    setNumber(&PropertyValue::int64, value, Int64);
-}
-
-void Property::PropertyItem::setValueDouble(const double& value)
-{
-    setNumber(&PropertyValue::binary64, value, Double);
-}
+void Property::PropertyItem::setValueBool(const bool& value) { setNumber(&PropertyValue::boolean, value, Bool); }
+void Property::PropertyItem::setValueInt32(const int& value) { setNumber(&PropertyValue::int32, value, Int32); }
+void Property::PropertyItem::setValueInt64(const long& value) { setNumber(&PropertyValue::int64, value, Int64); }
+void Property::PropertyItem::setValueDouble(const double& value) { setNumber(&PropertyValue::binary64, value, Double); }
 
 void Property::PropertyItem::setValueBinary(const std::vector<unsigned char>& value)
 {
@@ -155,30 +131,11 @@ std::string Property::PropertyItem::valueAsString() const
     return isNumber(m_type) || !m_value.text ? std::string() : m_value.text;
 }
 
-bool Property::PropertyItem::valueAsBool() const
-{
-    return m_value.boolean;
-}
-
-int Property::PropertyItem::valueAsInt32() const
-{
-    return m_value.int32;
-}
-
-long Property::PropertyItem::valueAsInt64() const
-{
-    return m_value.int64;
-}
-
-double Property::PropertyItem::valueAsDouble() const
-{
-    return m_value.binary64;
-}
-
-std::vector<unsigned char> Property::PropertyItem::valueAsBinary() const
-{
-    return m_binary;
-}
+bool Property::PropertyItem::valueAsBool() const { return m_value.boolean; }
+int Property::PropertyItem::valueAsInt32() const { return m_value.int32; }
+long Property::PropertyItem::valueAsInt64() const { return m_value.int64; }
+double Property::PropertyItem::valueAsDouble() const { return m_value.binary64; }
+std::vector<unsigned char> Property::PropertyItem::valueAsBinary() const { return m_binary; }
 
 std::pair<std::string, std::string> Property::PropertyItem::valueAsRegex() const
 {

@@ -116,10 +116,7 @@ std::list<std::string> Property::splitKey(const std::string& path) const
     return keys;
 }
 
-bool Property::contains(const std::string& path)
-{
-    return property_paths::find(*this, path) != nullptr;
-}
+bool Property::contains(const std::string& path) { return property_paths::find(*this, path) != nullptr; }
 
 std::shared_ptr<Property> Property::propertyByKey(const std::string& path)
 {

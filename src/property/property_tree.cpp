@@ -172,7 +172,4 @@ void PropertyTree::release(Children& children, int depth) noexcept
     }
 }
 
-Property::~Property()
-{
-    PropertyTree::release(m_children);
-}
+Property::~Property() { PropertyTree::release(m_children); }

@@ -65,40 +65,13 @@ void Property::setValueUndefined()
     PropertyTree::becomeValue(*this, Undefined);
 }
 
-std::string Property::currentValueAsString(const std::string& def)
-{
-    return isString() ? m_item.valueAsString() : def;
-}
-
-bool Property::currentValueAsBool(const bool& def)
-{
-    return isBool() ? m_item.valueAsBool() : def;
-}
-
-int Property::currentValueAsInt32(const int& def)
-{
-    return isInt32() ? m_item.valueAsInt32() : def;
-}
-
-long Property::currentValueAsInt64(const long& def)
-{
-    return isInt64() ? m_item.valueAsInt64() : def;
-}
-
-double Property::currentValueAsDouble(const double& def)
-{
-    return isDouble() ? m_item.valueAsDouble() : def;
-}
-
-long Property::currentValueAsTime(const long& def)
-{
-    return isTime() ? m_item.valueAsInt64() : def;
-}
-
-std::string Property::currentValueAsId(const std::string& def)
-{
-    return isId() ? m_item.valueAsString() : def;
-}
+std::string Property::currentValueAsString(const std::string& def) { return isString() ? m_item.valueAsString() : def; }
+bool Property::currentValueAsBool(const bool& def) { return isBool() ? m_item.valueAsBool() : def; }
+int Property::currentValueAsInt32(const int& def) { return isInt32() ? m_item.valueAsInt32() : def; }
+long Property::currentValueAsInt64(const long& def) { return isInt64() ? m_item.valueAsInt64() : def; }
+double Property::currentValueAsDouble(const double& def) { return isDouble() ? m_item.valueAsDouble() : def; }
+long Property::currentValueAsTime(const long& def) { return isTime() ? m_item.valueAsInt64() : def; }
+std::string Property::currentValueAsId(const std::string& def) { return isId() ? m_item.valueAsString() : def; }
 
 std::vector<unsigned char> Property::currentValueAsBinary(const std::vector<unsigned char>& def) const
 {
@@ -116,15 +89,8 @@ void Property::setValueString(const std::string& path, const std::string& value)
     valueNode(*this, path).setValueString(value);
 }
 
-void Property::setValueBool(const std::string& path, const bool& value)
-{
-    valueNode(*this, path).setValueBool(value);
-}
-
-void Property::setValueInt32(const std::string& path, const int& value)
-{
-    valueNode(*this, path).setValueInt32(value);
-}
+void Property::setValueBool(const std::string& path, const bool& value) { valueNode(*this, path).setValueBool(value); }
+void Property::setValueInt32(const std::string& path, const int& value) { valueNode(*this, path).setValueInt32(value); }
 
 void Property::setValueInt64(const std::string& path, const long& value)
 {
@@ -136,10 +102,7 @@ void Property::setValueDouble(const std::string& path, const double& value)
     valueNode(*this, path).setValueDouble(value);
 }
 
-void Property::setValueTime(const std::string& path, const long& value)
-{
-    valueNode(*this, path).setValueTime(value);
-}
+void Property::setValueTime(const std::string& path, const long& value) { valueNode(*this, path).setValueTime(value); }
 
 void Property::setValueId(const std::string& path, const std::string& value)
 {
@@ -156,10 +119,7 @@ void Property::setValueRegex(const std::string& path, const std::string& pattern
     valueNode(*this, path).setValueRegex(pattern, options);
 }
 
-void Property::setValueUndefined(const std::string& path)
-{
-    valueNode(*this, path).setValueUndefined();
-}
+void Property::setValueUndefined(const std::string& path) { valueNode(*this, path).setValueUndefined(); }
 
 std::string Property::valueAsString(const std::string& path, const std::string& def)
 {
@@ -214,17 +174,6 @@ const char* Property::textView() const noexcept
     return m_item.m_value.text ? m_item.m_value.text : "";
 }
 
-const std::vector<unsigned char>& Property::bytesView() const noexcept
-{
-    return m_item.m_binary;
-}
-
-const std::string& Property::patternView() const noexcept
-{
-    return m_item.m_regexPattern;
-}
-
-const std::string& Property::optionsView() const noexcept
-{
-    return m_item.m_regexOptions;
-}
+const std::vector<unsigned char>& Property::bytesView() const noexcept { return m_item.m_binary; }
+const std::string& Property::patternView() const noexcept { return m_item.m_regexPattern; }
+const std::string& Property::optionsView() const noexcept { return m_item.m_regexOptions; }
