@@ -2,7 +2,6 @@
 
 #include "database_client/sendable.h"
 #include "object_properties.h"
-#include "properties_to_bson.h"
 
 #include <cstdint>
 #include <cstring>
@@ -78,7 +77,7 @@ OutgoingBson::OutgoingBson(const DocumentRef& document, const char* refusal, Sha
     {
         require(value->isObject() || (value->isArray() && shape == Shape::ObjectOrArray), refusal);
         value->appendBson(m_bytes);
-        require(bson_init_static(&m_view, m_bytes.data(), m_bytes.size()), refusal);
+        require(bson_init_static(&m_view, m_bytes.data(), m_bytes.size()) && canBeSent(&m_view), refusal);
         m_current = &m_view;
     }
     else if (const BsonView* const bytes = DocumentRefAccess::bson(document))
@@ -87,8 +86,7 @@ OutgoingBson::OutgoingBson(const DocumentRef& document, const char* refusal, Sha
         m_current = &m_view;
     }
     else if (const ObjectProperties* const properties = DocumentRefAccess::properties(document))
-        PropertiesToBson::parse(properties->root(), m_own.get());
-    require(canBeSent(m_current), refusal);
+        require(appendSendable(*properties, m_own.get()), refusal);
 }
 
 void OutgoingBson::convertForInsert(const DocumentRef& document, const char* refusal)
@@ -101,7 +99,7 @@ void OutgoingBson::convertForInsert(const DocumentRef& document, const char* ref
         value->appendBson(m_bytes);
         if (!hasId)
             putIdFirst(m_bytes);
-        require(bson_init_static(&m_view, m_bytes.data(), m_bytes.size()), refusal);
+        require(bson_init_static(&m_view, m_bytes.data(), m_bytes.size()) && canBeSent(&m_view), refusal);
         m_current = &m_view;
     }
     else if (const BsonView* const bytes = DocumentRefAccess::bson(document))
@@ -128,9 +126,8 @@ void OutgoingBson::convertForInsert(const DocumentRef& document, const char* ref
             BSON_APPEND_OID(m_own.get(), "_id", &id);
         }
         if (properties)
-            PropertiesToBson::parse(properties->root(), m_own.get());
+            require(appendSendable(*properties, m_own.get()), refusal);
     }
-    require(canBeSent(m_current), refusal);
 }
 
 } // namespace dbc

@@ -1,5 +1,6 @@
 #include "properties_to_bson.h"
 
+#include "conversion/bson_writer.h"
 #include "driver/driver.h"
 #include "object_properties.h"
 #include "property/nesting_stack.h"
@@ -8,6 +9,7 @@
 
 #include <cstdint>
 #include <cstring>
+#include <limits>
 
 namespace {
 
@@ -144,23 +146,29 @@ bool PropertiesToBson::properties_to_bson(const ObjectProperties& properties, bs
 
 bool PropertiesToBson::parse(std::shared_ptr<Property> node, bson_t* bson)
 {
-    if (!node)
-        return true;
+    return !node || appendChildren(*node, bson, std::numeric_limits<std::size_t>::max());
+}
+
+bool appendChildren(const Property& node, bson_t* bson, std::size_t levels)
+{
+    bool complete = true;
     NestingStack<OpenDocument> open;
-    open.push(*node);
+    open.push(node);
     for (;;)
     {
         OpenDocument& innermost = open.top();
         bson_t* const target = innermost.parent ? &innermost.bson : bson;
         if (const Property* const nested = appendValuesUpToNested(target, innermost))
         {
+            if (open.size() > levels)
+                complete = false;
             // A document that outgrew the driver's limit takes no more: there is nothing to fill and nothing to end.
-            if (!beginNested(*nested, target, &open.push(*nested, target).bson))
+            else if (!beginNested(*nested, target, &open.push(*nested, target).bson))
                 open.pop();
             continue;
         }
         if (!innermost.parent)
-            return true;
+            return complete;
         endNested(innermost);
         open.pop();
     }

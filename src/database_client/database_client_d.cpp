@@ -2,7 +2,6 @@
 
 #include "database_client/DatabaseDriverManager.h"
 #include "database_client/sendable.h"
-#include "properties_to_bson.h"
 
 #include <stdexcept>
 
@@ -73,6 +72,6 @@ void DataBaseClientPrivate::throw_runtime_error(const std::string& message, cons
 
 void DataBaseClientPrivate::toBson(const ObjectProperties& properties, OwnedBson& bson, const char* refusal)
 {
-    if (!PropertiesToBson::convert(properties, bson.get()) || !canBeSent(bson.get()))
+    if (!appendSendable(properties, bson.get()))
         throw std::invalid_argument(refusal);
 }

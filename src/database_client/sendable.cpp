@@ -1,34 +1,53 @@
 #include "database_client/sendable.h"
 
+#include "conversion/bson_writer.h"
+#include "object_properties.h"
+#include "property/nesting_stack.h"
+
+#include <cstddef>
 #include <cstdint>
 
 namespace {
 
 // The driver checks documents with one call of its own per level: deeper ones would exhaust the stack of the thread.
 // Servers take a tenth of that.
-constexpr int deepestNesting = 1000;
-// The least that a level takes: kind, an empty key, length and end of the nested document.
+constexpr std::size_t deepestNesting = 1000;
+// The least that a level takes: type, an empty key, length and end of the nested document.
 constexpr std::uint32_t smallestLevel = 7;
 
-bool nestsWithin(bson_iter_t& iter, int levels)
+struct OpenDocument
 {
-    while (bson_iter_next(&iter))
-    {
-        bson_iter_t nested;
-        if (!(BSON_ITER_HOLDS_DOCUMENT(&iter) || BSON_ITER_HOLDS_ARRAY(&iter)) || !bson_iter_recurse(&iter, &nested))
-            continue;
-        if (levels == 0 || !nestsWithin(nested, levels - 1))
-            return false;
-    }
-    return true;
-}
+    bson_iter_t iter;
+};
 
 } // namespace
+
+bool appendSendable(const ObjectProperties& document, bson_t* bson)
+{
+    return appendChildren(*document.root(), bson, deepestNesting);
+}
 
 bool canBeSent(const bson_t* bson)
 {
     if (bson->len < smallestLevel * deepestNesting)
         return true; // too short to be deep: nothing to walk
-    bson_iter_t iter;
-    return bson_iter_init(&iter, bson) && nestsWithin(iter, deepestNesting);
+    OpenDocument next{};
+    if (!bson_iter_init(&next.iter, bson))
+        return false;
+    NestingStack<OpenDocument> open;
+    open.push(next);
+    while (!open.empty())
+    {
+        bson_iter_t& innermost = open.top().iter;
+        if (!bson_iter_next(&innermost))
+            open.pop();
+        else if ((BSON_ITER_HOLDS_DOCUMENT(&innermost) || BSON_ITER_HOLDS_ARRAY(&innermost)) &&
+                 bson_iter_recurse(&innermost, &next.iter))
+        {
+            if (open.size() > deepestNesting)
+                return false;
+            open.push(next);
+        }
+    }
+    return true;
 }

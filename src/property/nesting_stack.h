@@ -23,6 +23,7 @@ public:
     }
 
     bool empty() const noexcept { return m_depth == 0; }
+    std::size_t size() const noexcept { return m_depth; }
 
     Level& top() noexcept { return m_depth <= nearLevels ? *near(m_depth - 1) : m_far.back().level; }
 

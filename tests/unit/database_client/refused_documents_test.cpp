@@ -2,8 +2,11 @@
 // connected to: an error about servers would mean that something was to be sent.
 
 #include "database_client.h"
+#include "database_client/sendable.h"
 #include "driver_texts.h"
 #include "object_properties.h"
+#include "owned_bson.h"
+#include "properties_to_bson.h"
 #include "row_name.h"
 
 #include <gtest/gtest.h>
@@ -276,6 +279,38 @@ TEST_F(RefusedDocument, DepthUnderEmptyKeysCountsLikeAnyOther)
         const std::string expected =
             levels > 1000 ? "Bad condition" : "runtime_error: Find error.: Invalid filter: empty key(code: 16)";
         EXPECT_EQ(test_support::inWordsOf123(findRefusal(document)), expected);
+    }
+}
+
+TEST_F(RefusedDocument, OneDeepBranchIsEnough)
+{
+    ObjectProperties document = nested(1001);
+    document.beginGroup("/b/c");
+    document.setValueInt32("/z", 1);
+
+    EXPECT_EQ(findRefusal(document), "Bad condition");
+}
+
+TEST_F(RefusedDocument, WhatWasWrittenOfItIsWellFormed)
+{
+    ObjectProperties document = nested(1001);
+    document.setValueInt32("/z", 1);
+    test_support::OwnedBson bson;
+
+    EXPECT_FALSE(appendSendable(document, bson.get()));
+
+    EXPECT_TRUE(bson_has_field(bson.get(), "z"));
+    EXPECT_TRUE(BSON_APPEND_INT32(bson.get(), "more", 1));
+    EXPECT_TRUE(canBeSent(bson.get()));
+}
+
+TEST_F(RefusedDocument, BytesAreMeasuredAlike)
+{
+    for (const int levels : {1, 1000, 1001, 100'000})
+    {
+        test_support::OwnedBson bson;
+        PropertiesToBson::convert(nested(levels), bson.get());
+        EXPECT_EQ(canBeSent(bson.get()), levels <= 1000) << levels << " levels";
     }
 }
 
