@@ -69,7 +69,8 @@ struct ErrorDetails
     std::string text;
     /// The code of the server or the driver; 0 if the error has no code.
     int code = 0;
-    /// The server's name of the code, such as "DuplicateKey"; empty if the server sent none.
+    /// The server's name of the code, such as "DuplicateKey"; empty if the server sent none, or if the driver does not
+    /// pass it on, as for writes.
     std::string codeName;
     /// What the failure was about.
     ErrorKind kind = ErrorKind::Other;
@@ -100,7 +101,8 @@ public:
 
     /// The code of the server or the driver; 0 if the error has no code.
     int code() const noexcept;
-    /// The server's name of the code; empty if the server sent none.
+    /// The server's name of the code; empty if the server sent none, or if the driver does not pass it on, as for
+    /// writes.
     const std::string& codeName() const noexcept;
     /// What the failure was about.
     ErrorKind kind() const noexcept;

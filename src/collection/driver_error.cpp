@@ -80,6 +80,7 @@ ErrorKind kindOfServerCode(int code)
         return ErrorKind::NotAuthorized;
     case 24:  // a lock
     case 50:  // time limit of the operation
+    case 64:  // acknowledgement of a write
     case 89:  // between servers
     case 202: // between servers
     case 262: // time limit

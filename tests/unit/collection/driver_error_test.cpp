@@ -155,7 +155,7 @@ INSTANTIATE_TEST_SUITE_P(
         KindRow{MONGOC_ERROR_COMMAND, 11000, writeError, ErrorKind::DuplicateKey, false},
         KindRow{MONGOC_ERROR_COMMAND, 22, writeError, ErrorKind::Other, false},
         KindRow{MONGOC_ERROR_COMMAND, 17419, writeError, ErrorKind::TooLarge, false},
-        KindRow{MONGOC_ERROR_WRITE_CONCERN, 64, "{}", ErrorKind::Other, false},
+        KindRow{MONGOC_ERROR_WRITE_CONCERN, 64, "{}", ErrorKind::Timeout, false},
         KindRow{MONGOC_ERROR_QUERY, 251, R"({"ok": 0, "errmsg": "x", "errorLabels": ["TransientTransactionError"]})",
                 ErrorKind::Other, true}));
 
