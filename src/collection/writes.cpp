@@ -8,6 +8,7 @@
 #include "collection/options_bson.h"
 
 #include <cstdint>
+#include <list>
 #include <type_traits>
 #include <utility>
 
@@ -204,26 +205,75 @@ private:
     std::optional<ErrorDetails> m_failure; // the first one
 };
 
-// The ids of the inserts that took place. After a failure: of those that were not refused, as many as the driver
-// counted, because it sends them in their order.
-void reportInsertedIds(const Bulk::State& bulk, bool isDone, const std::vector<WriteError>& errors, BulkResult& result)
+// The ids of the inserts from `begin` to `end` that took place. After a failure: of those that were not refused, as
+// many as the driver counted, because it sends them in their order.
+void reportInsertedIds(const Bulk::State& bulk, std::size_t begin, std::size_t end, bool isDone, std::int64_t inserted,
+                       const std::vector<WriteError>& errors, BulkResult& result)
 {
-    std::vector<bool> isRefused(bulk.operations.size());
+    std::vector<bool> isRefused(end);
     for (const WriteError& error : errors)
     {
-        if (error.index < isRefused.size())
+        if (error.index < end)
             isRefused[error.index] = true;
     }
-    std::int64_t left = result.inserted;
-    for (std::size_t index = 0; index < bulk.operations.size() && (isDone || left > 0); ++index)
+    for (std::size_t index = begin; index < end && (isDone || inserted > 0); ++index)
     {
         const Bulk::State::Operation& operation = bulk.operations[index];
         if (operation.type != WriteType::InsertOne || isRefused[index])
             continue;
         const StoredBson document(bulk, operation.document);
         result.insertedIds.push_back({index, idOf(&document.bson)});
-        --left;
+        --inserted;
     }
+}
+
+enum class Command
+{
+    Insert,
+    Update,
+    Delete
+};
+
+Command commandOf(WriteType type)
+{
+    switch (type)
+    {
+    case WriteType::InsertOne:
+        break;
+    case WriteType::UpdateOne:
+    case WriteType::UpdateMany:
+    case WriteType::ReplaceOne:
+        return Command::Update;
+    case WriteType::RemoveOne:
+    case WriteType::RemoveMany:
+        return Command::Delete;
+    }
+    return Command::Insert;
+}
+
+// The operations of a Bulk from `begin` to `end`, which go to the driver together.
+struct BulkPart
+{
+    BulkPart(std::size_t first, std::size_t last, const CollectionHandle& target, const bson_t* options,
+             bool bypassValidation)
+        : begin(first), end(last), run(target, options, bypassValidation)
+    {}
+    std::size_t begin;
+    std::size_t end;
+    BulkRun run;
+};
+
+// Where the part that begins at `begin` ends. An ordered write is one part. Of an unordered one the driver forgets why
+// a command was refused, and which one it was, when a later command succeeds: there each command is a part.
+std::size_t endOfPart(const Bulk::State& bulk, std::size_t begin, bool isOrdered)
+{
+    const std::vector<Bulk::State::Operation>& operations = bulk.operations;
+    if (isOrdered)
+        return operations.size();
+    std::size_t end = begin;
+    while (end < operations.size() && commandOf(operations[end].type) == commandOf(operations[begin].type))
+        ++end;
+    return end;
 }
 
 } // namespace
@@ -291,21 +341,37 @@ BulkResult Collection::bulkWrite(const Bulk& bulk, const BulkOptions& options)
     DriverOptions driverOptions;
     driverOptions.add("let", options.let).add("comment", options.comment).add(options.writeConcern);
     driverOptions.addOrder(options.ordered);
-    BulkRun run(target, driverOptions.get(), options.bypassValidation);
+    std::list<BulkPart> parts;
     for (std::size_t index = 0; index < state.operations.size(); ++index)
     {
+        if (parts.empty() || index == parts.back().end)
+            parts.emplace_back(index, endOfPart(state, index, options.ordered), target, driverOptions.get(),
+                               options.bypassValidation);
+        BulkRun& run = parts.back().run;
         if (run.add(state, state.operations[index]))
             continue;
         const ErrorDetails details = run.error();
         throw BulkError("Bulk write failed", details, result, {{index, details.code, details.kind, details.text}});
     }
 
-    const bool isDone = run.execute();
     std::vector<WriteError> errors;
-    run.report(0, result, errors);
-    reportInsertedIds(state, isDone, errors, result);
-    if (!isDone)
-        throw BulkError("Bulk write failed", run.error(), std::move(result), std::move(errors));
+    std::optional<ErrorDetails> failure; // the first one
+    for (BulkPart& part : parts)
+    {
+        const std::int64_t insertedBefore = result.inserted;
+        const bool isDone = part.run.execute();
+        part.run.report(part.begin, result, errors);
+        reportInsertedIds(state, part.begin, part.end, isDone, result.inserted - insertedBefore, errors, result);
+        if (isDone)
+            continue;
+        const ErrorDetails details = part.run.error();
+        if (!failure)
+            failure = details;
+        if (details.kind == ErrorKind::Network) // the next command would not come further
+            break;
+    }
+    if (failure)
+        throw BulkError("Bulk write failed", *failure, std::move(result), std::move(errors));
     return result;
 }
 

@@ -1,0 +1,385 @@
+// A bulk write that goes wrong in the middle: which part the caller is told of, what is stored, and what happens to the
+// rest.
+
+#include "connected_client.h"
+
+#include "dbc/collection.h"
+#include "row_name.h"
+
+#include <cstdint>
+#include <optional>
+#include <ostream>
+
+namespace test_support {
+namespace {
+
+using dbc::Bulk;
+using dbc::BulkError;
+using dbc::BulkOptions;
+using dbc::Collection;
+using dbc::ErrorKind;
+using dbc::Value;
+
+struct IndexAndCode
+{
+    std::size_t index;
+    int code;
+    bool operator==(const IndexAndCode& other) const { return index == other.index && code == other.code; }
+};
+
+void PrintTo(const IndexAndCode& error, std::ostream* out)
+{
+    *out << error.index << ':' << error.code;
+}
+
+/// The bulk write of all rows takes four commands: insert {_id: 1} and {_id: 2}; update {_id: 9}, as an upsert, and
+/// {_id: 1}; delete {_id: 2}; insert {_id: 3} and {_id: 4}.
+struct BulkRow
+{
+    const char* name;
+    bool ordered;
+    const char* command;
+    std::size_t number;
+    std::optional<Fault> fault;
+    // What the error tells.
+    ErrorKind kind;
+    bool mayRetry;
+    std::vector<IndexAndCode> errors;
+    std::int64_t matched;
+    std::int64_t removed;
+    std::vector<std::size_t> inserted;
+    std::vector<std::size_t> upserted;
+    // The "_id" of each document that is stored then.
+    const char* stored;
+};
+
+void PrintTo(const BulkRow& row, std::ostream* out)
+{
+    *out << row.name;
+}
+
+Fault refusal(int code)
+{
+    return Fault::answer(R"({"ok": 0, "errmsg": "no", "code": )" + std::to_string(code) + "}");
+}
+
+// The update of {_id: 1} is refused; the upsert before it is not, as far as the reply tells.
+Fault refusedUpdate()
+{
+    return Fault::answer(R"({"ok": 1, "n": 1, "nModified": 0, "upserted": [{"index": 0, "_id": 9}],
+                             "writeErrors": [{"index": 1, "code": 121, "errmsg": "no"}]})");
+}
+
+Fault unconfirmedRemoval()
+{
+    return Fault::replaceReply(R"({"ok": 1, "n": 1, "writeConcernError": {"code": 64, "errmsg": "too slow"}})");
+}
+
+const BulkRow rows[] = {
+    {"RefusedCommand", true, "update", 1, refusal(13), ErrorKind::NotAuthorized, false, {}, 0, 0, {0, 1}, {}, "1 2"},
+    {"RefusedCommandOfAnUnorderedWrite",
+     false,
+     "update",
+     1,
+     refusal(13),
+     ErrorKind::NotAuthorized,
+     false,
+     {},
+     0,
+     1,
+     {0, 1, 5, 6},
+     {},
+     "1 3 4"},
+    {"ServerThatEnds", true, "update", 1, refusal(91), ErrorKind::Other, true, {}, 0, 0, {0, 1}, {}, "1 2"},
+    {"DroppedBeforeTheFirstCommand",
+     true,
+     "insert",
+     1,
+     Fault::dropBeforeForwarding(),
+     ErrorKind::Network,
+     true,
+     {},
+     0,
+     0,
+     {},
+     {},
+     ""},
+    {"DroppedAfterTheFirstCommand",
+     true,
+     "insert",
+     1,
+     Fault::dropAfterForwarding(),
+     ErrorKind::Network,
+     true,
+     {},
+     0,
+     0,
+     {},
+     {},
+     "1 2"},
+    {"DroppedBeforeTheSecondCommand",
+     true,
+     "update",
+     1,
+     Fault::dropBeforeForwarding(),
+     ErrorKind::Network,
+     true,
+     {},
+     0,
+     0,
+     {0, 1},
+     {},
+     "1 2"},
+    {"DroppedBeforeTheSecondCommandOfAnUnorderedWrite",
+     false,
+     "update",
+     1,
+     Fault::dropBeforeForwarding(),
+     ErrorKind::Network,
+     true,
+     {},
+     0,
+     0,
+     {0, 1},
+     {},
+     "1 2"},
+    {"DroppedAfterTheSecondCommand",
+     true,
+     "update",
+     1,
+     Fault::dropAfterForwarding(),
+     ErrorKind::Network,
+     true,
+     {},
+     0,
+     0,
+     {0, 1},
+     {},
+     "1 2 9"},
+    {"DroppedInsideTheSecondReply",
+     true,
+     "update",
+     1,
+     Fault::cutReply(20),
+     ErrorKind::Network,
+     true,
+     {},
+     0,
+     0,
+     {0, 1},
+     {},
+     "1 2 9"},
+    {"DroppedBeforeTheThirdCommand",
+     true,
+     "delete",
+     1,
+     Fault::dropBeforeForwarding(),
+     ErrorKind::Network,
+     true,
+     {},
+     1,
+     0,
+     {0, 1},
+     {2},
+     "1 2 9"},
+    {"DroppedBeforeTheLastCommand",
+     true,
+     "insert",
+     2,
+     Fault::dropBeforeForwarding(),
+     ErrorKind::Network,
+     true,
+     {},
+     1,
+     1,
+     {0, 1},
+     {2},
+     "1 9"},
+    {"DroppedAfterTheLastCommand",
+     true,
+     "insert",
+     2,
+     Fault::dropAfterForwarding(),
+     ErrorKind::Network,
+     true,
+     {},
+     1,
+     1,
+     {0, 1},
+     {2},
+     "1 3 4 9"},
+    {"RefusedOperation",
+     true,
+     "update",
+     1,
+     refusedUpdate(),
+     ErrorKind::Other,
+     false,
+     {{3, 121}},
+     0,
+     0,
+     {0, 1},
+     {2},
+     "1 2"},
+    {"RefusedOperationOfAnUnorderedWrite",
+     false,
+     "update",
+     1,
+     refusedUpdate(),
+     ErrorKind::Other,
+     false,
+     {{3, 121}},
+     0,
+     1,
+     {0, 1, 5, 6},
+     {2},
+     "1 3 4"},
+    {"WriteThatIsNotConfirmedInTime",
+     true,
+     "delete",
+     1,
+     unconfirmedRemoval(),
+     ErrorKind::Timeout,
+     false,
+     {},
+     1,
+     1,
+     {0, 1, 5, 6},
+     {2},
+     "1 3 4 9"},
+};
+
+class BulkFault : public ConnectedClient, public testing::WithParamInterface<BulkRow>
+{
+public:
+    BulkFault() : m_collection(client(), database(), "c")
+    {
+        m_bulk.insertOne({{"_id", 1}})
+            .insertOne({{"_id", 2}})
+            .updateOne({{"_id", 9}}, {{"$set", {{"a", 1}}}}, upsert())
+            .updateOne({{"_id", 1}}, {{"$set", {{"a", 1}}}})
+            .removeOne({{"_id", 2}})
+            .insertOne({{"_id", 3}})
+            .insertOne({{"_id", 4}});
+    }
+    ~BulkFault() override { gateway().clearFaults(); }
+
+    const Bulk& bulk() const { return m_bulk; }
+    Collection& collection() { return m_collection; }
+
+    std::string storedIds()
+    {
+        std::string ids;
+        dbc::FindOptions options;
+        options.sort = {{"_id"}};
+        for (const Value& document : m_collection.find({}, options))
+            ids += (ids.empty() ? "" : " ") + std::to_string(document.at("_id").get<int>().value());
+        return ids;
+    }
+
+private:
+    static dbc::BulkUpdateOptions upsert()
+    {
+        dbc::BulkUpdateOptions options;
+        options.upsert = true;
+        return options;
+    }
+
+    Collection m_collection;
+    Bulk m_bulk;
+};
+
+std::vector<std::size_t> indexesOf(const std::vector<dbc::IndexedId>& ids)
+{
+    std::vector<std::size_t> indexes;
+    for (const dbc::IndexedId& id : ids)
+        indexes.push_back(id.index);
+    return indexes;
+}
+
+TEST_P(BulkFault, ReportsWhatWasDoneAndLeavesTheClientUsable)
+{
+    const BulkRow& row = GetParam();
+    BulkOptions options;
+    options.ordered = row.ordered;
+    gateway().inject(Fault(*row.fault).onCommand(row.command).number(row.number).andLater());
+
+    try
+    {
+        collection().bulkWrite(bulk(), options);
+        ADD_FAILURE() << "nothing was thrown";
+    }
+    catch (const BulkError& error)
+    {
+        EXPECT_EQ(std::string(error.what()).rfind("Bulk write failed: ", 0), 0U) << error.what();
+        EXPECT_EQ(error.kind(), row.kind) << error.what();
+        EXPECT_EQ(error.mayRetry(), row.mayRetry);
+        std::vector<IndexAndCode> errors;
+        for (const dbc::WriteError& refused : error.errors())
+            errors.push_back({refused.index, refused.code});
+        EXPECT_EQ(errors, row.errors);
+        EXPECT_EQ(error.result().inserted, static_cast<std::int64_t>(row.inserted.size()));
+        EXPECT_EQ(indexesOf(error.result().insertedIds), row.inserted);
+        EXPECT_EQ(indexesOf(error.result().upsertedIds), row.upserted);
+        EXPECT_EQ(error.result().matched, row.matched);
+        EXPECT_EQ(error.result().removed, row.removed);
+        EXPECT_TRUE(error.result().acknowledged);
+    }
+    EXPECT_EQ(gateway().pendingFaults(), 0U);
+    gateway().clearFaults();
+
+    EXPECT_EQ(storedIds(), row.stored);
+    collection().removeMany({});
+    EXPECT_EQ(collection().bulkWrite(bulk()).inserted, 4);
+}
+
+INSTANTIATE_TEST_SUITE_P(Rows, BulkFault, testing::ValuesIn(rows), RowName());
+
+TEST_F(ConnectedClient, UnorderedBulkWriteReportsTheIdsBesideARefusedOne)
+{
+    Collection collection(client(), database(), "c");
+    collection.insertOne({{"_id", 2}});
+    Bulk bulk;
+    bulk.insertOne({{"_id", 1}}).insertOne({{"_id", 2}}).removeOne({{"_id", 7}}).insertOne({{"_id", 3}});
+    BulkOptions options;
+    options.ordered = false;
+    try
+    {
+        collection.bulkWrite(bulk, options);
+        FAIL() << "nothing was thrown";
+    }
+    catch (const BulkError& error)
+    {
+        EXPECT_EQ(error.kind(), ErrorKind::DuplicateKey);
+        EXPECT_EQ(indexesOf(error.result().insertedIds), (std::vector<std::size_t>{0, 3}));
+        ASSERT_EQ(error.errors().size(), 1U);
+        EXPECT_EQ(error.errors()[0].index, 1U);
+        EXPECT_EQ(error.errors()[0].kind, ErrorKind::DuplicateKey);
+    }
+}
+
+// The driver counts two inserts and does not say of which command.
+TEST_F(ConnectedClient, UnorderedBulkWriteReportsTheIdsOfTheCommandThatWasNotRefused)
+{
+    Collection collection(client(), database(), "c");
+    Bulk bulk;
+    bulk.insertOne({{"_id", 1}}).insertOne({{"_id", 2}}).removeOne({{"_id", 7}});
+    bulk.insertOne({{"_id", 3}}).insertOne({{"_id", 4}});
+    BulkOptions options;
+    options.ordered = false;
+    gateway().inject(refusal(13).onCommand("insert"));
+    try
+    {
+        collection.bulkWrite(bulk, options);
+        FAIL() << "nothing was thrown";
+    }
+    catch (const BulkError& error)
+    {
+        EXPECT_STREQ(error.what(), "Bulk write failed: no(code: 13)");
+        EXPECT_EQ(error.kind(), ErrorKind::NotAuthorized);
+        EXPECT_EQ(indexesOf(error.result().insertedIds), (std::vector<std::size_t>{3, 4}));
+    }
+}
+
+} // namespace
+} // namespace test_support
