@@ -54,14 +54,13 @@ void FileChunks::seek(std::uint64_t position)
     m_cursor.reset();
 }
 
-void FileChunks::openAt(std::uint64_t chunk, std::uint64_t end)
+Cursor FileChunks::openAt(std::uint64_t chunk, std::uint64_t end)
 {
     FindOptions options;
     options.sort = {{"n"}};
     options.limit = static_cast<std::int64_t>((end - 1) / m_info.chunkSize - chunk + 1);
     options.batchSize = static_cast<std::int32_t>(std::max<std::uint64_t>(1, replyBytes / m_info.chunkSize));
-    m_cursorEnd = end;
-    m_cursor = m_chunks.find({{"files_id", m_info.id}, {"n", {{"$gte", static_cast<long>(chunk)}}}}, options);
+    return m_chunks.find({{"files_id", m_info.id}, {"n", {{"$gte", static_cast<long>(chunk)}}}}, options);
 }
 
 FileChunks::Piece FileChunks::read(std::uint64_t end)
@@ -71,15 +70,17 @@ FileChunks::Piece FileChunks::read(std::uint64_t end)
         return {};
     const std::uint64_t chunk = m_position / m_info.chunkSize;
     const std::uint64_t begin = chunk * m_info.chunkSize;
+    // Kept only if this chunk is read. After a failure the next call asks the server again.
+    std::optional<Cursor> cursor = std::exchange(m_cursor, std::nullopt);
     const bool isThere = relabelled(downloadFailed, [&] {
-        if (!m_cursor || m_cursorEnd != end)
-            openAt(chunk, end);
-        return m_cursor->next();
+        if (!cursor || m_cursorEnd != end)
+            cursor = openAt(chunk, end);
+        return cursor->next();
     });
 
     bson_t bson;
     bson_iter_t iter;
-    const BsonView view = isThere ? m_cursor->bson() : BsonView();
+    const BsonView view = isThere ? cursor->bson() : BsonView();
     if (!isThere || !bson_init_static(&bson, view.data, view.size) ||
         numberField(&bson, "n") != static_cast<std::int64_t>(chunk))
         throwBroken(downloadFailed, "chunk " + std::to_string(chunk) + " of the stored file is missing");
@@ -94,6 +95,8 @@ FileChunks::Piece FileChunks::read(std::uint64_t end)
     const std::uint64_t skipped = m_position - begin;
     const std::uint64_t left = std::min<std::uint64_t>(size, end - begin) - skipped;
     m_position += left;
+    m_cursor = std::move(cursor);
+    m_cursorEnd = end;
     return {reinterpret_cast<const char*>(data) + skipped, static_cast<std::size_t>(left)};
 }
 

@@ -37,7 +37,7 @@ public:
     Piece read(std::uint64_t end);
 
 private:
-    void openAt(std::uint64_t chunk, std::uint64_t end);
+    Cursor openAt(std::uint64_t chunk, std::uint64_t end);
 
     Collection m_chunks;
     FileInfo m_info;
