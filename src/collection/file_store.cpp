@@ -183,14 +183,16 @@ public:
             options.returnIds = false;
             options.writeConcern = m_writeConcern;
             m_chunks.insertMany([this, &source] { return nextChunk(source); }, options);
+            writeRecord();
         }
         catch (...)
         {
-            removeChunks();
+            // The record may be there although the reply never came. It must not stay without its content.
+            if (!m_mayHaveRecord || removeRecord())
+                removeChunks();
             throw;
         }
-        writeRecord();
-        return m_info;
+        return std::move(m_info);
     }
 
 private:
@@ -235,15 +237,14 @@ private:
             appendValue(record.get(), "metadata", m_info.metadata);
         InsertOneOptions options;
         options.writeConcern = m_writeConcern;
+        m_mayHaveRecord = true;
         try
         {
             m_files.insertOne(BsonView{bson_get_data(record.get()), record.get()->len}, options);
         }
         catch (const ServerError& error)
         {
-            // The record may be there although the reply never came. It must not stay without its content.
-            if (error.kind() == ErrorKind::DuplicateKey || removeRecord())
-                removeChunks();
+            m_mayHaveRecord = error.kind() != ErrorKind::DuplicateKey;
             throw;
         }
     }
@@ -288,6 +289,7 @@ private:
     OwnedBson m_chunk;
     FileInfo m_info;
     std::int32_t m_chunkCount = 0;
+    bool m_mayHaveRecord = false;
     Value m_firstChunk;
     Value m_lastChunk;
 };
