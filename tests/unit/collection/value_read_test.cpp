@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <cstdint>
 #include <limits>
 #include <map>
 #include <stdexcept>
@@ -188,6 +189,54 @@ TEST(ValueRead, MayBeDoneBySeveralThreads)
     for (std::thread& thread : threads)
         thread.join();
     EXPECT_EQ(sums, std::vector<int>(4, 199 * 100));
+}
+
+// Objects of many keys, whose first searches make an index, inside each other.
+Value nestedObjects()
+{
+    Value value;
+    for (int outer = 0; outer < 40; ++outer)
+    {
+        Value group;
+        for (int inner = 0; inner < 40; ++inner)
+            group.append("k" + std::to_string(inner), "a text that is not kept in place " + std::to_string(inner));
+        value.append("g" + std::to_string(outer), std::move(group));
+    }
+    return value;
+}
+
+TEST(ValueRead, MayBeDoneInEveryWayBySeveralThreads)
+{
+    const Value shared = nestedObjects();
+    const std::vector<std::uint8_t> bytes = shared.toBson();
+    const std::string json = shared.toJson();
+    const auto differences = [&](int thread) {
+        int count = 0;
+        for (int round = 0; round < 40; ++round)
+        {
+            const std::string path = "g" + std::to_string((thread + round) % 40) + "/k" + std::to_string(round);
+            count += shared.findPath(path) ? 0 : 1;
+        }
+        Value copied = shared;
+        count += copied == shared ? 0 : 1;
+        copied.append("own", thread);
+        count += copied.compare(shared) == 0 ? 1 : 0;
+        count += shared.toBson() == bytes ? 0 : 1;
+        count += shared.toJson() == json ? 0 : 1;
+        std::vector<dbc::LossAt> losses;
+        const ObjectProperties document = shared.toProperties(losses);
+        count += losses.empty() && document.contains("g0/k0") ? 0 : 1;
+        for (const auto& [key, value] : shared.fields())
+            count += value.size() == 40 ? 0 : 1;
+        return count;
+    };
+    std::vector<int> counts(4);
+    std::vector<std::thread> threads;
+    for (std::size_t number = 0; number < counts.size(); ++number)
+        threads.emplace_back([&, number] { counts[number] = differences(static_cast<int>(number)); });
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(counts, std::vector<int>(4));
 }
 
 TEST(ValueRead, OfABareValueHasNoFieldsAndNoElements)
