@@ -1,5 +1,6 @@
 #include "connected_client.h"
 
+#include "command_text.h"
 #include "dbc/collection.h"
 
 #include <chrono>
@@ -32,8 +33,9 @@ TEST_F(CollectionCommand, InsertOneSendsTheFieldsOfAValueInTheirOrderAndANewIdFi
 {
     const dbc::InsertOneResult result = collection().insertOne({{"b", 2}, {"a", 1}});
 
-    EXPECT_EQ(sent("insert"), R"({ "insert" : "c", "ordered" : true, "documents" : [ { "_id" : { "$oid" : ")" +
-                                  result.id.get<dbc::ObjectId>()->text + R"(" }, "b" : 2, "a" : 1 } ] })");
+    EXPECT_PRED2(isSameCommand, sent("insert"),
+                 R"({ "insert" : "c", "ordered" : true, "documents" : [ { "_id" : { "$oid" : ")" +
+                     result.id.get<dbc::ObjectId>()->text + R"(" }, "b" : 2, "a" : 1 } ] })");
     EXPECT_TRUE(result.acknowledged);
 }
 
@@ -45,8 +47,8 @@ TEST_F(CollectionCommand, InsertOneSendsTheWholeObjectPropertiesWhereverItsCurso
 
     const dbc::InsertOneResult result = collection().insertOne(document);
 
-    EXPECT_EQ(sent("insert"),
-              R"({ "insert" : "c", "ordered" : true, "documents" : [ { "_id" : 7, "a" : {  }, "b" : 2 } ] })");
+    EXPECT_PRED2(isSameCommand, sent("insert"),
+                 R"({ "insert" : "c", "ordered" : true, "documents" : [ { "_id" : 7, "a" : {  }, "b" : 2 } ] })");
     EXPECT_EQ(result.id, Value(7));
 }
 
@@ -60,9 +62,10 @@ TEST_F(CollectionCommand, InsertOneCarriesItsOptions)
 
     collection().insertOne({{"_id", 1}}, options);
 
-    EXPECT_EQ(sent("insert"), R"({ "insert" : "c", "ordered" : true, "bypassDocumentValidation" : true, )"
-                              R"("comment" : "import", "writeConcern" : { "w" : 1, "j" : true, "wtimeout" : 500 }, )"
-                              R"("documents" : [ { "_id" : 1 } ] })");
+    EXPECT_PRED2(isSameCommand, sent("insert"),
+                 R"({ "insert" : "c", "ordered" : true, "bypassDocumentValidation" : true, )"
+                 R"("comment" : "import", "writeConcern" : { "w" : 1, "j" : true, "wtimeout" : 500 }, )"
+                 R"("documents" : [ { "_id" : 1 } ] })");
 }
 
 TEST_F(CollectionCommand, InsertManySendsOneCommandForARangeOfAnyForm)
@@ -71,8 +74,8 @@ TEST_F(CollectionCommand, InsertManySendsOneCommandForARangeOfAnyForm)
 
     const dbc::InsertManyResult result = collection().insertMany(documents);
 
-    EXPECT_EQ(sent("insert"),
-              R"({ "insert" : "c", "ordered" : true, "documents" : [ { "_id" : 1 }, { "_id" : 2 } ] })");
+    EXPECT_PRED2(isSameCommand, sent("insert"),
+                 R"({ "insert" : "c", "ordered" : true, "documents" : [ { "_id" : 1 }, { "_id" : 2 } ] })");
     EXPECT_EQ(result.inserted, 2);
     EXPECT_EQ(result.ids, (std::vector<Value>{1, 2}));
 }
@@ -84,8 +87,8 @@ TEST_F(CollectionCommand, InsertManyTakesDocumentsInBraces)
 
     EXPECT_EQ(collection().insertMany({{{"_id", 1}}, {{"_id", 2}, {"a", "x"}}}, options).inserted, 2);
 
-    EXPECT_EQ(sent("insert"),
-              R"({ "insert" : "c", "ordered" : false, "documents" : [ { "_id" : 1 }, { "_id" : 2, "a" : "x" } ] })");
+    EXPECT_PRED2(isSameCommand, sent("insert"),
+                 R"({ "insert" : "c", "ordered" : false, "documents" : [ { "_id" : 1 }, { "_id" : 2, "a" : "x" } ] })");
 }
 
 TEST_F(CollectionCommand, InsertManySendsWhatAGeneratorReturnsInBatches)
@@ -129,11 +132,11 @@ TEST_F(CollectionCommand, UpdateCarriesEveryOption)
 
     collection().updateOne({{"a", 1}}, {{"$set", {{"l.$[e].b", 2}}}}, options);
 
-    EXPECT_EQ(sent("update"),
-              R"({ "update" : "c", "ordered" : true, "comment" : "why", "let" : { "v" : 1 }, )"
-              R"("writeConcern" : { "w" : "majority" }, "updates" : [ { "q" : { "a" : 1 }, )"
-              R"("u" : { "$set" : { "l.$[e].b" : 2 } }, "upsert" : true, "multi" : false, )"
-              R"("arrayFilters" : [ { "e.a" : 1 } ], "collation" : { "locale" : "de" }, "hint" : "i" } ] })");
+    EXPECT_PRED2(isSameCommand, sent("update"),
+                 R"({ "update" : "c", "ordered" : true, "comment" : "why", "let" : { "v" : 1 }, )"
+                 R"("writeConcern" : { "w" : "majority" }, "updates" : [ { "q" : { "a" : 1 }, )"
+                 R"("u" : { "$set" : { "l.$[e].b" : 2 } }, "upsert" : true, "multi" : false, )"
+                 R"("arrayFilters" : [ { "e.a" : 1 } ], "collation" : { "locale" : "de" }, "hint" : "i" } ] })");
 }
 
 TEST_F(CollectionCommand, UpdateTakesAPipeline)
@@ -142,8 +145,9 @@ TEST_F(CollectionCommand, UpdateTakesAPipeline)
 
     collection().updateMany({}, dbc::array({Value{{"$set", {{"a", "$b"}}}}}));
 
-    EXPECT_EQ(sent("update"), R"({ "update" : "c", "ordered" : true, "updates" : [ { "q" : {  }, )"
-                              R"("u" : [ { "$set" : { "a" : "$b" } } ], "upsert" : false, "multi" : true } ] })");
+    EXPECT_PRED2(isSameCommand, sent("update"),
+                 R"({ "update" : "c", "ordered" : true, "updates" : [ { "q" : {  }, )"
+                 R"("u" : [ { "$set" : { "a" : "$b" } } ], "upsert" : false, "multi" : true } ] })");
 }
 
 TEST_F(CollectionCommand, ReplaceAndRemoveCarryTheirOptions)
@@ -154,9 +158,9 @@ TEST_F(CollectionCommand, ReplaceAndRemoveCarryTheirOptions)
     replace.collation = Value{{"locale", "de"}};
     reply("update", noneMatched);
     collection().replaceOne({{"a", 1}}, {{"b", 2}}, replace);
-    EXPECT_EQ(sent("update"),
-              R"({ "update" : "c", "ordered" : true, "updates" : [ { "q" : { "a" : 1 }, "u" : { "b" : 2 }, )"
-              R"("upsert" : true, "multi" : false, "collation" : { "locale" : "de" }, "hint" : { "a" : 1 } } ] })");
+    EXPECT_PRED2(isSameCommand, sent("update"),
+                 R"({ "update" : "c", "ordered" : true, "updates" : [ { "q" : { "a" : 1 }, "u" : { "b" : 2 }, )"
+                 R"("upsert" : true, "multi" : false, "collation" : { "locale" : "de" }, "hint" : { "a" : 1 } } ] })");
 
     dbc::RemoveOptions remove;
     remove.hint = Value("i");
@@ -164,8 +168,8 @@ TEST_F(CollectionCommand, ReplaceAndRemoveCarryTheirOptions)
     remove.let = Value{{"v", 1}};
     reply("delete", R"({"ok": 1, "n": 0})");
     collection().removeOne({{"a", 1}}, remove);
-    EXPECT_EQ(
-        sent("delete"),
+    EXPECT_PRED2(
+        isSameCommand, sent("delete"),
         R"({ "delete" : "c", "ordered" : true, "let" : { "v" : 1 }, "deletes" : [ { "q" : { "a" : 1 }, "limit" : 1, )"
         R"("collation" : { "locale" : "de" }, "hint" : "i" } ] })");
 }
@@ -174,8 +178,8 @@ TEST_F(CollectionCommand, RemoveManyTakesEveryMatch)
 {
     collection().removeMany({{"a", 1}});
 
-    EXPECT_EQ(sent("delete"),
-              R"({ "delete" : "c", "ordered" : true, "deletes" : [ { "q" : { "a" : 1 }, "limit" : 0 } ] })");
+    EXPECT_PRED2(isSameCommand, sent("delete"),
+                 R"({ "delete" : "c", "ordered" : true, "deletes" : [ { "q" : { "a" : 1 }, "limit" : 0 } ] })");
 }
 
 TEST_F(CollectionCommand, BulkWriteSendsNeighboursOfOneTypeTogether)

@@ -1,5 +1,6 @@
 #include "connected_client.h"
 
+#include "command_text.h"
 #include "dbc/collection.h"
 
 #include <algorithm>
@@ -37,8 +38,9 @@ TEST_F(CollectionQuery, FindOneReturnsTheFirstMatchAndAsksForNoCursor)
 
     EXPECT_EQ(collection().findOne({{"a", 5}}, options), (Value{{"_id", 3}}));
 
-    EXPECT_EQ(sent("find"), R"({ "find" : "c", "filter" : { "a" : 5 }, "sort" : { "_id" : -1 }, )"
-                            R"("projection" : { "_id" : 1 }, "limit" : 1, "singleBatch" : true })");
+    EXPECT_PRED2(isSameCommand, sent("find"),
+                 R"({ "find" : "c", "filter" : { "a" : 5 }, "sort" : { "_id" : -1 }, )"
+                 R"("projection" : { "_id" : 1 }, "limit" : 1, "singleBatch" : true })");
     EXPECT_EQ(collection().findOne({{"a", 6}}), std::nullopt);
 }
 
@@ -92,8 +94,8 @@ TEST_F(CollectionQuery, FindOneAndReplaceAndRemoveReturnTheDocumentBefore)
     options.sort = {{"a"}};
     reply("findAndModify", R"({"ok": 1, "value": null})");
     collection().findOneAndRemove({}, options);
-    EXPECT_EQ(sent("findAndModify"),
-              R"({ "findAndModify" : "c", "query" : {  }, "sort" : { "a" : 1 }, "remove" : true })");
+    EXPECT_PRED2(isSameCommand, sent("findAndModify"),
+                 R"({ "findAndModify" : "c", "query" : {  }, "sort" : { "a" : 1 }, "remove" : true })");
 }
 
 TEST_F(CollectionQuery, FindOneAndReportsTheServersError)
@@ -134,10 +136,10 @@ TEST_F(CollectionQuery, CountCarriesItsOptions)
 
     EXPECT_EQ(collection().count({{"a", 1}}, options), 4);
 
-    EXPECT_EQ(sent("aggregate"),
-              R"({ "aggregate" : "c", "cursor" : {  }, "pipeline" : [ { "$match" : { "a" : 1 } }, { "$skip" : 1 }, )"
-              R"({ "$limit" : 5 }, { "$group" : { "_id" : 1, "n" : { "$sum" : 1 } } } ], )"
-              R"("collation" : { "locale" : "de" }, "maxTimeMS" : 1000, "hint" : "i", "comment" : "why" })");
+    EXPECT_PRED2(isSameCommand, sent("aggregate"),
+                 R"({ "aggregate" : "c", "cursor" : {  }, "pipeline" : [ { "$match" : { "a" : 1 } }, { "$skip" : 1 }, )"
+                 R"({ "$limit" : 5 }, { "$group" : { "_id" : 1, "n" : { "$sum" : 1 } } } ], )"
+                 R"("collation" : { "locale" : "de" }, "maxTimeMS" : 1000, "hint" : "i", "comment" : "why" })");
     reply("aggregate", R"({"ok": 0, "errmsg": "no", "code": 13})");
     EXPECT_EQ(thrownText([&] { collection().count({}); }), "runtime_error: Count failed: no(code: 13)");
 }
@@ -145,7 +147,7 @@ TEST_F(CollectionQuery, CountCarriesItsOptions)
 TEST_F(CollectionQuery, DistinctReturnsTheDifferentValues)
 {
     EXPECT_EQ(collection().distinct("a"), (std::vector<Value>{5, 7}));
-    EXPECT_EQ(sent("distinct"), R"({ "distinct" : "c", "key" : "a", "query" : {  } })");
+    EXPECT_PRED2(isSameCommand, sent("distinct"), R"({ "distinct" : "c", "key" : "a", "query" : {  } })");
 
     EXPECT_EQ(collection().distinct("a", {{"_id", 2}}), std::vector<Value>{7});
     EXPECT_EQ(collection().distinct("b"), std::vector<Value>{});
@@ -159,8 +161,9 @@ TEST_F(CollectionQuery, CreateIndexSendsTheKeysInTheirOrder)
 
     EXPECT_EQ(collection().createIndex({{"b"}, {"a", dbc::IndexType::Descending}}, options), "b_1_a_-1");
 
-    EXPECT_EQ(sent("createIndexes"), R"({ "createIndexes" : "c", "indexes" : [ { "key" : { "b" : 1, "a" : -1 }, )"
-                                     R"("name" : "b_1_a_-1", "unique" : true } ] })");
+    EXPECT_PRED2(isSameCommand, sent("createIndexes"),
+                 R"({ "createIndexes" : "c", "indexes" : [ { "key" : { "b" : 1, "a" : -1 }, )"
+                 R"("name" : "b_1_a_-1", "unique" : true } ] })");
     std::vector<std::string> names;
     for (const dbc::IndexInfo& index : collection().indexes())
     {
@@ -188,10 +191,11 @@ TEST_F(CollectionQuery, CreateIndexCarriesEveryOption)
     collection().createIndex(
         {{"t", dbc::IndexType::Text}, {"h", dbc::IndexType::Hashed}, {"p", dbc::IndexType::Sphere2d}}, options);
 
-    EXPECT_EQ(sent("createIndexes"),
-              R"({ "createIndexes" : "c", "indexes" : [ { "key" : { "t" : "text", "h" : "hashed", "p" : "2dsphere" }, )"
-              R"("name" : "n", "sparse" : true, "partialFilterExpression" : { "a" : 1 }, )"
-              R"("collation" : { "locale" : "de" }, "expireAfterSeconds" : 3600 } ] })");
+    EXPECT_PRED2(
+        isSameCommand, sent("createIndexes"),
+        R"({ "createIndexes" : "c", "indexes" : [ { "key" : { "t" : "text", "h" : "hashed", "p" : "2dsphere" }, )"
+        R"("name" : "n", "sparse" : true, "partialFilterExpression" : { "a" : 1 }, )"
+        R"("collation" : { "locale" : "de" }, "expireAfterSeconds" : 3600 } ] })");
 }
 
 TEST_F(CollectionQuery, UnknownIndexIsNotFound)

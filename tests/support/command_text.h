@@ -1,0 +1,66 @@
+#pragma once
+
+#include "driver_handles.h"
+#include "owned_bson.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace test_support {
+
+/// The fields of @p source in alphabetical order, the first @p kept of them in their places.
+inline void appendSorted(const bson_t* source, std::size_t kept, bson_t* target)
+{
+    std::vector<std::string> keys;
+    bson_iter_t iter;
+    for (bson_iter_init(&iter, source); bson_iter_next(&iter);)
+        keys.emplace_back(bson_iter_key(&iter));
+    std::sort(keys.begin() + static_cast<std::ptrdiff_t>(std::min(kept, keys.size())), keys.end());
+    for (const std::string& key : keys)
+    {
+        if (!bson_iter_init_find(&iter, source, key.c_str()))
+            continue;
+        const bool isList = (key == "updates" || key == "deletes") && BSON_ITER_HOLDS_ARRAY(&iter);
+        if (!isList)
+        {
+            bson_append_iter(target, key.c_str(), -1, &iter);
+            continue;
+        }
+        OwnedBson list;
+        bson_iter_t statement;
+        for (bson_iter_recurse(&iter, &statement); bson_iter_next(&statement);)
+        {
+            const std::uint8_t* data = nullptr;
+            std::uint32_t size = 0;
+            bson_t view;
+            OwnedBson sorted;
+            bson_iter_document(&statement, &size, &data);
+            if (bson_init_static(&view, data, size))
+                appendSorted(&view, 0, sorted.get());
+            BSON_APPEND_DOCUMENT(list.get(), bson_iter_key(&statement), sorted.get());
+        }
+        BSON_APPEND_ARRAY(target, key.c_str(), list.get());
+    }
+}
+
+inline std::string withSortedOptions(const std::string& command)
+{
+    OwnedBson parsed;
+    if (!bson_init_from_json(parsed.get(), command.c_str(), static_cast<ssize_t>(command.size()), nullptr))
+        return command;
+    OwnedBson sorted;
+    appendSorted(parsed.get(), 1, sorted.get());
+    return DriverText(bson_as_relaxed_extended_json(sorted.get(), nullptr)).get();
+}
+
+/// Whether two commands, as RecordedCommand::json() has them, differ in no more than the order of their options behind
+/// the name, and of those of each statement of an update or a delete. That order is the driver's and not the same in
+/// all versions. Inside the options all counts: the keys of a sort, the fields of a document.
+inline bool isSameCommand(const std::string& left, const std::string& right)
+{
+    return withSortedOptions(left) == withSortedOptions(right);
+}
+
+} // namespace test_support
