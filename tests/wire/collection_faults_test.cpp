@@ -14,6 +14,7 @@
 #include <optional>
 #include <ostream>
 #include <sstream>
+#include <vector>
 
 namespace test_support {
 namespace {
@@ -322,6 +323,34 @@ TEST_P(LayerFault, OfTheServerHasItsTextCodeAndKind)
 }
 
 INSTANTIATE_TEST_SUITE_P(Operations, LayerFault, testing::ValuesIn(operations), RowName());
+
+std::vector<OperationRow> writes()
+{
+    std::vector<OperationRow> found;
+    for (const OperationRow& row : operations)
+    {
+        if (row.isDone)
+            found.push_back(row);
+    }
+    return found;
+}
+
+class LayerWriteFault : public LayerFault
+{};
+
+TEST_P(LayerWriteFault, OfConfirmationIsATimeoutAlthoughTheWriteWasDone)
+{
+    const char* const reply =
+        R"({"ok": 1, "n": 1, "nModified": 1, "value": null,
+            "writeConcernError": {"code": 64, "codeName": "WriteConcernFailed", "errmsg": "too slow"}})";
+    expectError("not confirmed", Fault::replaceReply(reply), true, [](const ServerError& error) {
+        EXPECT_NE(std::string(error.what()).find("too slow(code: 64)"), std::string::npos) << error.what();
+        EXPECT_EQ(error.kind(), ErrorKind::Timeout);
+        EXPECT_FALSE(error.mayRetry());
+    });
+}
+
+INSTANTIATE_TEST_SUITE_P(Operations, LayerWriteFault, testing::ValuesIn(writes()), RowName());
 
 } // namespace
 } // namespace test_support
