@@ -514,17 +514,20 @@ std::size_t sizeOf(const Value& root)
     return size;
 }
 
-/// Writes into memory that has room for the document and sixteen bytes more.
+/// Appends to bytes. What is small goes through a buffer of its own: a vector would first fill with zeros the room that
+/// is written to, which takes as long as writing. What is large is appended without a detour.
 class BsonWriter
 {
 public:
-    explicit BsonWriter(std::uint8_t* target) noexcept : m_next(target) {}
+    explicit BsonWriter(std::vector<std::uint8_t>& target) noexcept : m_target(target) {}
 
     void write(const Value& root)
     {
-        open(root, nullptr);
+        open(root, notCode);
         while (!m_levels.empty())
         {
+            if (m_next > m_buffer + bufferSize)
+                flush();
             Level& level = m_levels.back();
             if (level.field != level.lastField)
             {
@@ -545,19 +548,34 @@ public:
             else
                 close(level);
         }
+        flush();
     }
 
 private:
+    static constexpr std::size_t notCode = static_cast<std::size_t>(-1);
+    static constexpr std::size_t bufferSize = 1024;
+    static constexpr std::size_t largeSize = 256;
+    // What an element takes at most beside strings and bytes that are not stored in place.
+    static constexpr std::size_t slack = 96;
+
     struct Level
     {
         const Field* field;
         const Field* lastField;
         const Value* element;
         const Value* lastElement;
-        std::uint8_t* begin;
-        std::uint8_t* code; // where code with this scope begins
+        std::size_t begin; // offsets
+        std::size_t code;  // where code with this scope begins
         IndexKey key;
     };
+
+    std::size_t offset() const noexcept { return m_target.size() + static_cast<std::size_t>(m_next - m_buffer); }
+
+    void flush()
+    {
+        m_target.insert(m_target.end(), m_buffer, m_next);
+        m_next = m_buffer;
+    }
 
     template <typename Number>
     void number(Number value) noexcept
@@ -572,44 +590,63 @@ private:
         std::memcpy(target, &value, sizeof(value));
     }
 
-    void bytes(const void* data, std::size_t size) noexcept
+    /// Sets the length of what began at an offset and ends here.
+    void putLength(std::size_t begin) noexcept
     {
+        const auto length = static_cast<std::int32_t>(offset() - begin);
+        put(begin < m_target.size() ? m_target.data() + begin : m_buffer + (begin - m_target.size()), length);
+    }
+
+    void bytes(const void* data, std::size_t size)
+    {
+        if (size >= largeSize)
+        {
+            flush();
+            const auto* const begin = static_cast<const std::uint8_t*>(data);
+            m_target.insert(m_target.end(), begin, begin + size);
+            return;
+        }
+        if (m_next > m_buffer + bufferSize - size)
+            flush();
         if (size > 0)
             std::memcpy(m_next, data, size);
         m_next += size;
     }
 
-    void cString(const Value& value) noexcept
+    void cString(const Value& value)
     {
         const std::string_view text = Access::text(value);
         if (Access::ownsMemory(value))
-            std::memcpy(m_next, text.data(), text.size());
+            bytes(text.data(), text.size());
         else
+        {
             std::memcpy(m_next, text.data(), Access::textCapacity); // what is too much is written over
-        m_next += text.size();
+            m_next += text.size();
+        }
         *m_next++ = 0;
     }
 
-    void string(const Value& value) noexcept
+    void string(const Value& value)
     {
         number(static_cast<std::int32_t>(Access::text(value).size() + 1));
         cString(value);
     }
 
-    void open(const Value& document, std::uint8_t* code)
+    void open(const Value& document, std::size_t code)
     {
         const auto fields = document.fields();
         const auto elements = document.elements();
-        m_levels.push_back({fields.begin(), fields.end(), elements.begin(), elements.end(), m_next, code, IndexKey()});
+        m_levels.push_back(
+            {fields.begin(), fields.end(), elements.begin(), elements.end(), offset(), code, IndexKey()});
         m_next += sizeof(std::int32_t);
     }
 
     void close(const Level& level) noexcept
     {
         *m_next++ = 0;
-        put(level.begin, static_cast<std::int32_t>(m_next - level.begin));
-        if (level.code)
-            put(level.code, static_cast<std::int32_t>(m_next - level.code));
+        putLength(level.begin);
+        if (level.code != notCode)
+            putLength(level.code);
         m_levels.pop_back();
     }
 
@@ -650,7 +687,7 @@ private:
             return;
         case Type::Object:
         case Type::Array:
-            open(value, nullptr);
+            open(value, notCode);
             return;
         case Type::Binary: {
             const std::string_view content = Access::bytes(value);
@@ -671,7 +708,7 @@ private:
             bytes(Access::objectId(Access::pairItem(value, 1)), Access::objectIdSize);
             return;
         case Type::CodeWithScope: {
-            std::uint8_t* const begin = m_next;
+            const std::size_t begin = offset();
             m_next += sizeof(std::int32_t);
             string(Access::pairItem(value, 0));
             open(Access::pairItem(value, 1), begin);
@@ -691,7 +728,9 @@ private:
         }
     }
 
-    std::uint8_t* m_next;
+    std::vector<std::uint8_t>& m_target;
+    std::uint8_t m_buffer[bufferSize + slack];
+    std::uint8_t* m_next = m_buffer;
     std::vector<Level> m_levels;
 };
 
@@ -715,11 +754,10 @@ void Value::appendBson(std::vector<std::uint8_t>& target) const
     const std::size_t size = sizeOf(*this);
     if (size > largestDocument)
         throw std::length_error("Value: more than 2^31 - 1 bytes of BSON");
-    constexpr std::size_t slack = 16;
-    const std::size_t before = target.size();
-    target.resize(before + size + slack);
-    BsonWriter(target.data() + before).write(*this);
-    target.resize(before + size);
+    const std::size_t needed = target.size() + size;
+    if (needed > target.capacity()) // many documents in one target take linear time
+        target.reserve(std::max(needed, 2 * target.capacity()));
+    BsonWriter(target).write(*this);
 }
 
 std::vector<std::uint8_t> Value::toBson() const

@@ -14,6 +14,7 @@ namespace {
 
 using dbc::FormatError;
 using dbc::Value;
+using test_support::BorrowedBson;
 using test_support::BsonBytes;
 using test_support::inWordsOf123;
 using Bytes = std::vector<std::uint8_t>;
@@ -261,6 +262,43 @@ TEST(ValueBson, NumbersMoreThanTenThousandElements)
     }
     EXPECT_EQ(BsonBytes(list.toBson()), BsonBytes(&driver));
     bson_destroy(&driver);
+}
+
+TEST(ValueBson, WritesStringsAndBytesOfEverySize)
+{
+    for (std::size_t size = 0; size < 1300; ++size)
+    {
+        const std::string text(size, 'x');
+        const Value value = {{"a", {{text, text}, {"b", dbc::Bytes(size, 'x')}}}, {"n", 1}};
+        bson_t inner = BSON_INITIALIZER;
+        bson_append_utf8(&inner, text.data(), static_cast<int>(size), text.data(), static_cast<int>(size));
+        bson_append_binary(&inner, "b", 1, BSON_SUBTYPE_BINARY, reinterpret_cast<const std::uint8_t*>(text.data()),
+                           static_cast<std::uint32_t>(size));
+        bson_t driver = BSON_INITIALIZER;
+        BSON_APPEND_DOCUMENT(&driver, "a", &inner);
+        BSON_APPEND_INT32(&driver, "n", 1);
+        EXPECT_EQ(BsonBytes(value.toBson()), BsonBytes(&driver)) << size;
+        bson_destroy(&inner);
+        bson_destroy(&driver);
+    }
+}
+
+// Ends of documents, one behind the other, are written to the same place as their elements.
+TEST(ValueBson, WritesDeepDocuments)
+{
+    for (const int depth : {1, 100, 900, 1000, 1100, 3000})
+    {
+        Value value = {{"v", 1}};
+        for (int level = 0; level < depth; ++level)
+        {
+            Value outer;
+            outer.append("d", std::move(value));
+            value = std::move(outer);
+        }
+        const Bytes bytes = value.toBson();
+        ASSERT_TRUE(BorrowedBson(bytes).isValid());
+        EXPECT_EQ(read(bytes), value) << depth;
+    }
 }
 
 TEST(ValueBson, IsAppendedToWhatABufferHolds)
