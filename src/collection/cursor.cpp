@@ -1,6 +1,5 @@
 #include "dbc/cursor.h"
 
-#include "bson_to_properties.h"
 #include "collection/bson_value.h"
 #include "collection/cursor_state.h"
 #include "collection/driver_error.h"
@@ -66,9 +65,7 @@ const ObjectProperties& Cursor::properties()
         return *d->properties;
     if (!d->properties)
         d->properties.emplace();
-    d->properties->root()->clearChilds();
-    d->properties->beginGroup("/"); // the caller may have moved the cursor
-    if (!BsonToProperties::convert(bson, &*d->properties))
+    if (!d->refill.convert(bson, *d->properties))
         throw std::invalid_argument("Bad results");
     d->hasProperties = true;
     return *d->properties;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "conversion/document_refill.h"
 #include "database_client/mongoc_handles.h"
 #include "dbc/cursor.h"
 
@@ -21,6 +22,7 @@ struct Cursor::State
     const bson_t* fetched = nullptr;         ///< Belongs to the driver's cursor.
     bool hasBegun = false; ///< Whether next() was called; before it the first document is fetched already.
     std::optional<ObjectProperties> properties;
+    DocumentRefill refill; ///< Of properties.
     Value value;
     bool hasProperties = false; ///< Whether properties holds the current document.
     bool hasValue = false;      ///< Whether value holds the current document.
