@@ -1,7 +1,5 @@
 #pragma once
 
-#include <dbc/results.h>
-
 #include <database_client.h>
 
 #include <cstdlib>

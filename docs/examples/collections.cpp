@@ -1,4 +1,4 @@
-// Collections, cursors, bulk writes and indexes. Needs a server: scripts/with-server.
+// Collections, cursors and indexes. Needs a server: scripts/with-server.
 #include "example.h"
 
 #include "test_server.h"
@@ -7,7 +7,6 @@
 #include <dbc/database.h>
 
 #include <optional>
-#include <vector>
 
 namespace {
 
@@ -27,50 +26,6 @@ void changes(DataBaseClient& client, const std::string& database)
 
     std::cout << orders.removeMany({{"item", "cup"}}).removed << " removed, " << orders.count({}) << " left\n";
     //! [changes]
-}
-
-std::optional<dbc::Value> nextRecord()
-{
-    static int number = 0;
-    return number < 5000 ? std::optional<dbc::Value>(dbc::Value{{"_id", number++}}) : std::nullopt;
-}
-
-void import(DataBaseClient& client, const std::string& database)
-{
-    section("import");
-    dbc::Collection orders(client, database, "imported");
-    //! [import]
-    const std::vector<ObjectProperties> documents = {dbc::document({{"item", "cup"}}),
-                                                     dbc::document({{"item", "jug"}})};
-    std::cout << orders.insertMany(documents).ids.size() << " ids\n";
-
-    // A generator: 5,000 records that are never in memory at once.
-    const dbc::InsertManyResult result = orders.insertMany([]() -> std::optional<dbc::Value> { return nextRecord(); });
-    std::cout << result.inserted << " inserted\n";
-    //! [import]
-}
-
-void bulk(DataBaseClient& client, const std::string& database)
-{
-    section("bulk");
-    dbc::Collection orders(client, database, "bulk");
-    //! [bulk]
-    dbc::Bulk bulk;
-    bulk.insertOne({{"_id", 1}, {"state", "new"}})
-        .updateOne({{"_id", 1}}, {{"$set", {{"state", "paid"}}}})
-        .removeMany({{"state", "cancelled"}})
-        .insertOne({{"_id", 1}}); // the id is taken
-    try
-    {
-        orders.bulkWrite(bulk);
-    }
-    catch (const dbc::BulkError& error)
-    {
-        std::cout << error.result().inserted << " inserted, " << error.result().modified << " modified\n";
-        for (const dbc::WriteError& refused : error.errors())
-            std::cout << "operation " << refused.index << ": " << dbc::nameOf(refused.kind) << '\n';
-    }
-    //! [bulk]
 }
 
 void cursor(DataBaseClient& client, const std::string& database)
@@ -95,31 +50,6 @@ void cursor(DataBaseClient& client, const std::string& database)
     if (const std::optional<dbc::Value> order = orders.findOne({{"_id", 3}}))
         std::cout << order->getOr("state", "?") << '\n';
     //! [cursor]
-}
-
-void paging(DataBaseClient& client, const std::string& database)
-{
-    section("paging");
-    dbc::Collection orders(client, database, "paging");
-    for (int number = 1; number <= 5; ++number)
-        orders.insertOne({{"_id", number}});
-    //! [paging]
-    dbc::FindOptions page;
-    page.sort = {{"_id"}};
-    page.limit = 2;
-    dbc::Value last = 0; // the last "_id" of the page before
-    for (bool isMore = true; isMore;)
-    {
-        isMore = false;
-        for (const dbc::Value& order : orders.find({{"_id", {{"$gt", last}}}}, page))
-        {
-            last = order.at("_id");
-            std::cout << last << ' ';
-            isMore = true;
-        }
-        std::cout << "|\n";
-    }
-    //! [paging]
 }
 
 void aggregation(DataBaseClient& client, const std::string& database)
@@ -175,10 +105,7 @@ int main()
     DataBaseClient client;
     client.connect(test_support::TestServer::instance().uri());
     changes(client, scratch.name());
-    import(client, scratch.name());
-    bulk(client, scratch.name());
     cursor(client, scratch.name());
-    paging(client, scratch.name());
     aggregation(client, scratch.name());
     indexes(client, scratch.name());
     command(client, scratch.name());

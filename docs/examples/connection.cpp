@@ -1,6 +1,7 @@
 // Connection strings.
 #include <database_client.h>
 #include <dbc/connection_string.h>
+#include <dbc/database.h>
 #include <dbc/log.h>
 
 #include <iostream>
@@ -10,6 +11,49 @@
 #include "example.h"
 
 namespace {
+
+void first()
+{
+    section("first");
+    //! [first]
+    const std::string address = dbc::ConnectionString()
+                                    .host("db.example")
+                                    .user("ada", "p@ss/word")
+                                    .authSource("admin") // the database that knows the user
+                                    .database("shop")
+                                    .text();
+    std::cout << address << '\n';
+
+    DataBaseClient client;
+    client.connect(address);
+    //! [first]
+}
+
+void ping()
+{
+    section("ping");
+    //! [ping]
+    DataBaseClient client;
+    client.connect("mongodb://127.0.0.1:1/"); // no server is there
+    try
+    {
+        dbc::Database(client, "admin").command({{"ping", 1}});
+        std::cout << "connected\n";
+    }
+    catch (const dbc::ServerError& error)
+    {
+        std::cout << dbc::nameOf(error.kind()) << ", code " << error.code() << '\n';
+    }
+    //! [ping]
+}
+
+void percent()
+{
+    section("percent");
+    //! [percent]
+    std::cout << "mongodb://ada:" + dbc::percentEncoded("p@ss/word") + "@db.example/?authSource=admin" << '\n';
+    //! [percent]
+}
 
 void built()
 {
@@ -76,6 +120,9 @@ void log()
 int main()
 {
     log();
+    first();
+    ping();
+    percent();
     built();
     escaped();
     options();

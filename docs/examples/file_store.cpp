@@ -5,9 +5,28 @@
 
 #include <dbc/file_store.h>
 
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <sstream>
+#include <stdexcept>
 
 namespace {
+
+struct TemporaryFolder
+{
+    TemporaryFolder()
+    {
+        path = (std::filesystem::temp_directory_path() / "database_client_XXXXXX").string();
+        if (::mkdtemp(path.data()) == nullptr)
+            throw std::runtime_error("cannot create " + path);
+    }
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+    ~TemporaryFolder() { std::filesystem::remove_all(path); }
+
+    std::string path;
+};
 
 void files(DataBaseClient& client, const std::string& database)
 {
@@ -46,6 +65,54 @@ void reader(DataBaseClient& client, const std::string& database)
     //! [reader]
 }
 
+void progress(DataBaseClient& client, const std::string& database)
+{
+    section("progress");
+    dbc::FileStore files(client, database);
+    std::istringstream source(std::string(1000000, 'x'));
+    //! [progress]
+    constexpr std::uint64_t length = 1000000; // of the source
+    dbc::UploadOptions upload;
+    upload.progress = [&](std::uint64_t bytes) {
+        std::cout << bytes * 100 / length << " % stored\n";
+        return true; // go on
+    };
+    files.upload("report.txt", source, upload);
+
+    std::ostringstream target;
+    dbc::DownloadOptions download;
+    download.progress = [](std::uint64_t bytes) { return bytes < 500000; }; // enough after that
+    try
+    {
+        files.download("report.txt", target, download);
+    }
+    catch (const dbc::Cancelled& cancelled)
+    {
+        std::cout << cancelled.what() << ", " << target.str().size() << " bytes read\n";
+    }
+    //! [progress]
+}
+
+void local(DataBaseClient& client, const std::string& database)
+{
+    section("local");
+    dbc::FileStore files(client, database);
+    const TemporaryFolder folder;
+    const std::string path = folder.path + "/report.txt";
+    std::ofstream(path) << "one line\n";
+    //! [local]
+    files.uploadFile("report.txt", path); // throws std::system_error if it cannot be opened
+
+    std::ofstream target(path + ".part", std::ios::binary);
+    const dbc::FileInfo file = files.download("report.txt", target);
+    target.close(); // sets failbit if the last bytes cannot be written
+    if (!target)
+        throw std::runtime_error("cannot write " + path);
+    std::filesystem::rename(path + ".part", path);
+    std::cout << file.length << " bytes\n";
+    //! [local]
+}
+
 } // namespace
 
 int main()
@@ -55,4 +122,6 @@ int main()
     client.connect(test_support::TestServer::instance().uri());
     files(client, scratch.name());
     reader(client, scratch.name());
+    progress(client, scratch.name());
+    local(client, scratch.name());
 }

@@ -26,6 +26,8 @@ constexpr Chapter chapters[] = {
     {"load", "ISO country and subdivision records become typed documents",
      tour::load, false},
     {"write", "insert thousands of documents", tour::write, true},
+    {"import", "many documents in a command, beside one command for each",
+     tour::importRecords, true},
     {"find", "query, projection, order, limit and skip", tour::find, true},
     {"filter", "queries built call by call, and the JSON they make",
      tour::filter, true},

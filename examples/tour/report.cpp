@@ -106,8 +106,8 @@ void Step::progress(std::size_t done, std::size_t total)
               << total << std::flush;
 }
 
-void Step::done(std::size_t count, const std::string& unit,
-                std::size_t operations)
+double Step::done(std::size_t count, const std::string& unit,
+                  std::size_t operations)
 {
     const double seconds = secondsSinceStart() - m_start;
     clearBar();
@@ -125,6 +125,7 @@ void Step::done(std::size_t count, const std::string& unit,
         std::cout << figures;
     }
     std::cout << std::endl;
+    return seconds;
 }
 
 void Step::clearBar()
@@ -148,11 +149,11 @@ void summary()
         << seconds << ".\n"
         << "\nWhere to go on:\n"
            "  README.md                        a first program of your own\n"
-           "  examples/01_write_and_find.cpp   small programs, one for each "
+           "  examples/01_crud.cpp             small programs, one for each "
            "task\n"
            "  examples/tour/find.cpp           the code of this tour, one "
            "file a chapter\n"
-           "  docs/guide/client.md             the guide; scripts/docs makes "
+           "  docs/guide/quick_start.md        the guide; scripts/docs makes "
            "pages of it\n"
            "  docs/guide/dbc.md                the command-line tool\n"
         << std::flush;

@@ -36,10 +36,10 @@ public:
     /// Draws a progress bar when standard output is a terminal, otherwise
     /// nothing. @throws Interrupted
     void progress(std::size_t done, std::size_t total);
-    /// Stops the clock and prints the result.
+    /// Stops the clock, prints the result and returns the seconds.
     /// @param operations  calls of the client in this step
-    void done(std::size_t count, const std::string& unit = "documents",
-              std::size_t operations = 1);
+    double done(std::size_t count, const std::string& unit = "documents",
+                std::size_t operations = 1);
 
 private:
     void clearBar();

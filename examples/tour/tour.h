@@ -48,6 +48,7 @@ void title(const std::string& name);
 // One function a chapter, in the order of the tour.
 void load(Tour& tour);
 void write(Tour& tour);
+void importRecords(Tour& tour);
 void find(Tour& tour);
 void filter(Tour& tour);
 void update(Tour& tour);

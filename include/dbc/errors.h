@@ -121,6 +121,14 @@ private:
     std::shared_ptr<const ErrorDetails> m_details; // the only member: size and layout never change
 };
 
+/// A transfer of a file that the program ended: FileStore throws it when a progress function returns false. A Download
+/// makes DataBaseClient::readFile() throw it, also after Download::cancel().
+class Cancelled : public std::runtime_error
+{
+public:
+    Cancelled() : std::runtime_error("Cancelled") {}
+};
+
 /// What an exception says, taken apart.
 struct ErrorInfo
 {

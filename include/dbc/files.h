@@ -4,6 +4,7 @@
 /// Streams around the file operations of DataBaseClient: watching a file arrive, and storing what is not a local file.
 
 #include "database_client.h"
+#include "dbc/errors.h"
 #include "dbc/results.h"
 #include "object_properties.h"
 
@@ -55,14 +56,6 @@ private:
     }
 
     std::uint32_t m_value = 0xffffffffU;
-};
-
-/// What a progress function throws, or Download::cancel() causes: the copy ends and the exception reaches the caller of
-/// readFile().
-class Cancelled : public std::runtime_error
-{
-public:
-    Cancelled() : std::runtime_error("Cancelled") {}
 };
 
 /// A stream for readFile() that hands on what arrives to another stream, counts it, computes its checksum, reports

@@ -3,6 +3,7 @@
 
 #include <dbc/access.h>
 #include <dbc/build.h>
+#include <dbc/results.h>
 #include <object_filter.h>
 #include <properties_to_json.h>
 

@@ -1,6 +1,7 @@
 // Changes documents with update operators and lets the server group and sum.
 #include "example.h"
 
+#include <dbc/results.h>
 #include <json_to_properties.h>
 #include <properties_to_json.h>
 

@@ -4,6 +4,7 @@
 
 #include <dbc/build.h>
 #include <dbc/connection_string.h>
+#include <dbc/results.h>
 #include <object_properties.h>
 
 #include <iostream>

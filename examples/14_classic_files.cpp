@@ -28,7 +28,7 @@ struct LocalFile
     LocalFile& operator=(const LocalFile&) = delete;
     ~LocalFile() { std::remove(path.c_str()); }
 
-    const std::string path = "letter_of_example_04.txt";
+    const std::string path = "letter_of_example_14.txt";
 };
 
 } // namespace
