@@ -125,18 +125,30 @@ void lines(DataBaseClient& client, const std::string& database)
 {
     section("lines");
     dbc::Collection orders(client, database, "lines");
-    std::istringstream file("{\"item\": \"cup\"}\n{\"item\": \"jug\"}\n");
+    std::istringstream file("{\"item\": \"cup\"}\n\n{\"item\": \"jug\"}\n");
     //! [lines]
     // file is a std::ifstream: one JSON document per line
-    const auto nextDocument = [&file]() -> std::optional<dbc::Value> {
+    int number = 0;
+    const auto nextDocument = [&]() -> std::optional<dbc::Value> {
         std::string line;
-        if (!std::getline(file, line))
-            return std::nullopt; // the end
-        return dbc::Value::fromJson(line);
+        while (std::getline(file, line))
+        {
+            ++number;
+            if (!line.empty())
+                return dbc::Value::fromJson(line);
+        }
+        return std::nullopt; // the end
     };
     dbc::InsertManyOptions options;
     options.returnIds = false; // millions of ids would need memory
-    std::cout << orders.insertMany(nextDocument, options).inserted << " inserted\n";
+    try
+    {
+        std::cout << orders.insertMany(nextDocument, options).inserted << " inserted\n";
+    }
+    catch (const dbc::FormatError& error)
+    {
+        std::cerr << "line " << number << ": " << error.what() << '\n';
+    }
     //! [lines]
 }
 
