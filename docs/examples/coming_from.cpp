@@ -135,6 +135,7 @@ void values()
 } // namespace
 
 int main()
+try
 {
     const test_support::ScratchDatabase scratch;
     const std::string uri = test_support::TestServer::instance().uri();
@@ -148,4 +149,9 @@ int main()
     indexing(c);
     files(client, scratch.name());
     values();
+}
+catch (const std::exception& problem)
+{
+    std::cerr << problem.what() << '\n';
+    return 1;
 }

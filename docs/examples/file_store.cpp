@@ -116,6 +116,7 @@ void local(DataBaseClient& client, const std::string& database)
 } // namespace
 
 int main()
+try
 {
     const test_support::ScratchDatabase scratch;
     DataBaseClient client;
@@ -124,4 +125,9 @@ int main()
     reader(client, scratch.name());
     progress(client, scratch.name());
     local(client, scratch.name());
+}
+catch (const std::exception& problem)
+{
+    std::cerr << problem.what() << '\n';
+    return 1;
 }
