@@ -90,7 +90,7 @@ private:
 /// from, it can only be assigned to or destroyed. Format: the GridFS specification.
 ///
 /// An uploaded file is visible when it is whole: its record is written after all of its content. A failed upload
-/// removes its content again.
+/// removes its content again. An upload whose content another program removes fails.
 ///
 /// Every operation throws, in this order of checks:
 /// - std::logic_error       "The client of this object no longer exists"

@@ -182,7 +182,10 @@ public:
             InsertManyOptions options;
             options.returnIds = false;
             options.writeConcern = m_writeConcern;
-            m_chunks.insertMany([this, &source] { return nextChunk(source); }, options);
+            const InsertManyResult stored =
+                m_chunks.insertMany([this, &source] { return nextChunk(source); }, options);
+            if (stored.acknowledged) // else the server may still be storing them
+                checkChunks();
             writeRecord();
         }
         catch (...)
@@ -220,6 +223,26 @@ private:
         if (m_options.progress && !m_options.progress(m_info.length))
             throw Cancelled();
         return BsonView{bson_get_data(m_chunk.get()), m_chunk.get()->len};
+    }
+
+    // Whoever removes content that belongs to no record may have taken that of this upload.
+    void checkChunks()
+    {
+        if (m_chunkCount == 0)
+            return;
+        CountOptions options;
+        options.readPreference = ReadPreference::Primary;
+        if (m_chunks.count(ownChunks(), options) == m_chunkCount)
+            return;
+        ErrorDetails details;
+        details.text = "the content was removed while it was being stored";
+        throw ServerError(uploadFailed, details);
+    }
+
+    // With a chosen id there may be a file that has it already: chunks of this upload only.
+    Value ownChunks() const
+    {
+        return {{"files_id", m_info.id}, {"_id", {{"$gte", m_firstChunk}, {"$lte", m_lastChunk}}}};
     }
 
     void writeRecord()
@@ -264,8 +287,7 @@ private:
         }
     }
 
-    // Only those of this upload: with a chosen id there may be a file that has it already. If they cannot be removed
-    // they stay behind and belong to no file.
+    // If they cannot be removed they stay behind and belong to no file.
     void removeChunks() noexcept
     {
         if (m_chunkCount == 0)
@@ -274,8 +296,7 @@ private:
         {
             RemoveOptions options;
             options.writeConcern = m_writeConcern;
-            m_chunks.removeMany({{"files_id", m_info.id}, {"_id", {{"$gte", m_firstChunk}, {"$lte", m_lastChunk}}}},
-                                options);
+            m_chunks.removeMany(ownChunks(), options);
         }
         catch (const std::exception&)
         {}

@@ -34,7 +34,7 @@ protected:
 
 TEST_F(FilesProgress, OfAStoredFileIsHowFarItWasRead)
 {
-    gateway().inject(Fault::holdReply().onCommand("update").onTarget("fs.chunks"));
+    gateway().inject(Fault::holdReply().onCommand("insert").onTarget("fs.chunks"));
     ToolProcess tool(line("put", {m_folder.path("large")}), ToolProcess::Messages::OnATerminal);
     ASSERT_TRUE(gateway().waitForHeldReplies(1));
 

@@ -64,7 +64,7 @@ TEST_F(SchemaSample, IsTheFirstDocumentsWhereTheServerDoesNotChoose)
 
     EXPECT_EQ(tool.output(), "_id    int32              1  1 .. 1\nfirst  bool               1\n1 documents\n");
     EXPECT_EQ(tool.messages(), "sample: the first ones, since the server does not choose at random: Aggregation "
-                               "error.: Unrecognized pipeline stage name: '$sample'\n");
+                               "failed: Unrecognized pipeline stage name: '$sample'\n");
 }
 
 TEST_F(SchemaSample, IsNotReadInAnotherWayWhenTheUserMayNotReadAtAll)
@@ -74,7 +74,7 @@ TEST_F(SchemaSample, IsNotReadInAnotherWayWhenTheUserMayNotReadAtAll)
 
     EXPECT_EQ(tool.wait(), 4);
 
-    EXPECT_EQ(tool.messages(), "dbc: Aggregation error.: not authorized(code: 13)\n");
+    EXPECT_EQ(tool.messages(), "dbc: Aggregation failed: not authorized(code: 13)\n");
     EXPECT_EQ(gateway().commands("find").size(), 0U);
 }
 

@@ -108,13 +108,13 @@ TEST_F(FileStoreOnServer, FilesAreReadByTheFrozenClientAndTheOtherWayRound)
     EXPECT_EQ(download("old"), "");
 }
 
-TEST_F(FileStoreOnServer, WritesTheRecordLastAndIndexesFirst)
+TEST_F(FileStoreOnServer, WritesIndexesThenContentAndTheRecordWhenTheContentWasCounted)
 {
     gateway().clear();
     upload("f", letters(25));
 
     EXPECT_EQ(gateway().names(),
-              (std::vector<std::string>{"find", "createIndexes", "createIndexes", "insert", "insert"}));
+              (std::vector<std::string>{"find", "createIndexes", "createIndexes", "insert", "aggregate", "insert"}));
     const std::vector<RecordedCommand> inserts = gateway().commands("insert");
     EXPECT_EQ(inserts.at(0).target, "fs.chunks");
     EXPECT_EQ(inserts.at(1).target, "fs.files");
@@ -122,7 +122,7 @@ TEST_F(FileStoreOnServer, WritesTheRecordLastAndIndexesFirst)
 
     gateway().clear();
     upload("g", letters(25));
-    EXPECT_EQ(gateway().names(), (std::vector<std::string>{"insert", "insert"}));
+    EXPECT_EQ(gateway().names(), (std::vector<std::string>{"insert", "aggregate", "insert"}));
 }
 
 TEST_F(FileStoreOnServer, DownloadReadsAnyPart)
@@ -280,6 +280,15 @@ TEST_F(FileStoreOnServer, FailedUploadLeavesNothing)
         gateway().clearFaults();
     }
     EXPECT_EQ(download("first"), "x");
+}
+
+TEST_F(FileStoreOnServer, UploadFailsIfItsContentIsNoLongerThere)
+{
+    upload("first", "x"); // makes the indexes
+    gateway().inject(Fault::answer(R"({"ok": 1, "n": 3})").onCommand("insert").onTarget("fs.chunks"));
+    EXPECT_EQ(thrownText([&] { upload("f", letters(25)); }),
+              "runtime_error: Upload failed: the content was removed while it was being stored");
+    EXPECT_EQ(records(), 1U);
 }
 
 TEST_F(FileStoreOnServer, UploadWithAnIdThatIsTakenLeavesTheOtherFile)

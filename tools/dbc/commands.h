@@ -43,4 +43,6 @@ void addDocumentCommands(CLI::App& program, const GlobalOptions& global, Work& w
 void addTransferCommands(CLI::App& program, const GlobalOptions& global, Work& work);
 void addFileCommands(CLI::App& program, const GlobalOptions& global, Work& work);
 void addUserCommands(CLI::App& program, const GlobalOptions& global, Work& work);
-void addInspectionCommands(CLI::App& program, const GlobalOptions& global, Work& work);
+void addCheckCommand(CLI::App& program, const GlobalOptions& global, Work& work);
+void addSchemaCommand(CLI::App& program, const GlobalOptions& global, Work& work);
+void addDoctorCommand(CLI::App& program, const GlobalOptions& global, Work& work);

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "database_client.h"
-#include "database_client/mongoc_handles.h"
+#include "dbc/collection.h"
 
 #include <memory>
 #include <string>
@@ -19,14 +19,14 @@ struct ConnectionOptions
 /// DBC_PASSWORD or from a prompt, in this order.
 std::string connectionString(const ConnectionOptions& options);
 
-/// @throws Failure when the driver cannot read it; without a word of the password
-UriHandle parsedConnectionString(const std::string& uri);
-
-/// A connected client.
+/// A connected client. @throws Failure if the connection string cannot be read; without the password in its text
 std::unique_ptr<DataBaseClient> connect(const std::string& uri);
 
 /// The same, with the string of connectionString(), which may ask for a password.
 std::unique_ptr<DataBaseClient> connect(const ConnectionOptions& options);
+
+/// The collection that the command line names as DATABASE.COLLECTION. @throws Failure for any other name
+dbc::Collection collectionOf(DataBaseClient& client, const std::string& name);
 
 /// First line of a file.
 std::string readSecretFile(const std::string& path);

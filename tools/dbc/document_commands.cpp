@@ -1,15 +1,16 @@
 #include "commands.h"
 
+#include "document_walk.h"
 #include "failure.h"
 #include "input.h"
 #include "query_words.h"
-#include "raw_collection.h"
 
 #include <cstdint>
 #include <iostream>
 #include <map>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -24,50 +25,73 @@ struct FindCommand
     std::int64_t skip = 0;
 };
 
-int find(const GlobalOptions& global, const FindCommand& command)
+dbc::Sort sortOf(const std::string& json)
 {
-    const BsonPointer query = parseQuery(command.query);
-    const BsonPointer sort = command.sort.empty() ? nullptr : parseJson(command.sort, "--sort");
-    const BsonPointer projection = command.projection.empty() ? nullptr : parseJson(command.projection, "--fields");
-    RawCollection collection(connectionString(global.connection), command.collection);
+    dbc::Sort sort;
+    if (json.empty())
+        return sort;
+    for (const auto& [field, order] : parseDocument(json, "--sort").fields())
+    {
+        const double direction = order.get<double>().value_or(0);
+        if (direction != 1 && direction != -1)
+            throw Failure(UsageError, "--sort takes 1 or -1 for a field: {\"name\": 1, \"age\": -1}");
+        sort.push_back({std::string(field), direction > 0 ? dbc::Order::Ascending : dbc::Order::Descending});
+    }
+    return sort;
+}
+
+// Prints every document and returns the exit status.
+template <typename Open>
+int print(const GlobalOptions& global, const Open& open)
+{
     DocumentWriter writer(std::cout, global.dialect.value_or(Dialect::Relaxed), global.asArray);
-    const auto found =
-        collection.find(*query.get(), {sort.get(), projection.get(), command.limit, command.skip},
-                        [&writer](const RawCollection::Document& document) { writer.write(*document.bson); });
+    const auto found = forEachDocument(open, [&writer](dbc::Cursor& cursor) { writer.write(cursor.value()); });
     writer.finish();
     return found > 0 ? Success : NothingFound;
 }
 
+int find(const GlobalOptions& global, const FindCommand& command)
+{
+    const dbc::Value query = parseQuery(command.query);
+    dbc::FindOptions options;
+    options.sort = sortOf(command.sort);
+    if (!command.projection.empty())
+        options.projection = parseDocument(command.projection, "--fields");
+    options.limit = command.limit;
+    options.skip = command.skip;
+    const auto client = connect(global.connection);
+    dbc::Collection collection = collectionOf(*client, command.collection);
+    return print(global, [&] { return collection.find(query, options); });
+}
+
 int count(const GlobalOptions& global, const FindCommand& command)
 {
-    const BsonPointer query = parseQuery(command.query);
-    const auto found = RawCollection(connectionString(global.connection), command.collection).count(*query.get());
+    const dbc::Value query = parseQuery(command.query);
+    const auto client = connect(global.connection);
+    const auto found = collectionOf(*client, command.collection).count(query);
     std::cout << found << '\n';
     return found > 0 ? Success : NothingFound;
 }
 
 int aggregate(const GlobalOptions& global, const std::string& name, const std::string& pipeline)
 {
-    const BsonPointer stages = parseJson(R"({"pipeline": )" + pipeline + "}", "the pipeline");
-    bson_iter_t iter;
-    if (!bson_iter_init_find(&iter, stages.get(), "pipeline") || !BSON_ITER_HOLDS_ARRAY(&iter))
+    const dbc::Value stages = parseJson(pipeline, "the pipeline");
+    if (!stages.isArray())
         throw Failure(UsageError, "the pipeline is not a list of stages: [{...}, {...}]");
-    RawCollection collection(connectionString(global.connection), name);
-    DocumentWriter writer(std::cout, global.dialect.value_or(Dialect::Relaxed), global.asArray);
-    const auto found = collection.aggregate(
-        *stages.get(), [&writer](const RawCollection::Document& document) { writer.write(*document.bson); });
-    writer.finish();
-    return found > 0 ? Success : NothingFound;
+    const auto client = connect(global.connection);
+    dbc::Collection collection = collectionOf(*client, name);
+    return print(global, [&] { return collection.aggregate(stages); });
 }
 
 int insert(const GlobalOptions& global, const std::string& name, const std::vector<std::string>& documents)
 {
-    std::vector<BsonPointer> parsed;
+    std::vector<dbc::Value> parsed;
     parsed.reserve(documents.size());
     for (const std::string& text : documents)
-        parsed.push_back(parseJson(text, "the document"));
-    const auto result = RawCollection(connectionString(global.connection), name).insert(parsed, false);
-    if (!global.connection.quiet && !result.isAcknowledged)
+        parsed.push_back(parseDocument(text, "the document"));
+    const auto client = connect(global.connection);
+    const auto result = collectionOf(*client, name).insertMany(parsed);
+    if (!global.connection.quiet && !result.acknowledged)
         std::cout << "sent " << parsed.size() << ", not acknowledged\n";
     else if (!global.connection.quiet)
         std::cout << "inserted " << result.inserted << '\n';
@@ -85,47 +109,64 @@ struct UpdateCommandLine
 };
 
 // The update in the form in which the server takes it.
-BsonPointer updateOf(const UpdateCommandLine& line)
+dbc::Value updateOf(const UpdateCommandLine& line)
 {
-    BsonPointer operand = parseJson(line.document, "the update");
+    dbc::Value operand = parseDocument(line.document, "the update");
     if (line.operatorText.empty())
         return operand;
-    BsonPointer update(bson_new());
-    if (!BSON_APPEND_DOCUMENT(update.get(), line.operatorText.c_str(), operand.get()))
-        throw Failure(UsageError, "the update is too large");
-    return update;
+    return {{line.operatorText, std::move(operand)}};
+}
+
+bool hasOperators(const dbc::Value& update)
+{
+    return !update.empty() && update.fields()[0].key().substr(0, 1) == "$";
+}
+
+dbc::UpdateResult sendUpdate(dbc::Collection collection, const UpdateCommandLine& line)
+{
+    const dbc::Value query = parseQuery(line.query);
+    const dbc::Value update = updateOf(line);
+    if (hasOperators(update))
+    {
+        dbc::UpdateOptions options;
+        options.upsert = line.upsert;
+        return line.multiple ? collection.updateMany(query, update, options)
+                             : collection.updateOne(query, update, options);
+    }
+    if (line.multiple)
+        throw Failure(UsageError, "a replacement is for one document: leave out --multi, or give operators");
+    dbc::ReplaceOptions options;
+    options.upsert = line.upsert;
+    return collection.replaceOne(query, update, options);
 }
 
 int update(const GlobalOptions& global, const UpdateCommandLine& line)
 {
-    using Mode = RawCollection::UpdateMode;
-    const BsonPointer query = parseQuery(line.query);
-    const BsonPointer update = updateOf(line);
-    const Mode mode = line.upsert ? Mode::FirstOrInsert : line.multiple ? Mode::All : Mode::First;
-    const auto result =
-        RawCollection(connectionString(global.connection), line.collection).update(*query.get(), *update.get(), mode);
-    if (!global.connection.quiet && !result.isAcknowledged)
+    const auto client = connect(global.connection);
+    const auto result = sendUpdate(collectionOf(*client, line.collection), line);
+    if (!global.connection.quiet && !result.acknowledged)
         std::cout << "sent, not acknowledged\n";
-    else if (!global.connection.quiet && result.inserted > 0)
-        std::cout << "inserted " << result.inserted << '\n';
+    else if (!global.connection.quiet && result.upsertedId)
+        std::cout << "inserted 1\n";
     else if (!global.connection.quiet && result.modified != result.matched)
         std::cout << "updated " << result.modified << " of " << result.matched << " that match\n";
     else if (!global.connection.quiet)
         std::cout << "updated " << result.modified << '\n';
-    return result.matched + result.inserted > 0 || !result.isAcknowledged ? Success : NothingFound;
+    return result.matched > 0 || result.upsertedId || !result.acknowledged ? Success : NothingFound;
 }
 
 int remove(const GlobalOptions& global, const FindCommand& command, bool all)
 {
-    const BsonPointer query = parseQuery(command.query);
-    if (bson_empty(query.get()) && !all)
+    const dbc::Value query = parseQuery(command.query);
+    if (query.empty() && !all)
         throw Failure(UsageError, "to remove every document, give --all");
-    const auto result = RawCollection(connectionString(global.connection), command.collection).remove(*query.get());
-    if (!global.connection.quiet && !result.isAcknowledged)
+    const auto client = connect(global.connection);
+    const auto result = collectionOf(*client, command.collection).removeMany(query);
+    if (!global.connection.quiet && !result.acknowledged)
         std::cout << "sent, not acknowledged\n";
     else if (!global.connection.quiet)
         std::cout << "removed " << result.removed << '\n';
-    return result.removed > 0 || !result.isAcknowledged ? Success : NothingFound;
+    return result.removed > 0 || !result.acknowledged ? Success : NothingFound;
 }
 
 CLI::App* addCommand(CLI::App& program, const char* name, const char* help, std::string& collection)

@@ -1,9 +1,10 @@
 #include "commands.h"
 
 #include "dbc/errors.h"
+#include "dbc/file_store.h"
 #include "dbc/files.h"
+#include "document_walk.h"
 #include "failure.h"
-#include "file_store.h"
 #include "interrupt.h"
 #include "progress.h"
 #include "replaced_file.h"
@@ -11,13 +12,15 @@
 #include <strings.h>
 
 #include <cstdint>
-#include <cstdio>
+#include <exception>
 #include <filesystem>
+#include <fstream>
 #include <iostream>
-#include <list>
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <system_error>
+#include <vector>
 
 namespace {
 
@@ -30,52 +33,110 @@ struct FileCommand
     bool partial = false;
 };
 
-using SourceFile = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
-
-// Standard input stays open.
-SourceFile openSource(const std::string& path)
+// A store of a database whose name and prefix must stay two: "DATABASE.STORE.files".
+dbc::FileStore storeOf(DataBaseClient& client, const FileCommand& command)
 {
-    SourceFile source = path == "-" ? SourceFile(stdin, [](std::FILE*) { return 0; })
-                                    : SourceFile(std::fopen(path.c_str(), "rbe"), &std::fclose);
-    if (!source)
-        throw Failure(UsageError, "cannot read " + path);
-    return source;
+    if (command.database.empty() || command.database.find('.') != std::string::npos)
+        throw Failure(UsageError, "the name of a database is not empty and holds no dot");
+    if (command.store.empty())
+        throw Failure(UsageError, "the name of a store is not empty");
+    return {client, command.database, command.store};
+}
+
+// Bytes of a plain file; 0 for what has no length.
+std::uint64_t lengthOf(const std::string& path)
+{
+    std::error_code error;
+    const std::uintmax_t length =
+        std::filesystem::is_regular_file(path, error) ? std::filesystem::file_size(path, error) : 0;
+    return error ? 0 : length;
+}
+
+// Whatever is stored of a file that did not become whole goes away, as far as the server can be reached.
+void removePart(dbc::FileStore& store, const dbc::Value& id)
+{
+    try
+    {
+        store.removeById(id);
+    }
+    catch (const std::exception& error)
+    {
+        std::cerr << "dbc: what was stored so far cannot be removed now: " << error.what() << "\n"
+                  << "dbc: files rm --partial removes it\n";
+    }
+}
+
+void upload(dbc::FileStore& store, const std::string& name, std::istream& source, Progress& progress)
+{
+    const InterruptWatch watch;
+    dbc::UploadOptions options;
+    options.id = dbc::Value(dbc::ObjectId{DataBaseClient().createId()});
+    options.progress = [&progress](std::uint64_t bytes) {
+        progress.show(bytes);
+        return !isInterrupted();
+    };
+    try
+    {
+        store.upload(name, source, options);
+        throwIfInterrupted();
+    }
+    catch (const std::exception&)
+    {
+        removePart(store, *options.id);
+        throwIfInterrupted(); // Cancelled, or what the driver says of a read that was woken
+        throw;
+    }
 }
 
 int put(const GlobalOptions& global, const FileCommand& command)
 {
-    if (command.path == "-" && command.name.empty())
+    const bool isStandardInput = command.path == "-";
+    if (isStandardInput && command.name.empty())
         throw Failure(UsageError, "a file from standard input needs a name: give --name");
     const std::string name =
         command.name.empty() ? std::filesystem::path(command.path).filename().string() : command.name;
-    if (name.empty())
+    std::ifstream file;
+    if (!isStandardInput)
+        file.open(command.path, std::ios::binary);
+    std::istream& source = isStandardInput ? std::cin : file;
+    // A folder can be opened, but not read.
+    if (name.empty() || !source || std::filesystem::is_directory(command.path))
         throw Failure(UsageError, "cannot read " + command.path);
-    const SourceFile source = openSource(command.path);
-    FileStore(connectionString(global.connection), command.database, command.store)
-        .upload(source.get(), name, global.connection.quiet);
+    const auto client = connect(global.connection);
+    dbc::FileStore store = storeOf(*client, command);
+    Progress progress(name, isStandardInput ? 0 : lengthOf(command.path), global.connection.quiet,
+                      Progress::Unit::Bytes);
+    upload(store, name, source, progress);
     return Success;
 }
 
 void copyTo(std::ostream& target, const GlobalOptions& global, const FileCommand& command)
 {
-    const std::string uri = connectionString(global.connection);
-    const bool quiet = global.connection.quiet;
-    const std::uint64_t length = // costs a query, so only if somebody sees it
-        Progress::isShown(quiet) ? FileStore(uri, command.database, command.store).lengthOf(command.name) : 0;
-    Progress progress(command.name, length, quiet, Progress::Unit::Bytes);
-    dbc::Download download(target, [&progress](std::uint64_t bytes) {
+    const auto client = connect(global.connection);
+    dbc::FileStore store = storeOf(*client, command);
+    std::uint64_t length = 0;
+    if (Progress::isShown(global.connection.quiet)) // costs a query, so only if somebody sees it
+    {
+        if (const auto info = store.find(command.name))
+            length = info->length;
+    }
+    Progress progress(command.name, length, global.connection.quiet, Progress::Unit::Bytes);
+    dbc::DownloadOptions options;
+    options.progress = [&progress](std::uint64_t bytes) {
         progress.show(bytes);
         return !isInterrupted();
-    });
+    };
     const InterruptWatch watch;
     try
     {
-        connect(uri)->readFile(command.database, command.store, command.name, &download);
+        store.download(command.name, target, options);
     }
     catch (const std::runtime_error& error)
     {
         if (dbc::describe(error).kind == dbc::ErrorKind::NotFound)
             throw Failure(NothingFound, "no file is named " + command.name);
+        if (!target)
+            throw Failure(UsageError, "the output cannot be written");
         throwIfInterrupted(); // Cancelled, or what the driver says of a read that was woken
         throw;
     }
@@ -99,28 +160,71 @@ int get(const GlobalOptions& global, const FileCommand& command)
 
 int list(const GlobalOptions& global, const FileCommand& command)
 {
-    std::list<std::string> names;
-    connect(global.connection)->listFiles(command.database, command.store, names);
-    for (const std::string& name : names)
-        std::cout << name << (dbc::finalFileName(name).empty() ? "\n" : " (incomplete)\n");
-    return names.empty() ? NothingFound : Success;
+    const auto client = connect(global.connection);
+    dbc::ListOptions options;
+    options.sort = {{"filename"}, {"uploadDate"}};
+    const auto files = storeOf(*client, command).list({}, options);
+    for (const dbc::FileInfo& file : files)
+        std::cout << file.name << (dbc::finalFileName(file.name).empty() ? "\n" : " (incomplete)\n");
+    return files.empty() ? NothingFound : Success;
+}
+
+// The files of the name, ignoring case. With --partial those that are not complete, of every name if none is given.
+bool isMeant(const FileCommand& command, const std::string& stored)
+{
+    const std::string name = command.partial ? dbc::finalFileName(stored) : stored;
+    return command.name.empty() ? !name.empty() : ::strcasecmp(name.c_str(), command.name.c_str()) == 0;
+}
+
+// By id and name: an upload that has got its final name in the meantime is not removed any more.
+bool removeFile(dbc::FileStore& store, dbc::Collection& records, const dbc::FileInfo& file)
+{
+    dbc::RemoveOptions options;
+    options.writeConcern.emplace().nodes = 1;
+    if (records.removeOne({{"_id", file.id}, {"filename", file.name}}, options).removed == 0)
+        return false;
+    store.removeById(file.id); // its content
+    return true;
+}
+
+// An upload that was killed has stored content, but no record.
+std::uint64_t removeContentWithoutRecord(dbc::FileStore& store, dbc::Collection& records, dbc::Collection& chunks)
+{
+    dbc::FindOptions firstChunk;
+    firstChunk.projection = dbc::Value{{"files_id", 1}};
+    std::vector<dbc::Value> ids;
+    forEachDocument(
+        [&] {
+            return chunks.find({{"n", 0}}, firstChunk);
+        },
+        [&](dbc::Cursor& cursor) {
+            const dbc::Value id = cursor.value().at("files_id");
+            if (records.count({{"_id", id}}) == 0)
+                ids.push_back(id);
+        });
+    for (const dbc::Value& id : ids)
+        store.removeById(id);
+    return ids.size();
 }
 
 int remove(const GlobalOptions& global, const FileCommand& command)
 {
     if (command.name.empty() && !command.partial)
         throw Failure(UsageError, "give the name of a stored file, or --partial");
-    const auto isAccepted = [&command](const std::string& stored) {
-        const std::string name = command.partial ? dbc::finalFileName(stored) : stored;
-        return command.name.empty() ? !name.empty() : ::strcasecmp(name.c_str(), command.name.c_str()) == 0;
-    };
-    const auto result =
-        FileStore(connectionString(global.connection), command.database, command.store).remove(isAccepted);
-    if (!global.connection.quiet && !result.isAcknowledged)
-        std::cout << "sent, not acknowledged\n";
-    else if (!global.connection.quiet)
-        std::cout << "removed " << result.removed << '\n';
-    return result.removed > 0 || !result.isAcknowledged ? Success : NothingFound;
+    const auto client = connect(global.connection);
+    dbc::FileStore store = storeOf(*client, command);
+    dbc::Collection records(*client, command.database, command.store + ".files");
+    std::uint64_t removed = 0;
+    for (const dbc::FileInfo& file : store.list())
+        removed += isMeant(command, file.name) && removeFile(store, records, file) ? 1 : 0;
+    if (command.partial && command.name.empty())
+    {
+        dbc::Collection chunks(*client, command.database, command.store + ".chunks");
+        removed += removeContentWithoutRecord(store, records, chunks);
+    }
+    if (!global.connection.quiet)
+        std::cout << "removed " << removed << '\n';
+    return removed > 0 ? Success : NothingFound;
 }
 
 using Action = int (*)(const GlobalOptions&, const FileCommand&);

@@ -1,7 +1,8 @@
 #include "host_walk.h"
 
-#include "database_client/mongoc_handles.h"
+#include "connection_uri.h"
 #include "dbc/connection_string.h"
+#include "dbc/database.h"
 
 #include <netdb.h>
 #include <sys/un.h>
@@ -11,6 +12,7 @@
 #include <cstring>
 #include <iostream>
 #include <memory>
+#include <stdexcept>
 #include <utility>
 
 namespace {
@@ -21,6 +23,16 @@ struct FreeAddresses
 {
     void operator()(addrinfo* addresses) const noexcept { ::freeaddrinfo(addresses); }
 };
+struct DestroySocket
+{
+    void operator()(mongoc_socket_t* socket) const noexcept { mongoc_socket_destroy(socket); }
+};
+struct DestroyStream
+{
+    void operator()(mongoc_stream_t* stream) const noexcept { mongoc_stream_destroy(stream); }
+};
+using SocketHandle = std::unique_ptr<mongoc_socket_t, DestroySocket>;
+using StreamHandle = std::unique_ptr<mongoc_stream_t, DestroyStream>;
 using Addresses = std::unique_ptr<addrinfo, FreeAddresses>;
 
 // Reports the failure and returns null if the name cannot be resolved.
@@ -99,24 +111,29 @@ bool agreeOnTls(const mongoc_uri_t& uri, const mongoc_host_list_t& host, StreamH
                          "check tlsCAFile, and that the certificate is for this host; or the server has no TLS");
 }
 
-// No credentials: hello needs none.
-ClientHandle clientOfOneHost(const mongoc_uri_t& uri, const mongoc_host_list_t& host)
+// No credentials: hello needs none. Null if the host cannot stand in a connection string.
+UriHandle uriOfOneHost(const mongoc_uri_t& uri, const mongoc_host_list_t& host)
 {
     const std::string place = host.family == AF_UNIX ? dbc::percentEncoded(host.host) : host.host_and_port;
-    const UriHandle one(mongoc_uri_new(("mongodb://" + place + "/?directConnection=true").c_str()));
+    UriHandle one = parseUri("mongodb://" + place + "/?directConnection=true").uri;
     if (!one)
         return nullptr;
-    mongoc_uri_set_option_as_int32(one.get(), MONGOC_URI_CONNECTTIMEOUTMS, stepTimeout);
-    mongoc_uri_set_option_as_int32(one.get(), MONGOC_URI_SOCKETTIMEOUTMS, stepTimeout);
-    mongoc_uri_set_option_as_int32(one.get(), MONGOC_URI_SERVERSELECTIONTIMEOUTMS, stepTimeout);
-    bson_error_t error{};
-    ClientHandle client(mongoc_client_new_from_uri_with_error(one.get(), &error));
-    if (client && mongoc_uri_get_tls(&uri))
+    for (const char* const limit :
+         {MONGOC_URI_CONNECTTIMEOUTMS, MONGOC_URI_SOCKETTIMEOUTMS, MONGOC_URI_SERVERSELECTIONTIMEOUTMS})
+        mongoc_uri_set_option_as_int32(one.get(), limit, stepTimeout);
+    for (const char* const option : {MONGOC_URI_TLS, MONGOC_URI_TLSINSECURE, MONGOC_URI_TLSALLOWINVALIDCERTIFICATES,
+                                     MONGOC_URI_TLSALLOWINVALIDHOSTNAMES})
     {
-        const mongoc_ssl_opt_t options = tlsOptionsOf(uri);
-        mongoc_client_set_ssl_opts(client.get(), &options);
+        if (mongoc_uri_get_option_as_bool(&uri, option, false))
+            mongoc_uri_set_option_as_bool(one.get(), option, true);
     }
-    return client;
+    for (const char* const option :
+         {MONGOC_URI_TLSCAFILE, MONGOC_URI_TLSCERTIFICATEKEYFILE, MONGOC_URI_TLSCERTIFICATEKEYFILEPASSWORD})
+    {
+        if (const char* const text = mongoc_uri_get_option_as_utf8(&uri, option, nullptr))
+            mongoc_uri_set_option_as_utf8(one.get(), option, text);
+    }
+    return one;
 }
 
 } // namespace
@@ -155,24 +172,22 @@ HostState lookAtHost(const mongoc_uri_t& uri, const mongoc_host_list_t& host)
 std::vector<std::string> membersNamedBy(const mongoc_uri_t& uri, const mongoc_host_list_t& host)
 {
     std::vector<std::string> members;
-    const ClientHandle client = clientOfOneHost(uri, host);
-    OwnedBson hello;
-    BSON_APPEND_INT32(hello.get(), "isMaster", 1); // servers of every age have it
-    OwnedBson reply;
-    if (!client || !mongoc_client_command_simple(client.get(), "admin", hello.get(), nullptr, reply.get(), nullptr))
+    const UriHandle one = uriOfOneHost(uri, host);
+    if (!one)
         return members;
-    for (const char* const list : {"hosts", "passives", "arbiters"})
+    try
     {
-        bson_iter_t iter;
-        bson_iter_t member;
-        if (!bson_iter_init_find(&iter, reply.get(), list) || !BSON_ITER_HOLDS_ARRAY(&iter) ||
-            !bson_iter_recurse(&iter, &member))
-            continue;
-        while (bson_iter_next(&member))
+        DataBaseClient client;
+        client.connect(mongoc_uri_get_string(one.get()));
+        // Servers of every age have isMaster.
+        const dbc::Value hello = dbc::Database(client, "admin").command({{"isMaster", 1}});
+        for (const char* const list : {"hosts", "passives", "arbiters"})
         {
-            if (BSON_ITER_HOLDS_UTF8(&member))
-                members.emplace_back(bson_iter_utf8(&member, nullptr));
+            const auto names = hello.get<std::vector<std::string>>(list).value_or(std::vector<std::string>());
+            members.insert(members.end(), names.begin(), names.end());
         }
     }
+    catch (const std::runtime_error&) // the walk goes on without what this host knows
+    {}
     return members;
 }

@@ -6,21 +6,34 @@
 #include <cctype>
 #include <cstdint>
 
-BsonPointer parseJson(const std::string& text, const std::string& what)
+dbc::Value parseJson(const std::string& text, const std::string& what)
 {
-    bson_error_t error{};
-    BsonPointer bson(bson_new_from_json(reinterpret_cast<const std::uint8_t*>(text.data()),
-                                        static_cast<ssize_t>(text.size()), &error));
-    if (!bson)
-        throw Failure(UsageError, what + " is not JSON: " + error.message);
-    return bson;
+    try
+    {
+        return dbc::Value::fromJson(text);
+    }
+    catch (const dbc::FormatError& error)
+    {
+        std::string reason = error.what();
+        if (reason.rfind("JSON: ", 0) == 0)
+            reason.erase(0, 6);
+        throw Failure(UsageError, what + " is not JSON: " + reason);
+    }
 }
 
-BsonPointer DocumentReader::next()
+dbc::Value parseDocument(const std::string& text, const std::string& what)
+{
+    dbc::Value value = parseJson(text, what);
+    if (!value.isObject())
+        throw Failure(UsageError, what + " is not a JSON document: {...}");
+    return value;
+}
+
+std::optional<dbc::Value> DocumentReader::next()
 {
     const std::uint64_t line = m_line;
     if (!readText())
-        return nullptr;
+        return std::nullopt;
     ++m_count;
     return parseJson(m_text, "the document that begins at or behind line " + std::to_string(line));
 }

@@ -1,13 +1,16 @@
 #pragma once
 
-#include "conversion/bson_handles.h"
+#include "dbc/value.h"
 
 #include <cstdint>
 #include <istream>
+#include <optional>
 #include <string>
 
-/// A document of JSON text, any dialect. @throws Failure that names @p what when the text is not one
-BsonPointer parseJson(const std::string& text, const std::string& what);
+/// The value of a JSON text, any dialect. @throws Failure that names @p what if the text is not JSON
+dbc::Value parseJson(const std::string& text, const std::string& what);
+/// The same for a document. @throws Failure that names @p what if the text is not a JSON document
+dbc::Value parseDocument(const std::string& text, const std::string& what);
 
 /// Reads JSON documents from a stream, one after the other: on lines, in one array, or just side by side. Holds one
 /// document at a time.
@@ -16,8 +19,8 @@ class DocumentReader
 public:
     explicit DocumentReader(std::istream& stream) : m_stream(stream) {}
 
-    /// The next document; an empty handle at the end. @throws Failure with the line of what is not JSON
-    BsonPointer next();
+    /// The next document; empty at the end. @throws Failure with the line of what is not JSON
+    std::optional<dbc::Value> next();
 
     /// Documents read so far.
     std::uint64_t count() const noexcept { return m_count; }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "dbc/document_ref.h"
 #include "dbc/loss_guard.h"
 #include "failure.h"
 
@@ -22,10 +23,13 @@ class LossCounter
 public:
     explicit LossCounter(LossPolicy policy) : m_policy(policy) {}
 
-    void look(const bson_t& bson, std::uint64_t documentNumber)
+    void look(const dbc::BsonView& document, std::uint64_t documentNumber)
     {
         if (m_policy == LossPolicy::Ignore)
             return;
+        bson_t bson;
+        if (!bson_init_static(&bson, document.data, document.size))
+            throw Failure(ServerRefused, "document " + std::to_string(documentNumber) + " is not BSON");
         const auto losses = dbc::findLosses(bson);
         m_documents += losses.empty() ? 0U : 1U;
         for (const dbc::LossAt& loss : losses)

@@ -11,9 +11,12 @@
 
 namespace {
 
-ExitStatus statusOf(dbc::ErrorKind kind)
+// The server has lost the cursor; that is not a search without results.
+constexpr int cursorNotFound = 43;
+
+ExitStatus statusOf(const dbc::ErrorInfo& error)
 {
-    switch (kind)
+    switch (error.kind)
     {
     case dbc::ErrorKind::NotConnected:
     case dbc::ErrorKind::Network:
@@ -23,7 +26,7 @@ ExitStatus statusOf(dbc::ErrorKind kind)
     case dbc::ErrorKind::BadArgument:
         return UsageError;
     case dbc::ErrorKind::NotFound:
-        return NothingFound;
+        return error.code == cursorNotFound ? ServerRefused : NothingFound;
     case dbc::ErrorKind::DuplicateKey:
     case dbc::ErrorKind::NotAuthorized:
     case dbc::ErrorKind::TooLarge:
@@ -76,7 +79,7 @@ int run(const Work& work)
             return Interrupted;
         }
         std::cerr << "dbc: " << error.what() << '\n';
-        return statusOf(dbc::describe(error).kind);
+        return statusOf(dbc::describe(error));
     }
 }
 
@@ -91,11 +94,9 @@ int start(int argumentCount, char** arguments)
     GlobalOptions global;
     Work work;
     addGlobalOptions(program, global);
-    addDocumentCommands(program, global, work);
-    addTransferCommands(program, global, work);
-    addFileCommands(program, global, work);
-    addUserCommands(program, global, work);
-    addInspectionCommands(program, global, work);
+    for (const auto add : {addDocumentCommands, addTransferCommands, addFileCommands, addUserCommands, addCheckCommand,
+                           addSchemaCommand, addDoctorCommand})
+        add(program, global, work);
     try
     {
         program.parse(argumentCount, arguments);

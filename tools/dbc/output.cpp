@@ -1,38 +1,27 @@
 #include "output.h"
 
-#include "conversion/bson_handles.h"
-#include "driver/driver.h"
 #include "failure.h"
 
 #include <ostream>
+#include <stdexcept>
 
-std::string toJson(const bson_t& bson, Dialect dialect)
+std::string toJson(const dbc::Value& value, Dialect dialect)
 {
-    std::size_t length = 0;
-    char* text = nullptr;
-    switch (dialect)
+    try
     {
-    case Dialect::Relaxed:
-        text = bson_as_relaxed_extended_json(&bson, &length);
-        break;
-    case Dialect::Canonical:
-        text = bson_as_canonical_extended_json(&bson, &length);
-        break;
-    case Dialect::Legacy:
-        text = legacyJson(&bson, &length);
-        break;
+        return value.toJson(dialect);
     }
-    const BsonText owner(text);
-    if (!text)
-        throw Failure(ServerRefused, "a document holds text that is not UTF-8 and has no JSON form");
-    return std::string(text, length);
+    catch (const std::invalid_argument& error)
+    {
+        throw Failure(ServerRefused, std::string("a document cannot be written as JSON; ") + error.what());
+    }
 }
 
-void DocumentWriter::write(const bson_t& bson)
+void DocumentWriter::write(const dbc::Value& value)
 {
     if (m_asArray)
         m_stream << (m_isFirst ? "[\n" : ",\n");
-    m_stream << toJson(bson, m_dialect);
+    m_stream << toJson(value, m_dialect);
     if (!m_asArray)
         m_stream << '\n';
     m_isFirst = false;

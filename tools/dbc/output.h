@@ -1,19 +1,15 @@
 #pragma once
 
-#include <bson/bson.h>
+#include "dbc/value.h"
 
 #include <iosfwd>
 #include <string>
 
 /// How documents are written as JSON.
-enum class Dialect
-{
-    Relaxed,   ///< Numbers as numbers, dates as ISO texts.
-    Canonical, ///< Every type told exactly.
-    Legacy     ///< As PropertiesToJson writes.
-};
+using Dialect = dbc::JsonFormat;
 
-std::string toJson(const bson_t& bson, Dialect dialect);
+/// @throws Failure if the value has no JSON form
+std::string toJson(const dbc::Value& value, Dialect dialect);
 
 /// Writes documents one on a line, or as one array.
 class DocumentWriter
@@ -24,7 +20,7 @@ public:
     {}
 
     /// @throws Failure when something could not be written, now or before
-    void write(const bson_t& bson);
+    void write(const dbc::Value& value);
     /// Closes the array. @throws Failure when something could not be written
     void finish();
 

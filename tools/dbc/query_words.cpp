@@ -1,16 +1,12 @@
 #include "query_words.h"
 
-#include "bson_to_properties.h"
-#include "dbc/loss_guard.h"
-#include "driver/driver.h"
 #include "failure.h"
 #include "input.h"
 
-#include <algorithm>
 #include <array>
-#include <cctype>
-#include <cstdint>
 #include <cstring>
+#include <stdexcept>
+#include <utility>
 
 const char* const queryHelp =
     "The query: one JSON document, or words that must all hold:\n"
@@ -56,76 +52,77 @@ bool isIdField(const std::string& field)
     return field == "_id" || (field.size() > 3 && field.compare(field.size() - 3, 3, "_id") == 0);
 }
 
-// The JSON text of a value: what is JSON stays, what is not becomes a text.
-std::string jsonValue(const Word& word)
+bool isObjectId(const std::string& text)
 {
-    const std::string& value = word.value;
-    if (isIdField(word.field) && bson_oid_is_valid(value.c_str(), value.size()))
-        return R"({"$oid": ")" + value + "\"}";
-    bson_error_t error{};
-    const std::string wrapped = R"({"v": )" + value + "}";
-    const bool isPattern = word.operatorText == "$regex";
-    const BsonPointer parsed(isPattern ? nullptr
-                                       : bson_new_from_json(reinterpret_cast<const std::uint8_t*>(wrapped.data()),
-                                                            static_cast<ssize_t>(wrapped.size()), &error));
-    // A value such as `1, "x": 2` is JSON only together with what it was wrapped in.
-    if (parsed && bson_count_keys(parsed.get()) == 1)
-        return value;
-    const BsonText escaped(bson_utf8_escape_for_json(value.data(), static_cast<ssize_t>(value.size())));
-    if (!escaped)
-        throw Failure(UsageError, "not UTF-8: the value of " + word.field);
-    return "\"" + std::string(escaped.get()) + "\"";
+    return text.size() == 24 && text.find_first_not_of("0123456789abcdefABCDEF") == std::string::npos;
 }
 
-void appendCondition(bson_t* query, const Word& word)
+dbc::Value textOf(const Word& word)
 {
-    const std::string json = word.operatorText.empty()
-                                 ? R"({"v": )" + jsonValue(word) + "}"
-                                 : R"({"v": {")" + word.operatorText + "\": " + jsonValue(word) + "}}";
-    const BsonPointer parsed = parseJson(json, "the value of " + word.field);
-    bson_iter_t iter;
-    if (bson_iter_init_find(&iter, parsed.get(), "v"))
-        bson_append_iter(query, word.field.c_str(), static_cast<int>(word.field.size()), &iter);
+    dbc::Value text = word.value;
+    try
+    {
+        text.toJson(); // the server is not asked with what is not UTF-8
+        return text;
+    }
+    catch (const std::invalid_argument&)
+    {
+        throw Failure(UsageError, "not UTF-8: the value of " + word.field);
+    }
+}
+
+// What is JSON stays, what is not becomes a text.
+dbc::Value valueOf(const Word& word)
+{
+    if (isIdField(word.field) && isObjectId(word.value))
+        return dbc::ObjectId{word.value};
+    if (word.operatorText == "$regex")
+        return textOf(word);
+    try
+    {
+        return dbc::Value::fromJson(word.value);
+    }
+    catch (const dbc::FormatError&)
+    {
+        return textOf(word);
+    }
+}
+
+dbc::Value conditionOf(const std::string& text)
+{
+    const Word word = split(text);
+    if (word.operatorText.empty())
+        return {{word.field, valueOf(word)}};
+    return {{word.field, {{word.operatorText, valueOf(word)}}}};
 }
 
 } // namespace
 
-BsonPointer parseQuery(const std::vector<std::string>& words)
+dbc::Value parseQuery(const std::vector<std::string>& words)
 {
-    if (words.size() == 1 && words[0].find_first_not_of(" \t\n") != std::string::npos &&
-        words[0][words[0].find_first_not_of(" \t\n")] == '{')
-        return parseJson(words[0], "the query");
-    BsonPointer query(bson_new());
+    if (words.empty())
+        return {};
+    const std::size_t begin = words[0].find_first_not_of(" \t\n");
+    if (words.size() == 1 && begin != std::string::npos && words[0][begin] == '{')
+        return parseDocument(words[0], "the query");
     if (words.size() == 1)
-        appendCondition(query.get(), split(words[0]));
-    if (words.size() <= 1)
-        return query;
+        return conditionOf(words[0]);
     // As a list: two conditions may be on one field.
-    bson_t list;
-    beginArray(query.get(), "$and", -1, &list);
-    std::uint32_t index = 0;
+    dbc::Value list = dbc::Value::array();
     for (const std::string& word : words)
-    {
-        std::array<char, 16> storage;
-        const char* key = nullptr;
-        bson_uint32_to_string(index++, &key, storage.data(), storage.size());
-        bson_t condition;
-        BSON_APPEND_DOCUMENT_BEGIN(&list, key, &condition);
-        appendCondition(&condition, split(word));
-        bson_append_document_end(&list, &condition);
-    }
-    bson_append_array_end(query.get(), &list);
-    return query;
+        list.push(conditionOf(word));
+    return {{"$and", std::move(list)}};
 }
 
-ObjectProperties toProperties(const bson_t& bson, const std::string& what)
+ObjectProperties toProperties(const dbc::Value& document, const std::string& what)
 {
-    for (const dbc::LossAt& loss : dbc::findLosses(bson))
+    try
     {
-        // A server ignores the keys of an array, but not its order.
+        return document.toProperties();
+    }
+    catch (const dbc::LossError& error)
+    {
+        const dbc::LossAt& loss = error.losses().front();
         throw Failure(UsageError, what + " is beyond what can be sent: " + loss.path + ": " + nameOf(loss.loss));
     }
-    ObjectProperties properties;
-    BsonToProperties::convert(&bson, &properties);
-    return properties;
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "conversion/bson_handles.h"
+#include "dbc/value.h"
 #include "object_properties.h"
 
 #include <string>
@@ -16,8 +16,8 @@ extern const char* const queryHelp;
 ///
 /// A value is JSON (5, true, "5", {"$oid": "..."}); anything else is text; 24 hexadecimal digits for a field named _id,
 /// or ending in one, are an object id. Keys may be paths with dots, as the server reads them.
-BsonPointer parseQuery(const std::vector<std::string>& words);
+dbc::Value parseQuery(const std::vector<std::string>& words);
 
 /// A document of the command line for the library. @throws Failure that names what the document model would drop or
 /// bend: a condition that is dropped would match everything
-ObjectProperties toProperties(const bson_t& bson, const std::string& what);
+ObjectProperties toProperties(const dbc::Value& document, const std::string& what);

@@ -1,14 +1,15 @@
 #include "commands.h"
 
+#include "document_walk.h"
 #include "failure.h"
 #include "input.h"
 #include "interrupt.h"
 #include "losses.h"
 #include "progress.h"
 #include "query_words.h"
-#include "raw_collection.h"
 #include "replaced_file.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstdio>
@@ -35,8 +36,9 @@ struct ExportCommand
 
 int exportDocuments(const GlobalOptions& global, const ExportCommand& command)
 {
-    const BsonPointer query = parseQuery(command.query);
-    RawCollection collection(connectionString(global.connection), command.collection);
+    const dbc::Value query = parseQuery(command.query);
+    const auto client = connect(global.connection);
+    dbc::Collection collection = collectionOf(*client, command.collection);
     std::optional<ReplacedFile> file;
     if (!command.file.empty())
         file.emplace(command.file);
@@ -46,12 +48,13 @@ int exportDocuments(const GlobalOptions& global, const ExportCommand& command)
     std::uint64_t done = 0;
     {
         const bool isShown = Progress::isShown(global.connection.quiet);
-        Progress progress("exporting", isShown ? collection.count(*query.get()) : 0, global.connection.quiet);
-        collection.find(*query.get(), {}, [&](const RawCollection::Document& document) {
-            losses.look(*document.bson, ++done);
-            writer.write(*document.bson);
-            progress.show(done);
-        });
+        Progress progress("exporting", isShown ? documentCount(collection, query) : 0, global.connection.quiet);
+        forEachDocument([&] { return collection.find(query); },
+                        [&](dbc::Cursor& cursor) {
+                            losses.look(cursor.bson(), ++done);
+                            writer.write(cursor.value());
+                            progress.show(done);
+                        });
         writer.finish();
         if (file)
             file->commit();
@@ -71,25 +74,24 @@ class ImportState
 public:
     explicit ImportState(std::string path) : m_path(std::move(path))
     {
-        bson_oid_init(&m_token, nullptr);
         std::ifstream file(m_path);
         std::string token;
         if (m_path.empty() || !(file >> token >> m_done))
             return;
-        if (!bson_oid_is_valid(token.c_str(), token.size()))
+        if (token.size() != 24 || token.find_first_not_of("0123456789abcdef") != std::string::npos)
             throw Failure(UsageError, m_path + " is not the state of an import");
-        bson_oid_init_from_string(&m_token, token.c_str());
+        m_token = token;
     }
 
     std::uint64_t done() const noexcept { return m_done; }
     bool isResumable() const noexcept { return !m_path.empty(); }
 
-    bson_oid_t idOf(std::uint64_t number) const noexcept
+    // The first digits are those of the token, the last eight the number.
+    dbc::ObjectId idOf(std::uint64_t number) const
     {
-        bson_oid_t id = m_token;
-        for (int byte = 0; byte < 4; ++byte)
-            id.bytes[11 - byte] = static_cast<std::uint8_t>(number >> (8 * byte));
-        return id;
+        std::array<char, 9> digits;
+        std::snprintf(digits.data(), digits.size(), "%08x", static_cast<unsigned>(number & 0xFFFFFFFFU));
+        return {m_token.substr(0, 16) + digits.data()};
     }
 
     // Written beside and renamed, so that an interruption leaves the old or the new state.
@@ -98,11 +100,9 @@ public:
         m_done = done;
         if (m_path.empty())
             return;
-        std::array<char, 25> token;
-        bson_oid_to_string(&m_token, token.data());
         const std::string next = m_path + ".next";
         std::ofstream file(next);
-        if (!(file << token.data() << ' ' << m_done << '\n').flush() || std::rename(next.c_str(), m_path.c_str()) != 0)
+        if (!(file << m_token << ' ' << m_done << '\n').flush() || std::rename(next.c_str(), m_path.c_str()) != 0)
             throw Failure(UsageError, "cannot write " + m_path);
     }
 
@@ -114,7 +114,7 @@ public:
 
 private:
     const std::string m_path;
-    bson_oid_t m_token = {};
+    std::string m_token = DataBaseClient().createId();
     std::uint64_t m_done = 0;
 };
 
@@ -128,20 +128,25 @@ struct ImportCommand
     LossPolicy losses = LossPolicy::Count;
 };
 
-BsonPointer withId(BsonPointer document, const bson_oid_t& id)
+// Empty if anything but duplicate keys kept documents from being inserted.
+std::optional<std::uint64_t> insertedBeside(const dbc::BulkError& error, std::size_t documents)
 {
-    bson_iter_t iter;
-    if (!bson_iter_init_find(&iter, document.get(), "_id"))
-        BSON_APPEND_OID(document.get(), "_id", &id);
-    return document;
+    const auto& errors = error.errors();
+    const auto inserted = static_cast<std::uint64_t>(error.result().inserted);
+    const bool isAll = inserted + errors.size() == documents; // otherwise the connection broke before the rest
+    const bool isDuplicate = std::all_of(errors.begin(), errors.end(), [](const dbc::WriteError& refused) {
+        return refused.kind == dbc::ErrorKind::DuplicateKey;
+    });
+    return isAll && isDuplicate && !errors.empty() ? std::optional<std::uint64_t>(inserted) : std::nullopt;
 }
 
 class Import
 {
 public:
     Import(const GlobalOptions& global, const ImportCommand& command)
-        : m_command(command), m_collection(connectionString(global.connection), command.collection),
-          m_state(command.resume), m_losses(command.losses), m_isQuiet(global.connection.quiet)
+        : m_command(command), m_client(connect(global.connection)),
+          m_collection(collectionOf(*m_client, command.collection)), m_state(command.resume), m_losses(command.losses),
+          m_isQuiet(global.connection.quiet)
     {}
 
     void run(std::istream& stream)
@@ -149,15 +154,17 @@ public:
         const InterruptWatch watch;
         Progress progress("importing", 0, m_isQuiet); // wiped before anybody prints a summary
         DocumentReader reader(stream);
-        while (BsonPointer document = reader.next())
+        while (std::optional<dbc::Value> document = reader.next())
         {
             if (isInterrupted())
                 break;
             if (reader.count() <= m_state.done())
                 continue; // stored by the run that is resumed
-            m_losses.look(*document.get(), reader.count());
-            m_batch.push_back(withId(std::move(document), m_state.idOf(reader.count())));
-            m_batchBytes += static_cast<const bson_t*>(m_batch.back().get())->len;
+            if (!document->contains("_id"))
+                document->append("_id", m_state.idOf(reader.count()));
+            m_batch.push_back(document->toBson());
+            m_batchBytes += m_batch.back().size();
+            m_losses.look({m_batch.back().data(), m_batch.back().size()}, reader.count());
             if (m_batch.size() >= m_command.batch || m_batchBytes >= largestBatch)
                 send(progress);
         }
@@ -180,11 +187,10 @@ private:
     {
         if (m_batch.empty())
             return;
-        const auto result = m_collection.insert(m_batch, m_command.skipDuplicates || m_state.isResumable());
-        if (result.isAcknowledged)
+        if (const auto inserted = insertBatch())
         {
-            m_inserted += result.inserted;
-            m_duplicates += m_batch.size() - result.inserted;
+            m_inserted += *inserted;
+            m_duplicates += m_batch.size() - *inserted;
         }
         else
             m_unacknowledged += m_batch.size();
@@ -194,12 +200,40 @@ private:
         progress.show(m_state.done());
     }
 
+    // How many were inserted; empty if the server does not say.
+    std::optional<std::uint64_t> insertBatch()
+    {
+        dbc::InsertManyOptions options;
+        options.ordered = !m_command.skipDuplicates && !m_state.isResumable();
+        options.returnIds = false;
+        std::size_t next = 0;
+        const auto nextDocument = [this, &next]() -> std::optional<dbc::BsonView> {
+            if (next == m_batch.size())
+                return std::nullopt;
+            const std::vector<std::uint8_t>& document = m_batch[next++];
+            return dbc::BsonView{document.data(), document.size()};
+        };
+        try
+        {
+            const auto result = m_collection.insertMany(nextDocument, options);
+            return result.acknowledged ? std::optional<std::uint64_t>(result.inserted) : std::nullopt;
+        }
+        catch (const dbc::BulkError& error)
+        {
+            const auto inserted = insertedBeside(error, m_batch.size());
+            if (options.ordered || !inserted)
+                throw;
+            return inserted;
+        }
+    }
+
     const ImportCommand& m_command;
-    RawCollection m_collection;
+    std::unique_ptr<DataBaseClient> m_client;
+    dbc::Collection m_collection;
     ImportState m_state;
     LossCounter m_losses;
     const bool m_isQuiet;
-    std::vector<BsonPointer> m_batch;
+    std::vector<std::vector<std::uint8_t>> m_batch;
     std::size_t m_batchBytes = 0;
     std::uint64_t m_inserted = 0;
     std::uint64_t m_duplicates = 0;

@@ -52,7 +52,7 @@ ObjectProperties rolesOf(const UserCommand& command)
 
 ObjectProperties customDataOf(const UserCommand& command)
 {
-    return toProperties(*parseJson(command.customData, "--data").get(), "--data");
+    return toProperties(parseDocument(command.customData, "--data"), "--data");
 }
 
 int add(const GlobalOptions& global, const UserCommand& command)

@@ -1,0 +1,54 @@
+#include "commands.h"
+
+#include "document_walk.h"
+#include "failure.h"
+#include "losses.h"
+#include "progress.h"
+#include "query_words.h"
+
+#include <cstdint>
+#include <iostream>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace {
+
+struct CheckCommand
+{
+    std::string collection;
+    std::vector<std::string> query;
+};
+
+int check(const GlobalOptions& global, const CheckCommand& command)
+{
+    const dbc::Value query = parseQuery(command.query);
+    const auto client = connect(global.connection);
+    dbc::Collection collection = collectionOf(*client, command.collection);
+    LossCounter losses(LossPolicy::Count);
+    std::uint64_t done = 0;
+    {
+        const bool isShown = Progress::isShown(global.connection.quiet);
+        Progress progress("checking", isShown ? documentCount(collection, query) : 0, global.connection.quiet);
+        forEachDocument([&] { return collection.find(query); },
+                        [&](dbc::Cursor& cursor) {
+                            losses.look(cursor.bson(), ++done);
+                            progress.show(done);
+                        });
+    }
+    losses.print(std::cout);
+    if (!losses.foundAny() && !global.connection.quiet)
+        std::cout << done << " documents come back as they are\n";
+    return losses.foundAny() ? ServerRefused : Success;
+}
+
+} // namespace
+
+void addCheckCommand(CLI::App& program, const GlobalOptions& global, Work& work)
+{
+    const auto command = std::make_shared<CheckCommand>();
+    CLI::App* app = program.add_subcommand("check", "Name what the library's document model would drop or bend");
+    app->add_option("collection", command->collection, "DATABASE.COLLECTION")->required();
+    app->add_option("query", command->query, queryHelp);
+    app->callback([=, &global, &work] { work = [=, &global] { return check(global, *command); }; });
+}
