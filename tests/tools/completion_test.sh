@@ -21,12 +21,14 @@ completes() {
     fi
 }
 
-completes "dbc " "find count insert update remove aggregate export import files users check schema doctor"
+completes "dbc " "find count distinct insert update remove aggregate export import ls indexes index drop files users check schema doctor help"
 completes "dbc im" "import"
+completes "dbc index cr" "create"
+completes "dbc drop shop.orders --y" "--yes"
 completes "dbc files " "put get ls rm"
 completes "dbc --quiet users pa" "passwd"
 completes "dbc --dialect c" "canonical"
-completes "dbc --uri find " "find count insert update remove aggregate export import files users check schema doctor"
+completes "dbc --uri find " "find count distinct insert update remove aggregate export import ls indexes index drop files users check schema doctor help"
 completes "dbc import shop.orders --losses re" "refuse"
 completes "dbc import shop.orders --re" "--resume"
 completes "dbc update shop.orders -o pull" "pull pullAll"

@@ -48,7 +48,7 @@ void addCheckCommand(CLI::App& program, const GlobalOptions& global, Work& work)
 {
     const auto command = std::make_shared<CheckCommand>();
     CLI::App* app = program.add_subcommand("check", "Name what the library's document model would drop or bend");
-    app->add_option("collection", command->collection, "DATABASE.COLLECTION")->required();
+    app->add_option("collection", command->collection, collectionHelp)->required();
     app->add_option("query", command->query, queryHelp);
-    app->callback([=, &global, &work] { work = [=, &global] { return check(global, *command); }; });
+    setWork(*app, global, work, command, &check);
 }

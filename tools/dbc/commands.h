@@ -7,6 +7,7 @@
 
 #include <functional>
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -35,14 +36,41 @@ CLI::Option* addChoice(CLI::App& app, const std::string& name, T& target, const 
         ->type_name("WORD");
 }
 
+/// An option that takes a whole number of 0 or more.
+template <typename T>
+CLI::Option* addNumber(CLI::App& app, const std::string& name, T& target, const std::string& help)
+{
+    return app.add_option(name, target, help)
+        ->check(CLI::Validator(
+            [](const std::string& word) {
+                const bool isNumber = !word.empty() && word.find_first_not_of("0123456789") == std::string::npos;
+                return isNumber ? std::string() : "'" + word + "' is not a whole number of 0 or more";
+            },
+            ""))
+        ->type_name("NUMBER");
+}
+
 /// The work of the command that was given, and its exit status.
 using Work = std::function<int()>;
+
+/// Lets a command that is given run @p run(global, *command) as the work.
+template <typename Command>
+void setWork(CLI::App& app, const GlobalOptions& global, Work& work, const std::shared_ptr<Command>& command,
+             int (*run)(const GlobalOptions&, const Command&))
+{
+    app.callback([&global, &work, command, run] { work = [&global, command, run] { return run(global, *command); }; });
+}
 
 // Each adds commands to the program; a command that is given sets the work.
 void addDocumentCommands(CLI::App& program, const GlobalOptions& global, Work& work);
 void addTransferCommands(CLI::App& program, const GlobalOptions& global, Work& work);
 void addFileCommands(CLI::App& program, const GlobalOptions& global, Work& work);
 void addUserCommands(CLI::App& program, const GlobalOptions& global, Work& work);
+void addUpdateCommand(CLI::App& program, const GlobalOptions& global, Work& work);
+void addListCommand(CLI::App& program, const GlobalOptions& global, Work& work);
+void addIndexCommands(CLI::App& program, const GlobalOptions& global, Work& work);
+void addDropCommand(CLI::App& program, const GlobalOptions& global, Work& work);
+void addHelpCommand(CLI::App& program, const GlobalOptions& global, Work& work);
 void addCheckCommand(CLI::App& program, const GlobalOptions& global, Work& work);
 void addSchemaCommand(CLI::App& program, const GlobalOptions& global, Work& work);
 void addDoctorCommand(CLI::App& program, const GlobalOptions& global, Work& work);

@@ -19,6 +19,7 @@ namespace {
 
 const std::string scheme = "mongodb://";
 const std::string seedScheme = "mongodb+srv://";
+const std::string localServer = "mongodb://127.0.0.1:27017/";
 
 std::size_t schemeLength(const std::string& uri)
 {
@@ -93,17 +94,16 @@ std::string promptSecret(const std::string& question)
 
 std::string connectionString(const ConnectionOptions& options)
 {
-    if (options.uri.empty())
-        throw Failure(UsageError, "no server named: give --uri or set DBC_URI");
+    const std::string& uri = options.uri.empty() ? localServer : options.uri;
     if (options.user.empty() && !options.passwordFile.empty())
         throw Failure(UsageError, "--password-file without --user");
     if (options.user.empty())
-        return options.uri;
-    const std::size_t begin = schemeLength(options.uri);
-    if (options.uri.find('@', begin) != std::string::npos)
+        return uri;
+    const std::size_t begin = schemeLength(uri);
+    if (uri.find('@', begin) != std::string::npos)
         throw Failure(UsageError, "--user together with credentials in the connection string");
-    return options.uri.substr(0, begin) + dbc::percentEncoded(options.user) + ":" +
-           dbc::percentEncoded(passwordOf(options)) + "@" + options.uri.substr(begin);
+    return uri.substr(0, begin) + dbc::percentEncoded(options.user) + ":" + dbc::percentEncoded(passwordOf(options)) +
+           "@" + uri.substr(begin);
 }
 
 std::unique_ptr<DataBaseClient> connect(const std::string& uri)
@@ -121,11 +121,25 @@ std::unique_ptr<DataBaseClient> connect(const ConnectionOptions& options)
     return connect(connectionString(options));
 }
 
+std::string defaultDatabase(DataBaseClient& client)
+{
+    std::string database;
+    client.getDatabaseName(database);
+    if (database.empty())
+        throw Failure(UsageError, "no database: name a collection as DATABASE.COLLECTION, or put the database into the "
+                                  "connection string, mongodb://HOST/DATABASE");
+    return database;
+}
+
+const char* const collectionHelp = "DATABASE.COLLECTION, or COLLECTION in the database of the connection string";
+
 dbc::Collection collectionOf(DataBaseClient& client, const std::string& name)
 {
     const std::size_t dot = name.find('.');
-    if (dot == std::string::npos || dot == 0 || dot + 1 == name.size())
+    if (name.empty() || dot == 0 || dot == name.size() - 1)
         throw Failure(UsageError, "name a collection as DATABASE.COLLECTION");
+    if (dot == std::string::npos)
+        return {client, defaultDatabase(client), name};
     return {client, name.substr(0, dot), name.substr(dot + 1)};
 }
 

@@ -9,7 +9,7 @@
 /// Where to connect, and as whom. A password never has to stand on the command line, where other users see it.
 struct ConnectionOptions
 {
-    std::string uri;          ///< --uri or DBC_URI
+    std::string uri;          ///< --uri or DBC_URI; empty for the server on this machine
     std::string user;         ///< --user
     std::string passwordFile; ///< --password-file
     bool quiet = false;       ///< --quiet
@@ -25,7 +25,14 @@ std::unique_ptr<DataBaseClient> connect(const std::string& uri);
 /// The same, with the string of connectionString(), which may ask for a password.
 std::unique_ptr<DataBaseClient> connect(const ConnectionOptions& options);
 
-/// The collection that the command line names as DATABASE.COLLECTION. @throws Failure for any other name
+/// The database of the connection string. @throws Failure if it names none
+std::string defaultDatabase(DataBaseClient& client);
+
+/// Help text for the name of a collection.
+extern const char* const collectionHelp;
+
+/// The collection that the command line names as DATABASE.COLLECTION, or as COLLECTION in the database of the
+/// connection string. @throws Failure for any other name
 dbc::Collection collectionOf(DataBaseClient& client, const std::string& name);
 
 /// First line of a file.

@@ -4,11 +4,17 @@
 #include "failure.h"
 #include "input.h"
 #include "query_words.h"
+#include "texts.h"
 
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <iostream>
-#include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -23,6 +29,32 @@ struct FindCommand
     std::string projection;
     std::int64_t limit = 0;
     std::int64_t skip = 0;
+};
+
+struct DistinctCommand
+{
+    std::string collection;
+    std::string field;
+    std::vector<std::string> query;
+};
+
+struct AggregateCommand
+{
+    std::string collection;
+    std::string pipeline;
+};
+
+struct InsertCommand
+{
+    std::string collection;
+    std::vector<std::string> documents;
+};
+
+struct RemoveCommand
+{
+    std::string collection;
+    std::vector<std::string> query;
+    bool all = false;
 };
 
 dbc::Sort sortOf(const std::string& json)
@@ -40,11 +72,16 @@ dbc::Sort sortOf(const std::string& json)
     return sort;
 }
 
+DocumentWriter writerOf(const GlobalOptions& global)
+{
+    return {std::cout, global.dialect.value_or(Dialect::Relaxed), global.asArray};
+}
+
 // Prints every document and returns the exit status.
 template <typename Open>
 int print(const GlobalOptions& global, const Open& open)
 {
-    DocumentWriter writer(std::cout, global.dialect.value_or(Dialect::Relaxed), global.asArray);
+    DocumentWriter writer = writerOf(global);
     const auto found = forEachDocument(open, [&writer](dbc::Cursor& cursor) { writer.write(cursor.value()); });
     writer.finish();
     return found > 0 ? Success : NothingFound;
@@ -73,92 +110,75 @@ int count(const GlobalOptions& global, const FindCommand& command)
     return found > 0 ? Success : NothingFound;
 }
 
-int aggregate(const GlobalOptions& global, const std::string& name, const std::string& pipeline)
+int distinct(const GlobalOptions& global, const DistinctCommand& command)
 {
-    const dbc::Value stages = parseJson(pipeline, "the pipeline");
+    const dbc::Value query = parseQuery(command.query);
+    const auto client = connect(global.connection);
+    const auto values = collectionOf(*client, command.collection).distinct(command.field, query);
+    DocumentWriter writer = writerOf(global);
+    for (const dbc::Value& value : values)
+        writer.write(value);
+    writer.finish();
+    return values.empty() ? NothingFound : Success;
+}
+
+int aggregate(const GlobalOptions& global, const AggregateCommand& command)
+{
+    const dbc::Value stages = parseJson(command.pipeline, "the pipeline");
     if (!stages.isArray())
         throw Failure(UsageError, "the pipeline is not a list of stages: [{...}, {...}]");
     const auto client = connect(global.connection);
-    dbc::Collection collection = collectionOf(*client, name);
+    dbc::Collection collection = collectionOf(*client, command.collection);
     return print(global, [&] { return collection.aggregate(stages); });
 }
 
-int insert(const GlobalOptions& global, const std::string& name, const std::vector<std::string>& documents)
+// The documents of the command line, or without any those of standard input.
+std::function<std::optional<dbc::Value>()> documentsOf(const InsertCommand& command)
 {
-    std::vector<dbc::Value> parsed;
-    parsed.reserve(documents.size());
-    for (const std::string& text : documents)
-        parsed.push_back(parseDocument(text, "the document"));
+    if (command.documents.empty() && ::isatty(STDIN_FILENO) == 1)
+        std::cerr << "dbc: type the documents as JSON; Ctrl-D ends them\n";
+    if (command.documents.empty())
+        return [reader = std::make_shared<DocumentReader>(std::cin)] { return reader->next(); };
+    std::vector<dbc::Value> documents; // read before any of them is sent
+    for (const std::string& text : command.documents)
+        documents.push_back(parseDocument(text, "the document"));
+    return [documents = std::move(documents), next = std::size_t{0}]() mutable {
+        return next < documents.size() ? std::optional<dbc::Value>(documents[next++]) : std::nullopt;
+    };
+}
+
+int insert(const GlobalOptions& global, const InsertCommand& command)
+{
+    const auto documents = documentsOf(command);
     const auto client = connect(global.connection);
-    const auto result = collectionOf(*client, name).insertMany(parsed);
-    if (!global.connection.quiet && !result.acknowledged)
-        std::cout << "sent " << parsed.size() << ", not acknowledged\n";
-    else if (!global.connection.quiet)
-        std::cout << "inserted " << result.inserted << '\n';
-    return Success;
-}
-
-struct UpdateCommandLine
-{
-    std::string collection;
-    std::vector<std::string> query;
-    std::string document;
-    std::string operatorText; // empty: the document holds the operators, or replaces the match
-    bool multiple = false;
-    bool upsert = false;
-};
-
-// The update in the form in which the server takes it.
-dbc::Value updateOf(const UpdateCommandLine& line)
-{
-    dbc::Value operand = parseDocument(line.document, "the update");
-    if (line.operatorText.empty())
-        return operand;
-    return {{line.operatorText, std::move(operand)}};
-}
-
-bool hasOperators(const dbc::Value& update)
-{
-    return !update.empty() && update.fields()[0].key().substr(0, 1) == "$";
-}
-
-dbc::UpdateResult sendUpdate(dbc::Collection collection, const UpdateCommandLine& line)
-{
-    const dbc::Value query = parseQuery(line.query);
-    const dbc::Value update = updateOf(line);
-    if (hasOperators(update))
+    const bool isQuiet = global.connection.quiet;
+    const auto printId = [isQuiet](const dbc::Value& id) {
+        if (!isQuiet)
+            std::cout << idText(id) << '\n';
+    };
+    try
     {
-        dbc::UpdateOptions options;
-        options.upsert = line.upsert;
-        return line.multiple ? collection.updateMany(query, update, options)
-                             : collection.updateOne(query, update, options);
+        const auto result = collectionOf(*client, command.collection).insertMany(documents);
+        if (result.acknowledged)
+            std::for_each(result.ids.begin(), result.ids.end(), printId);
+        if (!isQuiet && !result.acknowledged)
+            std::cerr << "sent " << result.ids.size() << ", not acknowledged\n";
+        else if (!isQuiet)
+            std::cerr << "inserted " << result.inserted << '\n';
+        return Success;
     }
-    if (line.multiple)
-        throw Failure(UsageError, "a replacement is for one document: leave out --multi, or give operators");
-    dbc::ReplaceOptions options;
-    options.upsert = line.upsert;
-    return collection.replaceOne(query, update, options);
+    catch (const dbc::BulkError& error)
+    {
+        for (const dbc::IndexedId& inserted : error.result().insertedIds)
+            printId(inserted.id);
+        throw;
+    }
 }
 
-int update(const GlobalOptions& global, const UpdateCommandLine& line)
-{
-    const auto client = connect(global.connection);
-    const auto result = sendUpdate(collectionOf(*client, line.collection), line);
-    if (!global.connection.quiet && !result.acknowledged)
-        std::cout << "sent, not acknowledged\n";
-    else if (!global.connection.quiet && result.upsertedId)
-        std::cout << "inserted 1\n";
-    else if (!global.connection.quiet && result.modified != result.matched)
-        std::cout << "updated " << result.modified << " of " << result.matched << " that match\n";
-    else if (!global.connection.quiet)
-        std::cout << "updated " << result.modified << '\n';
-    return result.matched > 0 || result.upsertedId || !result.acknowledged ? Success : NothingFound;
-}
-
-int remove(const GlobalOptions& global, const FindCommand& command, bool all)
+int remove(const GlobalOptions& global, const RemoveCommand& command)
 {
     const dbc::Value query = parseQuery(command.query);
-    if (query.empty() && !all)
+    if (query.empty() && !command.all)
         throw Failure(UsageError, "to remove every document, give --all");
     const auto client = connect(global.connection);
     const auto result = collectionOf(*client, command.collection).removeMany(query);
@@ -169,85 +189,51 @@ int remove(const GlobalOptions& global, const FindCommand& command, bool all)
     return result.removed > 0 || !result.acknowledged ? Success : NothingFound;
 }
 
-CLI::App* addCommand(CLI::App& program, const char* name, const char* help, std::string& collection)
+// A command that begins with the name of a collection.
+template <typename Command>
+CLI::App* addCommand(CLI::App& program, const GlobalOptions& global, Work& work, const char* name, const char* help,
+                     const std::shared_ptr<Command>& command, int (*run)(const GlobalOptions&, const Command&))
 {
     CLI::App* app = program.add_subcommand(name, help);
-    app->add_option("collection", collection, "DATABASE.COLLECTION")->required();
+    app->add_option("collection", command->collection, collectionHelp)->required();
+    setWork(*app, global, work, command, run);
     return app;
-}
-
-void addFind(CLI::App& program, const GlobalOptions& global, Work& work)
-{
-    const auto command = std::make_shared<FindCommand>();
-    CLI::App* app = addCommand(program, "find", "Print the documents that match a query", command->collection);
-    app->add_option("query", command->query, queryHelp);
-    app->add_option("--sort", command->sort, R"(Order, as JSON: {"name": 1, "age": -1})");
-    app->add_option("--fields", command->projection, R"(Fields to print, as JSON: {"name": 1})");
-    app->add_option("--limit", command->limit, "Maximum number of documents to print")->check(CLI::NonNegativeNumber);
-    app->add_option("--skip", command->skip, "Documents to skip first")->check(CLI::NonNegativeNumber);
-    app->callback([=, &global, &work] { work = [=, &global] { return find(global, *command); }; });
-}
-
-void addCount(CLI::App& program, const GlobalOptions& global, Work& work)
-{
-    const auto command = std::make_shared<FindCommand>();
-    CLI::App* app = addCommand(program, "count", "Count the documents that match a query", command->collection);
-    app->add_option("query", command->query, queryHelp);
-    app->callback([=, &global, &work] { work = [=, &global] { return count(global, *command); }; });
-}
-
-void addAggregate(CLI::App& program, const GlobalOptions& global, Work& work)
-{
-    const auto collection = std::make_shared<std::string>();
-    const auto pipeline = std::make_shared<std::string>();
-    CLI::App* app = addCommand(program, "aggregate", "Run an aggregation and print its results", *collection);
-    app->add_option("pipeline", *pipeline, R"(Stages, as JSON: [{"$match": {...}}, {"$group": {...}}])")->required();
-    app->callback([=, &global, &work] { work = [=, &global] { return aggregate(global, *collection, *pipeline); }; });
-}
-
-void addInsert(CLI::App& program, const GlobalOptions& global, Work& work)
-{
-    const auto collection = std::make_shared<std::string>();
-    const auto documents = std::make_shared<std::vector<std::string>>();
-    CLI::App* app = addCommand(program, "insert", "Insert documents; import takes them from a file", *collection);
-    app->add_option("documents", *documents, "Documents, as JSON")->required();
-    app->callback([=, &global, &work] { work = [=, &global] { return insert(global, *collection, *documents); }; });
-}
-
-void addUpdate(CLI::App& program, const GlobalOptions& global, Work& work)
-{
-    static const std::map<std::string, std::string> operators{
-        {"replace", ""},   {"set", "$set"},         {"unset", "$unset"}, {"rename", "$rename"},    {"push", "$push"},
-        {"pull", "$pull"}, {"pullAll", "$pullAll"}, {"pop", "$pop"},     {"addToSet", "$addToSet"}};
-    const auto line = std::make_shared<UpdateCommandLine>();
-    line->operatorText = operators.at("set");
-    CLI::App* app = addCommand(program, "update", "Change the first document that matches a query", line->collection);
-    app->add_option("query", line->query, queryHelp)->required();
-    app->add_option("--document,-d", line->document, "Operand of the operator, as JSON")->required();
-    addChoice(*app, "--operator,-o", line->operatorText, operators, "What to do with the operand; set unless given");
-    CLI::Option* upsert = app->add_flag("--upsert", line->upsert, "Insert a document when none matches");
-    app->add_flag("--multi", line->multiple, "Change every document that matches")->excludes(upsert);
-    app->callback([=, &global, &work] { work = [=, &global] { return update(global, *line); }; });
-}
-
-void addRemove(CLI::App& program, const GlobalOptions& global, Work& work)
-{
-    const auto command = std::make_shared<FindCommand>();
-    const auto all = std::make_shared<bool>(false);
-    CLI::App* app = addCommand(program, "remove", "Remove the documents that match a query", command->collection);
-    app->add_option("query", command->query, queryHelp);
-    app->add_flag("--all", *all, "Remove every document, when there is no query");
-    app->callback([=, &global, &work] { work = [=, &global] { return remove(global, *command, *all); }; });
 }
 
 } // namespace
 
 void addDocumentCommands(CLI::App& program, const GlobalOptions& global, Work& work)
 {
-    addFind(program, global, work);
-    addCount(program, global, work);
-    addInsert(program, global, work);
-    addUpdate(program, global, work);
-    addRemove(program, global, work);
-    addAggregate(program, global, work);
+    const auto finding = std::make_shared<FindCommand>();
+    CLI::App* app = addCommand(program, global, work, "find", "Print the documents that match a query", finding, &find);
+    app->add_option("query", finding->query, queryHelp);
+    app->add_option("--sort", finding->sort, R"(Order, as JSON: {"name": 1, "age": -1})");
+    app->add_option("--fields", finding->projection, R"(Fields to print, as JSON: {"name": 1})");
+    addNumber(*app, "--limit", finding->limit, "Maximum number of documents to print; 0 for all");
+    addNumber(*app, "--skip", finding->skip, "Documents to skip first");
+
+    const auto counting = std::make_shared<FindCommand>();
+    app = addCommand(program, global, work, "count", "Count the documents that match a query", counting, &count);
+    app->add_option("query", counting->query, queryHelp);
+
+    const auto values = std::make_shared<DistinctCommand>();
+    app = addCommand(program, global, work, "distinct", "Print the different values of a field", values, &distinct);
+    app->add_option("field", values->field, "Path of the field, with dots")->required();
+    app->add_option("query", values->query, queryHelp);
+
+    const auto inserting = std::make_shared<InsertCommand>();
+    app = addCommand(program, global, work, "insert", "Insert documents and print their ids", inserting, &insert);
+    app->add_option("documents", inserting->documents,
+                    "Documents, as JSON; unless given, standard input: a document on each line, or one array");
+
+    const auto removing = std::make_shared<RemoveCommand>();
+    app = addCommand(program, global, work, "remove", "Remove the documents that match a query", removing, &remove);
+    app->add_option("query", removing->query, queryHelp);
+    app->add_flag("--all", removing->all, "Remove every document, when there is no query");
+
+    const auto stages = std::make_shared<AggregateCommand>();
+    app =
+        addCommand(program, global, work, "aggregate", "Run an aggregation and print its results", stages, &aggregate);
+    app->add_option("pipeline", stages->pipeline, R"(Stages, as JSON: [{"$match": {...}}, {"$group": {...}}])")
+        ->required();
 }

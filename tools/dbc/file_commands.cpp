@@ -8,6 +8,7 @@
 #include "interrupt.h"
 #include "progress.h"
 #include "replaced_file.h"
+#include "texts.h"
 
 #include <strings.h>
 
@@ -15,6 +16,7 @@
 #include <exception>
 #include <filesystem>
 #include <fstream>
+#include <iomanip>
 #include <iostream>
 #include <memory>
 #include <stdexcept>
@@ -31,16 +33,18 @@ struct FileCommand
     std::string name;
     std::string path;
     bool partial = false;
+    bool isLong = false;
 };
 
-// A store of a database whose name and prefix must stay two: "DATABASE.STORE.files".
 dbc::FileStore storeOf(DataBaseClient& client, const FileCommand& command)
 {
-    if (command.database.empty() || command.database.find('.') != std::string::npos)
-        throw Failure(UsageError, "the name of a database is not empty and holds no dot");
+    const std::string database = command.database.empty() ? defaultDatabase(client) : command.database;
+    // The name and the prefix must stay two: "DATABASE.STORE.files".
+    if (database.find('.') != std::string::npos)
+        throw Failure(UsageError, "the name of a database holds no dot");
     if (command.store.empty())
         throw Failure(UsageError, "the name of a store is not empty");
-    return {client, command.database, command.store};
+    return {client, database, command.store};
 }
 
 // Bytes of a plain file; 0 for what has no length.
@@ -165,7 +169,12 @@ int list(const GlobalOptions& global, const FileCommand& command)
     options.sort = {{"filename"}, {"uploadDate"}};
     const auto files = storeOf(*client, command).list({}, options);
     for (const dbc::FileInfo& file : files)
+    {
+        if (command.isLong)
+            std::cout << std::setw(12) << file.length << "  " << dateText(file.uploaded) << "  " << idText(file.id)
+                      << "  ";
         std::cout << file.name << (dbc::finalFileName(file.name).empty() ? "\n" : " (incomplete)\n");
+    }
     return files.empty() ? NothingFound : Success;
 }
 
@@ -235,7 +244,7 @@ CLI::App* addCommand(CLI::App& files, const GlobalOptions& global, Work& work, c
     CLI::App* app = files.add_subcommand(name, help);
     app->add_option("database", command->database, "Database")->required();
     app->add_option("--store", command->store, "Store of the files; fs unless given");
-    app->callback([=, &global, &work] { work = [=, &global] { return action(global, *command); }; });
+    setWork(*app, global, work, command, action);
     return app;
 }
 
@@ -252,8 +261,10 @@ void addFileCommands(CLI::App& program, const GlobalOptions& global, Work& work)
     app = addCommand(*files, global, work, "get", "Fetch a stored file", command, get);
     app->add_option("name", command->name, "Name on the server")->required();
     app->add_option("path", command->path, "Local file, or - for standard output; the name unless given");
-    addCommand(*files, global, work, "ls", "List the stored files; uploads that were cut short are marked (incomplete)",
-               command, list);
+    app = addCommand(*files, global, work, "ls",
+                     "List the stored files; uploads that were cut short are marked (incomplete)", command, list);
+    app->get_option("database")->required(false);
+    app->add_flag("-l,--long", command->isLong, "With length in bytes, time of the upload (UTC) and id");
     app = addCommand(*files, global, work, "rm", "Remove the stored files of a name, ignoring case", command, remove);
     app->add_option("name", command->name, "Name on the server");
     app->add_flag("--partial", command->partial,

@@ -1,3 +1,4 @@
+#include "command_line.h"
 #include "commands.h"
 #include "dbc/errors.h"
 #include "failure.h"
@@ -94,8 +95,9 @@ int start(int argumentCount, char** arguments)
     GlobalOptions global;
     Work work;
     addGlobalOptions(program, global);
-    for (const auto add : {addDocumentCommands, addTransferCommands, addFileCommands, addUserCommands, addCheckCommand,
-                           addSchemaCommand, addDoctorCommand})
+    for (const auto add :
+         {addDocumentCommands, addUpdateCommand, addTransferCommands, addListCommand, addIndexCommands, addDropCommand,
+          addFileCommands, addUserCommands, addCheckCommand, addSchemaCommand, addDoctorCommand, addHelpCommand})
         add(program, global, work);
     try
     {
@@ -103,7 +105,10 @@ int start(int argumentCount, char** arguments)
     }
     catch (const CLI::ParseError& error)
     {
-        return program.exit(error) == 0 ? Success : UsageError;
+        if (error.get_exit_code() == 0) // --help and --version
+            return program.exit(error);
+        std::cerr << "dbc: " << describe(program, error) << '\n';
+        return UsageError;
     }
     hidePasswords(argumentCount, arguments);
     silenceDriver();

@@ -5,11 +5,10 @@
 #include "failure.h"
 #include "progress.h"
 #include "query_words.h"
+#include "texts.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstdint>
-#include <ctime>
 #include <iomanip>
 #include <iostream>
 #include <map>
@@ -136,22 +135,17 @@ void addValue(const dbc::Value& value, const std::string& path, int level, Schem
         addBelow(value, path, level + 1, schema);
 }
 
-std::string dayOf(double milliseconds)
-{
-    const auto seconds = static_cast<std::time_t>(std::floor(milliseconds / 1000));
-    std::tm time = {};
-    std::ostringstream text;
-    if (::gmtime_r(&seconds, &time))
-        text << std::put_time(&time, "%Y-%m-%dT%H:%M:%SZ");
-    return text.str();
-}
-
 std::string rangeOf(const std::string& type, const Column& column)
 {
     if (!column.smallest)
         return "";
     if (type == "time")
-        return "  " + dayOf(*column.smallest) + " .. " + dayOf(*column.largest);
+    {
+        const auto text = [](double milliseconds) {
+            return dateText(dbc::timeFromMilliseconds(static_cast<long long>(milliseconds)));
+        };
+        return "  " + text(*column.smallest) + " .. " + text(*column.largest);
+    }
     std::ostringstream text;
     text << (type == "string" || type == "array" ? "  length " : "  ") << std::setprecision(15) << *column.smallest
          << " .. " << *column.largest;
@@ -243,11 +237,11 @@ void addSchemaCommand(CLI::App& program, const GlobalOptions& global, Work& work
 {
     const auto command = std::make_shared<SchemaCommand>();
     CLI::App* app = program.add_subcommand("schema", "Print paths, types, counts and ranges of a sample of documents");
-    app->add_option("collection", command->collection, "DATABASE.COLLECTION")->required();
+    app->add_option("collection", command->collection, collectionHelp)->required();
     app->add_option("query", command->query, queryHelp);
-    app->add_option("--sample", command->sample,
-                    "Documents to look at, chosen at random where the server can do that ($sample), else the first "
-                    "ones; 1000 unless given, 0 for all")
-        ->check(CLI::NonNegativeNumber);
-    app->callback([=, &global, &work] { work = [=, &global] { return schema(global, *command); }; });
+    addNumber(
+        *app, "--sample", command->sample,
+        "Documents to look at, chosen at random where the server can do that ($sample), else the first ones; 1000 "
+        "unless given, 0 for all");
+    setWork(*app, global, work, command, &schema);
 }

@@ -276,7 +276,7 @@ void addTransferCommands(CLI::App& program, const GlobalOptions& global, Work& w
 {
     const auto outgoing = std::make_shared<ExportCommand>();
     CLI::App* app = program.add_subcommand("export", "Write documents to a file or to standard output");
-    app->add_option("collection", outgoing->collection, "DATABASE.COLLECTION")->required();
+    app->add_option("collection", outgoing->collection, collectionHelp)->required();
     app->add_option("query", outgoing->query, queryHelp);
     app->add_option("--file,-f", outgoing->file,
                     "File to write, there only when it is complete; standard output unless given");
@@ -285,7 +285,7 @@ void addTransferCommands(CLI::App& program, const GlobalOptions& global, Work& w
 
     const auto incoming = std::make_shared<ImportCommand>();
     app = program.add_subcommand("import", "Insert documents from a file or from standard input");
-    app->add_option("collection", incoming->collection, "DATABASE.COLLECTION")->required();
+    app->add_option("collection", incoming->collection, collectionHelp)->required();
     app->add_option("--file,-f", incoming->file,
                     "JSON, a document on each line or one array; standard input unless given");
     app->add_option("--batch", incoming->batch, "Documents in one request; 1000 unless given")

@@ -88,7 +88,7 @@ CLI::App* addCommand(CLI::App& users, const GlobalOptions& global, Work& work, c
     CLI::App* app = users.add_subcommand(name, help);
     app->add_option("database", command->database, "Database of the user")->required();
     app->add_option("name", command->name, "Name of the user")->required();
-    app->callback([=, &global, &work] { work = [=, &global] { return action(global, *command); }; });
+    setWork(*app, global, work, command, action);
     return app;
 }
 

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "dbc/value.h"
+
+#include <string>
+
+/// An object id as its 24 hexadecimal digits, as a query takes it; any other value as JSON.
+std::string idText(const dbc::Value& id);
+
+/// 2020-01-01T00:00:00Z. Fractions of a second are cut off.
+std::string dateText(dbc::Time time);
+
+/// 512 B, 1.5 KiB, 20.0 MiB ...
+std::string sizeText(double bytes);
