@@ -182,8 +182,7 @@ public:
             InsertManyOptions options;
             options.returnIds = false;
             options.writeConcern = m_writeConcern;
-            const InsertManyResult stored =
-                m_chunks.insertMany([this, &source] { return nextChunk(source); }, options);
+            const InsertManyResult stored = m_chunks.insertMany([this, &source] { return nextChunk(source); }, options);
             if (stored.acknowledged) // else the server may still be storing them
                 checkChunks();
             writeRecord();
