@@ -97,6 +97,19 @@ void command(DataBaseClient& client, const std::string& name)
     //! [command]
 }
 
+void users(DataBaseClient& client, const std::string& name)
+{
+    section("users");
+    //! [users]
+    dbc::Database database(client, name);
+    database.addUser("ada", "secret", {{"readWrite"}, {"read", "archive"}}); // in this database, and in "archive"
+    database.setPassword("ada", "better secret");
+    for (const dbc::UserInfo& user : database.users())
+        std::cout << user.name << '\n';
+    database.removeUser("ada");
+    //! [users]
+}
+
 } // namespace
 
 int main()
@@ -109,4 +122,10 @@ int main()
     aggregation(client, scratch.name());
     indexes(client, scratch.name());
     command(client, scratch.name());
+
+    const test_support::TestServer& server = test_support::TestServer::instance();
+    const test_support::ScratchDatabase withUsers(server.directAuthUri());
+    DataBaseClient administrator;
+    administrator.connect(server.authUri());
+    users(administrator, withUsers.name());
 }
