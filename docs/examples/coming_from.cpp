@@ -26,8 +26,9 @@ void connecting(const std::string& uri, const std::string& name)
     std::cout << database.collectionNames().size() << " collection\n";
     c.drop();
 
+    const std::chrono::seconds limit(5);
     dbc::ClientPool pool(uri, 4);
-    const dbc::ClientPool::Lease leased = pool.lease(std::chrono::seconds(5));
+    const dbc::ClientPool::Lease leased = pool.lease(limit);
     dbc::Collection(*leased, name, "c").count({});
 }
 

@@ -52,7 +52,7 @@ def labelled(page, text, used):
         if name in used:
             return match[0]
         used.add(name)
-        return "%s %s {#%s}" % (marks, title, name)
+        return "%s %s {#%s}" % (marks, title.replace("`", ""), name)  # Doxygen shows the tags of code in a heading
 
     return re.sub(r"^(#+) (.*?)(?: *\{#(.*)\})?$", heading, text, flags=re.MULTILINE)
 
