@@ -24,7 +24,9 @@ Value valueAt(const bson_iter_t& iter)
     if (BSON_ITER_HOLDS_OID(&iter))
         return valueFrom(*bson_iter_oid(&iter));
     OwnedBson wrapped;
-    bson_append_iter(wrapped.get(), "", 0, &iter);
+    bson_iter_t place = iter;
+    if (!bson_append_iter(wrapped.get(), "", 0, &place))
+        throw FormatError("BSON: a value whose length is wrong", bson_iter_offset(&place));
     Value document = valueFrom(wrapped.get());
     return std::move(document.at(std::size_t{0}));
 }

@@ -13,6 +13,7 @@ namespace dbc {
 namespace {
 
 constexpr const char* downloadFailed = "Download failed";
+constexpr const char* malformedRecord = "the record of a stored file is malformed";
 // What a server may send in one reply of a download.
 constexpr std::uint64_t replyBytes = 4U << 20U;
 constexpr std::int64_t largestChunk = 16 << 20;
@@ -33,8 +34,18 @@ FileInfo fileInfoFrom(const bson_t* record, const char* message)
     const std::int64_t chunkSize = numberField(record, "chunkSize");
     bson_iter_t iter;
     if (!findField(record, "_id", &iter) || length < 0 || chunkSize <= 0 || chunkSize > largestChunk)
-        throwBroken(message, "the record of a stored file is malformed");
-    info.id = valueAt(iter);
+        throwBroken(message, malformedRecord);
+    const auto valueOf = [message](const bson_iter_t& field) {
+        try
+        {
+            return valueAt(field);
+        }
+        catch (const FormatError& /*error*/)
+        {
+            throwBroken(message, malformedRecord);
+        }
+    };
+    info.id = valueOf(iter);
     info.name = textField(record, "filename");
     info.length = static_cast<std::uint64_t>(length);
     info.chunkSize = static_cast<std::uint32_t>(chunkSize);
@@ -42,7 +53,7 @@ FileInfo fileInfoFrom(const bson_t* record, const char* message)
         info.uploaded = timeFromMilliseconds(bson_iter_date_time(&iter));
     info.contentType = textField(record, "contentType");
     if (findField(record, "metadata", &iter) && BSON_ITER_HOLDS_DOCUMENT(&iter))
-        info.metadata = valueAt(iter);
+        info.metadata = valueOf(iter);
     return info;
 }
 

@@ -148,6 +148,43 @@ void makeSequences(const std::filesystem::path& root)
     }
 }
 
+void makeServerDocuments(const std::filesystem::path& root)
+{
+    const Corpus corpus(root, "server_document");
+    const std::vector<std::pair<std::string, std::string>> documents{
+        {"record",
+         R"({"_id": {"$oid": "507f1f77bcf86cd799439011"}, "length": {"$numberLong": "7"}, "chunkSize": 261120,
+             "uploadDate": {"$date": {"$numberLong": "1500000000000"}}, "filename": "f", "contentType": "text/plain",
+             "metadata": {"owner": "ada"}})"},
+        {"record-with-an-object-as-id", R"({"_id": {"a": [1, "x"]}, "length": 7, "chunkSize": 1.0})"},
+        {"record-of-other-types", R"({"_id": null, "length": "7", "chunkSize": true, "metadata": []})"},
+        {"error",
+         R"({"ok": 0, "errmsg": "no", "code": 11600, "codeName": "Interrupted", "errorLabels": ["A", 1, "B"]})"},
+        {"write-error", R"({"ok": 1, "writeErrors": [{"index": 0, "code": 0, "errmsg": "unknown modifier"}]})"},
+        {"without-an-id", R"({"a": 1, "b": {"_id": 2}})"},
+        {"empty", "{}"},
+    };
+    for (const auto& [name, text] : documents)
+    {
+        bson_error_t error;
+        test_support::OwnedBson bson;
+        if (!bson_init_from_json(bson.get(), text.c_str(), -1, &error))
+            throw std::runtime_error(name + ": " + error.message);
+        corpus.add(name, bson.get());
+        const std::string bytes(reinterpret_cast<const char*>(bson_get_data(bson.get())), bson.get()->len);
+        corpus.add(name + "-cut-short", bytes.substr(0, bytes.size() / 2));
+    }
+    test_support::OwnedBson inner;
+    BSON_APPEND_INT32(inner.get(), "a", 1);
+    test_support::OwnedBson record;
+    BSON_APPEND_DOCUMENT(record.get(), "_id", inner.get());
+    BSON_APPEND_INT32(record.get(), "length", 1);
+    BSON_APPEND_INT32(record.get(), "chunkSize", 1);
+    std::string bytes(reinterpret_cast<const char*>(bson_get_data(record.get())), record.get()->len);
+    bytes[bytes.find('a', 13) - 1] = 0x7e; // the type of the field in the "_id"
+    corpus.add("record-whose-id-is-malformed", bytes);
+}
+
 void makeNames(const std::filesystem::path& root)
 {
     const Corpus names(root, "collection_name");
@@ -191,5 +228,6 @@ int main(int argc, char** argv)
     }
     makeConversions(argv[1]);
     makeSequences(argv[1]);
+    makeServerDocuments(argv[1]);
     makeNames(argv[1]);
 }

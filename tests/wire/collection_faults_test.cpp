@@ -8,10 +8,7 @@
 #include "dbc/file_store.h"
 #include "row_name.h"
 
-#include <array>
-#include <cstdint>
 #include <functional>
-#include <optional>
 #include <ostream>
 #include <sstream>
 #include <vector>
@@ -20,9 +17,7 @@ namespace test_support {
 namespace {
 
 using dbc::Bulk;
-using dbc::BulkError;
 using dbc::Collection;
-using dbc::Cursor;
 using dbc::ErrorKind;
 using dbc::FileStore;
 using dbc::ServerError;
