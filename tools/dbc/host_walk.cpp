@@ -1,6 +1,5 @@
 #include "host_walk.h"
 
-#include "connection_uri.h"
 #include "dbc/connection_string.h"
 #include "dbc/database.h"
 
@@ -111,29 +110,31 @@ bool agreeOnTls(const mongoc_uri_t& uri, const mongoc_host_list_t& host, StreamH
                          "check tlsCAFile, and that the certificate is for this host; or the server has no TLS");
 }
 
-// No credentials: hello needs none. Null if the host cannot stand in a connection string.
-UriHandle uriOfOneHost(const mongoc_uri_t& uri, const mongoc_host_list_t& host)
+// With the TLS options of the connection string, but without credentials: hello needs none.
+std::string uriOfOneHost(const mongoc_uri_t& uri, const mongoc_host_list_t& host)
 {
-    const std::string place = host.family == AF_UNIX ? dbc::percentEncoded(host.host) : host.host_and_port;
-    UriHandle one = parseUri("mongodb://" + place + "/?directConnection=true").uri;
-    if (!one)
-        return nullptr;
+    std::string text = "mongodb://";
+    text.append(host.family == AF_UNIX ? dbc::percentEncoded(host.host) : host.host_and_port);
+    text.append("/?directConnection=true");
+    const auto add = [&text](const char* option, const std::string& value) {
+        text.append("&").append(option).append("=").append(dbc::percentEncoded(value));
+    };
     for (const char* const limit :
          {MONGOC_URI_CONNECTTIMEOUTMS, MONGOC_URI_SOCKETTIMEOUTMS, MONGOC_URI_SERVERSELECTIONTIMEOUTMS})
-        mongoc_uri_set_option_as_int32(one.get(), limit, stepTimeout);
+        add(limit, std::to_string(stepTimeout));
     for (const char* const option : {MONGOC_URI_TLS, MONGOC_URI_TLSINSECURE, MONGOC_URI_TLSALLOWINVALIDCERTIFICATES,
                                      MONGOC_URI_TLSALLOWINVALIDHOSTNAMES})
     {
         if (mongoc_uri_get_option_as_bool(&uri, option, false))
-            mongoc_uri_set_option_as_bool(one.get(), option, true);
+            add(option, "true");
     }
     for (const char* const option :
          {MONGOC_URI_TLSCAFILE, MONGOC_URI_TLSCERTIFICATEKEYFILE, MONGOC_URI_TLSCERTIFICATEKEYFILEPASSWORD})
     {
-        if (const char* const text = mongoc_uri_get_option_as_utf8(&uri, option, nullptr))
-            mongoc_uri_set_option_as_utf8(one.get(), option, text);
+        if (const char* const value = mongoc_uri_get_option_as_utf8(&uri, option, nullptr))
+            add(option, value);
     }
-    return one;
+    return text;
 }
 
 } // namespace
@@ -172,13 +173,10 @@ HostState lookAtHost(const mongoc_uri_t& uri, const mongoc_host_list_t& host)
 std::vector<std::string> membersNamedBy(const mongoc_uri_t& uri, const mongoc_host_list_t& host)
 {
     std::vector<std::string> members;
-    const UriHandle one = uriOfOneHost(uri, host);
-    if (!one)
-        return members;
     try
     {
         DataBaseClient client;
-        client.connect(mongoc_uri_get_string(one.get()));
+        client.connect(uriOfOneHost(uri, host));
         // Servers of every age have isMaster.
         const dbc::Value hello = dbc::Database(client, "admin").command({{"isMaster", 1}});
         for (const char* const list : {"hosts", "passives", "arbiters"})
