@@ -951,9 +951,12 @@ HelpAndVersionEndWithStatusZero() {
     expect_status 0
     dbc find --help
     expect_status 0
-    dbc --version
-    expect_status 0
-    [[ $out =~ ^[0-9]+\.[0-9]+\.[0-9]+$ ]] || fail "$out"
+    local version='[0-9]+\.[0-9]+\.[0-9]+' option
+    for option in --version -V; do
+        dbc "$option"
+        expect_status 0
+        [[ $out =~ ^dbc\ $version$'\n'libdatabase_client\ $version$'\n'libmongoc\ $version$ ]] || fail "$out"
+    done
     dbc
     expect_status 2
     expect_err "a command is missing; there are: find count"

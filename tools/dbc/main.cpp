@@ -1,6 +1,7 @@
 #include "command_line.h"
 #include "commands.h"
 #include "dbc/errors.h"
+#include "dbc/version.h"
 #include "failure.h"
 #include "interrupt.h"
 
@@ -37,11 +38,20 @@ ExitStatus statusOf(const dbc::ErrorInfo& error)
     return ServerRefused;
 }
 
+std::string versions()
+{
+    return std::string("dbc ") + DBC_VERSION + "\nlibdatabase_client " + dbc::libraryVersion() + "\nlibmongoc " +
+           dbc::driverVersion();
+}
+
 void addGlobalOptions(CLI::App& program, GlobalOptions& global)
 {
     static const std::map<std::string, std::optional<Dialect>> dialects{
         {"relaxed", Dialect::Relaxed}, {"canonical", Dialect::Canonical}, {"legacy", Dialect::Legacy}};
-    program.add_option("--uri", global.connection.uri, "Connection string, mongodb://host:port/")->envname("DBC_URI");
+    program
+        .add_option("--uri", global.connection.uri,
+                    "Connection string, mongodb://HOST:PORT/DATABASE; unless given, the server on this machine")
+        ->envname("DBC_URI");
     program.add_option("--user", global.connection.user, "User; the password is asked for, or taken from DBC_PASSWORD");
     program.add_option("--password-file", global.connection.passwordFile,
                        "File whose first line is the password of --user");
@@ -50,7 +60,7 @@ void addGlobalOptions(CLI::App& program, GlobalOptions& global)
         "JSON that is written; unless given, export writes canonical, which keeps every type, and all else relaxed");
     program.add_flag("--array", global.asArray, "Write one JSON array instead of a document on each line");
     program.add_flag("-q,--quiet", global.connection.quiet, "No progress and no summary");
-    program.set_version_flag("--version", DBC_VERSION);
+    program.set_version_flag("-V,--version", versions, "Print the versions of the program, the library and the driver");
 }
 
 int runAndFlush(const Work& work)
