@@ -3,7 +3,7 @@
 // free_document.
 
 #include "bson_to_properties.h"
-#include "conversion/bson_handles.h"
+#include "driver/bson_handles.h"
 #include "object_properties.h"
 #include "properties_to_bson.h"
 #include "support/measure.h"

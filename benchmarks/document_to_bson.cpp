@@ -4,7 +4,7 @@
 #include "properties_to_bson.h"
 
 #include "bson_to_properties.h"
-#include "conversion/bson_handles.h"
+#include "driver/bson_handles.h"
 #include "object_properties.h"
 #include "support/measure.h"
 #include "support/shapes.h"

@@ -1,7 +1,7 @@
 // Does the time per field stay the same as documents grow? Complexity() prints the growth that fits best.
 
 #include "bson_to_properties.h"
-#include "conversion/bson_handles.h"
+#include "driver/bson_handles.h"
 #include "object_properties.h"
 #include "properties_to_bson.h"
 #include "support/measure.h"

@@ -8,9 +8,9 @@
 // usage: scripts/with-server server_collections inserts|cursors NUMBER
 
 #include "database_client.h"
-#include "database_client/mongoc_handles.h"
 #include "dbc/collection.h"
 #include "dbc/database.h"
+#include "driver/mongoc_handles.h"
 #include "support/measure.h"
 #include "support/memory.h"
 #include "support/server.h"

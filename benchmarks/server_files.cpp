@@ -9,7 +9,7 @@
 // usage: scripts/with-server server_files stores MIB | reads MIB [KIB]
 
 #include "database_client.h"
-#include "database_client/mongoc_handles.h"
+#include "driver/mongoc_handles.h"
 #include "support/measure.h"
 #include "support/memory.h"
 #include "support/server.h"

@@ -6,7 +6,7 @@
 // usage: scripts/with-server server_operations finds|inserts|results NUMBER
 
 #include "database_client.h"
-#include "database_client/mongoc_handles.h"
+#include "driver/mongoc_handles.h"
 #include "object_properties.h"
 #include "support/measure.h"
 #include "support/memory.h"

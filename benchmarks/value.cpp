@@ -3,7 +3,7 @@
 // encoding.
 
 #include "dbc/value.h"
-#include "conversion/bson_handles.h"
+#include "driver/bson_handles.h"
 #include "support/measure.h"
 #include "support/shapes.h"
 

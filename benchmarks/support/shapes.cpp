@@ -1,7 +1,7 @@
 #include "support/shapes.h"
 
 #include "bson_to_properties.h"
-#include "conversion/bson_handles.h"
+#include "driver/bson_handles.h"
 #include "object_properties.h"
 #include "properties_to_bson.h"
 

@@ -1,7 +1,7 @@
 #include "collection/bson_value.h"
 
 #include "collection/value_access.h"
-#include "conversion/bson_handles.h"
+#include "driver/bson_handles.h"
 
 #include <cstdint>
 #include <utility>

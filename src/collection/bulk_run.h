@@ -1,9 +1,9 @@
 #pragma once
 
 #include "collection/bulk_state.h"
-#include "conversion/bson_handles.h"
-#include "database_client/mongoc_handles.h"
 #include "dbc/bulk.h"
+#include "driver/bson_handles.h"
+#include "driver/mongoc_handles.h"
 
 #include <cstddef>
 #include <vector>

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "database_client/client_access.h"
-#include "database_client/mongoc_handles.h"
 #include "dbc/collection.h"
+#include "driver/mongoc_handles.h"
 
 #include <string>
 

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "conversion/document_refill.h"
-#include "database_client/mongoc_handles.h"
 #include "dbc/cursor.h"
+#include "driver/mongoc_handles.h"
 
 #include <memory>
 #include <optional>

@@ -6,7 +6,7 @@
 #include "collection/options_bson.h"
 #include "collection/outgoing.h"
 #include "database_client/client_access.h"
-#include "database_client/mongoc_handles.h"
+#include "driver/mongoc_handles.h"
 
 #include <stdexcept>
 #include <utility>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "conversion/bson_handles.h"
-#include "database_client/mongoc_handles.h"
 #include "dbc/bulk.h"
+#include "driver/bson_handles.h"
+#include "driver/mongoc_handles.h"
 
 #include <bson/bson.h>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "conversion/bson_handles.h"
 #include "dbc/document_ref.h"
+#include "driver/bson_handles.h"
 
 #include <bson/bson.h>
 

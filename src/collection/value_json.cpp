@@ -1,7 +1,7 @@
 #include "dbc/value.h"
 
 #include "collection/value_access.h"
-#include "conversion/bson_handles.h"
+#include "driver/bson_handles.h"
 #include "driver/driver.h"
 
 #include <bson/bson.h>

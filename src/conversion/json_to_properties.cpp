@@ -1,7 +1,7 @@
 #include "json_to_properties.h"
 
 #include "bson_to_properties.h"
-#include "conversion/bson_handles.h"
+#include "driver/bson_handles.h"
 
 #include <cstdint>
 

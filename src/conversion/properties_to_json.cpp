@@ -1,6 +1,6 @@
 #include "properties_to_json.h"
 
-#include "conversion/bson_handles.h"
+#include "driver/bson_handles.h"
 #include "driver/driver.h"
 #include "object_properties.h"
 #include "properties_to_bson.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "database_client/mongoc_handles.h"
+#include "driver/mongoc_handles.h"
 
 /// Opens a cursor over the documents that match a query.
 /// @param query   a condition, or {"$query": condition, "$orderby": ..., ...}. A "$query" must be a document

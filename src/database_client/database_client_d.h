@@ -1,8 +1,8 @@
 #pragma once
 
 #include "database_client.h"
-#include "database_client/mongoc_handles.h"
 #include "database_client/shared_client.h"
+#include "driver/mongoc_handles.h"
 
 #include <list>
 #include <string>

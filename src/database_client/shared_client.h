@@ -1,6 +1,6 @@
 #pragma once
 
-#include "database_client/mongoc_handles.h"
+#include "driver/mongoc_handles.h"
 
 #include <cstddef>
 #include <memory>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "conversion/bson_handles.h"
+#include "bson_handles.h"
 
 #include <mongoc/mongoc.h>
 
