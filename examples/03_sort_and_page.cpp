@@ -59,7 +59,7 @@ try
     // Only some fields, and not the first two matches.
     dbc::FindOptions options;
     options.sort = {{"_id"}};
-    options.projection = dbc::Value{{"_id", 1}};
+    options.projection = {{"_id", 1}};
     options.skip = 2;
     for (const dbc::Value& city : cities.find({{"sea", true}}, options))
         std::cout << city << '\n';

@@ -45,7 +45,7 @@ try
     std::cout << "upload\n";
     dbc::UploadOptions upload;
     upload.contentType = "text/plain";
-    upload.metadata = dbc::Value{{"owner", "Ada"}};
+    upload.metadata = {{"owner", "Ada"}};
     upload.progress = percentOf(length);
     files.uploadFile("report.txt", original.path, upload);
 

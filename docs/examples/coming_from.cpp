@@ -39,7 +39,7 @@ void reading(dbc::Collection& c)
     options.sort = {{"a", dbc::Order::Descending}, {"b"}};
     options.skip = 20;
     options.limit = 10;
-    options.projection = dbc::Value{{"a", 1}};
+    options.projection = {{"a", 1}};
     c.find(filter, options);
     for (const dbc::Value& document : c.find(filter))
     {

@@ -35,7 +35,7 @@ void files(DataBaseClient& client, const std::string& database)
     dbc::FileStore files(client, database);
     dbc::UploadOptions options;
     options.contentType = "text/plain";
-    options.metadata = dbc::Value{{"author", "Ada"}};
+    options.metadata = {{"author", "Ada"}};
     std::istringstream source("the first part, the second part");
     const dbc::FileInfo stored = files.upload("notes.txt", source, options);
 

@@ -40,7 +40,7 @@ void sorted(DataBaseClient& client, const std::string& database)
     options.sort = {{"total", dbc::Order::Descending}, {"_id"}}; // of equal totals, the smaller "_id" first
     options.skip = 1;
     options.limit = 2;
-    options.projection = dbc::Value{{"total", 1}};
+    options.projection = {{"total", 1}};
     for (const dbc::Value& order : orders.find({}, options))
         std::cout << order << '\n';
     //! [sorted]

@@ -53,31 +53,31 @@ struct BulkUpdateOptions
 {
     bool upsert = false;               ///< Insert a document if none matches.
     std::vector<Value> arrayFilters{}; ///< Conditions for "$[name]" in the update.
-    std::optional<Value> hint{};       ///< Name or keys of the index to use.
-    std::optional<Value> collation{};  ///< Rules for comparing strings.
+    Value hint{};                      ///< Name or keys of the index to use.
+    Value collation{};                 ///< Rules for comparing strings.
 };
 
 /// Options of a replacement in a bulk write.
 struct BulkReplaceOptions
 {
-    bool upsert = false;              ///< Insert the document if none matches.
-    std::optional<Value> hint{};      ///< Name or keys of the index to use.
-    std::optional<Value> collation{}; ///< Rules for comparing strings.
+    bool upsert = false; ///< Insert the document if none matches.
+    Value hint{};        ///< Name or keys of the index to use.
+    Value collation{};   ///< Rules for comparing strings.
 };
 
 /// Options of a removal in a bulk write.
 struct BulkRemoveOptions
 {
-    std::optional<Value> hint{};      ///< Name or keys of the index to use.
-    std::optional<Value> collation{}; ///< Rules for comparing strings.
+    Value hint{};      ///< Name or keys of the index to use.
+    Value collation{}; ///< Rules for comparing strings.
 };
 
 /// Options of a bulk write.
 struct BulkOptions
 {
     bool ordered = true;                        ///< In order, up to the first error. Otherwise all, in any order.
-    std::optional<Value> let{};                 ///< Variables for the filters and updates.
-    std::optional<Value> comment{};             ///< For the server's log.
+    Value let{};                                ///< Variables for the filters and updates.
+    Value comment{};                            ///< For the server's log.
     std::optional<WriteConcern> writeConcern{}; ///< When the server acknowledges the writes.
     bool bypassValidation = false;              ///< Do not apply the collection's validation rules.
 };

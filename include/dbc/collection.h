@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// The operations on one collection.
+/// The operations on one collection. An option of type Value is not set while it is an empty object, its default.
 
 #include "database_client.h"
 #include "dbc/build.h"
@@ -27,7 +27,7 @@ inline namespace v1 {
 /// Options of insertOne().
 struct InsertOneOptions
 {
-    std::optional<Value> comment{};             ///< For the server's log.
+    Value comment{};                            ///< For the server's log.
     std::optional<WriteConcern> writeConcern{}; ///< When the server acknowledges the write.
     bool bypassValidation = false;              ///< Do not apply the collection's validation rules.
 };
@@ -37,7 +37,7 @@ struct InsertManyOptions
 {
     bool ordered = true;                        ///< In order, up to the first error. Otherwise all, in any order.
     bool returnIds = true;                      ///< Collect the ids. Set it to false if they would not fit in memory.
-    std::optional<Value> comment{};             ///< For the server's log.
+    Value comment{};                            ///< For the server's log.
     std::optional<WriteConcern> writeConcern{}; ///< When the server acknowledges the writes.
     bool bypassValidation = false;              ///< Do not apply the collection's validation rules.
 };
@@ -47,10 +47,10 @@ struct UpdateOptions
 {
     bool upsert = false;                        ///< Insert a document if none matches.
     std::vector<Value> arrayFilters{};          ///< Conditions for "$[name]" in the update.
-    std::optional<Value> hint{};                ///< Name or keys of the index to use.
-    std::optional<Value> collation{};           ///< Rules for comparing strings.
-    std::optional<Value> let{};                 ///< Variables for the filter and the update.
-    std::optional<Value> comment{};             ///< For the server's log.
+    Value hint{};                               ///< Name or keys of the index to use.
+    Value collation{};                          ///< Rules for comparing strings.
+    Value let{};                                ///< Variables for the filter and the update.
+    Value comment{};                            ///< For the server's log.
     std::optional<WriteConcern> writeConcern{}; ///< When the server acknowledges the write.
     bool bypassValidation = false;              ///< Do not apply the collection's validation rules.
 };
@@ -59,10 +59,10 @@ struct UpdateOptions
 struct ReplaceOptions
 {
     bool upsert = false;                        ///< Insert the document if none matches.
-    std::optional<Value> hint{};                ///< Name or keys of the index to use.
-    std::optional<Value> collation{};           ///< Rules for comparing strings.
-    std::optional<Value> let{};                 ///< Variables for the filter.
-    std::optional<Value> comment{};             ///< For the server's log.
+    Value hint{};                               ///< Name or keys of the index to use.
+    Value collation{};                          ///< Rules for comparing strings.
+    Value let{};                                ///< Variables for the filter.
+    Value comment{};                            ///< For the server's log.
     std::optional<WriteConcern> writeConcern{}; ///< When the server acknowledges the write.
     bool bypassValidation = false;              ///< Do not apply the collection's validation rules.
 };
@@ -70,10 +70,10 @@ struct ReplaceOptions
 /// Options of removeOne() and removeMany().
 struct RemoveOptions
 {
-    std::optional<Value> hint{};                ///< Name or keys of the index to use.
-    std::optional<Value> collation{};           ///< Rules for comparing strings.
-    std::optional<Value> let{};                 ///< Variables for the filter.
-    std::optional<Value> comment{};             ///< For the server's log.
+    Value hint{};                               ///< Name or keys of the index to use.
+    Value collation{};                          ///< Rules for comparing strings.
+    Value let{};                                ///< Variables for the filter.
+    Value comment{};                            ///< For the server's log.
     std::optional<WriteConcern> writeConcern{}; ///< When the server acknowledges the write.
 };
 
@@ -81,15 +81,15 @@ struct RemoveOptions
 struct FindOptions
 {
     Sort sort{};                                    ///< The order of the documents.
-    std::optional<Value> projection{};              ///< Fields to return, or to leave out.
+    Value projection{};                             ///< Fields to return, or to leave out.
     std::int64_t limit = 0;                         ///< Greatest number of documents; 0 means no limit.
     std::int64_t skip = 0;                          ///< Number of matches to skip.
     std::int32_t batchSize = 0;                     ///< Documents in one reply; 0 leaves it to the server.
     std::chrono::milliseconds timeLimit{0};         ///< For the server's work on each command; 0 means no limit.
-    std::optional<Value> hint{};                    ///< Name or keys of the index to use.
-    std::optional<Value> collation{};               ///< Rules for comparing strings.
-    std::optional<Value> let{};                     ///< Variables for the filter.
-    std::optional<Value> comment{};                 ///< For the server's log.
+    Value hint{};                                   ///< Name or keys of the index to use.
+    Value collation{};                              ///< Rules for comparing strings.
+    Value let{};                                    ///< Variables for the filter.
+    Value comment{};                                ///< For the server's log.
     std::optional<ReadPreference> readPreference{}; ///< If not set: as in the connection string.
     bool allowDiskUse = false;                      ///< Whether a large sort may use temporary files.
 };
@@ -99,10 +99,10 @@ struct AggregateOptions
 {
     std::int32_t batchSize = 0;                     ///< Documents in one reply; 0 leaves it to the server.
     std::chrono::milliseconds timeLimit{0};         ///< For the server's work on each command; 0 means no limit.
-    std::optional<Value> hint{};                    ///< Name or keys of the index to use.
-    std::optional<Value> collation{};               ///< Rules for comparing strings.
-    std::optional<Value> let{};                     ///< Variables for the stages.
-    std::optional<Value> comment{};                 ///< For the server's log.
+    Value hint{};                                   ///< Name or keys of the index to use.
+    Value collation{};                              ///< Rules for comparing strings.
+    Value let{};                                    ///< Variables for the stages.
+    Value comment{};                                ///< For the server's log.
     std::optional<ReadPreference> readPreference{}; ///< If not set: as in the connection string.
     bool allowDiskUse = false;                      ///< Whether stages may use temporary files.
     std::optional<WriteConcern> writeConcern{};     ///< For a pipeline that writes ("$out", "$merge").
@@ -113,13 +113,13 @@ struct AggregateOptions
 struct FindOneOptions
 {
     Sort sort{};                                    ///< Which match is the first.
-    std::optional<Value> projection{};              ///< Fields to return, or to leave out.
+    Value projection{};                             ///< Fields to return, or to leave out.
     std::int64_t skip = 0;                          ///< Number of matches to skip.
     std::chrono::milliseconds timeLimit{0};         ///< For the server's work; 0 means no limit.
-    std::optional<Value> hint{};                    ///< Name or keys of the index to use.
-    std::optional<Value> collation{};               ///< Rules for comparing strings.
-    std::optional<Value> let{};                     ///< Variables for the filter.
-    std::optional<Value> comment{};                 ///< For the server's log.
+    Value hint{};                                   ///< Name or keys of the index to use.
+    Value collation{};                              ///< Rules for comparing strings.
+    Value let{};                                    ///< Variables for the filter.
+    Value comment{};                                ///< For the server's log.
     std::optional<ReadPreference> readPreference{}; ///< If not set: as in the connection string.
 };
 
@@ -136,13 +136,13 @@ struct FindOneAndUpdateOptions
     Return which = Return::Before;              ///< Which document is returned.
     bool upsert = false;                        ///< Insert a document if none matches.
     Sort sort{};                                ///< Which match is the first.
-    std::optional<Value> projection{};          ///< Fields to return, or to leave out.
+    Value projection{};                         ///< Fields to return, or to leave out.
     std::vector<Value> arrayFilters{};          ///< Conditions for "$[name]" in the update.
     std::chrono::milliseconds timeLimit{0};     ///< For the server's work; 0 means no limit.
-    std::optional<Value> hint{};                ///< Name or keys of the index to use.
-    std::optional<Value> collation{};           ///< Rules for comparing strings.
-    std::optional<Value> let{};                 ///< Variables for the filter and the update.
-    std::optional<Value> comment{};             ///< For the server's log.
+    Value hint{};                               ///< Name or keys of the index to use.
+    Value collation{};                          ///< Rules for comparing strings.
+    Value let{};                                ///< Variables for the filter and the update.
+    Value comment{};                            ///< For the server's log.
     std::optional<WriteConcern> writeConcern{}; ///< When the server acknowledges the write.
     bool bypassValidation = false;              ///< Do not apply the collection's validation rules.
 };
@@ -153,12 +153,12 @@ struct FindOneAndReplaceOptions
     Return which = Return::Before;              ///< Which document is returned.
     bool upsert = false;                        ///< Insert the document if none matches.
     Sort sort{};                                ///< Which match is the first.
-    std::optional<Value> projection{};          ///< Fields to return, or to leave out.
+    Value projection{};                         ///< Fields to return, or to leave out.
     std::chrono::milliseconds timeLimit{0};     ///< For the server's work; 0 means no limit.
-    std::optional<Value> hint{};                ///< Name or keys of the index to use.
-    std::optional<Value> collation{};           ///< Rules for comparing strings.
-    std::optional<Value> let{};                 ///< Variables for the filter.
-    std::optional<Value> comment{};             ///< For the server's log.
+    Value hint{};                               ///< Name or keys of the index to use.
+    Value collation{};                          ///< Rules for comparing strings.
+    Value let{};                                ///< Variables for the filter.
+    Value comment{};                            ///< For the server's log.
     std::optional<WriteConcern> writeConcern{}; ///< When the server acknowledges the write.
     bool bypassValidation = false;              ///< Do not apply the collection's validation rules.
 };
@@ -167,12 +167,12 @@ struct FindOneAndReplaceOptions
 struct FindOneAndRemoveOptions
 {
     Sort sort{};                                ///< Which match is the first.
-    std::optional<Value> projection{};          ///< Fields to return, or to leave out.
+    Value projection{};                         ///< Fields to return, or to leave out.
     std::chrono::milliseconds timeLimit{0};     ///< For the server's work; 0 means no limit.
-    std::optional<Value> hint{};                ///< Name or keys of the index to use.
-    std::optional<Value> collation{};           ///< Rules for comparing strings.
-    std::optional<Value> let{};                 ///< Variables for the filter.
-    std::optional<Value> comment{};             ///< For the server's log.
+    Value hint{};                               ///< Name or keys of the index to use.
+    Value collation{};                          ///< Rules for comparing strings.
+    Value let{};                                ///< Variables for the filter.
+    Value comment{};                            ///< For the server's log.
     std::optional<WriteConcern> writeConcern{}; ///< When the server acknowledges the write.
 };
 
@@ -182,9 +182,9 @@ struct CountOptions
     std::int64_t limit = 0;                         ///< Count no further than this; 0 means no limit.
     std::int64_t skip = 0;                          ///< Number of matches to skip.
     std::chrono::milliseconds timeLimit{0};         ///< For the server's work; 0 means no limit.
-    std::optional<Value> hint{};                    ///< Name or keys of the index to use.
-    std::optional<Value> collation{};               ///< Rules for comparing strings.
-    std::optional<Value> comment{};                 ///< For the server's log.
+    Value hint{};                                   ///< Name or keys of the index to use.
+    Value collation{};                              ///< Rules for comparing strings.
+    Value comment{};                                ///< For the server's log.
     std::optional<ReadPreference> readPreference{}; ///< If not set: as in the connection string.
 };
 
@@ -192,8 +192,8 @@ struct CountOptions
 struct DistinctOptions
 {
     std::chrono::milliseconds timeLimit{0};         ///< For the server's work; 0 means no limit.
-    std::optional<Value> collation{};               ///< Rules for comparing strings.
-    std::optional<Value> comment{};                 ///< For the server's log.
+    Value collation{};                              ///< Rules for comparing strings.
+    Value comment{};                                ///< For the server's log.
     std::optional<ReadPreference> readPreference{}; ///< If not set: as in the connection string.
 };
 
@@ -220,9 +220,9 @@ struct IndexOptions
     std::string name{};                                ///< If empty: made of the keys, such as "state_1_date_-1".
     bool unique = false;                               ///< No two documents with the same values.
     bool sparse = false;                               ///< Leave out documents without the fields.
-    std::optional<Value> partialFilter{};              ///< Index the documents that match only.
+    Value partialFilter{};                             ///< Index the documents that match only.
     std::optional<std::chrono::seconds> expireAfter{}; ///< Remove documents this long after the time in the field.
-    std::optional<Value> collation{};                  ///< Rules for comparing strings.
+    Value collation{};                                 ///< Rules for comparing strings.
 };
 
 /// An index of a collection.

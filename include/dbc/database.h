@@ -27,12 +27,12 @@ enum class ValidationLevel
 /// Options of Database::createCollection().
 struct CreateCollectionOptions
 {
-    std::optional<Value> validator{};                          ///< A filter that documents have to match.
+    Value validator{};                                         ///< A filter that documents have to match.
     ValidationLevel validationLevel = ValidationLevel::Strict; ///< Sent only with a validator.
     bool warnOnly = false;                                     ///< Log documents that break the rules, and take them.
     std::int64_t cappedBytes = 0;                              ///< Keep the newest documents only; 0 means all.
     std::int64_t cappedDocuments = 0;                          ///< Also limit their number; 0 means no limit.
-    std::optional<Value> collation{};                          ///< Default rules for comparing strings.
+    Value collation{};                                         ///< Default rules for comparing strings.
 };
 
 /// A role of a user.

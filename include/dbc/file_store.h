@@ -41,7 +41,7 @@ using FileProgress = std::function<bool(std::uint64_t bytes)>;
 struct UploadOptions
 {
     std::optional<Value> id{};            ///< The "_id"; a new object id if not set.
-    std::optional<Value> metadata{};      ///< An object to be stored with the file.
+    Value metadata{};                     ///< An object to be stored with the file.
     std::string contentType{};            ///< Such as "image/png"; stored in the field "contentType".
     std::uint32_t chunkSize = 255 * 1024; ///< Bytes in each document that holds content: 1 to 15 MiB.
     FileProgress progress{};              ///< Called after each chunk.

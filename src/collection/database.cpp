@@ -107,7 +107,7 @@ Collection Database::createCollection(const std::string& name, const CreateColle
     DataBaseClientPrivate::check_argument(name, "Collection name");
 
     DriverOptions driverOptions;
-    if (options.validator)
+    if (isSet(options.validator))
     {
         driverOptions.add("validator", options.validator);
         if (options.validationLevel == ValidationLevel::Moderate)

@@ -4,6 +4,7 @@
 #include "collection/bson_value.h"
 #include "collection/file_chunks.h"
 #include "collection/file_reader.h"
+#include "collection/options_bson.h"
 #include "collection/outgoing.h"
 #include "collection/relabel.h"
 #include "database_client/client_access.h"
@@ -170,8 +171,7 @@ public:
         m_info.id = options.id ? *options.id : newId(id);
         m_info.chunkSize = options.chunkSize;
         m_info.contentType = options.contentType;
-        if (options.metadata)
-            m_info.metadata = *options.metadata;
+        m_info.metadata = options.metadata;
     }
 
     FileInfo run(const std::string& name, std::istream& source)
@@ -255,7 +255,7 @@ private:
         BSON_APPEND_UTF8(record.get(), "filename", m_info.name.c_str());
         if (!m_info.contentType.empty())
             BSON_APPEND_UTF8(record.get(), "contentType", m_info.contentType.c_str());
-        if (m_options.metadata)
+        if (isSet(m_info.metadata))
             appendValue(record.get(), "metadata", m_info.metadata);
         InsertOneOptions options;
         options.writeConcern = m_writeConcern;
@@ -332,8 +332,7 @@ FileInfo FileStore::upload(const std::string& name, std::istream& source, const 
     DataBaseClientPrivate::check_argument(name, "GridFS file name");
     if (options.chunkSize == 0 || options.chunkSize > largestChunk)
         throw std::invalid_argument("Chunk size is out of range");
-    if (options.metadata)
-        OutgoingBson(*options.metadata, "Bad properties");
+    OutgoingBson(options.metadata, "Bad properties");
     return relabelled(uploadFailed, [&] {
         d->createIndexes();
         return Upload(d->files(), d->chunks(), d->writeConcern(), options).run(name, source);

@@ -7,10 +7,15 @@
 
 namespace dbc {
 
-DriverOptions& DriverOptions::add(const char* key, const std::optional<Value>& value)
+bool isSet(const Value& value)
 {
-    if (value)
-        appendValue(m_bson.get(), key, *value);
+    return value.type() != Type::Object || !value.empty();
+}
+
+DriverOptions& DriverOptions::add(const char* key, const Value& value)
+{
+    if (isSet(value))
+        appendValue(m_bson.get(), key, value);
     return *this;
 }
 

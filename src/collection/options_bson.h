@@ -12,13 +12,16 @@
 
 namespace dbc {
 
+/// Whether a value of an options struct is set: whether it is anything but the empty object of its default.
+bool isSet(const Value& value);
+
 /// Options of a driver call under construction. What is not set leaves no field.
 class DriverOptions
 {
 public:
     const bson_t* get() const noexcept { return m_bson.get(); }
 
-    DriverOptions& add(const char* key, const std::optional<Value>& value);
+    DriverOptions& add(const char* key, const Value& value);
     /// Leaves no field if @p values is empty.
     DriverOptions& add(const char* key, const std::vector<Value>& values);
     DriverOptions& add(const std::optional<WriteConcern>& writeConcern);

@@ -80,13 +80,13 @@ struct Setting
         upload.id = newId;
         upload.chunkSize = 1000;
         upload.contentType = longText;
-        upload.metadata = Value{{"owner", longText}};
+        upload.metadata = {{"owner", longText}};
         update.arrayFilters = {Value{{"e.a", 1}}};
         update.comment = Value(longText);
         upsert.upsert = true;
         one.limit = 3;
         one.sort = {{"_id"}};
-        one.projection = Value{{"a", 1}};
+        one.projection = {{"a", 1}};
         index.name = "an index with a long name, made again and again";
         bulk.insertOne({{"text", longText}})
             .updateOne({{"none", longText}}, {{"$set", {{"text", longText}}}}, upsert)

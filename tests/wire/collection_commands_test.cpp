@@ -55,7 +55,7 @@ TEST_F(CollectionCommand, InsertOneSendsTheWholeObjectPropertiesWhereverItsCurso
 TEST_F(CollectionCommand, InsertOneCarriesItsOptions)
 {
     dbc::InsertOneOptions options;
-    options.comment = Value("import");
+    options.comment = "import";
     options.writeConcern = dbc::WriteConcern{1, "", true, std::chrono::milliseconds(500)};
     options.bypassValidation = true;
     reply("insert", R"({"ok": 1, "n": 1})");
@@ -123,10 +123,10 @@ TEST_F(CollectionCommand, UpdateCarriesEveryOption)
     dbc::UpdateOptions options;
     options.upsert = true;
     options.arrayFilters = {Value{{"e.a", 1}}};
-    options.hint = Value("i");
-    options.collation = Value{{"locale", "de"}};
-    options.let = Value{{"v", 1}};
-    options.comment = Value("why");
+    options.hint = "i";
+    options.collation = {{"locale", "de"}};
+    options.let = {{"v", 1}};
+    options.comment = "why";
     options.writeConcern = dbc::WriteConcern{std::nullopt, "majority", std::nullopt, std::nullopt};
     reply("update", noneMatched);
 
@@ -154,8 +154,8 @@ TEST_F(CollectionCommand, ReplaceAndRemoveCarryTheirOptions)
 {
     dbc::ReplaceOptions replace;
     replace.upsert = true;
-    replace.hint = Value{{"a", 1}};
-    replace.collation = Value{{"locale", "de"}};
+    replace.hint = {{"a", 1}};
+    replace.collation = {{"locale", "de"}};
     reply("update", noneMatched);
     collection().replaceOne({{"a", 1}}, {{"b", 2}}, replace);
     EXPECT_PRED2(isSameCommand, sent("update"),
@@ -163,9 +163,9 @@ TEST_F(CollectionCommand, ReplaceAndRemoveCarryTheirOptions)
                  R"("upsert" : true, "multi" : false, "collation" : { "locale" : "de" }, "hint" : { "a" : 1 } } ] })");
 
     dbc::RemoveOptions remove;
-    remove.hint = Value("i");
-    remove.collation = Value{{"locale", "de"}};
-    remove.let = Value{{"v", 1}};
+    remove.hint = "i";
+    remove.collation = {{"locale", "de"}};
+    remove.let = {{"v", 1}};
     reply("delete", R"({"ok": 1, "n": 0})");
     collection().removeOne({{"a", 1}}, remove);
     EXPECT_PRED2(

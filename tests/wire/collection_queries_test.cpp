@@ -34,7 +34,7 @@ TEST_F(CollectionQuery, FindOneReturnsTheFirstMatchAndAsksForNoCursor)
 {
     dbc::FindOneOptions options;
     options.sort = {{"_id", dbc::Order::Descending}};
-    options.projection = Value{{"_id", 1}};
+    options.projection = {{"_id", 1}};
 
     EXPECT_EQ(collection().findOne({{"a", 5}}, options), (Value{{"_id", 3}}));
 
@@ -60,13 +60,13 @@ TEST_F(CollectionQuery, FindOneAndUpdateCarriesEveryOption)
     options.which = dbc::Return::After;
     options.upsert = true;
     options.sort = {{"b"}, {"a", dbc::Order::Descending}};
-    options.projection = Value{{"a", 1}};
+    options.projection = {{"a", 1}};
     options.arrayFilters = {Value{{"e.a", 1}}};
     options.timeLimit = std::chrono::seconds(1);
-    options.hint = Value("i");
-    options.collation = Value{{"locale", "de"}};
-    options.let = Value{{"v", 1}};
-    options.comment = Value("why");
+    options.hint = "i";
+    options.collation = {{"locale", "de"}};
+    options.let = {{"v", 1}};
+    options.comment = "why";
     options.writeConcern = dbc::WriteConcern{std::nullopt, "majority", std::nullopt, std::nullopt};
     options.bypassValidation = true;
     reply("findAndModify", R"({"ok": 1, "value": null})");
@@ -129,9 +129,9 @@ TEST_F(CollectionQuery, CountCarriesItsOptions)
     options.limit = 5;
     options.skip = 1;
     options.timeLimit = std::chrono::seconds(1);
-    options.hint = Value("i");
-    options.collation = Value{{"locale", "de"}};
-    options.comment = Value("why");
+    options.hint = "i";
+    options.collation = {{"locale", "de"}};
+    options.comment = "why";
     reply("aggregate", R"({"ok": 1, "cursor": {"id": 0, "ns": "d.c", "firstBatch": [{"_id": 1, "n": 4}]}})");
 
     EXPECT_EQ(collection().count({{"a", 1}}, options), 4);
@@ -183,9 +183,9 @@ TEST_F(CollectionQuery, CreateIndexCarriesEveryOption)
     dbc::IndexOptions options;
     options.name = "n";
     options.sparse = true;
-    options.partialFilter = Value{{"a", 1}};
+    options.partialFilter = {{"a", 1}};
     options.expireAfter = std::chrono::hours(1);
-    options.collation = Value{{"locale", "de"}};
+    options.collation = {{"locale", "de"}};
     reply("createIndexes", R"({"ok": 1})");
 
     collection().createIndex(

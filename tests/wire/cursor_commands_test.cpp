@@ -63,15 +63,15 @@ TEST_F(CursorCommand, OfAFindCarriesEveryOption)
 {
     dbc::FindOptions options;
     options.sort = {{"b", dbc::Order::Descending}, {"a"}};
-    options.projection = Value{{"a", 1}};
+    options.projection = {{"a", 1}};
     options.limit = 5;
     options.skip = 3;
     options.batchSize = 2;
     options.timeLimit = std::chrono::seconds(1);
-    options.hint = Value("i");
-    options.collation = Value{{"locale", "de"}};
-    options.let = Value{{"v", 1}};
-    options.comment = Value("why");
+    options.hint = "i";
+    options.collation = {{"locale", "de"}};
+    options.let = {{"v", 1}};
+    options.comment = "why";
     options.allowDiskUse = true;
     gateway().inject(Fault::answer(noDocuments).onCommand("find"));
 
@@ -89,10 +89,10 @@ TEST_F(CursorCommand, OfAnAggregationCarriesEveryOption)
     dbc::AggregateOptions options;
     options.batchSize = 2;
     options.timeLimit = std::chrono::seconds(1);
-    options.hint = Value("i");
-    options.collation = Value{{"locale", "de"}};
-    options.let = Value{{"v", 1}};
-    options.comment = Value("why");
+    options.hint = "i";
+    options.collation = {{"locale", "de"}};
+    options.let = {{"v", 1}};
+    options.comment = "why";
     options.allowDiskUse = true;
     options.bypassValidation = true;
     options.writeConcern = dbc::WriteConcern{1, "", std::nullopt, std::nullopt};

@@ -42,12 +42,12 @@ TEST_F(DatabaseCommand, ListsDatabasesAndCollections)
 TEST_F(DatabaseCommand, OfACollectionWithRulesCarriesThem)
 {
     dbc::CreateCollectionOptions options;
-    options.validator = Value{{"a", {{"$exists", true}}}};
+    options.validator = {{"a", {{"$exists", true}}}};
     options.validationLevel = dbc::ValidationLevel::Moderate;
     options.warnOnly = true;
     options.cappedBytes = 4096;
     options.cappedDocuments = 10;
-    options.collation = Value{{"locale", "de"}};
+    options.collation = {{"locale", "de"}};
     reply("create", R"({"ok": 1})");
 
     target().createCollection("c", options);

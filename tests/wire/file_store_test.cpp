@@ -77,7 +77,7 @@ TEST_F(FileStoreOnServer, RecordHoldsWhatTheUploaderGave)
     dbc::UploadOptions options;
     options.id = Value("my id");
     options.contentType = "text/plain";
-    options.metadata = Value{{"owner", "ada"}};
+    options.metadata = {{"owner", "ada"}};
     std::istringstream source("content");
 
     const FileInfo stored = store().upload("f", source, options);

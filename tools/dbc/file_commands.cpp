@@ -200,7 +200,7 @@ bool removeFile(dbc::FileStore& store, dbc::Collection& records, const dbc::File
 std::uint64_t removeContentWithoutRecord(dbc::FileStore& store, dbc::Collection& records, dbc::Collection& chunks)
 {
     dbc::FindOptions firstChunk;
-    firstChunk.projection = dbc::Value{{"files_id", 1}};
+    firstChunk.projection = {{"files_id", 1}};
     std::vector<dbc::Value> ids;
     forEachDocument(
         [&] {

@@ -9,8 +9,8 @@ namespace {
     orders.insertOne({{"a", 1}}, {.comment = "import", .writeConcern = dbc::WriteConcern{.tag = "majority"}});
     orders.insertMany({{{"a", 1}}, {{"a", 2}}}, {.ordered = false});
     orders.updateOne({{"a", 1}}, {{"$set", {{"l.$[e]", 2}}}},
-                     {.upsert = true, .arrayFilters = {{{"e", 1}}}, .hint = "index", .let = {{{"v", 1}}}});
-    orders.replaceOne({}, {}, {.upsert = true, .collation = {{{"locale", "de"}}}});
+                     {.upsert = true, .arrayFilters = {{{"e", 1}}}, .hint = "index", .let = {{"v", 1}}});
+    orders.replaceOne({}, {}, {.upsert = true, .collation = {{"locale", "de"}}});
     orders.removeMany({}, {.writeConcern = dbc::WriteConcern{.nodes = 2, .journal = true, .timeout = 5s}});
     orders.bulkWrite(dbc::Bulk().insertOne({{"a", 1}}), {.ordered = false});
     dbc::Bulk().updateMany({}, {{"$unset", {{"a", ""}}}}, {.upsert = true});
