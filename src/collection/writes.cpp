@@ -7,6 +7,7 @@
 #include "collection/collection_state.h"
 #include "collection/options_bson.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <list>
 #include <type_traits>
@@ -264,14 +265,21 @@ struct BulkPart
 };
 
 // Where the part that begins at `begin` ends. An ordered write is one part. Of an unordered one the driver forgets why
-// a command was refused, and which one it was, when a later command succeeds: there each command is a part.
+// a command was refused, and which one it was, when a later command succeeds: there each command is a part. It takes no
+// more than servers do, 100,000 operations and 48 MB, so that the driver does not split it.
 std::size_t endOfPart(const Bulk::State& bulk, std::size_t begin, bool isOrdered)
 {
+    constexpr std::size_t partBytes = 32U << 20U; // leaves room for the names of the parameters of each operation
     const std::vector<Bulk::State::Operation>& operations = bulk.operations;
     if (isOrdered)
         return operations.size();
-    std::size_t end = begin;
-    while (end < operations.size() && commandOf(operations[end].type) == commandOf(operations[begin].type))
+    const auto behind = [&](std::size_t index) {
+        return index + 1 < operations.size() ? operations[index + 1].filter : bulk.bytes.size();
+    };
+    const std::size_t last = std::min(operations.size(), begin + batchDocuments);
+    std::size_t end = begin + 1;
+    while (end < last && commandOf(operations[end].type) == commandOf(operations[begin].type) &&
+           behind(end) - operations[begin].filter <= partBytes)
         ++end;
     return end;
 }

@@ -381,5 +381,39 @@ TEST_F(ConnectedClient, UnorderedBulkWriteReportsTheIdsOfTheCommandThatWasNotRef
     }
 }
 
+TEST_F(ConnectedClient, UnorderedBulkWriteReportsARefusalAlsoWhenItNeedsSeveralCommandsOfOneType)
+{
+    Collection collection(client(), database(), "c");
+    Bulk many;
+    for (int id = 0; id <= 100000; ++id) // one more than a server takes in one command
+        many.insertOne({{"_id", id}});
+    Bulk large;
+    const std::string text(12U << 20U, 'x');
+    for (int id = 0; id < 4; ++id) // as many bytes as a server takes in one command
+        large.insertOne({{"_id", id}, {"text", text}});
+    BulkOptions options;
+    options.ordered = false;
+    for (const Bulk* const bulk : {&many, &large})
+    {
+        const std::vector<std::size_t> behind =
+            bulk == &many ? std::vector<std::size_t>{100000} : std::vector<std::size_t>{2, 3};
+        const std::string reply = R"({"ok": 1, "n": )" + std::to_string(behind.size()) + "}";
+        gateway().inject(refusal(13).onCommand("insert"));
+        gateway().inject(Fault::answer(reply).onCommand("insert").number(2));
+        try
+        {
+            collection.bulkWrite(*bulk, options);
+            ADD_FAILURE() << "nothing was thrown";
+        }
+        catch (const BulkError& error)
+        {
+            EXPECT_STREQ(error.what(), "Bulk write failed: no(code: 13)");
+            EXPECT_EQ(indexesOf(error.result().insertedIds), behind);
+        }
+        EXPECT_EQ(gateway().pendingFaults(), 0U);
+        gateway().clearFaults();
+    }
+}
+
 } // namespace
 } // namespace test_support
