@@ -16,8 +16,7 @@
 struct GlobalOptions
 {
     ConnectionOptions connection;
-    std::optional<Dialect> dialect; ///< each command has one of its own
-    bool asArray = false;
+    OutputOptions output;
 };
 
 /// An option that takes one of a few words. CLI11's own transformer shows the numbers behind them in help and errors.

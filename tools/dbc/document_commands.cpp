@@ -57,24 +57,9 @@ struct RemoveCommand
     bool all = false;
 };
 
-dbc::Sort sortOf(const std::string& json)
-{
-    dbc::Sort sort;
-    if (json.empty())
-        return sort;
-    for (const auto& [field, order] : parseDocument(json, "--sort").fields())
-    {
-        const double direction = order.get<double>().value_or(0);
-        if (direction != 1 && direction != -1)
-            throw Failure(UsageError, "--sort takes 1 or -1 for a field: {\"name\": 1, \"age\": -1}");
-        sort.push_back({std::string(field), direction > 0 ? dbc::Order::Ascending : dbc::Order::Descending});
-    }
-    return sort;
-}
-
 DocumentWriter writerOf(const GlobalOptions& global)
 {
-    return {std::cout, global.dialect.value_or(Dialect::Relaxed), global.asArray};
+    return {std::cout, global.output, Dialect::Relaxed, global.output.colorsStandardOutput()};
 }
 
 // Prints every document and returns the exit status.
@@ -91,7 +76,7 @@ int find(const GlobalOptions& global, const FindCommand& command)
 {
     const dbc::Value query = parseQuery(command.query);
     dbc::FindOptions options;
-    options.sort = sortOf(command.sort);
+    options.sort = parseSort(command.sort);
     if (!command.projection.empty())
         options.projection = parseDocument(command.projection, "--fields");
     options.limit = command.limit;
@@ -132,13 +117,19 @@ int aggregate(const GlobalOptions& global, const AggregateCommand& command)
     return print(global, [&] { return collection.aggregate(stages); });
 }
 
+struct StandardInput
+{
+    InputFile bytes{""};
+    JsonReader documents{bytes};
+};
+
 // The documents of the command line, or without any those of standard input.
 std::function<std::optional<dbc::Value>()> documentsOf(const InsertCommand& command)
 {
     if (command.documents.empty() && ::isatty(STDIN_FILENO) == 1)
         std::cerr << "dbc: type the documents as JSON; Ctrl-D ends them\n";
     if (command.documents.empty())
-        return [reader = std::make_shared<DocumentReader>(std::cin)] { return reader->next(); };
+        return [input = std::make_shared<StandardInput>()] { return input->documents.next(); };
     std::vector<dbc::Value> documents; // read before any of them is sent
     for (const std::string& text : command.documents)
         documents.push_back(parseDocument(text, "the document"));
@@ -207,7 +198,7 @@ void addDocumentCommands(CLI::App& program, const GlobalOptions& global, Work& w
     const auto finding = std::make_shared<FindCommand>();
     CLI::App* app = addCommand(program, global, work, "find", "Print the documents that match a query", finding, &find);
     app->add_option("query", finding->query, queryHelp);
-    app->add_option("--sort", finding->sort, R"(Order, as JSON: {"name": 1, "age": -1})");
+    app->add_option("--sort", finding->sort, sortHelp);
     app->add_option("--fields", finding->projection, R"(Fields to print, as JSON: {"name": 1})");
     addNumber(*app, "--limit", finding->limit, "Maximum number of documents to print; 0 for all");
     addNumber(*app, "--skip", finding->skip, "Documents to skip first");

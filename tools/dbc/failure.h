@@ -1,5 +1,6 @@
 #pragma once
 
+#include <exception>
 #include <stdexcept>
 #include <string>
 
@@ -24,3 +25,6 @@ public:
 private:
     ExitStatus m_status;
 };
+
+/// The status for an exception of the library.
+ExitStatus statusOf(const std::exception& error);

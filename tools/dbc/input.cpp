@@ -2,11 +2,60 @@
 
 #include "failure.h"
 #include "interrupt.h"
+#include "json_syntax.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
 #include <cctype>
-#include <cstdint>
+#include <cerrno>
+#include <system_error>
 
-dbc::Value parseJson(const std::string& text, const std::string& what)
+namespace {
+
+// A document that a server takes is shorter, even in canonical JSON.
+constexpr std::size_t longestDocument = std::size_t{128} * 1024 * 1024;
+
+// The reason without what the place says better: the library counts bytes.
+std::string reasonOf(const dbc::FormatError& error)
+{
+    static const std::string before = "JSON: ";
+    const std::string after = ", at byte " + std::to_string(error.position());
+    std::string reason = error.what();
+    if (reason.size() > after.size() && reason.compare(reason.size() - after.size(), after.size(), after) == 0)
+        reason.erase(reason.size() - after.size());
+    if (reason.compare(0, before.size(), before) == 0)
+        reason.erase(0, before.size());
+    return reason;
+}
+
+// Where and why the text is not JSON; "place" is where it begins.
+std::string faultOf(std::string_view text, const dbc::FormatError& error, Place place)
+{
+    const std::optional<JsonFault> fault = findJsonFault(text);
+    place.pass(text.substr(0, fault ? fault->offset : error.position()));
+    return place.text() + ": " + (fault ? fault->reason : reasonOf(error));
+}
+
+} // namespace
+
+void Place::pass(std::string_view text) noexcept
+{
+    for (const char character : text)
+    {
+        if (character == '\n')
+        {
+            ++line;
+            column = 1;
+        }
+        else if ((static_cast<unsigned char>(character) & 0xC0U) != 0x80U) // no further byte of a character
+            ++column;
+    }
+}
+
+dbc::Value parseJson(std::string_view text, const std::string& what)
 {
     try
     {
@@ -14,47 +63,96 @@ dbc::Value parseJson(const std::string& text, const std::string& what)
     }
     catch (const dbc::FormatError& error)
     {
-        std::string reason = error.what();
-        if (reason.rfind("JSON: ", 0) == 0)
-            reason.erase(0, 6);
-        throw Failure(UsageError, what + " is not JSON: " + reason);
+        throw Failure(UsageError, what + " is not JSON: " + faultOf(text, error, Place()));
     }
 }
 
-dbc::Value parseDocument(const std::string& text, const std::string& what)
+dbc::Value parseDocument(std::string_view text, const std::string& what)
 {
-    dbc::Value value = parseJson(text, what);
-    if (!value.isObject())
-        throw Failure(UsageError, what + " is not a JSON document: {...}");
-    return value;
+    dbc::Value document = parseJson(text, what);
+    if (!document.isObject())
+        throw Failure(UsageError, what + " is not a JSON document: it begins with \"{\"");
+    return document;
 }
 
-std::optional<dbc::Value> DocumentReader::next()
+// --- InputFile -----------------------------------------------------------------------------------------------------
+
+InputFile::InputFile(const std::string& path) : m_name(path.empty() ? "standard input" : path)
 {
-    const std::uint64_t line = m_line;
+    if (!path.empty())
+        m_file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    struct stat status = {};
+    if (m_file < 0 || ::fstat(m_file, &status) != 0)
+        throw Failure(UsageError, "cannot read " + m_name + ": " + std::generic_category().message(errno));
+    if (S_ISREG(status.st_mode))
+        m_size = static_cast<std::uint64_t>(status.st_size);
+}
+
+InputFile::~InputFile()
+{
+    if (m_file > 0)
+        ::close(m_file);
+}
+
+bool InputFile::fill()
+{
+    ssize_t count = 0;
+    do
+        count = ::read(m_file, m_buffer.data(), m_buffer.size());
+    while (count < 0 && errno == EINTR && !isInterrupted());
+    if (count < 0 && !isInterrupted())
+        throw Failure(UsageError, "cannot read " + m_name + ": " + std::generic_category().message(errno));
+    m_before += m_filled;
+    m_next = 0;
+    m_filled = static_cast<std::size_t>(std::max<ssize_t>(count, 0));
+    return m_filled > 0;
+}
+
+void InputFile::skipByteOrderMark()
+{
+    static constexpr std::array<unsigned char, 3> mark{0xEF, 0xBB, 0xBF};
+    if (peek() != end && m_next == 0 && m_filled >= mark.size() &&
+        std::equal(mark.begin(), mark.end(), m_buffer.begin()))
+        m_next = mark.size();
+}
+
+// --- JsonReader ----------------------------------------------------------------------------------------------------
+
+std::optional<dbc::Value> JsonReader::next()
+{
     if (!readText())
         return std::nullopt;
-    ++m_count;
-    return parseJson(m_text, "the document that begins at or behind line " + std::to_string(line));
+    try
+    {
+        return dbc::Value::fromJson(m_text);
+    }
+    catch (const dbc::FormatError& error)
+    {
+        throw Failure(UsageError, m_input.name() + ": " + faultOf(m_text, error, m_begin));
+    }
 }
 
 // Takes the text from a "{" at the top to the "}" that closes it. Braces in texts do not count.
-bool DocumentReader::readText()
+bool JsonReader::readText()
 {
     m_text.clear();
     int depth = 0;
     bool inText = false;
     bool escaped = false;
-    for (int next = 0; (next = m_stream.get()) != std::istream::traits_type::eof();)
+    for (int next = 0; (next = m_input.get()) != InputFile::end;)
     {
-        const char character = std::istream::traits_type::to_char_type(next);
-        m_line += character == '\n' ? 1U : 0U;
+        const char character = static_cast<char>(next);
         if (depth == 0 && character != '{')
         {
             passOver(character);
+            m_place.pass({&character, 1});
             continue;
         }
+        if (depth == 0)
+            m_begin = m_place;
         m_text += character;
+        if (m_text.size() > longestDocument)
+            throwUnfinished("does not end within 128 MiB");
         if (inText)
         {
             inText = escaped || character != '"';
@@ -65,19 +163,35 @@ bool DocumentReader::readText()
         if (character == '{')
             ++depth;
         else if (character == '}' && --depth == 0)
+        {
+            m_place.pass(m_text);
             return true;
+        }
     }
-    if (depth > 0 && isInterrupted())
+    if (isInterrupted())
         return false;
     if (depth > 0)
-        throw Failure(UsageError, "the input ends inside a document");
-    if (m_inArray && !isInterrupted())
-        throw Failure(UsageError, "the input ends inside an array");
+        throwUnfinished("does not end");
+    if (m_inArray)
+        throw Failure(UsageError, m_input.name() + " ends inside an array");
     return false;
 }
 
+// A wrong bracket lets a document go on to the end of the input, so the fault inside it is looked for first.
+void JsonReader::throwUnfinished(const char* what) const
+{
+    const std::optional<JsonFault> fault = findJsonFault(m_text);
+    Place place = m_begin;
+    if (fault && fault->offset < m_text.size())
+    {
+        place.pass({m_text.data(), fault->offset});
+        throw Failure(UsageError, m_input.name() + ": " + place.text() + ": " + fault->reason);
+    }
+    throw Failure(UsageError, m_input.name() + ": the document that begins at " + place.text() + " " + what);
+}
+
 // What may stand between documents.
-void DocumentReader::passOver(char between)
+void JsonReader::passOver(char between)
 {
     if (std::isspace(static_cast<unsigned char>(between)) || (m_inArray && between == ','))
         return;
@@ -86,5 +200,7 @@ void DocumentReader::passOver(char between)
         m_inArray = !m_inArray;
         return;
     }
-    throw Failure(UsageError, "line " + std::to_string(m_line) + " does not begin a document");
+    m_begin = m_place;
+    throw Failure(UsageError, m_input.name() + ": " + m_place.text() + ": a document begins with \"{\", not with " +
+                                  quotedCharacter(between));
 }

@@ -1,6 +1,5 @@
 #include "command_line.h"
 #include "commands.h"
-#include "dbc/errors.h"
 #include "dbc/version.h"
 #include "failure.h"
 #include "interrupt.h"
@@ -13,31 +12,6 @@
 
 namespace {
 
-// The server has lost the cursor; that is not a search without results.
-constexpr int cursorNotFound = 43;
-
-ExitStatus statusOf(const dbc::ErrorInfo& error)
-{
-    switch (error.kind)
-    {
-    case dbc::ErrorKind::NotConnected:
-    case dbc::ErrorKind::Network:
-    case dbc::ErrorKind::Timeout:
-    case dbc::ErrorKind::Authentication:
-        return ConnectionError;
-    case dbc::ErrorKind::BadArgument:
-        return UsageError;
-    case dbc::ErrorKind::NotFound:
-        return error.code == cursorNotFound ? ServerRefused : NothingFound;
-    case dbc::ErrorKind::DuplicateKey:
-    case dbc::ErrorKind::NotAuthorized:
-    case dbc::ErrorKind::TooLarge:
-    case dbc::ErrorKind::Other:
-        return ServerRefused;
-    }
-    return ServerRefused;
-}
-
 std::string versions()
 {
     return std::string("dbc ") + DBC_VERSION + "\nlibdatabase_client " + dbc::libraryVersion() + "\nlibmongoc " +
@@ -48,6 +22,8 @@ void addGlobalOptions(CLI::App& program, GlobalOptions& global)
 {
     static const std::map<std::string, std::optional<Dialect>> dialects{
         {"relaxed", Dialect::Relaxed}, {"canonical", Dialect::Canonical}, {"legacy", Dialect::Legacy}};
+    static const std::map<std::string, ColorMode> colors{
+        {"auto", ColorMode::Auto}, {"always", ColorMode::Always}, {"never", ColorMode::Never}};
     program
         .add_option("--uri", global.connection.uri,
                     "Connection string, mongodb://HOST:PORT/DATABASE; unless given, the server on this machine")
@@ -56,9 +32,12 @@ void addGlobalOptions(CLI::App& program, GlobalOptions& global)
     program.add_option("--password-file", global.connection.passwordFile,
                        "File whose first line is the password of --user");
     addChoice(
-        program, "--dialect", global.dialect, dialects,
+        program, "--dialect", global.output.dialect, dialects,
         "JSON that is written; unless given, export writes canonical, which keeps every type, and all else relaxed");
-    program.add_flag("--array", global.asArray, "Write one JSON array instead of a document on each line");
+    program.add_flag("--array", global.output.asArray, "Write one JSON array instead of a document on each line");
+    program.add_flag("--pretty", global.output.isPretty, "Write every field on a line of its own");
+    addChoice(program, "--color", global.output.color, colors,
+              "Colours for keys, strings and numbers; auto unless given: on a terminal, unless NO_COLOR is set");
     program.add_flag("-q,--quiet", global.connection.quiet, "No progress and no summary");
     program.set_version_flag("-V,--version", versions, "Print the versions of the program, the library and the driver");
 }
@@ -90,7 +69,7 @@ int run(const Work& work)
             return Interrupted;
         }
         std::cerr << "dbc: " << error.what() << '\n';
-        return statusOf(dbc::describe(error));
+        return statusOf(error);
     }
 }
 

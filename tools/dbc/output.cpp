@@ -2,8 +2,153 @@
 
 #include "failure.h"
 
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdlib>
 #include <ostream>
 #include <stdexcept>
+
+namespace {
+
+// Colours of the terminal's own palette, which its user has made readable.
+constexpr std::string_view keyColor = "\x1b[34;1m";
+constexpr std::string_view stringColor = "\x1b[32m";
+constexpr std::string_view numberColor = "\x1b[33m";
+constexpr std::string_view wordColor = "\x1b[35m"; // true, false, null
+constexpr std::string_view noColor = "\x1b[0m";
+
+constexpr std::string_view spaces = " \t\r\n";
+
+/// Lays out JSON text that is known to be right.
+class JsonStyle
+{
+public:
+    JsonStyle(std::string_view json, bool isPretty, bool isColored)
+        : m_json(json), m_isPretty(isPretty), m_isColored(isColored)
+    {}
+
+    std::string apply()
+    {
+        while (m_next < m_json.size())
+        {
+            const char character = m_json[m_next];
+            if (spaces.find(character) != std::string_view::npos)
+            {
+                if (!m_isPretty)
+                    m_result += character;
+                ++m_next;
+            }
+            else if (character == '{' || character == '[')
+                open();
+            else if (character == '}' || character == ']')
+                close();
+            else if (character == ',' || character == ':')
+                separate(character);
+            else
+                token();
+        }
+        return std::move(m_result);
+    }
+
+private:
+    // What a container holds begins a line of its own, unless there is nothing or the object stands for one value.
+    void open()
+    {
+        const std::size_t inside = std::min(m_json.find_first_not_of(spaces, m_next + 1), m_json.size() - 1);
+        const bool isEmpty = m_json[inside] == '}' || m_json[inside] == ']';
+        const bool isInline = isEmpty || isWithinInline() || m_json.compare(inside, 2, "\"$") == 0;
+        m_result += m_json[m_next++];
+        m_open += isInline ? 'i' : 'l';
+        breakLine();
+    }
+
+    void close()
+    {
+        const bool isInline = isWithinInline();
+        m_open.pop_back();
+        if (!isInline)
+            breakLine();
+        m_result += m_json[m_next++];
+    }
+
+    void separate(char character)
+    {
+        m_result += character;
+        ++m_next;
+        if (!m_isPretty)
+            return;
+        if (character == ':' || isWithinInline())
+            m_result += ' ';
+        else
+            breakLine();
+    }
+
+    bool isWithinInline() const { return !m_open.empty() && m_open.back() == 'i'; }
+
+    void breakLine()
+    {
+        if (!m_isPretty || isWithinInline())
+            return;
+        m_result += '\n';
+        m_result.append(2 * m_open.size(), ' ');
+    }
+
+    void token()
+    {
+        const std::size_t begin = m_next;
+        if (m_json[begin] == '"')
+        {
+            for (++m_next; m_next < m_json.size() && m_json[m_next] != '"'; ++m_next)
+                m_next += m_json[m_next] == '\\' ? 1 : 0;
+            m_next = std::min(m_next + 1, m_json.size());
+        }
+        else
+            m_next = std::min(m_json.find_first_of(" \t\r\n,:{}[]\"", begin), m_json.size());
+        if (m_isColored)
+            m_result += colorOf(begin);
+        m_result += m_json.substr(begin, m_next - begin);
+        if (m_isColored)
+            m_result += noColor;
+    }
+
+    // A string in front of a colon is a key.
+    std::string_view colorOf(std::size_t begin) const
+    {
+        if (m_json[begin] == '"')
+        {
+            const std::size_t behind = m_json.find_first_not_of(spaces, m_next);
+            return behind != std::string_view::npos && m_json[behind] == ':' ? keyColor : stringColor;
+        }
+        return std::string_view("tfn").find(m_json[begin]) == std::string_view::npos ? numberColor : wordColor;
+    }
+
+    const std::string_view m_json;
+    const bool m_isPretty;
+    const bool m_isColored;
+    std::size_t m_next = 0;
+    std::string m_open; // a letter for each level: "i" if it stays on its line
+    std::string m_result;
+};
+
+} // namespace
+
+bool OutputOptions::colorsStandardOutput() const
+{
+    switch (color)
+    {
+    case ColorMode::Always:
+        return true;
+    case ColorMode::Never:
+        return false;
+    case ColorMode::Auto:
+        break;
+    }
+    const char* const refusal = std::getenv("NO_COLOR");
+    const char* const terminal = std::getenv("TERM");
+    return ::isatty(STDOUT_FILENO) == 1 && (!refusal || *refusal == '\0') && terminal &&
+           std::string_view(terminal) != "dumb";
+}
 
 std::string toJson(const dbc::Value& value, Dialect dialect)
 {
@@ -13,15 +158,21 @@ std::string toJson(const dbc::Value& value, Dialect dialect)
     }
     catch (const std::invalid_argument& error)
     {
-        throw Failure(ServerRefused, std::string("a document cannot be written as JSON; ") + error.what());
+        throw Failure(ServerRefused, std::string("a document cannot be written as JSON: ") + error.what());
     }
+}
+
+std::string styledJson(std::string_view json, bool isPretty, bool isColored)
+{
+    return JsonStyle(json, isPretty, isColored).apply();
 }
 
 void DocumentWriter::write(const dbc::Value& value)
 {
     if (m_asArray)
         m_stream << (m_isFirst ? "[\n" : ",\n");
-    m_stream << toJson(value, m_dialect);
+    const std::string json = toJson(value, m_dialect);
+    m_stream << (m_isPretty || m_isColored ? styledJson(json, m_isPretty, m_isColored) : json);
     if (!m_asArray)
         m_stream << '\n';
     m_isFirst = false;

@@ -2,44 +2,51 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <utility>
 
-Progress::Progress(std::string what, std::uint64_t total, bool quiet, Unit unit)
-    : m_what(std::move(what)), m_total(total), m_unit(unit), m_visible(isShown(quiet))
+Progress::Progress(std::string what, std::uint64_t total, bool quiet, Unit unit, bool isForced)
+    : m_what(std::move(what)), m_total(total), m_unit(unit), m_isVisible(isShown(quiet, isForced)),
+      m_isTerminal(::isatty(STDERR_FILENO) == 1)
 {}
 
-bool Progress::isShown(bool quiet)
+bool Progress::isShown(bool quiet, bool isForced)
 {
-    return !quiet && ::isatty(STDERR_FILENO) == 1;
+    return isForced || (!quiet && ::isatty(STDERR_FILENO) == 1);
 }
 
 Progress::~Progress()
 {
-    if (m_visible)
+    if (m_isVisible && m_isTerminal)
         std::fputs("\r\x1b[K", stderr);
 }
 
-void Progress::show(std::uint64_t done)
+void Progress::show(std::uint64_t done, std::uint64_t part)
 {
+    if (!m_isVisible)
+        return;
     const auto now = Clock::now();
-    if (!m_visible || now < m_next)
+    if (now < m_next)
         return;
-    m_next = now + std::chrono::milliseconds(100);
-    const double seconds = std::chrono::duration<double>(now - m_begin).count();
-    const std::string rate = amount(seconds > 0 ? static_cast<double>(done) / seconds : 0);
+    m_next = now + std::chrono::milliseconds(m_isTerminal ? 100 : 1000);
+    const std::string line = text(done, part, std::chrono::duration<double>(now - m_begin).count());
+    std::fprintf(stderr, m_isTerminal ? "\r\x1b[K%s" : "%s\n", line.c_str());
+}
+
+std::string Progress::text(std::uint64_t done, std::uint64_t part, double seconds) const
+{
+    const std::string rate = amount(seconds > 0 ? static_cast<double>(done) / seconds : 0) + "/s";
     if (m_total == 0)
-    {
-        std::fprintf(stderr, "\r\x1b[K%s %s  %s/s", m_what.c_str(), amount(static_cast<double>(done)).c_str(),
-                     rate.c_str());
-        return;
-    }
+        return m_what + " " + amount(static_cast<double>(done)) + "  " + rate;
     constexpr int width = 30;
-    const double share = static_cast<double>(done) / static_cast<double>(m_total);
-    const int filled = static_cast<int>((share < 1 ? share : 1) * width);
-    std::fprintf(stderr, "\r\x1b[K%s [%.*s%*s] %3.0f%%  %s/s", m_what.c_str(), filled, "##############################",
-                 width - filled, "", share * 100, rate.c_str());
+    const double share = std::min(static_cast<double>(part) / static_cast<double>(m_total), 1.0);
+    const int filled = static_cast<int>(share * width);
+    char bar[64];
+    std::snprintf(bar, sizeof bar, "[%.*s%*s] %3.0f%%", filled, "##############################", width - filled, "",
+                  share * 100);
+    return m_what + " " + bar + "  " + rate;
 }
 
 std::string Progress::amount(double count) const

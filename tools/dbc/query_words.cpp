@@ -2,21 +2,31 @@
 
 #include "failure.h"
 #include "input.h"
+#include "json_syntax.h"
+#include "scalar_text.h"
 
+#include <algorithm>
 #include <array>
-#include <cstring>
-#include <stdexcept>
+#include <optional>
+#include <string_view>
 #include <utility>
 
 const char* const queryHelp =
     "The query: one JSON document, or words that must all hold:\n"
-    "field=value field!=value field>value field>=value field<value field<=value field~pattern field? !field";
+    "field=value field!=value field>value field>=value field<value field<=value field~pattern field~/pattern/flags "
+    "field? !field\n"
+    "A value is JSON (5, true, null, [1, 2]), a time (2023-01-31, 2023-01-31T12:30Z) or else a string; quotes make it "
+    "a "
+    "string in any case: 'when=\"2023-01-31\"'";
+
+const char* const sortHelp =
+    R"(Order: name,-age for names upwards, then ages downwards; or JSON: {"name": 1, "age": -1})";
 
 namespace {
 
 struct Comparison
 {
-    const char* sign;
+    std::string_view sign;
     const char* operatorText; // empty where the value itself stands under the field
 };
 
@@ -24,76 +34,109 @@ struct Comparison
 constexpr std::array<Comparison, 7> comparisons{
     {{"!=", "$ne"}, {">=", "$gte"}, {"<=", "$lte"}, {"=", ""}, {">", "$gt"}, {"<", "$lt"}, {"~", "$regex"}}};
 
-struct Word
+// What is written as JSON must be JSON: as a string it would find nothing, without a word.
+bool isMeantAsJson(const std::string& text)
 {
-    std::string field;
-    std::string operatorText;
-    std::string value;
-};
-
-Word split(const std::string& word)
-{
-    if (word.size() > 1 && word.front() == '!')
-        return {word.substr(1), "$exists", "false"};
-    const std::size_t place = word.find_first_of("!=<>~");
-    if (place == std::string::npos && word.size() > 1 && word.back() == '?')
-        return {word.substr(0, word.size() - 1), "$exists", "true"};
-    for (const Comparison& comparison : comparisons)
-    {
-        const std::size_t length = std::strlen(comparison.sign);
-        if (place != std::string::npos && place > 0 && word.compare(place, length, comparison.sign) == 0)
-            return {word.substr(0, place), comparison.operatorText, word.substr(place + length)};
-    }
-    throw Failure(UsageError, "not a condition: " + word);
+    return !text.empty() && std::string_view("{[\"").find(text.front()) != std::string_view::npos;
 }
 
-bool isIdField(const std::string& field)
+dbc::Value valueOf(const std::string& field, const std::string& text)
 {
-    return field == "_id" || (field.size() > 3 && field.compare(field.size() - 3, 3, "_id") == 0);
-}
-
-bool isObjectId(const std::string& text)
-{
-    return text.size() == 24 && text.find_first_not_of("0123456789abcdefABCDEF") == std::string::npos;
-}
-
-dbc::Value textOf(const Word& word)
-{
-    dbc::Value text = word.value;
+    if (validUtf8Length(text) < text.size())
+        throw Failure(UsageError, "the value of " + field + " is not UTF-8");
+    if (isIdField(field) && isObjectIdText(text))
+        return dbc::ObjectId{text};
+    if (const auto time = parseTime(text))
+        return *time;
+    if (looksLikeTime(text))
+        throw Failure(UsageError,
+                      "there is no time " + text + "; the string is written " + field + "=\"" + text + "\"");
+    if (isMeantAsJson(text))
+        return parseJson(text, "the value of " + field);
     try
     {
-        text.toJson(); // the server is not asked with what is not UTF-8
+        return dbc::Value::fromJson(text);
+    }
+    catch (const dbc::FormatError& /*error*/)
+    {
         return text;
     }
-    catch (const std::invalid_argument&)
-    {
-        throw Failure(UsageError, "not UTF-8: the value of " + word.field);
-    }
 }
 
-// What is JSON stays, what is not becomes a text.
-dbc::Value valueOf(const Word& word)
+// pattern, or /pattern/flags.
+dbc::Value expressionOf(const std::string& field, const std::string& text)
 {
-    if (isIdField(word.field) && isObjectId(word.value))
-        return dbc::ObjectId{word.value};
-    if (word.operatorText == "$regex")
-        return textOf(word);
-    try
-    {
-        return dbc::Value::fromJson(word.value);
-    }
-    catch (const dbc::FormatError&)
-    {
-        return textOf(word);
-    }
+    if (validUtf8Length(text) < text.size())
+        throw Failure(UsageError, "the pattern of " + field + " is not UTF-8");
+    const std::size_t last = text.rfind('/');
+    if (text.empty() || text.front() != '/' || last == 0)
+        return {{"$regex", text}};
+    std::string flags = text.substr(last + 1);
+    std::sort(flags.begin(), flags.end()); // as the server wants them
+    flags.erase(std::unique(flags.begin(), flags.end()), flags.end());
+    const std::size_t wrong = flags.find_first_not_of("imsx");
+    if (wrong != std::string::npos)
+        throw Failure(UsageError, field + "~" + text + ": " + quotedCharacter(flags[wrong]) +
+                                      " is no flag of a regular expression, which are i, m, s and x; a pattern that "
+                                      "begins with \"/\" is written " +
+                                      field + "~\\" + text);
+    dbc::Value expression{{"$regex", text.substr(1, last - 1)}};
+    if (!flags.empty())
+        expression.append("$options", flags);
+    return expression;
 }
 
-dbc::Value conditionOf(const std::string& text)
+dbc::Field conditionOf(const std::string& word)
 {
-    const Word word = split(text);
-    if (word.operatorText.empty())
-        return {{word.field, valueOf(word)}};
-    return {{word.field, {{word.operatorText, valueOf(word)}}}};
+    if (word.size() > 1 && word.front() == '!')
+        return {word.substr(1), {{"$exists", false}}};
+    const std::size_t place = word.find_first_of("!=<>~");
+    if (place == std::string::npos && word.size() > 1 && word.back() == '?')
+        return {word.substr(0, word.size() - 1), {{"$exists", true}}};
+    for (const auto& [sign, operatorText] : comparisons)
+    {
+        if (place == std::string::npos || place == 0 || word.compare(place, sign.size(), sign) != 0)
+            continue;
+        const std::string field = word.substr(0, place);
+        const std::string text = word.substr(place + sign.size());
+        if (sign == "~")
+            return {field, expressionOf(field, text)};
+        dbc::Value value = valueOf(field, text);
+        if (*operatorText == '\0')
+            return {field, std::move(value)};
+        return {field, {{operatorText, std::move(value)}}};
+    }
+    throw Failure(UsageError, "not a condition: " + word + "; conditions are written field=value, field>value, field?");
+}
+
+bool isDocument(const std::string& text)
+{
+    const std::size_t begin = text.find_first_not_of(" \t\r\n");
+    return begin != std::string::npos && text[begin] == '{';
+}
+
+dbc::SortField sortFieldOf(std::string_view word)
+{
+    const bool isDescending = !word.empty() && word.front() == '-';
+    if (isDescending || (!word.empty() && word.front() == '+'))
+        word.remove_prefix(1);
+    if (word.empty())
+        throw Failure(UsageError, "--sort: a field is missing; write name,-age");
+    return {std::string(word), isDescending ? dbc::Order::Descending : dbc::Order::Ascending};
+}
+
+dbc::Sort sortOfJson(const std::string& text)
+{
+    dbc::Sort sort;
+    const dbc::Value order = parseJson(text, "--sort");
+    for (const auto& [field, direction] : order.fields())
+    {
+        const std::optional<int> number = direction.get<int>();
+        if (!number || (*number != 1 && *number != -1))
+            throw Failure(UsageError, "--sort: " + std::string(field) + " is sorted by 1 or -1");
+        sort.push_back({std::string(field), *number > 0 ? dbc::Order::Ascending : dbc::Order::Descending});
+    }
+    return sort;
 }
 
 } // namespace
@@ -102,16 +145,32 @@ dbc::Value parseQuery(const std::vector<std::string>& words)
 {
     if (words.empty())
         return {};
-    const std::size_t begin = words[0].find_first_not_of(" \t\n");
-    if (words.size() == 1 && begin != std::string::npos && words[0][begin] == '{')
-        return parseDocument(words[0], "the query");
     if (words.size() == 1)
-        return conditionOf(words[0]);
+        return isDocument(words[0]) ? parseJson(words[0], "the query") : dbc::Value{conditionOf(words[0])};
     // As a list: two conditions may be on one field.
     dbc::Value list = dbc::Value::array();
     for (const std::string& word : words)
-        list.push(conditionOf(word));
+        list.push({conditionOf(word)});
     return {{"$and", std::move(list)}};
+}
+
+dbc::Sort parseSort(const std::string& text)
+{
+    if (isDocument(text))
+        return sortOfJson(text);
+    dbc::Sort sort;
+    std::string_view rest = text;
+    while (!rest.empty())
+    {
+        const std::size_t comma = rest.find(',');
+        sort.push_back(sortFieldOf(rest.substr(0, comma)));
+        if (comma == std::string_view::npos)
+            break;
+        rest.remove_prefix(comma + 1);
+        if (rest.empty())
+            sortFieldOf(rest); // refuses a comma at the end
+    }
+    return sort;
 }
 
 ObjectProperties toProperties(const dbc::Value& document, const std::string& what)

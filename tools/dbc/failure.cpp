@@ -1,0 +1,33 @@
+#include "failure.h"
+
+#include "dbc/errors.h"
+
+namespace {
+
+// The server has lost the cursor; that is not a search without results.
+constexpr int cursorNotFound = 43;
+
+} // namespace
+
+ExitStatus statusOf(const std::exception& exception)
+{
+    const dbc::ErrorInfo error = dbc::describe(exception);
+    switch (error.kind)
+    {
+    case dbc::ErrorKind::NotConnected:
+    case dbc::ErrorKind::Network:
+    case dbc::ErrorKind::Timeout:
+    case dbc::ErrorKind::Authentication:
+        return ConnectionError;
+    case dbc::ErrorKind::BadArgument:
+        return UsageError;
+    case dbc::ErrorKind::NotFound:
+        return error.code == cursorNotFound ? ServerRefused : NothingFound;
+    case dbc::ErrorKind::DuplicateKey:
+    case dbc::ErrorKind::NotAuthorized:
+    case dbc::ErrorKind::TooLarge:
+    case dbc::ErrorKind::Other:
+        return ServerRefused;
+    }
+    return ServerRefused;
+}
