@@ -256,11 +256,12 @@ void addFileCommands(CLI::App& program, const GlobalOptions& global, Work& work)
     const auto command = std::make_shared<FileCommand>();
     CLI::App* app =
         addCommand(*files, global, work, "put", "Store a local file, or - for standard input", command, put);
-    app->add_option("path", command->path, "Local file")->required();
+    app->add_option("path", command->path, "Local file")->required()->type_name("FILE");
     app->add_option("--name", command->name, "Name on the server; the name of the local file unless given");
     app = addCommand(*files, global, work, "get", "Fetch a stored file", command, get);
     app->add_option("name", command->name, "Name on the server")->required();
-    app->add_option("path", command->path, "Local file, or - for standard output; the name unless given");
+    app->add_option("path", command->path, "Local file, or - for standard output; the name unless given")
+        ->type_name("FILE");
     app = addCommand(*files, global, work, "ls",
                      "List the stored files; uploads that were cut short are marked (incomplete)", command, list);
     app->get_option("database")->required(false);

@@ -3,6 +3,7 @@
 #include "dbc/version.h"
 #include "failure.h"
 #include "interrupt.h"
+#include "self_description.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -29,8 +30,10 @@ void addGlobalOptions(CLI::App& program, GlobalOptions& global)
                     "Connection string, mongodb://HOST:PORT/DATABASE; unless given, the server on this machine")
         ->envname("DBC_URI");
     program.add_option("--user", global.connection.user, "User; the password is asked for, or taken from DBC_PASSWORD");
-    program.add_option("--password-file", global.connection.passwordFile,
-                       "File whose first line is the password of --user");
+    program
+        .add_option("--password-file", global.connection.passwordFile,
+                    "File whose first line is the password of --user")
+        ->type_name("FILE");
     addChoice(
         program, "--dialect", global.output.dialect, dialects,
         "JSON that is written; unless given, export writes canonical, which keeps every type, and all else relaxed");
@@ -73,6 +76,18 @@ int run(const Work& work)
     }
 }
 
+// For the completion of shells and for the manual page; not for people, so not in the help.
+bool describesItself(const CLI::App& program, const std::string& option, const std::vector<std::string>& words)
+{
+    if (option == "--complete")
+        writeCompletions(program, words, std::cout);
+    else if (option == "--manual")
+        writeManual(program, std::cout);
+    else
+        return false;
+    return true;
+}
+
 int start(int argumentCount, char** arguments)
 {
     CLI::App program("Documents, files and users of a MongoDB server, from the command line.", "dbc");
@@ -88,6 +103,9 @@ int start(int argumentCount, char** arguments)
          {addDocumentCommands, addUpdateCommand, addTransferCommands, addListCommand, addIndexCommands, addDropCommand,
           addFileCommands, addUserCommands, addCheckCommand, addSchemaCommand, addDoctorCommand, addHelpCommand})
         add(program, global, work);
+    addExamples(program);
+    if (argumentCount > 1 && describesItself(program, arguments[1], {arguments + 2, arguments + argumentCount}))
+        return Success;
     try
     {
         program.parse(argumentCount, arguments);

@@ -166,7 +166,8 @@ void addExport(CLI::App& program, const GlobalOptions& global, Work& work)
     app->add_option("collection", command->collection, collectionHelp)->required();
     app->add_option("query", command->query, queryHelp);
     app->add_option("--file,-f", command->file,
-                    "File to write, there only when it is complete; standard output unless given");
+                    "File to write, there only when it is complete; standard output unless given")
+        ->type_name("FILE");
     addFormatOption(*app, command->format);
     app->add_option("--columns", command->columns,
                     "Fields of a CSV or TSV, with or without types: name,total:double,address.city; all fields unless "
@@ -183,7 +184,8 @@ void addImport(CLI::App& program, const GlobalOptions& global, Work& work)
     CLI::App* app = program.add_subcommand("import", "Insert documents from a file or from standard input");
     app->add_option("collection", command->collection, collectionHelp)->required();
     app->add_option("--file,-f", command->file,
-                    "JSON, a document on each line or one array; CSV or TSV; standard input unless given");
+                    "JSON, a document on each line or one array; CSV or TSV; standard input unless given")
+        ->type_name("FILE");
     addFormatOption(*app, command->format);
     app->add_option("--header", command->header,
                     "Columns of a CSV or TSV whose first line does not name them: name,total:double,when:date");
@@ -196,7 +198,8 @@ void addImport(CLI::App& program, const GlobalOptions& global, Work& work)
         ->excludes(upsert);
     app->add_option("--resume", command->resume, "Go on where an import stopped: what it said then, such as 2000");
     app->add_option("--state", command->state,
-                    "File that records how far the import came; the same command goes on there, even after kill -9");
+                    "File that records how far the import came; the same command goes on there, even after kill -9")
+        ->type_name("FILE");
     app->add_flag("--progress", command->showsProgress, "Show progress also if standard error is not a terminal");
     addLossOption(*app, command->losses);
     app->callback([=, &global, &work] { work = [=, &global] { return importDocuments(global, *command); }; });

@@ -95,7 +95,8 @@ CLI::App* addCommand(CLI::App& users, const GlobalOptions& global, Work& work, c
 void addPasswordOption(CLI::App& app, UserCommand& command)
 {
     app.add_option("--new-password-file", command.newPasswordFile,
-                   "File whose first line is the new password; otherwise DBC_NEW_PASSWORD, otherwise it is asked for");
+                   "File whose first line is the new password; otherwise DBC_NEW_PASSWORD, otherwise it is asked for")
+        ->type_name("FILE");
 }
 
 void addRoleOptions(CLI::App& app, UserCommand& command)
