@@ -65,7 +65,7 @@ completes() {
 
 # The names in the lists of a help text, which begin a line.
 commands_of() { dbc "$@" --help | sed -nE '/^(Subcommands|SUBCOMMANDS):/,/^[^ ]*$/s/^  ([a-z]+).*/\1/p'; }
-options_of() { dbc "$@" --help | sed -nE 's/^  (-[a-z], *)?(--[a-z][a-z-]*).*/\2/p'; }
+options_of() { dbc "$@" --help | sed -nE 's/^  (-[a-zA-Z], *)?(--[a-z][a-z-]*).*/\2/p'; }
 
 globals=$(options_of)
 walk() { # WORD... of a command

@@ -17,7 +17,7 @@ if command -v man >/dev/null; then # a mistake in the language of the page is a 
 fi
 
 commands_of() { "$program" "$@" --help | sed -nE '/^(Subcommands|SUBCOMMANDS):/,/^[^ ]*$/s/^  ([a-z]+).*/\1/p'; }
-options_of() { "$program" "$@" --help | sed -nE 's/^  (-[a-z], *)?(--[a-z][a-z-]*).*/\2/p'; }
+options_of() { "$program" "$@" --help | sed -nE 's/^  (-[a-zA-Z], *)?(--[a-z][a-z-]*).*/\2/p'; }
 examples_of() { "$program" "$@" --help | sed -n '/^Examples:/,$s/^  dbc/dbc/p'; }
 # The text of a section without the marks of the page's language.
 plain() { sed 's/\\f[A-Z]//g; s/\\-/-/g; s/\\e/\\/g; s/\\&//g'; }
