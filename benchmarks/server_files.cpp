@@ -12,10 +12,10 @@
 #include "driver/mongoc_handles.h"
 #include "support/measure.h"
 #include "support/memory.h"
+#include "support/own_process.h"
 #include "support/server.h"
 
 #include <sys/stat.h>
-#include <sys/wait.h>
 
 #include <fcntl.h>
 #include <poll.h>
@@ -26,7 +26,6 @@
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
-#include <exception>
 #include <filesystem>
 #include <functional>
 #include <streambuf>
@@ -80,7 +79,7 @@ public:
 
 // --- one side in a process of its own ------------------------------------------------------------------------------
 
-/// What one side took. Goes through a pipe as it is.
+/// What one side took.
 struct Cost
 {
     double peak = 0;         ///< MiB above the start
@@ -130,42 +129,9 @@ void showUntilReadable(int pipe, pid_t process, const char* what, const char* pa
     }
 }
 
-[[noreturn]] void runAndTell(const std::function<Cost()>& side, int pipe)
+Cost showingProgress(const char* what, const char* path, const std::function<Cost()>& side)
 {
-    int status = 1;
-    try
-    {
-        const Cost cost = side();
-        status = ::write(pipe, &cost, sizeof cost) == sizeof cost ? 0 : 1;
-    }
-    catch (const std::exception& error)
-    {
-        std::fprintf(stderr, "server_files: %s\n", error.what());
-    }
-    std::exit(status); // with the driver's own end
-}
-
-// The driver must not have been started here: it does not outlive a fork.
-Cost inItsOwnProcess(const char* what, const char* path, const std::function<Cost()>& side)
-{
-    std::array<int, 2> ends{};
-    check(::pipe(ends.data()) == 0, "pipe");
-    const pid_t process = ::fork();
-    check(process >= 0, "fork");
-    if (process == 0)
-    {
-        ::close(ends[0]);
-        runAndTell(side, ends[1]);
-    }
-    ::close(ends[1]);
-    showUntilReadable(ends[0], process, what, path);
-    Cost cost;
-    const bool told = ::read(ends[0], &cost, sizeof cost) == sizeof cost;
-    ::close(ends[0]);
-    int status = 0;
-    ::waitpid(process, &status, 0);
-    check(told && WIFEXITED(status) && WEXITSTATUS(status) == 0, what);
-    return cost;
+    return inItsOwnProcess(what, side, [&](int pipe, pid_t process) { showUntilReadable(pipe, process, what, path); });
 }
 
 void print(const char* what, std::size_t mib, const Cost& library, const Cost& driver)
@@ -301,7 +267,7 @@ Cost readWithLibrary(const Database& database, std::size_t size)
 
 void dropInItsOwnProcess(const Database& database)
 {
-    inItsOwnProcess("dropping the database", nullptr, [&] {
+    showingProgress("dropping the database", nullptr, [&] {
         DataBaseClient().isConnected(); // the first client of the process starts the driver
         database.drop();
         return Cost();
@@ -312,11 +278,11 @@ void dropInItsOwnProcess(const Database& database)
 void measureStores(const Database& database, std::size_t mib)
 {
     const LocalFile file(mib);
-    const Cost driver = inItsOwnProcess("storing with the plain driver", file.path,
+    const Cost driver = showingProgress("storing with the plain driver", file.path,
                                         [&] { return storeWithDriver(database, file.path); });
     dropInItsOwnProcess(database);
     const Cost library =
-        inItsOwnProcess("storing with the library", file.path, [&] { return storeWithLibrary(database, file.path); });
+        showingProgress("storing with the library", file.path, [&] { return storeWithLibrary(database, file.path); });
     dropInItsOwnProcess(database);
     print("stored", mib, library, driver);
 }
@@ -360,11 +326,11 @@ Cost insertFile(const Database& database, std::size_t size, std::size_t chunkSiz
 void measureReads(const Database& database, std::size_t mib, std::size_t chunkKib)
 {
     const std::size_t size = mib * mebibyte;
-    inItsOwnProcess("inserting the chunks", nullptr, [&] { return insertFile(database, size, chunkKib * 1024); });
+    showingProgress("inserting the chunks", nullptr, [&] { return insertFile(database, size, chunkKib * 1024); });
     const Cost driver =
-        inItsOwnProcess("reading with the plain driver", nullptr, [&] { return readWithDriver(database, size); });
+        showingProgress("reading with the plain driver", nullptr, [&] { return readWithDriver(database, size); });
     const Cost library =
-        inItsOwnProcess("reading with the library", nullptr, [&] { return readWithLibrary(database, size); });
+        showingProgress("reading with the library", nullptr, [&] { return readWithLibrary(database, size); });
     dropInItsOwnProcess(database);
     print("read", mib, library, driver);
     std::printf("file of %zu MiB read: chunks of %zu KiB, largest reply of the server %.1f MiB\n", mib, chunkKib,

@@ -13,10 +13,7 @@ namespace {
 // Beyond that many documents in a row that are unlike the one before, another comparison is not worth its time.
 constexpr int missesBeforeRest = 16;
 
-bool isNested(bson_type_t type)
-{
-    return type == BSON_TYPE_DOCUMENT || type == BSON_TYPE_ARRAY;
-}
+bool isNested(bson_type_t type) { return type == BSON_TYPE_DOCUMENT || type == BSON_TYPE_ARRAY; }
 
 bool isKept(bson_type_t type)
 {

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "support/measure.h"
+#include "support/shapes.h"
+
+#include <cstddef>
+#include <vector>
+
+/// The values of the document itself, in the order in which they were written.
+inline std::vector<Step> topLevelOf(const Shape& shape)
+{
+    std::vector<Step> steps;
+    int depth = 0;
+    for (const Step& step : shape.steps)
+    {
+        const bool begins = step.kind == Step::BeginGroup || step.kind == Step::BeginArray;
+        const bool ends = step.kind == Step::EndGroup || step.kind == Step::EndArray;
+        if (depth == 0 && !begins && !ends)
+            steps.push_back(step);
+        depth += begins ? 1 : ends ? -1 : 0;
+    }
+    return steps;
+}
+
+/// Reads every value of the document itself by its key. @p numberOf returns the integer of a step, 1 or 0 for a double
+/// above 0 or not, and the size of a text.
+template <typename Object, typename NumberOf>
+void readTopLevel(benchmark::State& state, const Shape& shape, const Object& object, NumberOf numberOf)
+{
+    struct Read
+    {
+        std::size_t sum = 0;
+    };
+    const std::vector<Step> wanted = topLevelOf(shape);
+    std::size_t expected = 0;
+    for (const Step& step : wanted)
+        expected += step.kind == Step::Double ? (step.number > 0 ? 1 : 0)
+                    : step.kind == Step::Text ? step.text.size()
+                                              : static_cast<std::size_t>(step.integer);
+    measure<Read>(
+        state, wanted.size(), 32 * wanted.size(), [](Read&) {},
+        [&](Read& read) {
+            for (const Step& step : wanted)
+                read.sum += numberOf(object, step);
+        },
+        [&](const Read& read) { return read.sum == expected; });
+}
