@@ -5,15 +5,17 @@
 
 // Every operation forwards; what it does stands with ObjectFilterPrivate.
 
-void ObjectFilter::setFilterDocument(const std::string& key, const ObjectProperties& operators)
-{
-    d->setFilterDocument(key, operators);
-}
-
-ObjectFilter* createObjectFilter() { return new ObjectFilter; }
 ObjectFilter::ObjectFilter() : d(std::make_unique<ObjectFilterPrivate>()) {}
 ObjectFilter::ObjectFilter(const ObjectFilter& other) : ObjectFilter() { d->copy(*other.d); }
 ObjectFilter::~ObjectFilter() = default;
+
+ObjectFilter& ObjectFilter::operator=(const ObjectFilter& other)
+{
+    if (d != other.d)
+        d->copy(*other.d);
+    return *this;
+}
+
 void ObjectFilter::start_and() { d->start_and(); }
 void ObjectFilter::finish_and() { d->finish_and(); }
 void ObjectFilter::start_or() { d->start_or(); }
@@ -57,15 +59,15 @@ void ObjectFilter::setFilterId(OperationType operation, const std::string& key, 
     d->setFilterId(operation, key, value);
 }
 
+void ObjectFilter::setFilterDocument(const std::string& key, const ObjectProperties& operators)
+{
+    d->setFilterDocument(key, operators);
+}
+
 void ObjectFilter::include(const ObjectFilter& other) { d->include(*other.d); }
 void ObjectFilter::exclude(const std::string& key, ObjectFilter& target) { d->exclude(key, *target.d); }
 bool ObjectFilter::isEmpty() const { return d->isEmpty(); }
 ObjectProperties ObjectFilter::toObjectProeprties() const { return d->toObjectProeprties(); }
 void ObjectFilter::fromObjectProperties(const ObjectProperties& properties) { d->fromObjectProperties(properties); }
 
-ObjectFilter& ObjectFilter::operator=(const ObjectFilter& other)
-{
-    if (d != other.d)
-        d->copy(*other.d);
-    return *this;
-}
+ObjectFilter* createObjectFilter() { return new ObjectFilter; }
