@@ -118,6 +118,7 @@ public:
     /// @throws std::logic_error "The cursor is on no document", before the first next() and at the end
     const ObjectProperties& properties();
     /// The current document. The same object for every document. @throws std::logic_error as properties()
+    /// @throws FormatError if the server sent a malformed document
     const Value& value();
     /// The bytes of the current document. @throws std::logic_error as properties()
     BsonView bson() const;

@@ -66,8 +66,8 @@ struct ListOptions
 } // namespace v1
 
 /// The content of a stored file as a stream to read and seek. Holds one chunk in memory. Made by FileStore::open().
-/// What fails while reading sets badbit; with exceptions(std::ios::badbit) the stream passes on the ServerError. Must
-/// not outlive the DataBaseClient, but may outlive the FileStore.
+/// What fails while reading sets badbit; with exceptions(std::ios::badbit) the stream passes on the ServerError. After
+/// clear() the stream reads on from tellg(). Must not outlive the DataBaseClient, but may outlive the FileStore.
 class DATABASE_CLIENT_API FileReader : public std::istream
 {
 public:

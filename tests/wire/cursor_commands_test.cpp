@@ -4,6 +4,7 @@
 #include "connection_options.h"
 #include "dbc/collection.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cstring>
 #include <stdexcept>
@@ -311,6 +312,22 @@ TEST_F(CursorCommand, KilledOnTheServerIsNotFoundAfterTheDocumentsBefore)
     }
     EXPECT_FALSE(cursor.next());
     EXPECT_EQ(collection().count({}), 10);
+}
+
+TEST_F(CursorCommand, ThrowsForAMalformedDocumentAndGoesOnWithTheNext)
+{
+    gateway().inject(Fault::changeReply([](Bytes& reply) {
+                         const std::string field("\x02text", 6); // with the zero byte
+                         const auto found = std::search(reply.begin(), reply.end(), field.begin(), field.end());
+                         if (found != reply.end())
+                             *found = 0x7e; // no type of BSON
+                     }).onCommand("find"));
+    Cursor cursor = openInBatchesOf(0);
+
+    ASSERT_TRUE(cursor.next());
+    EXPECT_THROW(cursor.value(), dbc::FormatError);
+    ASSERT_TRUE(cursor.next());
+    EXPECT_EQ(cursor.value(), (Value{{"_id", 2}, {"text", "t2"}}));
 }
 
 TEST_F(CursorCommand, IsNotSentWhenAnArgumentIsRefused)
