@@ -960,6 +960,9 @@ FilesAreStoredListedFetchedAndRemoved() {
     dbc files put "$database" - </dev/null
     expect_status 2
     expect_err "--name"
+    dbc files put "$database" - --name unreadable <"$folder"
+    expect_status 2
+    expect_err "standard input cannot be read"
     [[ -z $(compgen -G "$folder/none*") ]] || fail "a fetch that failed left a file"
     dbc files rm "$database"
     expect_status 2

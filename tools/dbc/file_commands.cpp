@@ -13,6 +13,7 @@
 #include <strings.h>
 
 #include <cstdint>
+#include <cstdio>
 #include <exception>
 #include <filesystem>
 #include <fstream>
@@ -83,6 +84,8 @@ void upload(dbc::FileStore& store, const std::string& name, std::istream& source
     {
         store.upload(name, source, options);
         throwIfInterrupted();
+        if (std::ferror(stdin) != 0) // std::cin reports an error as the end of the input
+            throw Failure(UsageError, "standard input cannot be read");
     }
     catch (const std::exception&)
     {
