@@ -16,6 +16,7 @@
 #include "support/shapes.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <functional>

@@ -7,6 +7,7 @@
 #include <boost/json.hpp>
 #include <nlohmann/json.hpp>
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>

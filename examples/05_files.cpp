@@ -3,6 +3,7 @@
 
 #include <dbc/file_store.h>
 
+#include <cstdint>
 #include <cstdio>
 #include <fstream>
 #include <iostream>

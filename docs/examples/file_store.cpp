@@ -5,6 +5,7 @@
 
 #include <dbc/file_store.h>
 
+#include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
