@@ -8,8 +8,8 @@
 //        valgrind --tool=callgrind --collect-atstart=no null_server_collections inserts|cursors FORM
 
 #include "database_client.h"
-#include "database_client/mongoc_handles.h"
 #include "dbc/collection.h"
+#include "driver/mongoc_handles.h"
 #include "support/measure.h"
 #include "support/null_server.h"
 #include "support/server.h"

@@ -1,6 +1,6 @@
 #include "support/null_server.h"
 
-#include "conversion/bson_handles.h"
+#include "driver/bson_handles.h"
 
 #include <cstdint>
 #include <string>
