@@ -1,0 +1,79 @@
+#include "test_server.h"
+#include "tool_process.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace test_support {
+namespace {
+
+/// Twenty documents without an "_id", sent ten at a time.
+class ImportCutOff : public testing::Test
+{
+protected:
+    ImportCutOff()
+    {
+        std::string lines;
+        for (int number = 0; number < 20; ++number)
+            lines += "{\"n\": " + std::to_string(number) + "}\n";
+        m_folder.write("lines", lines);
+    }
+    ~ImportCutOff() override { gateway().clearFaults(); }
+
+    static WireGateway& gateway() { return TestServer::instance().gateway(); }
+    std::vector<std::string> line(const std::vector<std::string>& more) const
+    {
+        std::vector<std::string> all{"--uri", TestServer::instance().uri(), "import",  m_database.name() + ".c",
+                                     "-f",    m_folder.path("lines"),       "--batch", "10"};
+        all.insert(all.end(), more.begin(), more.end());
+        return all;
+    }
+    // What stands behind the word to the end of the messages.
+    static std::string behind(const std::string& messages, const std::string& word)
+    {
+        const std::size_t place = messages.find(word);
+        return place == std::string::npos
+                   ? ""
+                   : messages.substr(place + word.size(), messages.find('\n', place) - place - word.size());
+    }
+
+    ScratchDatabase m_database;
+    ScratchFolder m_folder;
+};
+
+TEST_F(ImportCutOff, GoesOnWithoutStoringADocumentTwice)
+{
+    gateway().inject(Fault::dropAfterForwarding().onCommand("insert").number(2));
+    ToolProcess first(line({}));
+    EXPECT_EQ(first.wait(), 3) << first.messages();
+    const std::string mark =
+        behind(first.messages(), "stopped at line 11, at least 10 documents in; go on with --resume ");
+    ASSERT_EQ(mark.substr(0, 3), "10:") << first.messages();
+    ASSERT_EQ(m_database.count("c"), 20U) << "the second batch was to be stored";
+
+    ToolProcess second(line({"--resume", mark}));
+    EXPECT_EQ(second.wait(), 0) << second.messages();
+
+    EXPECT_EQ(second.messages(), "imported 0\nskipped 10 with a duplicate key\n");
+    EXPECT_EQ(m_database.count("c"), 20U);
+}
+
+TEST_F(ImportCutOff, GoesOnWithWhatWasNotStored)
+{
+    gateway().inject(Fault::dropBeforeForwarding().onCommand("insert").number(2));
+    ToolProcess first(line({}));
+    EXPECT_EQ(first.wait(), 3) << first.messages();
+    const std::string mark = behind(first.messages(), "go on with --resume ");
+    ASSERT_EQ(m_database.count("c"), 10U);
+
+    ToolProcess second(line({"--resume", mark}));
+    EXPECT_EQ(second.wait(), 0) << second.messages();
+
+    EXPECT_EQ(second.messages(), "imported 10\n");
+    EXPECT_EQ(m_database.count("c"), 20U);
+    EXPECT_EQ(m_database.count("c", R"({"n": {"$gte": 10}})"), 10U);
+}
+
+} // namespace
+} // namespace test_support
