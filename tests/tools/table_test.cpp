@@ -151,6 +151,14 @@ TEST(Table, KeepsWhichDocumentsHaveAField)
     expectRoundTrip({{{"a", 1}}, {{"b", ""}}, {{"a", 2}, {"b", "x"}}, dbc::Value()});
 }
 
+TEST(Table, KeepsTheOrderOfFieldsThatSomeDocumentsLack)
+{
+    expectRoundTrip({{{"a", 1}, {"d", 1}},
+                     {{"a", 1}, {"b", {{"y", 1}}}, {"d", 1}},
+                     {{"a", 1}, {"b", {{"x", 1}, {"y", 1}}}, {"c", 1}, {"d", 1}, {"e", 1}},
+                     {{"c", 1}, {"e", 1}}});
+}
+
 TEST(Table, OfOneColumnKeepsADocumentWithoutIt)
 {
     expectRoundTrip({{{"a", 1}}, dbc::Value(), {{"a", 2}}});

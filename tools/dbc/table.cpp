@@ -405,17 +405,27 @@ void TableReader::place(dbc::Value& document, const std::string& path, dbc::Valu
 void ColumnFinder::look(const dbc::Value& document, std::uint64_t number)
 {
     checkRow(document, number);
-    visitFields(document, "", 0, [this](const std::string& path, const dbc::Value& value, bool isSpread) {
-        if (isSpread)
-            return false;
-        const ColumnType type = typeOf(value);
-        const auto [place, isNew] = m_places.emplace(path, m_columns.size());
-        if (isNew)
-            m_columns.push_back({path, type});
-        else if (m_columns[place->second].type != type)
-            m_columns[place->second].type = ColumnType::Json;
-        return true;
+    std::vector<Column> fields;
+    visitFields(document, "", 0, [&fields](const std::string& path, const dbc::Value& value, bool isSpread) {
+        if (!isSpread)
+            fields.push_back({path, typeOf(value)});
+        return !isSpread;
     });
+    // A new column stands in front of the next one of the document that is known.
+    auto next = m_columns.end();
+    for (auto field = fields.rbegin(); field != fields.rend(); ++field)
+    {
+        const auto known = m_places.find(field->path);
+        if (known == m_places.end())
+        {
+            next = m_columns.insert(next, *field);
+            m_places.emplace(field->path, next);
+            continue;
+        }
+        next = known->second;
+        if (next->type != field->type)
+            next->type = ColumnType::Json;
+    }
 }
 
 // --- TableWriter ---------------------------------------------------------------------------------------------------

@@ -5,6 +5,7 @@
 #include "input.h"
 
 #include <cstdint>
+#include <list>
 #include <ostream>
 #include <string>
 #include <string_view>
@@ -68,11 +69,12 @@ class ColumnFinder
 public:
     /// @throws Failure for a document that has no form as a row: a key with a dot in it, or twice
     void look(const dbc::Value& document, std::uint64_t number);
-    const std::vector<Column>& columns() const noexcept { return m_columns; }
+    /// In an order that is that of the fields in the documents, as far as these agree.
+    std::vector<Column> columns() const { return {m_columns.begin(), m_columns.end()}; }
 
 private:
-    std::vector<Column> m_columns; // in the order in which they were met
-    std::unordered_map<std::string, std::size_t> m_places;
+    std::list<Column> m_columns;
+    std::unordered_map<std::string, std::list<Column>::iterator> m_places;
 };
 
 /// Writes documents as rows.
