@@ -31,10 +31,7 @@ Value valueAt(const bson_iter_t& iter)
     return std::move(document.at(std::size_t{0}));
 }
 
-Value valueFrom(const bson_t* bson)
-{
-    return Value::fromBson(bson_get_data(bson), bson->len);
-}
+Value valueFrom(const bson_t* bson) { return Value::fromBson(bson_get_data(bson), bson->len); }
 
 Value valueFrom(const bson_oid_t& id)
 {

@@ -33,10 +33,7 @@ Bulk& Bulk::operator=(Bulk&& other) noexcept = default;
 
 Bulk::~Bulk() = default;
 
-std::size_t Bulk::size() const noexcept
-{
-    return d->operations.size();
-}
+std::size_t Bulk::size() const noexcept { return d->operations.size(); }
 
 Bulk& Bulk::insertOne(const DocumentRef& document)
 {
@@ -102,14 +99,8 @@ BulkError& BulkError::operator=(const BulkError& other) noexcept = default;
 
 BulkError::~BulkError() = default;
 
-const BulkResult& BulkError::result() const noexcept
-{
-    return m_state->result;
-}
+const BulkResult& BulkError::result() const noexcept { return m_state->result; }
 
-const std::vector<WriteError>& BulkError::errors() const noexcept
-{
-    return m_state->errors;
-}
+const std::vector<WriteError>& BulkError::errors() const noexcept { return m_state->errors; }
 
 } // namespace dbc

@@ -53,10 +53,7 @@ bool BulkRun::add(const Bulk::State& bulk, const Bulk::State::Operation& operati
     return add(operation.type, &filter.bson, &document.bson, &options.bson);
 }
 
-bool BulkRun::execute()
-{
-    return mongoc_bulk_operation_execute(m_bulk.get(), m_reply.get(), &m_error) != 0;
-}
+bool BulkRun::execute() { return mongoc_bulk_operation_execute(m_bulk.get(), m_reply.get(), &m_error) != 0; }
 
 bool BulkRun::isAcknowledged() const
 {

@@ -24,14 +24,8 @@ Collection& Collection::operator=(Collection&& other) noexcept = default;
 
 Collection::~Collection() = default;
 
-const std::string& Collection::database() const noexcept
-{
-    return d->database;
-}
+const std::string& Collection::database() const noexcept { return d->database; }
 
-const std::string& Collection::name() const noexcept
-{
-    return d->name;
-}
+const std::string& Collection::name() const noexcept { return d->name; }
 
 } // namespace dbc

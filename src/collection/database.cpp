@@ -83,15 +83,9 @@ std::vector<std::string> Database::names(DataBaseClient& client)
     return listed(names, "Listing databases failed", error);
 }
 
-const std::string& Database::name() const noexcept
-{
-    return d->name;
-}
+const std::string& Database::name() const noexcept { return d->name; }
 
-Collection Database::collection(const std::string& name) const
-{
-    return Collection(d->access.client(), d->name, name);
-}
+Collection Database::collection(const std::string& name) const { return Collection(d->access.client(), d->name, name); }
 
 std::vector<std::string> Database::collectionNames()
 {

@@ -28,25 +28,13 @@ ServerError& ServerError::operator=(const ServerError& other) noexcept = default
 
 ServerError::~ServerError() = default;
 
-int ServerError::code() const noexcept
-{
-    return m_details->code;
-}
+int ServerError::code() const noexcept { return m_details->code; }
 
-const std::string& ServerError::codeName() const noexcept
-{
-    return m_details->codeName;
-}
+const std::string& ServerError::codeName() const noexcept { return m_details->codeName; }
 
-ErrorKind ServerError::kind() const noexcept
-{
-    return m_details->kind;
-}
+ErrorKind ServerError::kind() const noexcept { return m_details->kind; }
 
-const std::vector<std::string>& ServerError::labels() const noexcept
-{
-    return m_details->labels;
-}
+const std::vector<std::string>& ServerError::labels() const noexcept { return m_details->labels; }
 
 bool ServerError::hasLabel(const std::string& label) const noexcept
 {
@@ -54,14 +42,8 @@ bool ServerError::hasLabel(const std::string& label) const noexcept
     return std::find(all.begin(), all.end(), label) != all.end();
 }
 
-bool ServerError::mayRetry() const noexcept
-{
-    return m_details->mayRetry;
-}
+bool ServerError::mayRetry() const noexcept { return m_details->mayRetry; }
 
-const ErrorDetails& ServerError::details() const noexcept
-{
-    return *m_details;
-}
+const ErrorDetails& ServerError::details() const noexcept { return *m_details; }
 
 } // namespace dbc

@@ -48,9 +48,6 @@ FileReader::FileReader(std::unique_ptr<Buffer> buffer) : std::istream(buffer.get
 
 FileReader::~FileReader() = default;
 
-const FileInfo& FileReader::info() const noexcept
-{
-    return d->info();
-}
+const FileInfo& FileReader::info() const noexcept { return d->info(); }
 
 } // namespace dbc

@@ -7,10 +7,7 @@
 
 namespace dbc {
 
-bool isSet(const Value& value)
-{
-    return value.type() != Type::Object || !value.empty();
-}
+bool isSet(const Value& value) { return value.type() != Type::Object || !value.empty(); }
 
 DriverOptions& DriverOptions::add(const char* key, const Value& value)
 {

@@ -40,10 +40,7 @@ int digitOf(char character) noexcept
     return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
 }
 
-std::size_t itemSizeOf(const Value& value) noexcept
-{
-    return value.isObject() ? sizeof(Field) : sizeof(Value);
-}
+std::size_t itemSizeOf(const Value& value) noexcept { return value.isObject() ? sizeof(Field) : sizeof(Value); }
 
 /// Where each key of an object is, by its hash. Made for objects of many fields once they were searched often enough.
 struct KeyIndex
@@ -182,10 +179,7 @@ constexpr const char* noContainer = "Value: neither an object nor an array";
 
 } // namespace
 
-void Value::throwNullPointer()
-{
-    throw std::invalid_argument("Value: null pointer to a string");
-}
+void Value::throwNullPointer() { throw std::invalid_argument("Value: null pointer to a string"); }
 
 void Value::setText(Type type, const char* text, std::size_t size)
 {
@@ -271,10 +265,7 @@ void Value::setPair(Type type, Value first, Value second)
     Access::setBlock(*this, type, block);
 }
 
-const Value& Value::pairItem(std::size_t index) const noexcept
-{
-    return Access::block(*this)->values()[index];
-}
+const Value& Value::pairItem(std::size_t index) const noexcept { return Access::block(*this)->values()[index]; }
 
 void Value::setDecimal(const Decimal128& value)
 {

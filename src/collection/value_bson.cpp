@@ -432,10 +432,7 @@ std::size_t digitsOfIndexes(std::size_t count) noexcept
     return digits;
 }
 
-std::size_t textSize(const Value& value) noexcept
-{
-    return sizeof(std::int32_t) + Access::text(value).size() + 1;
-}
+std::size_t textSize(const Value& value) noexcept { return sizeof(std::int32_t) + Access::text(value).size() + 1; }
 
 /// Size of the value without the documents in it.
 std::size_t ownSize(const Value& value) noexcept
@@ -742,10 +739,7 @@ FormatError::FormatError(const std::string& reason, std::size_t position)
 
 FormatError::~FormatError() = default;
 
-Value Value::fromBson(const std::uint8_t* bytes, std::size_t size)
-{
-    return BsonReader(bytes, size).read();
-}
+Value Value::fromBson(const std::uint8_t* bytes, std::size_t size) { return BsonReader(bytes, size).read(); }
 
 void Value::appendBson(std::vector<std::uint8_t>& target) const
 {

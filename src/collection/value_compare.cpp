@@ -68,10 +68,7 @@ int order(const T& left, const T& right)
     return left < right ? -1 : right < left ? 1 : 0;
 }
 
-int orderTexts(std::string_view left, std::string_view right) noexcept
-{
-    return order(left.compare(right), 0);
-}
+int orderTexts(std::string_view left, std::string_view right) noexcept { return order(left.compare(right), 0); }
 
 /// NaN is less than every other number, as for a server.
 int orderDoubles(double left, double right) noexcept

@@ -4,14 +4,8 @@
 
 namespace dbc {
 
-const char* libraryVersion() noexcept
-{
-    return DATABASE_CLIENT_VERSION;
-}
+const char* libraryVersion() noexcept { return DATABASE_CLIENT_VERSION; }
 
-const char* driverVersion() noexcept
-{
-    return mongoc_get_version();
-}
+const char* driverVersion() noexcept { return mongoc_get_version(); }
 
 } // namespace dbc
