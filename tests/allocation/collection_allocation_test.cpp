@@ -39,18 +39,19 @@ private:
     std::array<char, 2500> m_space{};
 };
 
-ScratchDatabase& scratch()
-{
-    static ScratchDatabase database;
-    return database;
-}
-
 DataBaseClient& connectedClient()
 {
     static DataBaseClient client;
     if (!client.isConnected())
         client.connect(TestServer::instance().uri());
     return client;
+}
+
+ScratchDatabase& scratch()
+{
+    connectedClient(); // made first: the library ends the driver after everything that was made later is gone
+    static ScratchDatabase database;
+    return database;
 }
 
 // The way of a failure has allocations too: its text and its details.

@@ -64,6 +64,7 @@ DataBaseClient& client()
 
 ScratchDatabase& scratch()
 {
+    client(); // made first: the library ends the driver after everything that was made later is gone
     static ScratchDatabase database(TestServer::instance().directUri());
     return database;
 }
