@@ -399,13 +399,17 @@ public:
     /// Whether there is no field and no element.
     bool empty() const noexcept { return size() == 0; }
     /// The fields of an object; none for any other type: `for (const auto& [key, value] : order.fields())`.
-    Range<const Field> fields() const noexcept;
+    Range<const Field> fields() const& noexcept;
     /// The fields of an object; none for any other type. Their values may be changed.
-    Range<Field> fields() noexcept;
+    Range<Field> fields() & noexcept;
     /// The elements of an array; none for any other type.
-    Range<const Value> elements() const noexcept;
+    Range<const Value> elements() const& noexcept;
     /// The elements of an array; none for any other type. They may be changed.
-    Range<Value> elements() noexcept;
+    Range<Value> elements() & noexcept;
+    /// Does not compile: a loop over the fields or elements of a temporary value reads memory that is already freed.
+    /// Give the value a name first.
+    Range<const Field> fields() const&& = delete;
+    Range<const Value> elements() const&& = delete; ///< As above.
     /// @}
 
     /// @name Changing
@@ -783,22 +787,22 @@ void Value::build(T&& value)
     }
 }
 
-inline Range<const Field> Value::fields() const noexcept
+inline Range<const Field> Value::fields() const& noexcept
 {
     return isObject() ? Range<const Field>(static_cast<const Field*>(items()), size()) : Range<const Field>();
 }
 
-inline Range<Field> Value::fields() noexcept
+inline Range<Field> Value::fields() & noexcept
 {
     return isObject() ? Range<Field>(static_cast<Field*>(openItems()), size()) : Range<Field>();
 }
 
-inline Range<const Value> Value::elements() const noexcept
+inline Range<const Value> Value::elements() const& noexcept
 {
     return isArray() ? Range<const Value>(static_cast<const Value*>(items()), size()) : Range<const Value>();
 }
 
-inline Range<Value> Value::elements() noexcept
+inline Range<Value> Value::elements() & noexcept
 {
     return isArray() ? Range<Value>(static_cast<Value*>(items()), size()) : Range<Value>();
 }

@@ -35,7 +35,8 @@ const std::map<std::string, dbc::IndexType> types{{"1", dbc::IndexType::Ascendin
 std::vector<dbc::IndexKey> keysOfJson(const std::string& json)
 {
     std::vector<dbc::IndexKey> keys;
-    for (const auto& [field, type] : parseDocument(json, "the keys of the index").fields())
+    const dbc::Value document = parseDocument(json, "the keys of the index");
+    for (const auto& [field, type] : document.fields())
     {
         const auto found = types.find(type.toJson());
         if (found == types.end())

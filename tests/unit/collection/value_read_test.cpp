@@ -9,6 +9,8 @@
 #include <stdexcept>
 #include <string>
 #include <thread>
+#include <type_traits>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -239,13 +241,39 @@ TEST(ValueRead, MayBeDoneInEveryWayBySeveralThreads)
     EXPECT_EQ(counts, std::vector<int>(4));
 }
 
+template <typename T, typename = void>
+struct HasFields : std::false_type
+{};
+template <typename T>
+struct HasFields<T, std::void_t<decltype(std::declval<T>().fields())>> : std::true_type
+{};
+template <typename T, typename = void>
+struct HasElements : std::false_type
+{};
+template <typename T>
+struct HasElements<T, std::void_t<decltype(std::declval<T>().elements())>> : std::true_type
+{};
+
+// for (const auto& [key, value] : call().fields()) would read a value that is gone before the first step.
+TEST(ValueRead, FieldsAndElementsOfATemporaryValueDoNotCompile)
+{
+    EXPECT_TRUE(HasFields<Value&>::value && HasFields<const Value&>::value);
+    EXPECT_TRUE(HasElements<Value&>::value && HasElements<const Value&>::value);
+    EXPECT_FALSE(HasFields<Value>::value || HasFields<const Value>::value);
+    EXPECT_FALSE(HasElements<Value>::value || HasElements<const Value>::value);
+}
+
 TEST(ValueRead, OfABareValueHasNoFieldsAndNoElements)
 {
-    EXPECT_TRUE(Value(1).fields().empty());
-    EXPECT_TRUE(Value("x").elements().empty());
-    EXPECT_TRUE(Value({{"a", 1}}).elements().empty());
-    EXPECT_TRUE(dbc::array({1}).fields().empty());
-    EXPECT_EQ(Value(1).size(), 0U);
+    const Value number(1);
+    const Value string("x");
+    const Value object{{"a", 1}};
+    const Value array = dbc::array({1});
+    EXPECT_TRUE(number.fields().empty());
+    EXPECT_TRUE(string.elements().empty());
+    EXPECT_TRUE(object.elements().empty());
+    EXPECT_TRUE(array.fields().empty());
+    EXPECT_EQ(number.size(), 0U);
 }
 
 TEST(Decimal128, RefusesATextThatIsNoNumber)
