@@ -332,7 +332,7 @@ FileInfo FileStore::upload(const std::string& name, std::istream& source, const 
     DataBaseClientPrivate::check_argument(name, "GridFS file name");
     if (options.chunkSize == 0 || options.chunkSize > largestChunk)
         throw std::invalid_argument("Chunk size is out of range");
-    OutgoingBson(options.metadata, "Bad properties");
+    const OutgoingBson checked(options.metadata, "Bad properties"); // throws before anything is sent
     return relabelled(uploadFailed, [&] {
         d->createIndexes();
         return Upload(d->files(), d->chunks(), d->writeConcern(), options).run(name, source);

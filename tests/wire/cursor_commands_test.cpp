@@ -317,7 +317,7 @@ TEST_F(CursorCommand, KilledOnTheServerIsNotFoundAfterTheDocumentsBefore)
 TEST_F(CursorCommand, ThrowsForAMalformedDocumentAndGoesOnWithTheNext)
 {
     gateway().inject(Fault::changeReply([](Bytes& reply) {
-                         const std::string field("\x02text", 6); // with the zero byte
+                         const std::string field("\x02text\0", 6);
                          const auto found = std::search(reply.begin(), reply.end(), field.begin(), field.end());
                          if (found != reply.end())
                              *found = 0x7e; // no type of BSON
