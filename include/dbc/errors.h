@@ -114,7 +114,7 @@ public:
     /// with another write, or a label of the server that says so. The failed operation may have taken effect all the
     /// same: repeat an insert only with an "_id" of your own, and an update only if it can be applied twice.
     bool mayRetry() const noexcept;
-    /// All of it, for an error of one's own around this one.
+    /// All of it, for an exception of the caller that contains this one.
     const ErrorDetails& details() const noexcept;
 
 private:

@@ -134,13 +134,14 @@ public:
     /// The files whose records match: list({{"metadata.owner", "ada"}}). @throws ServerError "Listing files failed..."
     std::vector<FileInfo> list(const DocumentRef& filter = {}, const ListOptions& options = {});
 
-    /// Removes the file with this "_id"; false if there is none. @throws ServerError "Removing the file failed..."
+    /// Removes the file with this "_id"; returns false if it does not exist. @throws ServerError "Removing the file
+    /// failed..."
     bool removeById(const Value& id);
     /// Removes every file of this name, upper and lower case being different, and returns their number.
     /// @throws ServerError "Removing the file failed..."; files removed before stay removed
     std::size_t remove(const std::string& name);
-    /// Gives the file with this "_id" a new name; false if there is none. @throws ServerError "Renaming the file
-    /// failed..."
+    /// Gives the file with this "_id" a new name; returns false if it does not exist. @throws ServerError "Renaming the
+    /// file failed..."
     bool rename(const Value& id, const std::string& newName);
 
 private:

@@ -181,7 +181,7 @@ inline std::string finalFileName(const std::string& storedName)
 
 namespace detail {
 
-/// The "_id" and "length" of a document that matches; no document if there is none.
+/// The "_id" and "length" of a document that matches; an empty result if no document matches.
 inline Results findOne(DataBaseClient& client, const std::string& database, const std::string& collection,
                        const ObjectProperties& query)
 {

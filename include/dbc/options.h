@@ -26,9 +26,9 @@ struct WriteConcern
 enum class ReadPreference
 {
     Primary,            ///< The primary.
-    PrimaryPreferred,   ///< The primary; a secondary if there is none.
+    PrimaryPreferred,   ///< The primary; a secondary if it cannot be reached.
     Secondary,          ///< A secondary.
-    SecondaryPreferred, ///< A secondary; the primary if there is none.
+    SecondaryPreferred, ///< A secondary; the primary if no secondary can be reached.
     Nearest             ///< The one with the shortest way.
 };
 

@@ -372,7 +372,7 @@ public:
     /// A string literal as the fallback reads a string.
     std::string getOr(std::string_view path, const char* fallback) const { return getOr<std::string>(path, fallback); }
 
-    /// The first field with this key, taken literally; null if there is none or this is no object.
+    /// The first field with this key, taken literally; null if it does not exist or this is not an object.
     /// Takes time in proportion to the number of fields, but about constant time in an object of many fields that is
     /// searched often.
     DATABASE_CLIENT_API const Value* find(std::string_view key) const noexcept;
@@ -387,9 +387,9 @@ public:
     Value* findPath(std::string_view path) noexcept { return const_cast<Value*>(std::as_const(*this).findPath(path)); }
     /// Whether there is a field with this key.
     bool contains(std::string_view key) const noexcept { return find(key) != nullptr; }
-    /// The first field with this key. @throws std::out_of_range if there is none
+    /// The first field with this key. @throws std::out_of_range if it does not exist
     DATABASE_CLIENT_API const Value& at(std::string_view key) const;
-    /// The element of an array, or the value of the field, at @p index. @throws std::out_of_range if there is none
+    /// The element of an array, or the value of the field, at @p index. @throws std::out_of_range if it does not exist
     DATABASE_CLIENT_API const Value& at(std::size_t index) const;
     Value& at(std::string_view key) { return const_cast<Value&>(std::as_const(*this).at(key)); } ///< As above.
     Value& at(std::size_t index) { return const_cast<Value&>(std::as_const(*this).at(index)); }  ///< As above.
@@ -425,7 +425,7 @@ public:
     DATABASE_CLIENT_API Value& push(Value value);
     /// Removes every field with this key and returns their number.
     DATABASE_CLIENT_API std::size_t remove(std::string_view key);
-    /// Removes the field or element at @p index. @throws std::out_of_range if there is none
+    /// Removes the field or element at @p index. @throws std::out_of_range if it does not exist
     DATABASE_CLIENT_API void removeAt(std::size_t index);
     /// Removes all fields or elements.
     DATABASE_CLIENT_API void clear();
