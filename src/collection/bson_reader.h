@@ -9,11 +9,11 @@
 /// Fields of a reply by their dotted path. A field of another type counts as missing.
 namespace dbc {
 
-/// The string at @p path; empty if there is none.
+/// The string at @p path; empty if it does not exist.
 std::string textField(const bson_t* bson, const char* path);
 /// The strings of the array at @p path.
 std::vector<std::string> textListField(const bson_t* bson, const char* path);
-/// The number at @p path, of any numeric type; 0 if there is none.
+/// The number at @p path, of any numeric type; 0 if it does not exist.
 std::int64_t numberField(const bson_t* bson, const char* path);
 /// Positions @p iter at @p path; false if there is no such field.
 bool findField(const bson_t* bson, const char* path, bson_iter_t* iter);

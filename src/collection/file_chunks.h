@@ -30,7 +30,7 @@ public:
     const FileInfo& info() const noexcept { return m_info; }
     std::uint64_t position() const noexcept { return m_position; }
 
-    /// The next piece starts at @p position, or there is none if that is not in the file.
+    /// The next piece starts at @p position. Beyond the end of the file, the next piece is empty.
     void seek(std::uint64_t position);
     /// What is left of the next chunk, up to @p end; without bytes at @p end and at the end of the file. Valid until
     /// the next call. @throws ServerError "Download failed...", also for a chunk that is missing or has a wrong length

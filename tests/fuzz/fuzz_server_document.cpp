@@ -1,5 +1,5 @@
-// Bytes as documents that go to a server or come from one: what is sent is what was given, with an "_id" in front if
-// there was none; the record of a stored file and the reply with an error are read, or refused with the error that the
+// Bytes as documents that go to a server or come from one. A document is sent unchanged, with an "_id" in front if it
+// has no "_id". The record of a stored file and a reply with an error are read, or rejected with the error that the
 // caller expects.
 
 #include "collection/driver_error.h"

@@ -5,7 +5,7 @@
 namespace test_support {
 namespace {
 
-/// The text at a dotted path; empty if there is none.
+/// The string at a dotted path; empty if it does not exist.
 std::string textAt(const bson_t* document, const char* path)
 {
     bson_iter_t iter;

@@ -29,7 +29,7 @@ protected:
         all.insert(all.end(), more.begin(), more.end());
         return all;
     }
-    // What stands behind the word to the end of the messages.
+    // The rest of the messages after the word.
     static std::string behind(const std::string& messages, const std::string& word)
     {
         const std::size_t place = messages.find(word);

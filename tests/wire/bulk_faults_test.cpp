@@ -1,5 +1,4 @@
-// A bulk write that goes wrong in the middle: which part the caller is told of, what is stored, and what happens to the
-// rest.
+// A bulk write that fails in the middle: which results the exception has, what is stored, and what happens to the rest.
 
 #include "connected_client.h"
 
