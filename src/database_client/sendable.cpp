@@ -20,6 +20,20 @@ struct OpenDocument
     bson_iter_t iter;
 };
 
+// Whether the value at @p iter is a document with fields of its own; @p nested is then before the first of them.
+bool enter(const bson_iter_t& iter, bson_iter_t& nested)
+{
+    if (BSON_ITER_HOLDS_DOCUMENT(&iter) || BSON_ITER_HOLDS_ARRAY(&iter))
+        return bson_iter_recurse(&iter, &nested);
+    if (!BSON_ITER_HOLDS_CODEWSCOPE(&iter))
+        return false;
+    std::uint32_t codeLength = 0;
+    std::uint32_t scopeLength = 0;
+    const std::uint8_t* scope = nullptr;
+    bson_iter_codewscope(&iter, &codeLength, &scopeLength, &scope);
+    return bson_iter_init_from_data(&nested, scope, scopeLength);
+}
+
 } // namespace
 
 bool appendSendable(const ObjectProperties& document, bson_t* bson)
@@ -41,8 +55,7 @@ bool canBeSent(const bson_t* bson)
         bson_iter_t& innermost = open.top().iter;
         if (!bson_iter_next(&innermost))
             open.pop();
-        else if ((BSON_ITER_HOLDS_DOCUMENT(&innermost) || BSON_ITER_HOLDS_ARRAY(&innermost)) &&
-                 bson_iter_recurse(&innermost, &next.iter))
+        else if (enter(innermost, next.iter))
         {
             if (open.size() > deepestNesting)
                 return false;

@@ -314,6 +314,23 @@ TEST_F(RefusedDocument, BytesAreMeasuredAlike)
     }
 }
 
+// The driver's validation calls itself for these documents too.
+TEST_F(RefusedDocument, ScopesOfCodeCountAsLevels)
+{
+    for (const int levels : {1, 1000, 1001, 5000})
+    {
+        test_support::OwnedBson bson;
+        for (int level = 0; level < levels; ++level)
+        {
+            test_support::OwnedBson outer;
+            BSON_APPEND_CODE_WITH_SCOPE(outer.get(), "", "", bson.get());
+            bson_destroy(bson.get());
+            bson_copy_to(outer.get(), bson.get());
+        }
+        EXPECT_EQ(canBeSent(bson.get()), levels <= 1000) << levels << " levels";
+    }
+}
+
 TEST_F(RefusedDocument, WideAndLongDocumentsOfLittleDepthGoToTheDriver)
 {
     ObjectProperties document;
