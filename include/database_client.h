@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// The client: documents, users and files of a MongoDB server.
+/// The client: documents, users and GridFS files of a MongoDB server.
 
 #include "database_client_export.h"
 
@@ -21,15 +21,15 @@ class ClientAccess;
 enum UpdateFlag : int
 {
     UpdateFlagNone = 0,       ///< The first match.
-    UpdateFlagUpsert = 1,     ///< The first match; without one a new document is inserted.
+    UpdateFlagUpsert = 1,     ///< The first match. Inserts a new document if there is no match.
     UpdateFlagMultiUpdate = 2 ///< Every match.
 };
 
-/// Operator of an update. The numbers are part of the library's interface.
+/// Update operator. The numbers are part of the library's interface.
 enum UpdateCommand : int
 {
-    UpdateCommandUndefined = 0, ///< Refused: "Uncknown command".
-    UpdateCommandReplace = 1,   ///< No operator: the document replaces the match, or holds the operators itself.
+    UpdateCommandUndefined = 0, ///< Throws std::invalid_argument "Uncknown command".
+    UpdateCommandReplace = 1,   ///< No operator: the document replaces the match, or contains the operators itself.
     UpdateCommandRename = 2,    ///< "$rename"
     UpdateCommandSet = 3,       ///< "$set"
     UpdateCommandUnset = 4,     ///< "$unset"
@@ -40,33 +40,34 @@ enum UpdateCommand : int
     UpdateCommandPush = 9       ///< "$push"
 };
 
-/// Splits "database.collection" at its first dot. Without a dot both are the whole name: callers depend on it.
-/// @param database    replaced by the text before the dot
-/// @param collection  replaced by the text after it, further dots included
+/// Splits "database.collection" at the first dot. Without a dot, both results are the whole name: callers depend on it.
+/// @param database    set to the part before the dot
+/// @param collection  set to the part after the dot, which may contain more dots
 DATABASE_CLIENT_API void parseOldCollectionName(const std::string& fullName, std::string& database,
                                                 std::string& collection);
 
-/// A client of one server. It starts no thread, keeps no state but its connection, and reports every failure by an
-/// exception that carries only a text:
+/// A client of one server. It starts no thread. Its only state is the connection. It reports every failure by an
+/// exception that has only a text:
 /// - `std::invalid_argument`: "Connection is not established. Run connect before"; "<name> is empty" for a required
-///   name; a document of more than 1,000 nested levels; an enumerator out of range. Nothing was sent.
-/// - `std::runtime_error`: a failure that the driver or the server reports, as
-///   "<message>: <driver text>(code: <code>)", the driver's text and the code left out where there is none.
+///   name; a document of more than 1,000 nested levels; an enumerator out of range. Nothing was sent to the server.
+/// - `std::runtime_error`: an error of the driver or the server, as "<message>: <driver text>(code: <code>)". The
+///   driver's text and the code are left out if the error has none.
 ///
-/// Checks run in this order: the connection, each required name, the documents, the driver call. A failed operation
-/// leaves the client connected and usable.
+/// Every operation first checks the connection, then each required name, then the documents. A failed operation leaves
+/// the client connected and usable.
 ///
-/// Depth: every operation refuses a document, query, projection, pipeline, roles or custom data of more than 1,000
-/// levels of groups and arrays, with the text of that parameter ("Bad properties" and so on). The driver reads
-/// documents by recursion, so deeper ones could exhaust the stack. libmongoc 1.30 and later refuse most documents of
-/// more than 500 levels with an error of their own, a `std::runtime_error`. MongoDB itself takes 100.
+/// Depth limit: every operation throws for a document, query, projection, pipeline, roles or custom data of more than
+/// 1,000 nested groups and arrays. The text is that of the parameter, such as "Bad properties". The driver reads
+/// documents recursively, so deeper ones could exhaust the stack. libmongoc 1.30 and later reject most documents of
+/// more than 500 levels with an error of their own, a `std::runtime_error`. MongoDB itself accepts 100 levels.
 ///
-/// One thread at a time, each client. The first client, and the first instance() call, come before other threads use
-/// the library.
+/// A client is not thread-safe; different clients can be used in different threads. Create the first client, and call
+/// instance() for the first time, before other threads use the library.
+/// @since 1.0
 class DATABASE_CLIENT_API DataBaseClient
 {
 public:
-    /// An unconnected client. The first one of the process starts the driver.
+    /// Creates an unconnected client. The first client of a process initializes the driver.
     DataBaseClient();
     DataBaseClient(const DataBaseClient&) = delete;
     DataBaseClient& operator=(const DataBaseClient&) = delete;
@@ -76,137 +77,135 @@ public:
     /// Disconnects.
     virtual ~DataBaseClient();
 
-    /// Connects with uri() of these arguments; calls the virtual connect(uri). Mind the order: the database comes
-    /// first.
+    /// Connects with uri() of these arguments, by the virtual connect(uri). The database is the first parameter here,
+    /// and the last one of uri().
     /// @throws std::runtime_error "Connection failed"
     virtual void connect(const std::string& database, const std::string& host, const int& port, const std::string& user,
                          const std::string& password);
-    /// Takes a connection string, dropping an older connection first. Nothing is sent: a server that cannot be reached
-    /// shows at the first operation.
-    /// @throws std::runtime_error "Connection failed" when the text is not a connection string; the client is then
-    ///         disconnected
+    /// Drops the old connection and sets a new connection string. Sends nothing: an unreachable server causes an
+    /// exception in the first operation.
+    /// @throws std::runtime_error "Connection failed" if the connection string is invalid; the client is disconnected
+    ///                            then
     virtual void connect(const std::string& uri);
-    /// Drops the connection, if there is one.
+    /// Drops the connection. Does nothing if there is none.
     virtual void disconnect();
-    /// Whether connect() has succeeded since the last disconnect(). Asks no server.
+    /// True if connect() has succeeded since the last disconnect(). Sends nothing.
     virtual bool isConnected() const;
-    /// Inserts a document; the id is thrown away. Calls the virtual four-argument write.
+    /// Inserts a document by the virtual overload below, and drops the id.
     virtual void write(const std::string& database, const std::string& collection, const ObjectProperties& document);
-    /// Inserts a document with a new "_id", appended whether or not the document holds one already: callers depend on
-    /// it.
-    /// @param id  replaced by the new id, 24 hexadecimal digits; set before the insert, so also when that fails
+    /// Inserts a document. Always appends a new "_id", also if the document already has one: callers depend on it.
+    /// @param id  set to the new id, 24 hexadecimal digits, before the insert; so it is also set after a failure
     /// @throws std::invalid_argument  no connection; an empty name; "Bad properties": more than 1,000 levels
     /// @throws std::runtime_error     "Error occurred while insert operation..."
     virtual void write(const std::string& database, const std::string& collection, const ObjectProperties& document,
                        std::string& id);
-    /// Changes the documents that match @p query.
+    /// Updates the documents that match @p query.
     /// @param document  operand of the operator @p command
-    /// @throws std::invalid_argument  no connection; an empty name; "Uncknown command", "Uncknown update flag",
-    ///                                "Bad properties" (@p document) or "Bad condition" (@p query): more than 1,000
-    ///                                levels
+    /// @throws std::invalid_argument  no connection; an empty name; "Uncknown command"; "Uncknown update flag"; "Bad
+    ///                                properties" (@p document) or "Bad condition" (@p query): more than 1,000 levels
     /// @throws std::runtime_error     "Error creating update document."; "Updating failed..."
     virtual void update(const std::string& database, const std::string& collection, const ObjectProperties& query,
                         const ObjectProperties& document, const UpdateFlag& flag, const UpdateCommand& command);
-    /// Appends every match to @p results. Calls the virtual find without projection, limit and skip.
+    /// Appends all matches to @p results, by the virtual find() without projection, limit and skip.
     virtual void read(const std::string& database, const std::string& collection, const ObjectProperties& query,
                       std::list<ObjectProperties*>& results);
-    /// Appends the documents that match @p query to @p results.
-    /// @param query       also the form {"$query": {...}, "$orderby": {...}}
-    /// @param projection  fields to return; an empty document returns them all
-    /// @param results     extended at its end, never cleared; the caller deletes each element
-    /// @param limit       most documents to return; 0 is no limit
-    /// @param skip        matching documents to pass over first
+    /// Appends the documents that match @p query to @p results. Documents without fields are left out.
+    /// @param query       a filter, or {"$query": {...}, "$orderby": {...}}
+    /// @param projection  fields to return; an empty document returns all fields
+    /// @param results     appended to, never cleared; the caller deletes the elements
+    /// @param limit       maximum number of documents; 0 means no limit
+    /// @param skip        number of matches to skip
     /// @throws std::invalid_argument  no connection; an empty name; "Bad condition": more than 1,000 levels, or a
-    ///                                "$query" that is not a document; "Bad propjection": more than 1,000 levels;
-    ///                                "Bad results": a document from the server is not valid BSON
-    /// @throws std::runtime_error     "Find error...."; what arrived before stays in @p results
-    /// @note Documents without fields are left out.
+    ///                                "$query" that is not a document; "Bad propjection": more than 1,000 levels; "Bad
+    ///                                results": the server sent a document that is not valid BSON
+    /// @throws std::runtime_error     "Find error...."; documents received so far stay in @p results
     virtual void find(const std::string& database, const std::string& collection, const ObjectProperties& query,
                       const ObjectProperties& projection, std::list<ObjectProperties*>& results, int limit, int skip);
-    /// Runs an aggregation; results as by find().
-    /// @param pipeline  {"pipeline": [...]}, or a document whose keys are 0, 1, 2 and whose members are the stages
+    /// Runs an aggregation and appends the resulting documents to @p results, as find() does.
+    /// @param pipeline  {"pipeline": [...]}, or a document with the keys 0, 1, 2 ... whose values are the stages
     /// @throws std::invalid_argument  no connection; an empty name; "Bad pipeline": more than 1,000 levels; "Bad
-    ///                                results": a document from the server is not valid BSON
-    /// @throws std::runtime_error     "Aggregation error...."; what arrived before stays in @p results
+    ///                                results": the server sent a document that is not valid BSON
+    /// @throws std::runtime_error     "Aggregation error...."; documents received so far stay in @p results
     virtual void aggregate(const std::string& database, const std::string& collection, const ObjectProperties& pipeline,
                            std::list<ObjectProperties*>& results);
-    /// Deletes every document that matches @p query.
+    /// Removes every document that matches @p query.
     /// @throws std::invalid_argument  no connection; an empty name; "Bad condition": more than 1,000 levels
     /// @throws std::runtime_error     "Error occurred while remove operation..."
     virtual void remove(const std::string& database, const std::string& collection, const ObjectProperties& query);
-    /// Replaces @p name by the database of the connection string; by an empty text when there is none, or no
-    /// connection.
+    /// Sets @p name to the database of the connection string. Sets it to the empty string if the connection string has
+    /// none, or if there is no connection.
     virtual void getDatabaseName(std::string& name);
-    /// A new object id, 24 lower-case hexadecimal digits. Needs no connection.
+    /// Returns a new object id of 24 lower-case hexadecimal digits. Needs no connection.
     virtual std::string createId() const;
     /// Creates a user of @p database.
-    /// @param password    an empty one is left out of the command
-    /// @param roles       array-shaped: keys 0, 1, 2 ...
-    /// @param customData  kept by the server with the user
+    /// @param password    left out of the command if empty
+    /// @param roles       an array in the form of a document with the keys 0, 1, 2 ...
+    /// @param customData  stored by the server with the user
     /// @throws std::invalid_argument  no connection; an empty name; "Bad roles." or "Bad custom data": more than 1,000
     ///                                levels
     /// @throws std::runtime_error     "Error occurred while adding user..."
     virtual void addUser(const std::string& database, std::string user, const std::string& password,
                          const ObjectProperties& roles, const ObjectProperties& customData);
-    /// Replaces roles and custom data of a user, both also when empty. The password stays.
+    /// Replaces the roles and the custom data of a user, also by empty ones. Does not change the password.
     /// @throws std::invalid_argument  no connection; an empty name; "Bad roles." or "Bad custom data": more than 1,000
     ///                                levels
     /// @throws std::runtime_error     "Error occurred while updating user..."
     virtual void updateUser(const std::string& database, std::string user, const ObjectProperties& roles,
                             const ObjectProperties& customData);
-    /// Gives a user a new password.
+    /// Changes the password of a user.
     /// @throws std::invalid_argument  no connection; an empty name or password
     /// @throws std::runtime_error     "Error occurred while changing password..."
     virtual void changeUserPassword(const std::string& database, std::string user, const std::string& password);
-    /// Deletes a user.
+    /// Removes a user.
     /// @throws std::invalid_argument  no connection; an empty name
     /// @throws std::runtime_error     "Error occurred while removing user..."
     virtual void removeUser(const std::string& database, std::string user);
-    /// Writes the content of a stored file to @p stream, at its write position. Needs 4096 bytes, whatever the file's
-    /// size. The stream's state is not examined.
-    /// @param gridFsCollection  prefix of the store's two collections
+    /// Writes the content of a stored file to @p stream at its write position. Uses a buffer of 4096 bytes for any file
+    /// size. Does not check the state of the stream.
+    /// @param gridFsCollection  prefix of the two GridFS collections
     /// @throws std::invalid_argument  no connection; an empty name
     /// @throws std::runtime_error     "Error: iostream is not initialized"; "Error occurred while <driver call>
-    ///                                operation..."; what was read before is in the stream
+    ///                                operation..."; bytes read so far are in the stream
     virtual void readFile(const std::string& database, const std::string& gridFsCollection, const std::string& fileName,
                           std::iostream* stream);
-    /// Stores a local file. A stored file of the same name stays beside it.
+    /// Stores a local file. Does not replace a stored file with the same name.
     ///
-    /// The file has its name from the first chunk of 255 KiB on, and its length grows with each further one. If the
-    /// upload fails or the process ends in the middle, a file of this name stays that is too short, but reads without
-    /// an error. dbc::writeFile() of dbc/files.h gives the name only when everything is stored.
+    /// The file is visible under its name from the first chunk of 255 KiB on, and its length grows with each chunk. If
+    /// the upload fails or the process ends, an incomplete file stays. It can be read without an error.
+    /// dbc::writeFile() of dbc/files.h sets the name only after all bytes are stored.
     /// @throws std::invalid_argument  no connection; an empty name
     /// @throws std::runtime_error     "Error occurred while <driver call> operation..."
     virtual void writeFile(const std::string& database, const std::string& gridFsCollection,
                            const std::string& fileName, const std::string& inputFilePath);
-    /// Appends the names of all stored files, ascending; files without a name are left out.
+    /// Appends the names of all stored files to @p names, in ascending order. Files without a name are left out.
     /// @throws std::invalid_argument  no connection; an empty name
-    /// @throws std::runtime_error     "Error occurred while list gridFS files operation..."; names appended before stay
+    /// @throws std::runtime_error     "Error occurred while list gridFS files operation..."; names appended so far stay
     virtual void listFiles(const std::string& database, const std::string& gridFsCollection,
                            std::list<std::string>& names);
-    /// Deletes every stored file of this name, upper and lower case taken as equal: callers depend on it. Without a
-    /// match nothing happens.
+    /// Removes every stored file with this name. The comparison ignores case: callers depend on it. Does nothing if
+    /// there is no such file.
     /// @throws std::invalid_argument  no connection; an empty name
-    /// @throws std::runtime_error     "Error occurred while remove gridFS file operation..."; files removed before stay
+    /// @throws std::runtime_error     "Error occurred while remove gridFS file operation..."; files removed so far stay
     ///                                removed
     virtual void removeFile(const std::string& database, const std::string& gridFsCollection,
                             const std::string& fileName);
-    /// Connects with uri() of host and port; calls the virtual connect(uri).
+    /// Connects with uri() of host and port, by the virtual connect(uri).
     virtual void connect(const std::string& host, int port);
-    /// read() with the names that parseOldCollectionName() gives.
+    /// The same as read() with the two names that parseOldCollectionName() returns.
     virtual void read(const std::string& fullCollectionName, const ObjectProperties& query,
                       std::list<ObjectProperties*>& results);
-    /// write() with the names that parseOldCollectionName() gives.
+    /// The same as write() with the two names that parseOldCollectionName() returns.
     virtual void write(const std::string& fullCollectionName, const ObjectProperties& document);
-    /// remove() with the names that parseOldCollectionName() gives.
+    /// The same as remove() with the two names that parseOldCollectionName() returns.
     virtual void remove(const std::string& fullCollectionName, const ObjectProperties& query);
 
-    // Beside the closed table: static.
+    // Static, so not part of the closed table.
 
-    /// The client shared by the whole process, made at the first call and ended at exit. Never delete it.
+    /// Returns the client that the whole process shares. It is created by the first call and destroyed at exit. Do not
+    /// delete it.
     static DataBaseClient* instance();
-    /// "mongodb://", "user:password@" when both are given, "host:port/database". Nothing is escaped: characters that
-    /// are reserved in a connection string must be percent-encoded by the caller.
+    /// Returns "mongodb://", "user:password@" if both are set, and "host:port/database". Does not escape anything: the
+    /// caller must percent-encode characters that are reserved in a connection string.
     static std::string uri(const std::string& host, const int& port, const std::string& user,
                            const std::string& password, const std::string& database);
 

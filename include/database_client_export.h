@@ -1,9 +1,9 @@
 #pragma once
 
 /// @file
-/// Marks what the library exports. Everything else is compiled with hidden visibility.
+/// Macros for the visibility of symbols. The library is compiled with hidden visibility.
 
-/// Goes before the name of a class or function that programs may use.
+/// Exports a class or function. Goes before its name.
 #define DATABASE_CLIENT_API __attribute__((visibility("default")))
-/// Goes before a private member function, which no program can call: it may change in every version.
+/// Hides a private member function of an exported class. Programs cannot call it, so it may change in every version.
 #define DATABASE_CLIENT_LOCAL __attribute__((visibility("hidden")))

@@ -11,13 +11,13 @@ class ObjectProperties;
 
 extern "C"
 {
-    /// A new, unconnected client. The caller deletes it, before the process exits.
+    /// Creates an unconnected client. The caller deletes it before the process exits.
     /// @throws std::bad_alloc
     DATABASE_CLIENT_API DataBaseClient* createDataBaseClient();
-    /// A new, empty document. The caller deletes it.
+    /// Creates an empty document. The caller deletes it.
     /// @throws std::bad_alloc
     DATABASE_CLIENT_API ObjectProperties* createObjectProperties();
-    /// A new, empty filter. The caller deletes it.
+    /// Creates an empty filter. The caller deletes it.
     /// @throws std::bad_alloc
     DATABASE_CLIENT_API ObjectFilter* createObjectFilter();
 }

@@ -1,7 +1,8 @@
 #pragma once
 
 /// @file
-/// JSON text to document. Plain JSON and the extended forms "$oid", "$date", "$regex", "$binary" and so on.
+/// Converts JSON text to a document. Reads plain JSON and the extended forms "$oid", "$date", "$regex", "$binary" and
+/// so on.
 
 #include "database_client_export.h"
 
@@ -9,14 +10,15 @@
 
 class ObjectProperties;
 
-/// Reads JSON text into a document by way of BSON; the fields are added at the document's cursor. Stateless.
+/// Converts JSON text to BSON and the BSON to a document. The fields are added at the document's cursor. Stateless.
+/// @since 1.0
 class DATABASE_CLIENT_API JsonToProperties
 {
 public:
     /// Reads @p json up to its first zero byte.
-    /// @return false, and nothing done, when @p properties is null or the text is not valid JSON; otherwise true
+    /// @return false if @p properties is null or the text is not valid JSON; nothing is done then. Otherwise true
     /// @throws std::bad_alloc
     static bool convert(const std::string& json, ObjectProperties* properties);
-    /// The same without the test for null.
+    /// The same as convert(), without the null check.
     static bool json_to_properties(const std::string& json, ObjectProperties* properties);
 };

@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// Builds a server query document call by call.
+/// Builds a query, one condition per call.
 
 #include "database_client_export.h"
 #include "object_properties.h"
@@ -11,7 +11,7 @@
 
 class ObjectFilterPrivate;
 
-/// Comparison of a condition. The numbers are part of the library's interface.
+/// Comparison operator of a condition. The numbers are part of the library's interface.
 enum OperationType : int
 {
     OperationTypeEqual = 0,          ///< {key: value}
@@ -22,29 +22,31 @@ enum OperationType : int
     OperationTypeLessOrEqual = 5,    ///< {key: {"$lte": value}}
     OperationTypeExists = 6,         ///< {key: {"$exists": true}}; the value is ignored
     OperationTypeNotExists = 7,      ///< {key: {"$exists": false}}; the value is ignored
-    OperationTypeRegex = 8,          ///< {key: {"$regex": value}}, texts with "$options" when options are given
-    OperationTypeUnknown = 9         ///< {key: {"": value}}, like every number above
+    OperationTypeRegex = 8,          ///< {key: {"$regex": value}}; for strings with "$options" if options are set
+    OperationTypeUnknown = 9         ///< {key: {"": value}}; the same for every greater number
 };
 
-/// A query under construction: one call per condition, "$and" and "$or" lists opened and closed like brackets. The
-/// result, toObjectProeprties(), is an ordinary document for DataBaseClient.
+/// Builds a query: one call per condition, with "$and" and "$or" lists that are opened and closed like brackets.
+/// toObjectProeprties() returns the query as a document for DataBaseClient.
 ///
-/// Inside an open list every condition is an element of its own; outside, conditions on one key merge, and so do two
-/// "$and" or two "$or" lists. At most 100 lists are open at once: further ones are counted, so that their ends pair up,
-/// and otherwise ignored, conditions going into the hundredth.
+/// In an open list, every condition is an element of its own. Outside a list, conditions on one key are merged; so are
+/// two "$and" lists and two "$or" lists. At most 100 lists can be open. Beyond 100, start calls are only counted, so
+/// that finish calls still match. Conditions then go into the 100th list.
 ///
-/// Keys are those of ObjectProperties: use one segment. "a.b" is a field inside a field as the server reads it, while
-/// "a/b" is a path whose groups a condition leaves by one level only, and an empty key is the whole query, which a
-/// value replaces: callers depend on both.
+/// Keys are those of ObjectProperties. Use one segment:
+/// - "a.b" is a nested field for the server.
+/// - "a/b" is a path of groups. A condition enters each group, but leaves only the last one. Callers depend on it.
+/// - The empty key is the whole query. A value replaces the query. Callers depend on it.
 ///
-/// One thread at a time. Nothing here throws but `std::bad_alloc`; a filter that threw is incomplete and can only be
-/// assigned to or destroyed.
+/// Not thread-safe. Throws only `std::bad_alloc`. A filter whose function has thrown is incomplete: only assign to it
+/// or destroy it.
+/// @since 1.0
 class DATABASE_CLIENT_API ObjectFilter
 {
 public:
-    /// An empty filter without open lists.
+    /// Creates an empty filter without open lists.
     ObjectFilter();
-    /// A full copy: it goes on in the innermost list that @p other has open, without open lists at the top level.
+    /// Copies the query. New conditions go into the innermost list that is open in @p other, or to the top level.
     ObjectFilter(const ObjectFilter& other);
 
     // Slot order is part of the library's interface and closed.
@@ -53,22 +55,22 @@ public:
 
     /// Opens an "$and" list.
     virtual void start_and();
-    /// Closes the innermost list, of either kind: callers depend on it. Does nothing when none is open.
+    /// Closes the innermost list, also if it is an "$or" list: callers depend on it. Does nothing if no list is open.
     virtual void finish_and();
     /// Opens an "$or" list.
     virtual void start_or();
     /// The same as finish_and().
     virtual void finish_or();
-    /// Puts the following conditions inside a sub-document; no part of the lists.
+    /// Puts the following conditions into a sub-document. Does not affect the lists.
     virtual void beginGroup(const std::string& key);
     /// Ends the innermost beginGroup().
     virtual void endGroup();
     /// @name Conditions
-    /// What each adds to the query is told at OperationType.
+    /// OperationType lists what each operator adds to the query.
     /// @{
 
-    /// Adds a condition: the value under @p key compares with @p value as @p operation says.
-    /// For texts also options of a regular expression, such as "i", ignored unless @p operation is OperationTypeRegex.
+    /// Adds a condition that compares the value of @p key with @p value. Strings also have @p options, the options of a
+    /// regular expression, such as "i". They are ignored unless @p operation is OperationTypeRegex.
     virtual void setFilterString(OperationType operation, const std::string& key, const std::string& value,
                                  const std::string& options);
     virtual void setFilterBool(OperationType operation, const std::string& key, const bool& value);
@@ -81,25 +83,26 @@ public:
     virtual void setFilterId(OperationType operation, const std::string& key, const std::string& value);
     /// @}
 
-    /// Adds the query of @p other as a new element of the innermost list; without an open list it replaces this query.
+    /// Adds the query of @p other as an element of the innermost list. Without an open list, it replaces this query.
     virtual void include(const ObjectFilter& other);
-    /// Moves what stands under @p key, if anything, into @p target, whose query and open lists are lost in any case.
+    /// Moves the conditions at @p key, if any, to @p target. The old query and the open lists of @p target are always
+    /// lost.
     virtual void exclude(const std::string& key, ObjectFilter& target);
-    /// Whether the query holds nothing yet; an open list counts as something.
+    /// True if the query is empty. A query with an open list is not empty.
     virtual bool isEmpty() const;
-    /// A copy of the query as it stands, also while lists are open. The misspelling is part of the interface.
+    /// Returns a copy of the query, also while lists are open. The misspelled name is part of the interface.
     virtual ObjectProperties toObjectProeprties() const;
-    /// Takes over a query and goes on at its top level. Lists that are open still wait for their end: use a filter
-    /// without any.
+    /// Replaces the query. New conditions go to its top level. Lists that were open stay open: call this only on a
+    /// filter without open lists.
     virtual void fromObjectProperties(const ObjectProperties& properties);
-    /// Like the copy constructor. Assigning a filter to itself changes nothing.
+    /// Copies the query as the copy constructor does. Self-assignment changes nothing.
     virtual ObjectFilter& operator=(const ObjectFilter& other);
 
-    // Beside the closed table: not virtual.
+    // Not virtual, so not part of the closed table.
 
-    /// Adds the condition {key: operators}, for operators that have no call of their own. Outside a list it merges with
-    /// other conditions on the key. With the empty key the members of @p operators stand in the place of a condition
-    /// themselves, as "$nor" does.
+    /// Adds the condition {key: operators}, for operators without a function of their own. Outside a list it is merged
+    /// with other conditions on the key. With the empty key, the fields of @p operators are added as conditions
+    /// themselves; use it for "$nor".
     void setFilterDocument(const std::string& key, const ObjectProperties& operators);
 
 private:

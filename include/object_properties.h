@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// The document: a tree of nodes under one root group, and a cursor that walks it.
+/// A document: a tree of nodes below one root group, and a cursor.
 
 #include "database_client_export.h"
 #include "property.h"
@@ -16,55 +16,57 @@
 
 class ObjectPropertiesPrivate;
 
-/// A document with a cursor. Keys are paths cut at "/"; an empty key or a leading "/" starts at the root, any other key
-/// at the cursor. A "." in a key is an ordinary character.
+/// A document with a cursor. Keys are paths with "/" between the segments. The empty key and keys with a leading "/"
+/// start at the root. All other keys start at the cursor. A "." in a key is an ordinary character.
 ///
-/// A document owns its nodes alone. One thread at a time: const navigation moves the cursor, and reading a missing key
-/// adds it. Nothing here throws but `std::bad_alloc`.
+/// A document does not share its nodes with other documents. Not thread-safe, not even for reading: const navigation
+/// moves the cursor, and a getter adds a missing key. Throws only `std::bad_alloc`.
+/// @since 1.0
 class DATABASE_CLIENT_API ObjectProperties
 {
 public:
-    /// An empty document, the cursor at the root.
+    /// Creates an empty document with the cursor at the root.
     ObjectProperties();
-    /// A deep copy. Its cursor is at the root, wherever that of @p other stands.
+    /// Copies the whole document. The cursor of the copy is at the root.
     ObjectProperties(const ObjectProperties& other);
-    /// Takes over nodes and cursor. @p other can then only be assigned to or destroyed.
+    /// Moves the nodes and the cursor. After that, only assign to @p other or destroy it.
     ObjectProperties(ObjectProperties&& other) noexcept;
 
     // Slot order is part of the library's interface and closed.
 
     virtual ~ObjectProperties();
 
-    /// Moves the cursor to the child at @p index of the current node; false, and no move, when there is none.
-    /// Takes time in proportion to @p index.
+    /// Moves the cursor to the child at @p index of the current node. Takes time proportional to @p index.
+    /// @return false if there is no such child; the cursor does not move then
     virtual bool beginObject(const int& index) const;
-    /// Moves the cursor to the parent of the current node; at the root it stays.
+    /// Moves the cursor to the parent of the current node. At the root the cursor does not move.
     virtual void endObject() const;
-    /// Number of children of the current node.
+    /// Returns the number of children of the current node.
     virtual std::size_t childCount() const;
-    /// Moves the cursor into an array, creating it if needed; on an array, into a new element. With the key of a group
-    /// the cursor goes to the root: callers depend on it. With the key of a value it stays where it was.
+    /// Moves the cursor to the array at @p key. A missing array is created. If the current node is an array, adds an
+    /// element. On a group the cursor moves to the root: callers depend on it. On a value the cursor does not move.
     virtual void beginArray(const std::string& key) const;
     /// The same as endObject().
     virtual void endArray() const;
-    /// Moves the cursor to the node of the key, creating a group if there is none; "" and "/" are the root. On an array
-    /// every call adds a group element, whatever the key. A node of another kind is entered as it is.
+    /// Moves the cursor to the node at @p key. A missing group is created. "" and "/" are the root. If the current node
+    /// is an array, every call adds a group element and ignores @p key. A node of any other type is entered as it is.
     virtual void beginGroup(const std::string& key);
-    /// The same as the non-const form: also on a const document the cursor moves and a missing group is created.
+    /// The same as the non-const overload. It also creates missing groups in a const document.
     virtual void beginGroup(const std::string& key) const;
     /// The same as endObject().
     virtual void endGroup() const;
-    /// Key of the current node, empty at the root.
+    /// Returns the key of the current node; empty at the root.
     virtual std::string group() const;
-    /// Keys of the current node's children that are neither group nor array, in key order.
+    /// Returns the keys of the children of the current node that are neither groups nor arrays, in key order.
     virtual std::list<std::string> childKeys() const;
-    /// Keys of the current node's children that are groups, in key order.
+    /// Returns the keys of the children of the current node that are groups, in key order.
     virtual std::list<std::string> childGroups() const;
-    /// Keys of the current node's children that are arrays, in key order.
+    /// Returns the keys of the children of the current node that are arrays, in key order.
     virtual std::list<std::string> childArrays() const;
-    /// Kind (PropertyType) of the node of the key; 0 when there is none, and for the empty key.
+    /// Returns the type (PropertyType) of the node at @p key. Returns 0 if there is no such node, and for the empty
+    /// key.
     virtual int type(const std::string& key) const;
-    /// Kind (PropertyType) of the current node.
+    /// Returns the type (PropertyType) of the current node.
     virtual int type() const;
     /// The same as group().
     virtual std::string key() const;
@@ -72,13 +74,13 @@ public:
     /// @name Setters at the cursor
     /// @{
 
-    /// Gives the current node the value and takes its children away.
+    /// Sets the value of the current node and removes its children.
     virtual void setValueString(const std::string& value);
     virtual void setValueBool(const bool& value);
     virtual void setValueInt32(const int& value);
     virtual void setValueInt64(const long& value);
-    virtual void setValueInt(const int& value);            ///< The same as setValueInt32(): kind Int32.
-    virtual void setValueLongLong(const long long& value); ///< The same as setValueInt64(): kind Int64.
+    virtual void setValueInt(const int& value);            ///< The same as setValueInt32(): type Int32.
+    virtual void setValueLongLong(const long long& value); ///< The same as setValueInt64(): type Int64.
     virtual void setValueDouble(const double& value);
     virtual void setValueTime(const long& value); ///< Sets a time, milliseconds since 1970-01-01 UTC.
     virtual void setValueId(const std::string& value);
@@ -90,7 +92,7 @@ public:
     /// @name Getters at the cursor
     /// @{
 
-    /// The value of the current node when that is of this very kind, otherwise the default. There is no conversion.
+    /// Returns the value of the current node if it has exactly this type, otherwise the default. Does not convert.
     virtual std::string currentValueAsString(const std::string& def) const;
     virtual bool currentValueAsBool(const bool& def) const;
     virtual int currentValueAsInt32(const int& def) const;
@@ -109,15 +111,15 @@ public:
     /// @name Setters by key
     /// @{
 
-    /// Gives the node of the key the value and takes its children away. Missing nodes are created; on an array every
+    /// Sets the value of the node at @p key and removes its children. Missing nodes are created. Below an array, every
     /// call adds an element.
     virtual void setValueString(const std::string& key, const std::string& value);
     virtual void setValueBool(const std::string& key, const bool& value);
     virtual void setValueInt32(const std::string& key, const int& value);
     virtual void setValueInt64(const std::string& key, const long& value);
-    /// The same as setValueInt32(): kind Int32.
+    /// The same as setValueInt32(): type Int32.
     virtual void setValueInt(const std::string& key, const int& value);
-    /// The same as setValueInt64(): kind Int64.
+    /// The same as setValueInt64(): type Int64.
     virtual void setValueLongLong(const std::string& key, const long long& value);
     virtual void setValueDouble(const std::string& key, const double& value);
     /// Sets a time, milliseconds since 1970-01-01 UTC.
@@ -131,8 +133,8 @@ public:
     /// @name Getters by key
     /// @{
 
-    /// The value of the node of the key when that is of this very kind, otherwise the default. Callers depend on it: a
-    /// missing key is added as a node of kind Undefined.
+    /// Returns the value of the node at @p key if it has exactly this type, otherwise the default. A missing key is
+    /// added as a node of type Undefined: callers depend on it.
     virtual std::string valueAsString(const std::string& key, const std::string& def) const;
     virtual bool valueAsBool(const std::string& key, const bool& def) const;
     virtual int valueAsInt32(const std::string& key, const int& def) const;
@@ -149,57 +151,57 @@ public:
 
     /// @}
 
-    /// Removes the first child of the anchor (root or cursor) whose key is exactly @p key, if there is one. The key is
-    /// no path here: callers depend on it.
+    /// Removes the first child of the root (with a leading "/") or of the current node whose key is exactly @p key.
+    /// Does nothing if there is no such child. The key is not a path here: callers depend on it.
     virtual void remove(const std::string& key);
-    /// Removes the current node's child at @p index, if there is one.
+    /// Removes the child at @p index of the current node. Does nothing if there is no such child.
     virtual void remove(const int& index);
-    /// Whether the key names a node; false for the empty key.
+    /// True if there is a node at @p key. False for the empty key.
     virtual bool contains(const std::string& key) const;
-    /// Whether the root has no child, wherever the cursor stands.
+    /// True if the root has no children.
     virtual bool isEmpty() const;
-    /// Makes the group at @p key, created if needed, a deep copy of @p other's root; what it held before is dropped.
+    /// Replaces the content of the group at @p key by a copy of the root of @p other. A missing group is created.
     virtual void include(const std::string& key, const ObjectProperties& other);
-    /// Moves the subtree at @p key out of this document; it becomes the whole content of @p other, whose cursor goes to
-    /// the root. With a key that names no node both documents stay as they are.
+    /// Moves the node at @p key and its descendants out of this document. They replace the content of @p other, whose
+    /// cursor moves to the root. If there is no node at @p key, both documents stay unchanged.
     virtual void exclude(const std::string& key, ObjectProperties& other);
-    /// Deep copy; the cursor goes to the root. Assigning a document to itself changes nothing but that.
+    /// Copies the whole document. The cursor moves to the root, also after self-assignment.
     virtual ObjectProperties& operator=(const ObjectProperties& other);
-    /// Takes over nodes and cursor. @p other can then only be assigned to or destroyed.
+    /// Moves the nodes and the cursor. After that, only assign to @p other or destroy it.
     virtual ObjectProperties& operator=(ObjectProperties&& other) noexcept;
 
-    // Beside the closed table: not virtual.
+    // Not virtual, so not part of the closed table.
 
-    /// Like include(), but with the cursor on an array always as a new element.
+    /// The same as include(), but if the current node is an array, always adds an element.
     void includeElement(const std::string& key, const ObjectProperties& other);
-    /// Deep copy; the cursor goes to the copy of the node where that of @p other stands, or to the root when that node
-    /// is no longer part of the document.
+    /// Copies the whole document. The cursor moves to the copy of the current node of @p other. It moves to the root if
+    /// that node is no longer in @p other.
     void copyWithCursor(const ObjectProperties& other);
-    /// Calls @p visit for each child of the current node in index order, with the cursor on that child, in one walk: a
-    /// loop over beginObject() takes time in proportion to the square of the number of children.
+    /// Calls @p visit for each child of the current node, in index order. The cursor is on that child during the call.
+    /// Takes time proportional to the number of children; a loop over beginObject() takes quadratic time.
     ///
     ///     document.forEachChild([&] { sum += document.currentValueAsInt32(0); });
     ///
-    /// The visitor may move the cursor without moving it back, and may change the document, but not assign to, move
-    /// from or destroy it. The children are those of the moment of the call: one that is added meanwhile is not
-    /// visited, one that is removed still is. Afterwards the cursor stands where it stood, also when the visitor
-    /// throws.
-    /// @param visit  takes no arguments; returns nothing, or `false` to end the walk
-    /// @throws std::bad_alloc, and what the visitor throws
+    /// The visitor may leave the cursor anywhere. It may change the document, but must not assign to it, move from it
+    /// or destroy it. Children that the visitor adds are not visited. Children that it removes are still visited. After
+    /// the call the cursor is where it was before, also after an exception.
+    /// @param visit  takes no arguments; returns nothing, or `false` to stop
+    /// @throws std::bad_alloc, and the exceptions of the visitor
     template <typename Visitor>
     void forEachChild(Visitor&& visit) const
     {
         visitChildren([](void* visitor) { return goesOn(*static_cast<Visited<Visitor>*>(visitor)); },
                       const_cast<void*>(static_cast<const void*>(&visit)));
     }
-    /// Writes the whole document to standard output as indented, JSON-like text, for diagnosis.
+    /// Writes the document to standard output as indented, JSON-like text, for debugging.
     void printAsJson() const;
-    /// The root node. It lives at least as long as the pointer returned.
+    /// Returns the root node. The pointer keeps it alive.
     std::shared_ptr<Property> root() const;
-    /// The node on which the cursor stands.
+    /// Returns the current node.
     std::shared_ptr<Property> current() const;
-    /// Moves the cursor to @p node; false, and no move, when it is empty or no longer in this document's tree.
-    /// Takes time in proportion to the depth of the node and to the number of siblings with equal keys on the way.
+    /// Moves the cursor to @p node. Takes time proportional to the depth of the node, and to the number of siblings
+    /// with equal keys on the path.
+    /// @return false if @p node is empty or not in the tree of this document; the cursor does not move then
     bool moveTo(const std::shared_ptr<Property>& node) const;
 
 private:

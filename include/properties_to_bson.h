@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// Document to BSON. Format: the BSON specification, version 1.1.
+/// Converts a document to BSON. Format: the BSON specification, version 1.1.
 
 #include "database_client_export.h"
 #include "property.h"
@@ -9,22 +9,24 @@
 #include <memory>
 
 class ObjectProperties;
-/// A BSON document of libbson. Declared ahead: callers that never touch BSON need no driver header.
+/// A BSON document of libbson. Forward declaration: callers that do not use BSON need no driver header.
 typedef struct _bson_t bson_t;
 
-/// Writes a document as BSON, fields in key order. Always from the root, wherever the cursor stands. Stateless.
+/// Converts a document to BSON, with the fields in key order. It always starts at the root; the cursor does not matter.
+/// Stateless.
+/// @since 1.0
 class DATABASE_CLIENT_API PropertiesToBson
 {
 public:
-    /// Initialises @p bson, which must hold nothing to be freed, and fills it. The caller frees it with bson_destroy(),
-    /// also when this throws.
-    /// @return false, and nothing done, when @p bson is null; otherwise true
+    /// Initializes @p bson and fills it. The caller frees it with bson_destroy(), also after an exception.
+    /// @param bson  must not own memory: its old content is not freed
+    /// @return false if @p bson is null; nothing is done then. Otherwise true
     /// @throws std::bad_alloc
     static bool convert(const ObjectProperties& properties, bson_t* bson);
-    /// The same without the test for null.
+    /// The same as convert(), without the null check.
     static bool properties_to_bson(const ObjectProperties& properties, bson_t* bson);
-    /// Appends the children of @p node to @p bson. Depth is limited by memory only, not by the stack.
-    /// Nodes of kind None, of a kind above Regex, and binaries without bytes leave no field.
+    /// Appends the children of @p node to @p bson. The depth is limited by memory, not by the stack. Nodes of type
+    /// None, nodes of a type above Regex and binaries without bytes are left out.
     /// @return true
     static bool parse(std::shared_ptr<Property> node, bson_t* bson);
 };

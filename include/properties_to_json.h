@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// Document to JSON text, in the driver library's legacy extended form: { "t" : { "$date" : 0 } }.
+/// Converts a document to JSON text in libbson's legacy extended form: { "t" : { "$date" : 0 } }.
 
 #include "database_client_export.h"
 
@@ -9,11 +9,13 @@
 
 class ObjectProperties;
 
-/// Writes a document as JSON text by way of BSON. Stateless.
+/// Converts a document to BSON and the BSON to JSON text. Stateless.
+/// @since 1.0
 class DATABASE_CLIENT_API PropertiesToJson
 {
 public:
-    /// Replaces @p json by the text of the document; by an empty text when a text in the document is not UTF-8.
+    /// Replaces @p json by the JSON text of the document. Sets it to the empty string if a string in the document is
+    /// not valid UTF-8.
     /// @return true
     /// @throws std::bad_alloc
     static bool convert(const ObjectProperties& properties, std::string& json);

@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// The node of a document tree: a key, a typed value or named children, and a weak link to the parent.
+/// A node of a document tree: a key, a typed value or children, and a weak pointer to the parent.
 
 #include "database_client_export.h"
 
@@ -13,59 +13,60 @@
 #include <utility>
 #include <vector>
 
-/// Kind of a node and of its value. The numbers are part of the library's interface.
+/// Type of a node and of its value. The numbers are part of the library's interface.
 enum PropertyType : int
 {
-    None = 0,      ///< Answer for a path that names no node; never stored.
-    Undefined = 1, ///< No value; the kind of every new node.
-    Group = 2,     ///< Children are members, each under its name.
-    Array = 3,     ///< Children are elements.
-    String = 4,    ///< Text up to its first zero byte.
-    Bool = 5,      ///< Truth value.
+    None = 0,      ///< Returned for a path without a node; never stored.
+    Undefined = 1, ///< No value; the type of every new node.
+    Group = 2,     ///< The children are fields.
+    Array = 3,     ///< The children are elements.
+    String = 4,    ///< A string up to its first zero byte.
+    Bool = 5,      ///< True or false.
     Int32 = 6,     ///< Signed 32-bit integer.
     Int64 = 7,     ///< Signed 64-bit integer.
     Double = 8,    ///< IEEE 754 binary64.
-    Time = 9,      ///< Signed 64-bit count of milliseconds since 1970-01-01 UTC.
-    Id = 10,       ///< Object id as 24 hexadecimal digits; the tree itself checks neither length nor alphabet.
-    Binary = 11,   ///< Bytes; an empty vector is a value.
+    Time = 9,      ///< Milliseconds since 1970-01-01 UTC, signed 64-bit.
+    Id = 10,       ///< Object id as 24 hexadecimal digits; the tree does not check them.
+    Binary = 11,   ///< Bytes; may be empty.
     Regex = 12     ///< Regular expression: pattern and options.
 };
 
-/// A node of a document tree. A parent owns its children, a child sees its parent weakly, and every node is owned by a
-/// `std::shared_ptr`: make one with create(). Children are ordered byte by byte by key; equal keys keep the order in
-/// which they were inserted, and "index" always means the position in that order.
+/// A node of a document tree. A parent owns its children. A child has a weak pointer to its parent. A `std::shared_ptr`
+/// owns every node: use create() to make one. Children are sorted by key, byte by byte. Children with equal keys keep
+/// the order in which they were inserted. An "index" is always the position in this order.
 ///
-/// A key path names a node below another one: segments cut at "/", empty segments ignored, no escape and no index
-/// syntax. Where several children share a key, a path takes the first of them.
+/// A key path names a descendant of a node. Segments are separated by "/", and empty segments are ignored. There is no
+/// escape character and no syntax for indexes. If several children have the same key, a path uses the first of them.
 ///
-/// One thread at a time. Nothing here throws but `std::bad_alloc` and, where said, `std::bad_weak_ptr`.
-/// Looking up one segment takes logarithmic time in the number of children.
+/// Not thread-safe. Throws only `std::bad_alloc`, and `std::bad_weak_ptr` where documented. Finding one segment takes
+/// time logarithmic in the number of children.
+/// @since 1.0
 class DATABASE_CLIENT_API Property : public std::enable_shared_from_this<Property>
 {
 public:
-    /// Children in index order: the key under which a child was inserted, and the child.
+    /// The children in index order: the key under which a child was inserted, and the child.
     using Children = std::multimap<std::string, std::shared_ptr<Property>>;
 
-    /// The value of a node together with its kind and key. The getters do not check the kind: ask the node instead.
+    /// The key, type and value of a node. The getters do not check the type: use the getters of the node instead.
     class DATABASE_CLIENT_API PropertyItem
     {
     public:
-        /// Storage of the kinds that fit in one word. The item frees the text, the union frees nothing.
+        /// Storage of values that fit in one word. The item frees the string; the union frees nothing.
         union DATABASE_CLIENT_API PropertyValue
         {
             PropertyValue();
             ~PropertyValue();
 
-            char* text;      ///< String and Id: zero-terminated, owned by the item.
+            char* text;      ///< String and Id: null-terminated, owned by the item.
             bool boolean;    ///< Bool.
             int int32;       ///< Int32.
             long int64;      ///< Int64 and Time.
             double binary64; ///< Double.
         };
 
-        /// An item without a value, of kind Undefined.
+        /// Creates an item of type Undefined without a value.
         PropertyItem();
-        /// A copy of key, kind and value.
+        /// Copies key, type and value.
         PropertyItem(const PropertyItem& other);
         /// The same as copy().
         PropertyItem& operator=(const PropertyItem& other);
@@ -75,16 +76,16 @@ public:
         /// @name Setters
         /// @{
 
-        /// Frees the value held and stores another one.
+        /// Frees the old value, then stores the new one.
         void setValueBool(const bool& value);
         void setValueInt32(const int& value);
         void setValueInt64(const long& value);
         void setValueDouble(const double& value);
-        /// Stores the text up to its first zero byte. The kind stays: the node sets it to String or Id.
+        /// Stores the string up to its first zero byte. Does not change the type: the node sets it to String or Id.
         void setValueString(const std::string& value);
-        /// Stores the bytes. The kind stays: the node sets it to Binary.
+        /// Stores the bytes. Does not change the type: the node sets it to Binary.
         void setValueBinary(const std::vector<unsigned char>& value);
-        /// Stores pattern and options. The kind stays: the node sets it to Regex.
+        /// Stores pattern and options. Does not change the type: the node sets it to Regex.
         void setValueRegex(const std::pair<std::string, std::string>& value);
 
         /// @}
@@ -92,7 +93,7 @@ public:
         /// @name Getters
         /// @{
 
-        /// The value, which must be of this kind: that is not checked.
+        /// Returns the value. It must have this type; the type is not checked.
         std::string valueAsString() const;
         bool valueAsBool() const;
         int valueAsInt32() const;
@@ -103,18 +104,18 @@ public:
 
         /// @}
 
-        /// Frees the text, if one is held, and zeroes the value word.
+        /// Frees the string, if there is one, and sets the word to zero.
         void clearString();
         /// Frees the bytes of a Binary.
         void clearBinary();
-        /// Frees pattern and options of a Regex.
+        /// Frees the pattern and the options of a Regex.
         void clearRegex();
-        /// Frees whatever value is held; the kind stays.
+        /// Frees the value. The type does not change.
         void releaseMemory();
-        /// Frees whatever value is held; the kind becomes Undefined, the key stays.
+        /// Frees the value and sets the type to Undefined. The key does not change.
         void clear();
 
-        /// Takes over key, kind and value. On `std::bad_alloc` this item is as it was before.
+        /// Copies key, type and value. This item is unchanged if `std::bad_alloc` is thrown.
         void copy(const PropertyItem& other);
 
     private:
@@ -135,13 +136,13 @@ public:
         PropertyType m_type = Undefined;
     };
 
-    /// A new node without key, parent and children, of kind Undefined.
+    /// Creates a node of type Undefined without key, parent and children.
     static std::shared_ptr<Property> create();
 
-    /// A node of kind Undefined. Construct it only into a `std::shared_ptr`.
+    /// Creates a node of type Undefined. Construct it only into a `std::shared_ptr`.
     Property(const std::string& key, std::shared_ptr<Property> parent);
 
-    /// Frees the subtree, whatever its depth, without allocating. A descendant that is held elsewhere stays alive.
+    /// Frees the subtree, whatever its depth, without allocating memory. Descendants with another owner stay alive.
     ~Property();
 
     Property(const Property&) = delete;
@@ -149,27 +150,27 @@ public:
 
     // The order of these three slots is part of the library's interface and closed.
 
-    /// Writes this node's children to standard output as indented, JSON-like text between braces.
+    /// Writes the children of this node to standard output as indented, JSON-like text between braces.
     virtual void print();
-    /// Writes the children of @p node, one entry a line, indented for nesting level @p level.
+    /// Writes the children of @p node, one per line, indented for nesting level @p level.
     virtual void print(Property* node, int level);
     /// Writes 3 * @p level spaces.
     virtual void printJustify(int level) const;
 
-    /// Does nothing on a node owned by a shared pointer. @throws std::bad_weak_ptr otherwise
+    /// Does nothing. @throws std::bad_weak_ptr if no shared pointer owns the node
     void init();
-    /// The node itself. @throws std::bad_weak_ptr when no shared pointer owns it
+    /// Returns this node. @throws std::bad_weak_ptr if no shared pointer owns it
     std::shared_ptr<Property> getPtr();
-    /// The parent. @throws std::bad_weak_ptr when there is none, or none any more
+    /// Returns the parent. @throws std::bad_weak_ptr if there is no parent or it no longer exists
     std::shared_ptr<Property> parent();
 
-    /// @name Key and kind
+    /// @name Key and type
     /// @{
-    /// The node's own key, as a copy.
+    /// Returns a copy of the key of this node.
     std::string key() const;
-    /// The node's kind, a PropertyType.
+    /// Returns the type of this node, a PropertyType.
     int type() const;
-    /// Whether the node is of this kind.
+    /// True if the node has this type.
     bool isGroup() const;
     bool isArray() const;
     bool isString() const;
@@ -191,83 +192,87 @@ public:
     Children::const_iterator begin() const;
     Children::const_iterator end() const;
 
-    /// Keys of the children that are neither group nor array, in index order; none unless this is a group or an array.
+    /// Returns the keys of the children that are neither groups nor arrays, in index order. Empty if this node is
+    /// neither a group nor an array.
     std::list<std::string> childKeys() const;
-    /// Keys of the children that are groups; otherwise like childKeys().
+    /// The same as childKeys(), for the children that are groups.
     std::list<std::string> childGroups() const;
-    /// Keys of the children that are arrays; otherwise like childKeys().
+    /// The same as childKeys(), for the children that are arrays.
     std::list<std::string> childArrays() const;
     /// @}
 
-    /// @name One segment: the key is taken literally, "/" included
+    /// @name Single keys: the key is used as it is, "/" included
     /// @{
     bool containsSingleKey(const std::string& key) const;
-    /// The first child with the key, or an empty pointer.
+    /// Returns the first child with this key, or an empty pointer.
     std::shared_ptr<Property> propertyBySingleKey(const std::string& key);
-    /// The child at the index, or an empty pointer. Takes time in proportion to the index: to visit all children, use
-    /// begin() and end().
+    /// Returns the child at @p index, or an empty pointer. Takes time proportional to @p index: to visit all children,
+    /// use begin() and end().
     std::shared_ptr<Property> childByIndex(const int& index);
-    /// The child with the key, whatever its kind, or a new group. On an array always a new element.
+    /// Returns the first child with this key, whatever its type, or adds a group. On an array it always adds an
+    /// element.
     std::shared_ptr<Property> createSingleGroup(const std::string& key);
-    /// The child with the key if it is an array, an empty pointer if it is anything else, or a new array. On an array
-    /// always a new element.
+    /// Returns the first child with this key if it is an array, or an empty pointer if it has any other type. If there
+    /// is no child with this key, adds an array. On an array it always adds an element.
     std::shared_ptr<Property> createSingleArray(const std::string& key);
-    /// The child with the key, whatever its kind, or a new node of kind Undefined. On an array always a new element.
+    /// Returns the first child with this key, whatever its type, or adds a node of type Undefined. On an array it
+    /// always adds an element.
     std::shared_ptr<Property> createSingleProperty(const std::string& key);
-    /// Removes the first child with the key, if there is one.
+    /// Removes the first child with this key. Does nothing if there is no such child.
     void remove(const std::string& key);
-    /// Removes every child with the key.
+    /// Removes every child with this key.
     void removeAll(const std::string& key);
-    /// Removes the child at the index, if there is one. The other children keep their keys.
+    /// Removes the child at @p index. Does nothing if there is no such child. The other children keep their keys.
     void remove(const int& index);
     /// @}
 
     /// @name Key paths
     /// @{
-    /// The segments of a path: "/a//b/" gives a and b.
+    /// Returns the segments of a path: a and b for "/a//b/".
     std::list<std::string> splitKey(const std::string& path) const;
-    /// Whether the path names a node. A path without segments names none.
+    /// True if there is a node at @p path. False for a path without segments.
     bool contains(const std::string& path);
-    /// The node that the path names, or an empty pointer.
+    /// Returns the node at @p path, or an empty pointer.
     std::shared_ptr<Property> propertyByKey(const std::string& path);
-    /// Kind of the node that the path names, None when it names none.
+    /// Returns the type of the node at @p path, or None if there is no such node.
     int type(const std::string& path);
-    /// Creates what is missing on the path as groups and returns the last node. An existing node of another kind is
-    /// passed through, or returned, with its kind and value kept; a step below an array always adds an element.
-    /// A path without segments gives this node.
+    /// Returns the node at @p path. Missing nodes are created as groups. Existing nodes keep their type and value, also
+    /// if they are not groups. Below an array every step adds an element. Returns this node for a path without
+    /// segments.
     std::shared_ptr<Property> createGroup(const std::string& path);
-    /// Like createGroup(), the last segment as by createSingleArray(): an empty pointer when it names a node of another
-    /// kind.
+    /// The same as createGroup(), but the last segment is created as by createSingleArray(). Returns an empty pointer
+    /// if the node at @p path has another type.
     std::shared_ptr<Property> createArray(const std::string& path);
-    /// Like createGroup(), the last segment as by createSingleProperty().
+    /// The same as createGroup(), but the last segment is created as by createSingleProperty().
     std::shared_ptr<Property> createProperty(const std::string& path);
-    /// The node that the path names, or createProperty(). On an array always a new element.
+    /// Returns the node at @p path, or the result of createProperty() if there is no such node. On an array it always
+    /// adds an element.
     std::shared_ptr<Property> createPropertyIfNotExists(const std::string& path);
     /// @}
 
     /// @name Value of this node
     /// @{
 
-    /// Sets value and kind and removes all children. On `std::bad_alloc` the node is as it was before.
+    /// Sets value and type, and removes all children. The node is unchanged if `std::bad_alloc` is thrown.
     void setValueString(const std::string& value);
     void setValueBool(const bool& value);
     void setValueInt32(const int& value);
     void setValueInt64(const long& value);
     void setValueDouble(const double& value);
-    /// Sets a time, milliseconds since 1970-01-01 UTC.
+    /// Sets a time in milliseconds since 1970-01-01 UTC.
     void setValueTime(const long& value);
-    /// Sets an object id, 24 hexadecimal digits; they are not checked.
+    /// Sets an object id of 24 hexadecimal digits. The digits are not checked.
     void setValueId(const std::string& value);
     void setValueBinary(const std::vector<unsigned char>& value);
     void setValueRegex(const std::string& pattern, const std::string& options);
-    /// Takes the value away: kind Undefined.
+    /// Removes the value and sets the type to Undefined.
     void setValueUndefined();
     /// @}
 
     /// @name Value of this node, or a default
     /// @{
 
-    /// The value when the node is of this very kind, otherwise the default. There is no conversion.
+    /// Returns the value if it has exactly this type, otherwise the default. Does not convert.
     std::string currentValueAsString(const std::string& def);
     bool currentValueAsBool(const bool& def);
     int currentValueAsInt32(const int& def);
@@ -283,7 +288,7 @@ public:
     /// @name Value of the node at a path
     /// @{
 
-    /// Sets the value of the node that createPropertyIfNotExists() gives for the path.
+    /// Sets the value of the node that createPropertyIfNotExists() returns for @p path.
     void setValueString(const std::string& path, const std::string& value);
     void setValueBool(const std::string& path, const bool& value);
     void setValueInt32(const std::string& path, const int& value);
@@ -299,8 +304,8 @@ public:
     /// @name Value of the node at a path, or a default
     /// @{
 
-    /// The value of the node that createPropertyIfNotExists() gives for the path, or the default when that is of
-    /// another kind. Callers depend on it: reading a path that names no node leaves a node of kind Undefined there.
+    /// Returns the value of the node at @p path if it has exactly this type, otherwise the default. A missing node is
+    /// added with type Undefined, as by createPropertyIfNotExists(): callers depend on it.
     std::string valueAsString(const std::string& path, const std::string& def);
     bool valueAsBool(const std::string& path, const bool& def);
     int valueAsInt32(const std::string& path, const int& def);
@@ -313,16 +318,16 @@ public:
                                                      const std::string& options);
     /// @}
 
-    /// @name Views: what the getters above copy, without the copy. Valid until the node changes.
+    /// @name Views: the values that the getters above copy. Valid until the node changes.
     /// @{
     const std::string& keyView() const noexcept;
-    /// Zero-terminated text of a String or an Id; null on any other kind.
+    /// Null-terminated string of a String or an Id; null for any other type.
     const char* textView() const noexcept;
-    /// Bytes of a Binary; empty on any other kind.
+    /// Bytes of a Binary; empty for any other type.
     const std::vector<unsigned char>& bytesView() const noexcept;
-    /// Pattern of a Regex; empty on any other kind.
+    /// Pattern of a Regex; empty for any other type.
     const std::string& patternView() const noexcept;
-    /// Options of a Regex; empty on any other kind.
+    /// Options of a Regex; empty for any other type.
     const std::string& optionsView() const noexcept;
     /// @}
 
@@ -330,11 +335,11 @@ public:
     /// @{
     /// Removes all children.
     void clearChilds();
-    /// Removes all children and the value; the kind becomes Undefined, the key stays.
+    /// Removes all children and the value, and sets the type to Undefined. The key does not change.
     void clear();
-    /// Replaces value, kind, key and children by deep copies of those of @p source, which may be this node, one of its
-    /// descendants or one of its ancestors. The entry under which this node stands in its parent keeps its old key:
-    /// callers depend on it. On `std::bad_alloc` this node is as it was before.
+    /// Replaces value, type, key and children by copies of those of @p source. @p source may be this node, a descendant
+    /// or an ancestor. The parent still has this node under its old key: callers depend on it. This node is unchanged
+    /// if `std::bad_alloc` is thrown.
     void copy(const Property& source);
     /// @}
 
@@ -347,7 +352,7 @@ private:
     };
 
 public:
-    /// For the tree itself: a node of kind @p type without a value.
+    /// For PropertyTree only: creates a node of type @p type without a value.
     DATABASE_CLIENT_LOCAL Property(const Passkey& passkey, const std::string& key, PropertyType type,
                                    std::weak_ptr<Property>&& parent);
 
