@@ -1,8 +1,8 @@
 #pragma once
 
 /// @file
-/// Reading a document without changing it: values as std::optional, children as ranges, arrays in the order of their
-/// element numbers.
+/// Functions that read a document without changing it: values as std::optional, children as ranges, and arrays in the
+/// order of their element numbers.
 
 #include "dbc/values.h"
 #include "object_properties.h"
@@ -17,8 +17,9 @@
 
 namespace dbc {
 
-/// The node of a key, or an empty pointer. Resolved as by the document itself (from the root with a leading "/",
-/// otherwise from the cursor), but nothing is added and the cursor does not move. The empty key is the current node.
+/// Returns the node at @p path, or an empty pointer. The path starts at the root with a leading "/", otherwise at the
+/// cursor. Unlike the getters of the document, it adds no missing key. The cursor does not move. The empty path is the
+/// current node.
 inline std::shared_ptr<Property> findNode(const ObjectProperties& document, const std::string& path)
 {
     if (path.empty())
@@ -27,9 +28,10 @@ inline std::shared_ptr<Property> findNode(const ObjectProperties& document, cons
     return path.find_first_not_of('/') == std::string::npos ? anchor : anchor->propertyByKey(path);
 }
 
-/// The value of a key if it exists and is of this type. A number of another type is converted if the result is exact:
-/// an Int64 of 7 is also an int and a double; 1.5 and 2^40 are no int, and 2^53 + 1 is no double.
-/// T is a type of ValueTraits.
+/// Returns the value at @p path, or an empty optional if it does not exist or has another type. A number of another
+/// type is converted if the result is exact: an Int64 of 7 is also an int and a double, but 1.5 and 2^40 are not an
+/// int, and 2^53 + 1 is not a double.
+/// @tparam T  a type with ValueTraits
 template <typename T>
 std::optional<T> get(const ObjectProperties& document, const std::string& path)
 {
@@ -37,8 +39,8 @@ std::optional<T> get(const ObjectProperties& document, const std::string& path)
     return node ? ValueTraits<T>::read(*node) : std::nullopt;
 }
 
-/// The value of a key, or @p fallback where get() returns nothing. The type of the fallback is the type that is read:
-/// use 0L or 0.0 for numbers that do not fit into an int.
+/// Returns the value at @p path, or @p fallback where get() returns an empty optional. The type of the fallback is the
+/// type that is read: use 0L or 0.0 for numbers that do not fit into an int.
 template <typename T>
 T getOr(const ObjectProperties& document, const std::string& path, T fallback)
 {
@@ -46,33 +48,34 @@ T getOr(const ObjectProperties& document, const std::string& path, T fallback)
     return value ? *std::move(value) : std::move(fallback);
 }
 
-/// A text literal as the fallback reads a text.
+/// Overload for string literals: reads a std::string.
 inline std::string getOr(const ObjectProperties& document, const std::string& path, const char* fallback)
 {
     return getOr<std::string>(document, path, fallback);
 }
 
-/// Sets a time at a key.
+/// Sets a time at @p path.
 inline void setTime(ObjectProperties& document, const std::string& path, Time value)
 {
     document.setValueTime(path, static_cast<long long>(millisecondsOf(value)));
 }
 
-/// The children of a node in key order, as pairs of key and node. One walk, whatever their number. The node is kept
-/// alive; adding and removing children follows the rules of std::multimap.
+/// The children of a node in key order, as pairs of key and node. Takes time proportional to their number. Keeps the
+/// node alive. Iterators stay valid under the rules of std::multimap.
+/// @since 1.0
 class Children
 {
 public:
-    /// The children of @p node; of none for an empty pointer.
+    /// The children of @p node; no children for an empty pointer.
     explicit Children(std::shared_ptr<Property> node) : m_node(std::move(node)) {}
 
     /// The first pair of key and node.
     Property::Children::const_iterator begin() const { return m_node ? m_node->begin() : none().begin(); }
-    /// The place behind the last pair.
+    /// Past the last pair.
     Property::Children::const_iterator end() const { return m_node ? m_node->end() : none().end(); }
     /// Number of children.
     std::size_t size() const { return m_node ? m_node->childCount() : 0; }
-    /// Whether there is no child.
+    /// True if there are no children.
     bool empty() const { return size() == 0; }
 
 private:
@@ -85,13 +88,13 @@ private:
     std::shared_ptr<Property> m_node;
 };
 
-/// The children of the current node.
+/// Returns the children of the current node.
 inline Children children(const ObjectProperties& document)
 {
     return Children(document.current());
 }
 
-/// The children of the node of a key; none when there is no such node.
+/// Returns the children of the node at @p path; no children if there is no such node.
 inline Children children(const ObjectProperties& document, const std::string& path)
 {
     return Children(findNode(document, path));
@@ -104,7 +107,7 @@ inline bool isNumber(const std::string& key)
     return !key.empty() && key.find_first_not_of("0123456789") == std::string::npos;
 }
 
-/// Value order of two texts of digits of any length.
+/// Compares two strings of digits by value. They may be longer than any integer type.
 inline bool isSmallerNumber(const std::string& left, const std::string& right)
 {
     const std::size_t leftBegin = std::min(left.find_first_not_of('0'), left.size());
@@ -118,9 +121,9 @@ inline bool isSmallerNumber(const std::string& left, const std::string& right)
 
 } // namespace detail
 
-/// The elements of an array in the order of their element numbers, where the node itself has "10" before "2". Elements
-/// whose keys are not all numbers keep the order of the node, which for equal keys is that in which they were added.
-/// Empty when the pointer is empty or the node is no array.
+/// Returns the elements of an array in the order of their element numbers; the node itself has "10" before "2". If a
+/// key is not a number, all elements keep the order of the node. Equal keys are in the order in which they were added.
+/// Empty if the pointer is empty or the node is not an array.
 inline std::vector<std::shared_ptr<Property>> elements(const std::shared_ptr<Property>& array)
 {
     std::vector<std::shared_ptr<Property>> result;
@@ -140,14 +143,13 @@ inline std::vector<std::shared_ptr<Property>> elements(const std::shared_ptr<Pro
     return result;
 }
 
-/// The elements of the array of a key, as above. Empty when the key names no array.
+/// Returns the elements of the array at @p path, as the overload above. Empty if there is no array.
 inline std::vector<std::shared_ptr<Property>> elements(const ObjectProperties& document, const std::string& path)
 {
     return elements(findNode(document, path));
 }
 
-/// The elements of the array of a key as values, in the order of elements(); elements that get()
-/// would not return are left out.
+/// Returns the values of elements(). Leaves out elements of other types, as get() does.
 template <typename T>
 std::vector<T> elementsAs(const ObjectProperties& document, const std::string& path)
 {

@@ -3,7 +3,7 @@
 /// @file
 /// Documents, updates and pipelines written as nested braces.
 ///
-/// Braces build objects: {{key, value}, ...}. An array is written array({...}). Any other braces do not compile.
+/// Braces build objects: {{key, value}, ...}. Use array({...}) for an array. Other braces do not compile.
 
 #include "dbc/value.h"
 #include "object_properties.h"
@@ -18,16 +18,17 @@ namespace dbc {
 inline namespace v1 {
 
 /// A list of fields as a parameter: {{key, value}, ...} or a std::vector<Field>.
+/// @since 1.0
 class Fields
 {
 public:
-    /// These fields.
+    /// Holds these fields.
     Fields(std::initializer_list<Field> fields) : list(fields) {}
-    /// The fields of a std::vector<Field>.
+    /// Holds the fields of a std::vector<Field>.
     template <typename List, typename = std::enable_if_t<std::is_same_v<detail::Plain<List>, std::vector<Field>>>>
     Fields(List&& fields) : list(std::forward<List>(fields))
     {}
-    /// Any other braces do not compile.
+    /// Rejects all other braces at compile time.
     template <int = 0, typename T = Value>
     Fields(std::initializer_list<detail::AnythingBut<Fields>>)
     {
@@ -38,12 +39,13 @@ public:
 };
 
 /// A list of values as a parameter: {value, ...} or a std::vector<Value>.
+/// @since 1.0
 class Elements
 {
 public:
-    /// These values.
+    /// Holds these values.
     Elements(std::initializer_list<Value> values) : list(values) {}
-    /// The values of a std::vector<Value>.
+    /// Holds the values of a std::vector<Value>.
     template <typename List, typename = std::enable_if_t<std::is_same_v<detail::Plain<List>, std::vector<Value>>>>
     Elements(List&& values) : list(std::forward<List>(values))
     {}
@@ -53,22 +55,23 @@ public:
 
 } // namespace v1
 
-/// An object with these fields. Nested braces are the same: use it where the type of braces is unknown.
+/// Returns an object with these fields. Nested braces build objects too: call this where the compiler cannot deduce the
+/// type of braces.
 inline Value object(Fields fields = {})
 {
     return Value::object(std::move(fields.list));
 }
 
-/// An array of these elements.
+/// Returns an array of these elements.
 inline Value array(Elements elements = {})
 {
     return Value::array(std::move(elements.list));
 }
 
-/// A document of these fields. The last value of a key wins.
+/// Returns a document with these fields. If a key occurs twice, the last value is used.
 ///
 ///     document({{"name", "Lisbon"}, {"river", {{"bridges", 2}}}})
-/// @throws LossError  a value that ObjectProperties cannot hold, such as null
+/// @throws LossError  a value of a type that ObjectProperties cannot hold, such as null
 inline ObjectProperties document(const Fields& fields)
 {
     ObjectProperties result;
@@ -77,7 +80,7 @@ inline ObjectProperties document(const Fields& fields)
     return result;
 }
 
-/// An update of several operators at once, for DataBaseClient::update with UpdateCommandReplace:
+/// Returns an update with several operators, for DataBaseClient::update() with UpdateCommandReplace:
 ///
 ///     updateDocument({{"$set", {{"state", "sent"}}}, {"$inc", {{"version", 1}}}})
 inline ObjectProperties updateDocument(const Fields& operators)
@@ -85,7 +88,7 @@ inline ObjectProperties updateDocument(const Fields& operators)
     return document(operators);
 }
 
-/// A pipeline for DataBaseClient::aggregate. The stages keep their order, also when there are more than ten.
+/// Returns a pipeline for DataBaseClient::aggregate(). The stages keep their order, also if there are more than ten.
 ///
 ///     pipeline({{{"$match", {{"state", "sent"}}}}, {{"$limit", 5}}})
 inline ObjectProperties pipeline(Elements stages)

@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// Several writes in one go: the list of operations, its options and its result.
+/// Bulk writes: the list of operations, the options and the result.
 
 #include "dbc/document_ref.h"
 #include "dbc/errors.h"
@@ -27,32 +27,32 @@ struct IndexedId
     Value id{};            ///< The document's "_id".
 };
 
-/// What a bulk write did. Without acknowledgement all counts are 0.
+/// What a bulk write did. All counts are 0 for unacknowledged writes.
 struct BulkResult
 {
     std::int64_t inserted = 0;            ///< Inserted documents, upserts not included.
-    std::int64_t matched = 0;             ///< Documents that the filters of updates and replacements matched.
+    std::int64_t matched = 0;             ///< Documents that matched the filters of updates and replacements.
     std::int64_t modified = 0;            ///< Documents that changed.
     std::int64_t removed = 0;             ///< Removed documents.
-    std::vector<IndexedId> insertedIds{}; ///< Of the inserts, in the order of the operations.
-    std::vector<IndexedId> upsertedIds{}; ///< Of the upserts that inserted, in the order of the operations.
-    bool acknowledged = true;             ///< Whether the server acknowledged the writes.
+    std::vector<IndexedId> insertedIds{}; ///< Ids of the inserts, in the order of the operations.
+    std::vector<IndexedId> upsertedIds{}; ///< Ids of the upserts that inserted, in the order of the operations.
+    bool acknowledged = true;             ///< True if the server acknowledged the writes.
 };
 
-/// One operation of a bulk write that the server refused.
+/// An operation of a bulk write that the server rejected.
 struct WriteError
 {
     std::size_t index = 0;             ///< Position of the operation, counted from 0.
-    int code = 0;                      ///< The server's code.
-    ErrorKind kind = ErrorKind::Other; ///< What the refusal was about.
-    std::string text{};                ///< The server's text.
+    int code = 0;                      ///< The server's error code.
+    ErrorKind kind = ErrorKind::Other; ///< Kind of the error.
+    std::string text{};                ///< The server's error message.
 };
 
 /// Options of an update in a bulk write.
 struct BulkUpdateOptions
 {
     bool upsert = false;               ///< Insert a document if none matches.
-    std::vector<Value> arrayFilters{}; ///< Conditions for "$[name]" in the update.
+    std::vector<Value> arrayFilters{}; ///< Filters for "$[name]" in the update.
     Value hint{};                      ///< Name or keys of the index to use.
     Value collation{};                 ///< Rules for comparing strings.
 };
@@ -75,38 +75,41 @@ struct BulkRemoveOptions
 /// Options of a bulk write.
 struct BulkOptions
 {
-    bool ordered = true;                        ///< In order, up to the first error. Otherwise all, in any order.
-    Value let{};                                ///< Variables for the filters and updates.
-    Value comment{};                            ///< For the server's log.
+    bool ordered = true; ///< Stop at the first error. If false, run all operations, in any order.
+    Value let{};         ///< Variables for the filters and updates.
+    Value comment{};     ///< Comment for the server's log.
     std::optional<WriteConcern> writeConcern{}; ///< When the server acknowledges the writes.
     bool bypassValidation = false;              ///< Do not apply the collection's validation rules.
 };
 
 } // namespace v1
 
-/// A list of writes for Collection::bulkWrite. Documents are converted when they are added, so they may change or end
-/// afterwards. Not thread-safe. Moved from, it can only be assigned to or destroyed.
+/// A list of write operations for Collection::bulkWrite(). Each add function converts its documents at once, so they
+/// may change or be destroyed afterwards. It returns *this.
 ///
-/// All add functions throw std::invalid_argument "Bad properties" for a document, "Bad condition" for a filter that
-/// cannot be sent; the list is then unchanged. They return *this.
+/// The add functions throw std::invalid_argument "Bad properties" for a document and "Bad condition" for a filter that
+/// cannot be sent. The list is unchanged then.
+///
+/// Not thread-safe. Only assign to a moved-from object or destroy it.
+/// @since 1.0
 class DATABASE_CLIENT_API Bulk
 {
 public:
-    /// No operations.
+    /// Creates an empty list.
     Bulk();
-    /// Takes over the state of @p other, which can only be destroyed or assigned to afterwards.
+    /// Moves the list.
     Bulk(Bulk&& other) noexcept;
-    /// As the constructor; the own state is released first.
+    /// Moves the list.
     Bulk& operator=(Bulk&& other) noexcept;
     ~Bulk();
 
-    /// Inserts @p document. Its "_id" is kept; without one, a new object id becomes its first field.
+    /// Inserts @p document. If it has no "_id", adds a new object id as the first field.
     Bulk& insertOne(const DocumentRef& document);
-    /// Changes the first match. @p update holds operators, or is an array of pipeline stages.
+    /// Updates the first match. @p update has operators, or is an array of pipeline stages.
     Bulk& updateOne(const DocumentRef& filter, const DocumentRef& update, const BulkUpdateOptions& options = {});
-    /// Changes every match. @p update holds operators, or is an array of pipeline stages.
+    /// Updates every match. @p update has operators, or is an array of pipeline stages.
     Bulk& updateMany(const DocumentRef& filter, const DocumentRef& update, const BulkUpdateOptions& options = {});
-    /// Replaces the first match by @p document, which keeps the "_id" of the match.
+    /// Replaces the first match by @p document. The "_id" of the match stays.
     Bulk& replaceOne(const DocumentRef& filter, const DocumentRef& document, const BulkReplaceOptions& options = {});
     /// Removes the first match.
     Bulk& removeOne(const DocumentRef& filter, const BulkRemoveOptions& options = {});
@@ -124,7 +127,8 @@ private:
     std::unique_ptr<State> d;
 };
 
-/// A bulk write or insertMany() that failed, completely or in part.
+/// Thrown if a bulk write or insertMany() fails, completely or in part.
+/// @since 1.0
 class DATABASE_CLIENT_API BulkError : public ServerError
 {
 public:
@@ -136,9 +140,9 @@ public:
     BulkError& operator=(const BulkError& other) noexcept;
     ~BulkError() override;
 
-    /// What was done all the same, as far as the server reported it before the connection broke.
+    /// What was done despite the error, as far as the server reported it before the connection broke.
     const BulkResult& result() const noexcept;
-    /// Every refused operation. Empty if the failure concerns none in particular, such as a broken connection.
+    /// Every rejected operation. Empty if the error is not about single operations, such as a broken connection.
     const std::vector<WriteError>& errors() const noexcept;
 
 private:

@@ -1,7 +1,9 @@
 #pragma once
 
 /// @file
-/// The operations on one collection. An option of type Value is not set while it is an empty object, its default.
+/// Operations on one collection.
+///
+/// The default of an option of type Value is an empty object. It means that the option is not set.
 
 #include "database_client.h"
 #include "dbc/build.h"
@@ -27,7 +29,7 @@ inline namespace v1 {
 /// Options of insertOne().
 struct InsertOneOptions
 {
-    Value comment{};                            ///< For the server's log.
+    Value comment{};                            ///< Comment for the server's log.
     std::optional<WriteConcern> writeConcern{}; ///< When the server acknowledges the write.
     bool bypassValidation = false;              ///< Do not apply the collection's validation rules.
 };
@@ -35,9 +37,9 @@ struct InsertOneOptions
 /// Options of insertMany().
 struct InsertManyOptions
 {
-    bool ordered = true;                        ///< In order, up to the first error. Otherwise all, in any order.
-    bool returnIds = true;                      ///< Collect the ids. Set it to false if they would not fit in memory.
-    Value comment{};                            ///< For the server's log.
+    bool ordered = true;   ///< Stop at the first error. If false, insert all documents, in any order.
+    bool returnIds = true; ///< Collect the ids. Set it to false if they would not fit in memory.
+    Value comment{};       ///< Comment for the server's log.
     std::optional<WriteConcern> writeConcern{}; ///< When the server acknowledges the writes.
     bool bypassValidation = false;              ///< Do not apply the collection's validation rules.
 };
@@ -46,11 +48,11 @@ struct InsertManyOptions
 struct UpdateOptions
 {
     bool upsert = false;                        ///< Insert a document if none matches.
-    std::vector<Value> arrayFilters{};          ///< Conditions for "$[name]" in the update.
+    std::vector<Value> arrayFilters{};          ///< Filters for "$[name]" in the update.
     Value hint{};                               ///< Name or keys of the index to use.
     Value collation{};                          ///< Rules for comparing strings.
     Value let{};                                ///< Variables for the filter and the update.
-    Value comment{};                            ///< For the server's log.
+    Value comment{};                            ///< Comment for the server's log.
     std::optional<WriteConcern> writeConcern{}; ///< When the server acknowledges the write.
     bool bypassValidation = false;              ///< Do not apply the collection's validation rules.
 };
@@ -62,7 +64,7 @@ struct ReplaceOptions
     Value hint{};                               ///< Name or keys of the index to use.
     Value collation{};                          ///< Rules for comparing strings.
     Value let{};                                ///< Variables for the filter.
-    Value comment{};                            ///< For the server's log.
+    Value comment{};                            ///< Comment for the server's log.
     std::optional<WriteConcern> writeConcern{}; ///< When the server acknowledges the write.
     bool bypassValidation = false;              ///< Do not apply the collection's validation rules.
 };
@@ -73,38 +75,38 @@ struct RemoveOptions
     Value hint{};                               ///< Name or keys of the index to use.
     Value collation{};                          ///< Rules for comparing strings.
     Value let{};                                ///< Variables for the filter.
-    Value comment{};                            ///< For the server's log.
+    Value comment{};                            ///< Comment for the server's log.
     std::optional<WriteConcern> writeConcern{}; ///< When the server acknowledges the write.
 };
 
 /// Options of find().
 struct FindOptions
 {
-    Sort sort{};                                    ///< The order of the documents.
+    Sort sort{};                                    ///< Order of the documents.
     Value projection{};                             ///< Fields to return, or to leave out.
-    std::int64_t limit = 0;                         ///< Greatest number of documents; 0 means no limit.
+    std::int64_t limit = 0;                         ///< Maximum number of documents; 0 means no limit.
     std::int64_t skip = 0;                          ///< Number of matches to skip.
-    std::int32_t batchSize = 0;                     ///< Documents in one reply; 0 leaves it to the server.
-    std::chrono::milliseconds timeLimit{0};         ///< For the server's work on each command; 0 means no limit.
+    std::int32_t batchSize = 0;                     ///< Documents in one reply; 0 means the server's default.
+    std::chrono::milliseconds timeLimit{0};         ///< Server-side limit per command ("maxTimeMS"); 0: no limit.
     Value hint{};                                   ///< Name or keys of the index to use.
     Value collation{};                              ///< Rules for comparing strings.
     Value let{};                                    ///< Variables for the filter.
-    Value comment{};                                ///< For the server's log.
+    Value comment{};                                ///< Comment for the server's log.
     std::optional<ReadPreference> readPreference{}; ///< If not set: as in the connection string.
-    bool allowDiskUse = false;                      ///< Whether a large sort may use temporary files.
+    bool allowDiskUse = false;                      ///< A large sort may use temporary files.
 };
 
 /// Options of aggregate().
 struct AggregateOptions
 {
-    std::int32_t batchSize = 0;                     ///< Documents in one reply; 0 leaves it to the server.
-    std::chrono::milliseconds timeLimit{0};         ///< For the server's work on each command; 0 means no limit.
+    std::int32_t batchSize = 0;                     ///< Documents in one reply; 0 means the server's default.
+    std::chrono::milliseconds timeLimit{0};         ///< Server-side limit per command ("maxTimeMS"); 0: no limit.
     Value hint{};                                   ///< Name or keys of the index to use.
     Value collation{};                              ///< Rules for comparing strings.
     Value let{};                                    ///< Variables for the stages.
-    Value comment{};                                ///< For the server's log.
+    Value comment{};                                ///< Comment for the server's log.
     std::optional<ReadPreference> readPreference{}; ///< If not set: as in the connection string.
-    bool allowDiskUse = false;                      ///< Whether stages may use temporary files.
+    bool allowDiskUse = false;                      ///< Stages may use temporary files.
     std::optional<WriteConcern> writeConcern{};     ///< For a pipeline that writes ("$out", "$merge").
     bool bypassValidation = false;                  ///< For a pipeline that writes: do not apply validation rules.
 };
@@ -112,22 +114,22 @@ struct AggregateOptions
 /// Options of findOne().
 struct FindOneOptions
 {
-    Sort sort{};                                    ///< Which match is the first.
+    Sort sort{};                                    ///< Defines which match is the first.
     Value projection{};                             ///< Fields to return, or to leave out.
     std::int64_t skip = 0;                          ///< Number of matches to skip.
-    std::chrono::milliseconds timeLimit{0};         ///< For the server's work; 0 means no limit.
+    std::chrono::milliseconds timeLimit{0};         ///< Server-side time limit ("maxTimeMS"); 0: no limit.
     Value hint{};                                   ///< Name or keys of the index to use.
     Value collation{};                              ///< Rules for comparing strings.
     Value let{};                                    ///< Variables for the filter.
-    Value comment{};                                ///< For the server's log.
+    Value comment{};                                ///< Comment for the server's log.
     std::optional<ReadPreference> readPreference{}; ///< If not set: as in the connection string.
 };
 
 /// Which document findOneAndUpdate() and findOneAndReplace() return.
 enum class Return
 {
-    Before, ///< As it was. None if an upsert inserted it.
-    After   ///< As it is now.
+    Before, ///< Before the change. Empty if an upsert inserted the document.
+    After   ///< After the change.
 };
 
 /// Options of findOneAndUpdate().
@@ -135,14 +137,14 @@ struct FindOneAndUpdateOptions
 {
     Return which = Return::Before;              ///< Which document is returned.
     bool upsert = false;                        ///< Insert a document if none matches.
-    Sort sort{};                                ///< Which match is the first.
+    Sort sort{};                                ///< Defines which match is the first.
     Value projection{};                         ///< Fields to return, or to leave out.
-    std::vector<Value> arrayFilters{};          ///< Conditions for "$[name]" in the update.
-    std::chrono::milliseconds timeLimit{0};     ///< For the server's work; 0 means no limit.
+    std::vector<Value> arrayFilters{};          ///< Filters for "$[name]" in the update.
+    std::chrono::milliseconds timeLimit{0};     ///< Server-side time limit ("maxTimeMS"); 0: no limit.
     Value hint{};                               ///< Name or keys of the index to use.
     Value collation{};                          ///< Rules for comparing strings.
     Value let{};                                ///< Variables for the filter and the update.
-    Value comment{};                            ///< For the server's log.
+    Value comment{};                            ///< Comment for the server's log.
     std::optional<WriteConcern> writeConcern{}; ///< When the server acknowledges the write.
     bool bypassValidation = false;              ///< Do not apply the collection's validation rules.
 };
@@ -152,13 +154,13 @@ struct FindOneAndReplaceOptions
 {
     Return which = Return::Before;              ///< Which document is returned.
     bool upsert = false;                        ///< Insert the document if none matches.
-    Sort sort{};                                ///< Which match is the first.
+    Sort sort{};                                ///< Defines which match is the first.
     Value projection{};                         ///< Fields to return, or to leave out.
-    std::chrono::milliseconds timeLimit{0};     ///< For the server's work; 0 means no limit.
+    std::chrono::milliseconds timeLimit{0};     ///< Server-side time limit ("maxTimeMS"); 0: no limit.
     Value hint{};                               ///< Name or keys of the index to use.
     Value collation{};                          ///< Rules for comparing strings.
     Value let{};                                ///< Variables for the filter.
-    Value comment{};                            ///< For the server's log.
+    Value comment{};                            ///< Comment for the server's log.
     std::optional<WriteConcern> writeConcern{}; ///< When the server acknowledges the write.
     bool bypassValidation = false;              ///< Do not apply the collection's validation rules.
 };
@@ -166,34 +168,34 @@ struct FindOneAndReplaceOptions
 /// Options of findOneAndRemove().
 struct FindOneAndRemoveOptions
 {
-    Sort sort{};                                ///< Which match is the first.
+    Sort sort{};                                ///< Defines which match is the first.
     Value projection{};                         ///< Fields to return, or to leave out.
-    std::chrono::milliseconds timeLimit{0};     ///< For the server's work; 0 means no limit.
+    std::chrono::milliseconds timeLimit{0};     ///< Server-side time limit ("maxTimeMS"); 0: no limit.
     Value hint{};                               ///< Name or keys of the index to use.
     Value collation{};                          ///< Rules for comparing strings.
     Value let{};                                ///< Variables for the filter.
-    Value comment{};                            ///< For the server's log.
+    Value comment{};                            ///< Comment for the server's log.
     std::optional<WriteConcern> writeConcern{}; ///< When the server acknowledges the write.
 };
 
 /// Options of count().
 struct CountOptions
 {
-    std::int64_t limit = 0;                         ///< Count no further than this; 0 means no limit.
+    std::int64_t limit = 0;                         ///< Stop counting at this number; 0 means no limit.
     std::int64_t skip = 0;                          ///< Number of matches to skip.
-    std::chrono::milliseconds timeLimit{0};         ///< For the server's work; 0 means no limit.
+    std::chrono::milliseconds timeLimit{0};         ///< Server-side time limit ("maxTimeMS"); 0: no limit.
     Value hint{};                                   ///< Name or keys of the index to use.
     Value collation{};                              ///< Rules for comparing strings.
-    Value comment{};                                ///< For the server's log.
+    Value comment{};                                ///< Comment for the server's log.
     std::optional<ReadPreference> readPreference{}; ///< If not set: as in the connection string.
 };
 
 /// Options of distinct().
 struct DistinctOptions
 {
-    std::chrono::milliseconds timeLimit{0};         ///< For the server's work; 0 means no limit.
+    std::chrono::milliseconds timeLimit{0};         ///< Server-side time limit ("maxTimeMS"); 0: no limit.
     Value collation{};                              ///< Rules for comparing strings.
-    Value comment{};                                ///< For the server's log.
+    Value comment{};                                ///< Comment for the server's log.
     std::optional<ReadPreference> readPreference{}; ///< If not set: as in the connection string.
 };
 
@@ -204,90 +206,90 @@ enum class IndexType
     Descending, ///< Greatest first.
     Text,       ///< For "$text".
     Hashed,     ///< For sharding.
-    Sphere2d    ///< For places on the earth: "2dsphere".
+    Sphere2d    ///< For points and shapes on the earth: "2dsphere".
 };
 
 /// One field of an index.
 struct IndexKey
 {
     std::string field;                     ///< The dotted path of the field.
-    IndexType type = IndexType::Ascending; ///< How it is ordered.
+    IndexType type = IndexType::Ascending; ///< Order of the field in the index.
 };
 
 /// Options of createIndex().
 struct IndexOptions
 {
-    std::string name{};                                ///< If empty: made of the keys, such as "state_1_date_-1".
-    bool unique = false;                               ///< No two documents with the same values.
+    std::string name{};                                ///< Made of the keys if empty, such as "state_1_date_-1".
+    bool unique = false;                               ///< Reject a second document with the same values.
     bool sparse = false;                               ///< Leave out documents without the fields.
-    Value partialFilter{};                             ///< Index the documents that match only.
-    std::optional<std::chrono::seconds> expireAfter{}; ///< Remove documents this long after the time in the field.
+    Value partialFilter{};                             ///< Index only the documents that match.
+    std::optional<std::chrono::seconds> expireAfter{}; ///< Remove a document this long after the time in the field.
     Value collation{};                                 ///< Rules for comparing strings.
 };
 
 /// An index of a collection.
 struct IndexInfo
 {
-    std::string name{};  ///< Its name.
-    Value keys{};        ///< Field and direction or type, in order.
-    bool unique = false; ///< No two documents with the same values.
-    bool sparse = false; ///< Leaves out documents without the fields.
-    Value definition{};  ///< All that the server reports.
+    std::string name{};  ///< Name of the index.
+    Value keys{};        ///< Fields with direction or type, in order.
+    bool unique = false; ///< True if two documents cannot have the same values.
+    bool sparse = false; ///< True if documents without the fields are left out.
+    Value definition{};  ///< The whole index description of the server.
 };
 
 /// What insertOne() did.
 struct InsertOneResult
 {
-    Value id{};               ///< The document's "_id": its own or the new one.
-    bool acknowledged = true; ///< Whether the server acknowledged the write.
+    Value id{};               ///< The "_id" of the document, or the new one.
+    bool acknowledged = true; ///< True if the server acknowledged the write.
 };
 
 /// What insertMany() did.
 struct InsertManyResult
 {
-    std::int64_t inserted = 0; ///< Inserted documents; 0 without acknowledgement.
-    std::vector<Value> ids{};  ///< Of all documents, in their order.
-    bool acknowledged = true;  ///< Whether the server acknowledged the writes.
+    std::int64_t inserted = 0; ///< Inserted documents; 0 for unacknowledged writes.
+    std::vector<Value> ids{};  ///< Ids of all documents, in their order.
+    bool acknowledged = true;  ///< True if the server acknowledged the writes.
 };
 
-/// What updateOne(), updateMany() or replaceOne() did. Without acknowledgement all counts are 0.
+/// What updateOne(), updateMany() or replaceOne() did. All counts are 0 for unacknowledged writes.
 struct UpdateResult
 {
-    std::int64_t matched = 0;          ///< Documents that the filter matched.
+    std::int64_t matched = 0;          ///< Documents that matched the filter.
     std::int64_t modified = 0;         ///< Documents that changed.
     std::optional<Value> upsertedId{}; ///< The "_id" of the inserted document, if there is one.
-    bool acknowledged = true;          ///< Whether the server acknowledged the write.
+    bool acknowledged = true;          ///< True if the server acknowledged the write.
 };
 
 /// What removeOne() or removeMany() did.
 struct RemoveResult
 {
-    std::int64_t removed = 0; ///< Removed documents; 0 without acknowledgement.
-    bool acknowledged = true; ///< Whether the server acknowledged the write.
+    std::int64_t removed = 0; ///< Removed documents; 0 for unacknowledged writes.
+    bool acknowledged = true; ///< True if the server acknowledged the write.
 };
 
 } // namespace v1
 
-/// One collection of a connected client. Cheap to make: nothing is sent. Must not outlive the DataBaseClient, but may
-/// be made before it connects and used across reconnects. Not thread-safe, like the client. Moved
-/// from, it can only be assigned to or destroyed.
+/// One collection of a client. Making a Collection sends nothing. Create it before or after connect(), and use it after
+/// a reconnect. It must not outlive the DataBaseClient. Not thread-safe: use it in the thread of the client. Only
+/// assign to a moved-from object or destroy it.
 ///
-/// Every operation throws, in this order of checks:
+/// Every operation throws, in this order:
 /// - std::logic_error       "The client of this object no longer exists"
 /// - std::invalid_argument  "Connection is not established. Run connect before"
 /// - std::invalid_argument  "Database name is empty", "Collection name is empty"
-/// - std::invalid_argument  a document that cannot be sent: "Bad condition" for a filter, "Bad properties" for any
-/// other.
-///                          Nothing was sent
-/// - ServerError            a failure that the server or the driver reports. The client stays connected and usable
+/// - std::invalid_argument  "Bad condition" for a filter and "Bad properties" for any other document that cannot be
+///                          sent; nothing was sent
+/// - ServerError            an error of the server or the driver; the client stays connected and usable
+/// @since 1.0
 class DATABASE_CLIENT_API Collection
 {
 public:
-    /// The collection @p name of @p database. Neither is checked here.
+    /// The collection @p name of @p database. The names are not checked here.
     Collection(DataBaseClient& client, std::string database, std::string name);
-    /// Takes over the state of @p other, which can only be destroyed or assigned to afterwards.
+    /// Moves the state.
     Collection(Collection&& other) noexcept;
-    /// As the constructor; the own state is released first.
+    /// Moves the state.
     Collection& operator=(Collection&& other) noexcept;
     ~Collection();
 
@@ -296,19 +298,22 @@ public:
     /// Name of the collection.
     const std::string& name() const noexcept;
 
-    /// Inserts a document. Its "_id" is kept; without one, a new object id becomes its first field.
+    /// Inserts a document. If it has no "_id", adds a new object id as the first field.
     /// @throws ServerError "Insert failed..."
     InsertOneResult insertOne(const DocumentRef& document, const InsertOneOptions& options = {});
 
-    /// Inserts every document of a range, or of a generator: a function object without parameters that returns a
-    /// std::optional of a document, empty at the end. Documents are anything that a DocumentRef takes. They are sent in
-    /// batches of about 4 MiB, so that memory stays flat whatever their number; only the ids are collected.
+    /// Inserts all documents of a range or a generator. A generator is a function object without parameters. It returns
+    /// a std::optional of a document, which is empty at the end. A document is anything that converts to a DocumentRef.
     ///
     ///     orders.insertMany(std::vector<ObjectProperties>{...});
     ///     orders.insertMany([&]() -> std::optional<dbc::Value> { return nextRecord(); });
     ///
-    /// What the range or the generator throws passes on; batches that were sent stay inserted.
-    /// @throws BulkError "Insert failed..."; std::invalid_argument as for every operation, at the first such document
+    /// The documents are sent in batches of about 4 MiB. Memory use does not grow with their number, except for the
+    /// ids.
+    ///
+    /// Passes on exceptions of the range or the generator. Batches that were sent stay inserted.
+    /// @throws BulkError             "Insert failed..."
+    /// @throws std::invalid_argument at the first document that cannot be sent
     template <typename Documents>
     InsertManyResult insertMany(Documents&& documents, const InsertManyOptions& options = {})
     {
@@ -327,91 +332,93 @@ public:
             },
             options);
     }
-    /// The same for documents in braces: insertMany({{{"a", 1}}, {{"a", 2}}}).
+    /// Overload for documents in braces: insertMany({{{"a", 1}}, {{"a", 2}}}).
     InsertManyResult insertMany(std::initializer_list<DocumentRef> documents, const InsertManyOptions& options = {});
 
-    /// Changes the first document that matches. @p update holds operators, or is an array of pipeline stages.
+    /// Updates the first match. @p update has operators, or is an array of pipeline stages.
     /// @throws ServerError "Update failed..."
     UpdateResult updateOne(const DocumentRef& filter, const DocumentRef& update, const UpdateOptions& options = {});
-    /// Changes every document that matches. @p update holds operators, or is an array of pipeline stages.
+    /// Updates every match. @p update has operators, or is an array of pipeline stages.
     /// @throws ServerError "Update failed..."
     UpdateResult updateMany(const DocumentRef& filter, const DocumentRef& update, const UpdateOptions& options = {});
-    /// Replaces the first document that matches; the "_id" stays.
+    /// Replaces the first match by @p document. The "_id" of the match stays.
     /// @throws ServerError "Replace failed..."
     UpdateResult replaceOne(const DocumentRef& filter, const DocumentRef& document, const ReplaceOptions& options = {});
-    /// Removes the first document that matches.
+    /// Removes the first match.
     /// @throws ServerError "Remove failed..."
     RemoveResult removeOne(const DocumentRef& filter, const RemoveOptions& options = {});
-    /// Removes every document that matches.
+    /// Removes every match.
     /// @throws ServerError "Remove failed..."
     RemoveResult removeMany(const DocumentRef& filter, const RemoveOptions& options = {});
 
-    /// Carries out a list of operations, split into as many commands as the server's limits ask for. Without operations
-    /// nothing is sent.
+    /// Runs a list of write operations. They are split into several commands if the server's limits require it. Sends
+    /// nothing if the list is empty.
     /// @throws BulkError "Bulk write failed..."
     BulkResult bulkWrite(const Bulk& bulk, const BulkOptions& options = {});
 
-    /// Sends a query and returns its matches, to be received one by one.
+    /// Sends a query and returns a cursor over the matches.
     ///
-    ///     for (const dbc::Value& order : orders.find({{"state", "open"}}, {.sort = {{"date"}, {"number"}}, .limit =
-    ///     20}))
+    ///     for (const dbc::Value& order : orders.find({{"state", "open"}}, {.sort = {{"date"}}, .limit = 20}))
     ///
     /// @throws ServerError "Find failed..."
     Cursor find(const DocumentRef& filter, const FindOptions& options = {});
-    /// Sends a pipeline and returns its results, to be received one by one.
-    /// @param pipeline  an array of stages, or {"pipeline": [...]} as of dbc::pipeline()
+    /// Sends a pipeline and returns a cursor over the results.
+    /// @param pipeline  an array of stages, or {"pipeline": [...]} as returned by dbc::pipeline()
     /// @throws std::invalid_argument "Bad pipeline" if it cannot be sent
     /// @throws ServerError           "Aggregation failed..."
     Cursor aggregate(const DocumentRef& pipeline, const AggregateOptions& options = {});
 
-    /// The first document that matches; empty if no document matches.
+    /// Returns the first match, or an empty optional.
     /// @throws ServerError "Find failed..."
     std::optional<Value> findOne(const DocumentRef& filter, const FindOneOptions& options = {});
-    /// Changes the first document that matches and returns it, in one step; empty if none matches.
+    /// Updates the first match atomically. Returns the document before or after the change, or an empty optional if
+    /// there is no match.
     /// @throws ServerError "Find and update failed..."
     std::optional<Value> findOneAndUpdate(const DocumentRef& filter, const DocumentRef& update,
                                           const FindOneAndUpdateOptions& options = {});
-    /// Replaces the first document that matches and returns it, in one step; empty if none matches.
+    /// Replaces the first match atomically. Returns the document before or after the change, or an empty optional if
+    /// there is no match.
     /// @throws ServerError "Find and replace failed..."
     std::optional<Value> findOneAndReplace(const DocumentRef& filter, const DocumentRef& document,
                                            const FindOneAndReplaceOptions& options = {});
-    /// Removes the first document that matches and returns it, in one step; empty if none matches.
+    /// Removes the first match atomically. Returns the removed document, or an empty optional if there is no match.
     /// @throws ServerError "Find and remove failed..."
     std::optional<Value> findOneAndRemove(const DocumentRef& filter, const FindOneAndRemoveOptions& options = {});
 
-    /// Number of documents that match, counted by the server one by one or in an index.
+    /// Returns the number of matches. The server counts documents or index entries.
     /// @throws ServerError "Count failed..."
     std::int64_t count(const DocumentRef& filter, const CountOptions& options = {});
-    /// Number of documents in the collection as the server has noted it. Fast. May be wrong after a crash and on a
-    /// sharded cluster.
+    /// Returns the number of documents from the metadata of the collection. Fast. It may be wrong after a crash of the
+    /// server and on a sharded cluster.
     /// @throws ServerError "Count failed..."
     std::int64_t estimatedCount();
-    /// The different values of a field in the documents that match. Elements of arrays count one by one.
+    /// Returns the distinct values of a field in the documents that match. For an array, returns its distinct elements.
     /// @param field  the dotted path of the field
     /// @throws std::invalid_argument "Field name is empty"
     /// @throws ServerError           "Distinct failed..."
     std::vector<Value> distinct(const std::string& field, const DocumentRef& filter = {},
                                 const DistinctOptions& options = {});
 
-    /// Creates an index and returns its name. An index that exists with the same definition stays as it is.
+    /// Creates an index and returns its name. Does nothing if an index with the same definition exists.
     ///
     ///     orders.createIndex({{"state"}, {"date", dbc::IndexType::Descending}}, {.unique = true});
     ///
     /// @throws std::invalid_argument "Index keys are empty"
     /// @throws ServerError           "Creating the index failed..."
     std::string createIndex(const std::vector<IndexKey>& keys, const IndexOptions& options = {});
-    /// The indexes; none if the collection does not exist.
+    /// Returns the indexes. Empty if the collection does not exist.
     /// @throws ServerError "Listing indexes failed..."
     std::vector<IndexInfo> indexes();
-    /// Removes an index. @throws std::invalid_argument "Index name is empty"
-    /// @throws ServerError "Dropping the index failed..."; kind NotFound if there is no such index
+    /// Removes an index.
+    /// @throws std::invalid_argument "Index name is empty"
+    /// @throws ServerError           "Dropping the index failed..."; kind NotFound if there is no such index
     void dropIndex(const std::string& name);
 
-    /// Removes the collection with its documents and indexes. Does nothing if the collection does not exist.
+    /// Removes the collection with its documents and indexes. Does nothing if it does not exist.
     /// @throws ServerError "Dropping the collection failed..."
     void drop();
-    /// Gives the collection a new name within its database; this object then has it too.
-    /// @param dropTarget  remove a collection that has the name already
+    /// Renames the collection within its database. This object then has the new name.
+    /// @param dropTarget  remove an existing collection with the new name
     /// @throws std::invalid_argument "New collection name is empty"
     /// @throws ServerError           "Renaming the collection failed..."
     void rename(const std::string& newName, bool dropTarget = false);

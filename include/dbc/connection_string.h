@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// Builds connection strings in which every part is percent-encoded, where DataBaseClient::uri escapes nothing.
+/// Builds connection strings and percent-encodes every part. DataBaseClient::uri() does not escape anything.
 
 #include <chrono>
 #include <string>
@@ -10,7 +10,7 @@
 
 namespace dbc {
 
-/// Percent-encodes everything but the unreserved characters of RFC 3986.
+/// Percent-encodes all characters except the unreserved ones of RFC 3986.
 inline std::string percentEncoded(const std::string& text)
 {
     static const char digits[] = "0123456789ABCDEF";
@@ -28,18 +28,20 @@ inline std::string percentEncoded(const std::string& text)
     return result;
 }
 
-/// A connection string, for DataBaseClient::connect(uri):
+/// Builds a connection string for DataBaseClient::connect(uri):
 ///
 ///     ConnectionString().host("db.example", 27017).user("ada", "p@ss/word").database("shop").tls().text()
 ///
-/// Options for which nothing is called are left to the driver.
+/// Options that are not set are left to the driver.
+/// @since 1.0
 class ConnectionString
 {
 public:
-    /// Unit of the time limits.
+    /// Unit of the timeouts.
     using Milliseconds = std::chrono::milliseconds;
 
-    /// Adds a server; several are members of one replica set. Without a call: localhost. An IPv6 address is bracketed.
+    /// Adds a server. Several servers are members of one replica set. Without a call the server is localhost. Brackets
+    /// are added to an IPv6 address.
     ConnectionString& host(const std::string& name, int port = 27017)
     {
         const bool isAddress6 = name.find(':') != std::string::npos && name.front() != '[';
@@ -47,47 +49,48 @@ public:
         return *this;
     }
 
-    /// Credentials. Give the database that knows the user to authSource().
+    /// Sets the credentials. Use authSource() to set the authentication database.
     ConnectionString& user(const std::string& name, const std::string& password)
     {
         m_credentials = percentEncoded(name) + ":" + percentEncoded(password) + "@";
         return *this;
     }
 
-    /// The database that DataBaseClient::getDatabaseName() answers.
+    /// Sets the database that DataBaseClient::getDatabaseName() returns. It is also the authentication database, unless
+    /// authSource() is called.
     ConnectionString& database(const std::string& name)
     {
         m_database = percentEncoded(name);
         return *this;
     }
 
-    /// Any option of a connection string.
+    /// Adds any option of a connection string.
     ConnectionString& option(const std::string& name, const std::string& value)
     {
         m_options.emplace_back(name, percentEncoded(value));
         return *this;
     }
 
-    /// The database that knows the user.
+    /// Sets the authentication database.
     ConnectionString& authSource(const std::string& name) { return option("authSource", name); }
-    /// Name of the replica set whose members the hosts are.
+    /// Sets the name of the replica set of the hosts.
     ConnectionString& replicaSet(const std::string& name) { return option("replicaSet", name); }
-    /// Name under which the server lists this program.
+    /// Sets the name of this program in the server's log and statistics.
     ConnectionString& appName(const std::string& name) { return option("appName", name); }
-    /// Encrypts the connection and checks the server's certificate against the system's authorities.
+    /// Turns on TLS. The driver verifies the server's certificate with the system's certificate authorities.
     ConnectionString& tls() { return option("tls", "true"); }
-    /// Checks the server's certificate against the authorities in this PEM file.
+    /// Sets a PEM file of certificate authorities. The driver verifies the server's certificate with them.
     ConnectionString& tlsCaFile(const std::string& path) { return option("tlsCAFile", path); }
-    /// Presents the certificate and key in this PEM file to the server.
+    /// Sets a PEM file with the client's certificate and private key.
     ConnectionString& tlsCertificateKeyFile(const std::string& path) { return option("tlsCertificateKeyFile", path); }
-    /// Longest wait for a connection to open.
+    /// Sets the connect timeout.
     ConnectionString& connectTimeout(Milliseconds limit) { return time("connectTimeoutMS", limit); }
-    /// Longest wait for a reply.
+    /// Sets the socket timeout: the longest wait for a reply.
     ConnectionString& socketTimeout(Milliseconds limit) { return time("socketTimeoutMS", limit); }
-    /// Longest search for a server that can take an operation.
+    /// Sets the server selection timeout: the longest wait for a server that can run an operation.
     ConnectionString& serverSelectionTimeout(Milliseconds limit) { return time("serverSelectionTimeoutMS", limit); }
 
-    /// The connection string.
+    /// Returns the connection string.
     std::string text() const
     {
         std::string result = "mongodb://" + m_credentials + (m_hosts.empty() ? "localhost" : "");

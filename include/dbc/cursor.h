@@ -16,32 +16,32 @@ namespace dbc {
 
 class CursorAccess;
 
-/// The documents that a query finds, received from the server batch by batch. An input range that holds one document at
-/// a time. The type of the loop variable decides its form:
+/// The documents that a query returns. The server sends them in batches. A cursor is an input range with one document
+/// at a time. The type of the loop variable selects the form of the document:
 ///
 ///     for (const ObjectProperties& order : orders.find({{"state", "open"}}))
 ///     for (const dbc::Value& order : orders.find({{"state", "open"}}))
 ///     for (dbc::BsonView order : orders.find({{"state", "open"}}))
 ///
-/// A document is valid until the next one is fetched: the object that a form refers to is used again. As BsonView the
-/// document is not copied.
+/// A document is valid until the next one is fetched, because the cursor reuses its objects. A BsonView is not a copy.
 ///
-/// Destroying the cursor before the end closes it on the server.
-/// The cursor keeps the connection that it was made with open, also after disconnect() and after the end of the
-/// DataBaseClient. Not thread-safe, and to be used by the client's thread. Moved from, it can only be assigned to or
-/// destroyed.
+/// The destructor closes the cursor on the server. A cursor keeps its connection open, also after disconnect() and
+/// after the DataBaseClient is destroyed.
+///
+/// Not thread-safe: use it in the thread of the client. Only assign to a moved-from cursor or destroy it.
+/// @since 1.0
 class DATABASE_CLIENT_API Cursor
 {
 public:
-    /// The current document in the form that the caller asks for.
+    /// The current document, convertible to each form.
     class DATABASE_CLIENT_API Document
     {
     public:
-        /// The document with the fields that ObjectProperties can hold; see docs/guide/kinds.md.
+        /// The document with the fields that ObjectProperties can hold; see dbc::Loss.
         operator const ObjectProperties&() const { return m_cursor->properties(); }
-        /// The document as it is.
+        /// The document with all fields.
         operator const Value&() const { return m_cursor->value(); }
-        /// Its bytes.
+        /// The bytes of the document.
         operator BsonView() const { return m_cursor->bson(); }
 
         /// @copydoc Cursor::properties()
@@ -58,27 +58,27 @@ public:
         Cursor* m_cursor = nullptr;
     };
 
-    /// Visits the documents once.
+    /// Input iterator over the documents.
     class Iterator
     {
     public:
-        /// Documents come once.
+        /// An input iterator: one pass.
         using iterator_category = std::input_iterator_tag;
-        /// What an iterator points to.
+        /// Type of the elements.
         using value_type = Document;
-        /// Required of an iterator; nothing measures distances.
+        /// Required of an iterator; not used.
         using difference_type = std::ptrdiff_t;
-        /// Result of operator->().
+        /// Returned by operator->().
         using pointer = const Document*;
-        /// Result of operator*().
+        /// Returned by operator*().
         using reference = const Document&;
 
-        /// The end.
+        /// The end iterator.
         Iterator() = default;
 
-        /// The document of the cursor; valid until the next step.
+        /// The current document; valid until the next step.
         reference operator*() const { return m_document; }
-        /// The document of the cursor; valid until the next step.
+        /// The current document; valid until the next step.
         pointer operator->() const { return &m_document; }
         /// Fetches the next document. @throws ServerError
         Iterator& operator++()
@@ -98,38 +98,41 @@ public:
         const Cursor* source() const { return m_document.m_cursor; }
         Document m_document;
     };
-    /// The iterator of a range.
+    /// Type of begin() and end().
     using iterator = Iterator;
-    /// The iterator of a range; documents cannot be changed.
+    /// Type of begin() and end(); the documents cannot be changed.
     using const_iterator = Iterator;
 
-    /// Takes over the state of @p other, which can only be destroyed or assigned to afterwards.
+    /// Moves the cursor.
     Cursor(Cursor&& other) noexcept;
-    /// As the constructor; the own state is released first.
+    /// Closes this cursor, then moves @p other.
     Cursor& operator=(Cursor&& other) noexcept;
     /// Closes the cursor.
     ~Cursor();
 
-    /// Moves to the next document; false at the end, and after close().
-    /// @throws ServerError "Find failed...", "Aggregation failed...": once; after it the cursor is at its end
+    /// Fetches the next document. Returns false at the end and after close().
+    /// @throws ServerError "Find failed..." or "Aggregation failed...". The cursor is at its end then; further calls
+    ///                     return false
     bool next();
 
-    /// The current document with the fields that ObjectProperties can hold. The same object for every document.
-    /// @throws std::logic_error "The cursor is on no document", before the first next() and at the end
+    /// Returns the current document with the fields that ObjectProperties can hold. The next document reuses the
+    /// object.
+    /// @throws std::logic_error "The cursor is on no document" before the first next() and at the end
     const ObjectProperties& properties();
-    /// The current document. The same object for every document. @throws std::logic_error as properties()
+    /// Returns the current document. The next document reuses the object.
+    /// @throws std::logic_error as properties()
     /// @throws FormatError if the server sent a malformed document
     const Value& value();
-    /// The bytes of the current document. @throws std::logic_error as properties()
+    /// Returns the bytes of the current document. @throws std::logic_error as properties()
     BsonView bson() const;
 
-    /// Moves to the first document if next() was not called yet. The range can be visited once.
+    /// Fetches the first document if next() was not called yet. The range can be visited only once.
     /// @throws ServerError as next()
     Iterator begin();
     /// The end of the range.
     Iterator end() noexcept { return {}; }
 
-    /// Ends the query. The server frees what it holds for it. Called by the destructor.
+    /// Closes the cursor on the server. The destructor calls it.
     void close() noexcept;
 
 private:

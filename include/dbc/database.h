@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// The operations on one database: collections, commands, users.
+/// Operations on one database: collections, commands, users.
 
 #include "database_client.h"
 #include "dbc/collection.h"
@@ -17,101 +17,106 @@
 namespace dbc {
 inline namespace v1 {
 
-/// How strictly validation rules apply.
+/// Which writes are validated.
 enum class ValidationLevel
 {
-    Strict,  ///< To every insert and update.
-    Moderate ///< Not to updates of documents that break the rules already.
+    Strict,  ///< Every insert and update.
+    Moderate ///< All writes except updates of documents that already break the rules.
 };
 
 /// Options of Database::createCollection().
 struct CreateCollectionOptions
 {
-    Value validator{};                                         ///< A filter that documents have to match.
-    ValidationLevel validationLevel = ValidationLevel::Strict; ///< Sent only with a validator.
-    bool warnOnly = false;                                     ///< Log documents that break the rules, and take them.
-    std::int64_t cappedBytes = 0;                              ///< Keep the newest documents only; 0 means all.
-    std::int64_t cappedDocuments = 0;                          ///< Also limit their number; 0 means no limit.
-    Value collation{};                                         ///< Default rules for comparing strings.
+    Value validator{};                                         ///< Filter that every document must match.
+    ValidationLevel validationLevel = ValidationLevel::Strict; ///< Sent only if there is a validator.
+    bool warnOnly = false;                                     ///< Log documents that break the rules, but store them.
+    std::int64_t cappedBytes = 0;     ///< Maximum size: the oldest documents are removed. 0 means no limit.
+    std::int64_t cappedDocuments = 0; ///< Maximum number of documents if cappedBytes is set; 0 means no limit.
+    Value collation{};                ///< Default rules for comparing strings.
 };
 
 /// A role of a user.
 struct Role
 {
-    std::string name{};     ///< Its name, such as "readWrite".
-    std::string database{}; ///< Where it is valid; if empty, in the database of the user.
+    std::string name{};     ///< Name of the role, such as "readWrite".
+    std::string database{}; ///< Database of the role; the database of the user if empty.
 };
 
 /// A user of a database.
 struct UserInfo
 {
-    std::string name{};        ///< The user's name.
-    std::string database{};    ///< The database that authenticates the user.
-    std::vector<Role> roles{}; ///< What the user may do.
-    Value definition{};        ///< All that the server reports.
+    std::string name{};        ///< Name of the user.
+    std::string database{};    ///< Authentication database of the user.
+    std::vector<Role> roles{}; ///< Roles of the user.
+    Value definition{};        ///< The whole user document of the server.
 };
 
 } // namespace v1
 
-/// One database of a connected client. Cheap to make: nothing is sent. Must not outlive the DataBaseClient, but may be
-/// made before it connects and used across reconnects. Not thread-safe, like the client. Moved
-/// from, it can only be assigned to or destroyed.
+/// One database of a client. Making a Database sends nothing. Create it before or after connect(), and use it after a
+/// reconnect. It must not outlive the DataBaseClient. Not thread-safe: use it in the thread of the client. Only assign
+/// to a moved-from object or destroy it.
 ///
-/// Every operation throws, in this order of checks:
+/// Every operation throws, in this order:
 /// - std::logic_error       "The client of this object no longer exists"
 /// - std::invalid_argument  "Connection is not established. Run connect before"
 /// - std::invalid_argument  "Database name is empty", then an empty name among the arguments
 /// - std::invalid_argument  a document that cannot be sent
-/// - ServerError            a failure that the server or the driver reports
+/// - ServerError            an error of the server or the driver
+/// @since 1.0
 class DATABASE_CLIENT_API Database
 {
 public:
-    /// The database @p name. It is not checked here.
+    /// The database @p name. The name is not checked here.
     Database(DataBaseClient& client, std::string name);
-    /// Takes over the state of @p other, which can only be destroyed or assigned to afterwards.
+    /// Moves the state.
     Database(Database&& other) noexcept;
-    /// As the constructor; the own state is released first.
+    /// Moves the state.
     Database& operator=(Database&& other) noexcept;
     ~Database();
 
-    /// Names of the databases of the server that the user may see.
+    /// Returns the names of all databases of the server that the user may see.
     /// @throws ServerError "Listing databases failed..."
     static std::vector<std::string> names(DataBaseClient& client);
 
     /// Name of the database.
     const std::string& name() const noexcept;
-    /// A collection of the database.
+    /// Returns a collection of the database. Sends nothing.
     Collection collection(const std::string& name) const;
 
-    /// Names of the collections and views. @throws ServerError "Listing collections failed..."
+    /// Returns the names of the collections and views. @throws ServerError "Listing collections failed..."
     std::vector<std::string> collectionNames();
-    /// Creates a collection. Without options there is no need to: the first insert creates it.
+    /// Creates a collection. Needed only for options: the first insert creates a collection without options.
     /// @throws std::invalid_argument "Collection name is empty"
     /// @throws ServerError           "Creating the collection failed..."
     Collection createCollection(const std::string& name, const CreateCollectionOptions& options = {});
-    /// Removes the database with its collections, without its users. Does nothing if it does not exist.
+    /// Removes the database with its collections, but not its users. Does nothing if it does not exist.
     /// @throws ServerError "Dropping the database failed..."
     void drop();
 
-    /// Runs any command and returns the reply. Read and write concerns are not added. The name of a command is its
-    /// first field: give a Value or braces, not an ObjectProperties, whose fields are sent in key order.
+    /// Runs any command and returns the reply. Adds no read concern or write concern. The first field must be the name
+    /// of the command: pass a Value or braces, because the fields of an ObjectProperties are sent in key order.
     /// @throws std::invalid_argument "Bad command"
     /// @throws ServerError           "Command failed..."
     Value command(const DocumentRef& command, const std::optional<ReadPreference>& readPreference = {});
 
-    /// The users of the database. @throws ServerError "Listing users failed..."
+    /// Returns the users of the database. @throws ServerError "Listing users failed..."
     std::vector<UserInfo> users();
-    /// Creates a user. @throws std::invalid_argument "User name is empty", "Password is empty"
-    /// @throws ServerError "Adding the user failed..."
+    /// Creates a user.
+    /// @throws std::invalid_argument "User name is empty", "Password is empty"
+    /// @throws ServerError           "Adding the user failed..."
     void addUser(const std::string& name, const std::string& password, const std::vector<Role>& roles);
-    /// Replaces the roles of a user. @throws std::invalid_argument "User name is empty"
-    /// @throws ServerError "Changing the user failed..."
+    /// Replaces the roles of a user.
+    /// @throws std::invalid_argument "User name is empty"
+    /// @throws ServerError           "Changing the user failed..."
     void setRoles(const std::string& name, const std::vector<Role>& roles);
-    /// Replaces the password of a user. @throws std::invalid_argument "User name is empty", "Password is empty"
-    /// @throws ServerError "Changing the user failed..."
+    /// Changes the password of a user.
+    /// @throws std::invalid_argument "User name is empty", "Password is empty"
+    /// @throws ServerError           "Changing the user failed..."
     void setPassword(const std::string& name, const std::string& password);
-    /// Removes a user. @throws std::invalid_argument "User name is empty"
-    /// @throws ServerError "Removing the user failed..."
+    /// Removes a user.
+    /// @throws std::invalid_argument "User name is empty"
+    /// @throws ServerError           "Removing the user failed..."
     void removeUser(const std::string& name);
 
 private:

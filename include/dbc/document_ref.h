@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// A document as a parameter, in whatever form the caller has it.
+/// A document as a parameter, in any form.
 
 #include "dbc/value.h"
 #include "object_properties.h"
@@ -19,27 +19,29 @@ inline namespace v1 {
 /// The bytes of one BSON document. Does not own them.
 struct BsonView
 {
-    const unsigned char* data = nullptr; ///< The first byte of the document's length.
+    const unsigned char* data = nullptr; ///< The start of the document, with its length.
     std::size_t size = 0;                ///< Number of bytes.
 };
 
-/// A document that an operation takes as a parameter: an ObjectProperties, whose fields are sent in key order; a Value
-/// or braces, sent in their own order; or BSON as it is. Refers to the document and does not own it, except for braces.
-/// Use it for parameters only.
+///
+/// A document as a parameter of an operation: an ObjectProperties, whose fields are sent in key order; a Value or
+/// braces, whose fields are sent in their own order; or BSON bytes. It refers to the document and does not own it,
+/// except for braces. Use it only as a parameter.
 ///
 ///     orders.insertOne({{"item", "cup"}, {"count", 3}});
+/// @since 1.0
 class DocumentRef
 {
 public:
     /// A document without fields.
     DocumentRef() noexcept : m_form(Form::Empty) {}
-    /// The whole document, wherever its cursor stands.
+    /// The whole document; the cursor does not matter.
     DocumentRef(const ObjectProperties& document) noexcept : m_form(Form::Properties), m_document(&document) {}
-    /// An object. Where an operation takes a pipeline, also an array of stages.
+    /// An object. A parameter for a pipeline also takes an array of stages.
     DocumentRef(const Value& document) noexcept : m_form(Form::Value), m_document(&document) {}
-    /// Bytes, checked before they are sent.
+    /// BSON bytes. They are checked before they are sent.
     DocumentRef(const BsonView& document) noexcept : m_form(Form::Bson), m_document(&document) {}
-    /// The object of these fields.
+    /// An object with these fields.
     DocumentRef(std::initializer_list<Field> fields) : m_form(Form::Owned), m_owned(Value(fields)) {}
     DocumentRef(const DocumentRef&) = delete;
     DocumentRef& operator=(const DocumentRef&) = delete;

@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// Errors of a server: as an exception that carries code, kind and labels, and read from the fixed text of the
+/// Errors of a server: an exception with code, kind and labels, and a function that reads them from the texts of the
 /// exceptions of DataBaseClient.
 
 #include "database_client_export.h"
@@ -16,22 +16,23 @@
 
 namespace dbc {
 
-/// What a caller can do about a failure depends on its kind.
+/// Groups the errors by what a caller can do about them.
 enum class ErrorKind
 {
-    NotConnected,   ///< connect() was not called, or its connection string was not one.
-    BadArgument,    ///< An empty name, an enumerator out of range, a document that does not convert. Nothing was sent.
-    DuplicateKey,   ///< A unique index refused the document.
-    NotFound,       ///< No such user, file or namespace.
+    NotConnected,   ///< connect() was not called, or the connection string is invalid.
+    BadArgument,    ///< An empty name, an enumerator out of range, or a document that cannot be converted. Nothing was
+                    ///< sent.
+    DuplicateKey,   ///< A unique index rejected the document.
+    NotFound,       ///< The user, file or namespace does not exist.
     Authentication, ///< Wrong credentials.
-    NotAuthorized,  ///< The user may not do this.
-    Timeout,        ///< The server took too long, or none was found in time.
+    NotAuthorized,  ///< The user does not have the required role.
+    Timeout,        ///< The server took too long, or server selection timed out.
     Network,        ///< The connection broke, or no server could be reached.
-    TooLarge,       ///< The document is over the server's limit.
-    Other           ///< Anything else that the driver or the server refused.
+    TooLarge,       ///< The document is larger than the server's limit.
+    Other           ///< Any other error of the driver or the server.
 };
 
-/// Text of a kind, for messages.
+/// Name of a kind, for messages.
 inline const char* nameOf(ErrorKind kind)
 {
     switch (kind)
@@ -62,17 +63,17 @@ inline const char* nameOf(ErrorKind kind)
 
 inline namespace v1 {
 
-/// What a ServerError is made of.
+/// The data of a ServerError.
 struct ErrorDetails
 {
-    /// The text of the server or the driver; may be empty.
+    /// Error message of the server or the driver; may be empty.
     std::string text;
-    /// The code of the server or the driver; 0 if the error has no code.
+    /// Code of the server or the driver; 0 if the error has no code.
     int code = 0;
-    /// The server's name of the code, such as "DuplicateKey"; empty if the server sent none, or if the driver does not
-    /// pass it on, as for writes.
+    /// The server's name of the code, such as "DuplicateKey". Empty if the server sent no name. Always empty for
+    /// writes, because the driver does not pass it on.
     std::string codeName;
-    /// What the failure was about.
+    /// Kind of the error.
     ErrorKind kind = ErrorKind::Other;
     /// The server's error labels, such as "RetryableWriteError".
     std::vector<std::string> labels;
@@ -82,16 +83,17 @@ struct ErrorDetails
 
 } // namespace v1
 
-/// An operation that the server or the driver refused, or that found no server. Thrown by Collection, Cursor, Database
-/// and FileStore. The text has the form of DataBaseClient's exceptions: "<message>: <text>(code: <code>)", without
-/// ": <text>" if the text is empty, and without the code if that is 0.
+/// An error of the server or the driver. Collection, Cursor, Database and FileStore throw it. what() has the form of
+/// DataBaseClient's exceptions: "<message>: <text>(code: <code>)". ": <text>" is left out if the text is empty, and the
+/// code if it is 0.
 ///
-/// The kind follows from the place where the driver noticed the error and from the code, never from the text. Copies
-/// share their details. Thread-safe for concurrent reading.
+/// The kind depends on the driver's error domain and the code, never on the text. Copies share their details.
+/// Concurrent reads are thread-safe.
+/// @since 1.0
 class DATABASE_CLIENT_API ServerError : public std::runtime_error
 {
 public:
-    /// @param message  what was attempted, such as "Insert failed"
+    /// @param message  the operation that failed, such as "Insert failed"
     ServerError(const std::string& message, ErrorDetails details);
     /// Shares the details of @p other.
     ServerError(const ServerError& other) noexcept;
@@ -99,42 +101,42 @@ public:
     ServerError& operator=(const ServerError& other) noexcept;
     ~ServerError() override;
 
-    /// The code of the server or the driver; 0 if the error has no code.
+    /// Code of the server or the driver; 0 if the error has no code.
     int code() const noexcept;
-    /// The server's name of the code; empty if the server sent none, or if the driver does not pass it on, as for
-    /// writes.
+    /// The server's name of the code; empty if the server sent no name, and for writes.
     const std::string& codeName() const noexcept;
-    /// What the failure was about.
+    /// Kind of the error.
     ErrorKind kind() const noexcept;
     /// The server's error labels.
     const std::vector<std::string>& labels() const noexcept;
-    /// Whether labels() contains @p label.
+    /// True if labels() contains @p label.
     bool hasLabel(const std::string& label) const noexcept;
-    /// Whether the cause is a passing one: a broken connection, a server that stops or hands over its role, a conflict
-    /// with another write, or a label of the server that says so. The failed operation may have taken effect all the
-    /// same: repeat an insert only with an "_id" of your own, and an update only if it can be applied twice.
+    /// True if the cause is temporary: a broken connection, a server that stops or steps down, a write conflict, or a
+    /// label of the server. The operation may have taken effect nevertheless. Repeat an insert only with an "_id" of
+    /// your own. Repeat an update only if it can be applied twice.
     bool mayRetry() const noexcept;
-    /// All of it, for an exception of the caller that contains this one.
+    /// All details, for an exception of the caller that contains this one.
     const ErrorDetails& details() const noexcept;
 
 private:
     std::shared_ptr<const ErrorDetails> m_details; // the only member: size and layout never change
 };
 
-/// A transfer of a file that the program ended: FileStore throws it when a progress function returns false. A Download
-/// makes DataBaseClient::readFile() throw it, also after Download::cancel().
+/// The program cancelled the transfer of a file. FileStore throws it if a progress function returns false. A Download
+/// throws it out of DataBaseClient::readFile().
+/// @since 1.0
 class Cancelled : public std::runtime_error
 {
 public:
     Cancelled() : std::runtime_error("Cancelled") {}
 };
 
-/// What an exception says, taken apart.
+/// Kind and code of an exception.
 struct ErrorInfo
 {
     /// What the failure was about.
     ErrorKind kind = ErrorKind::Other;
-    /// The code of the driver or the server; nothing where the text carries none.
+    /// Code of the driver or the server; empty if the text has no code.
     std::optional<int> code;
     /// The text without the code.
     std::string text;
@@ -142,7 +144,7 @@ struct ErrorInfo
 
 namespace detail {
 
-/// The number between "(code: " and a ")" that ends the text.
+/// Returns the number between "(code: " and ")" at the end of the text.
 inline std::optional<int> codeOf(const std::string& text, std::size_t begin)
 {
     static const std::string opening = "(code: ";
@@ -166,7 +168,7 @@ inline bool contains(const std::string& text, const char* part)
     return text.find(part) != std::string::npos;
 }
 
-/// Numbers are the server's own unless noted; the driver reports its failures under small and five-digit numbers.
+/// The numbers are error codes of the server unless noted. Those of the driver are small or have five digits.
 inline ErrorKind kindOf(const std::string& text, std::optional<int> code)
 {
     const bool isTimeout = contains(text, "imeout") || contains(text, "timed out");
@@ -177,18 +179,18 @@ inline ErrorKind kindOf(const std::string& text, std::optional<int> code)
     case 12582:
         return ErrorKind::DuplicateKey;
     case 18:
-        // The driver uses the server's "authentication failed" number for a document that is too large.
+        // The driver reports a document that is too large with the server's number for "authentication failed".
         return contains(text, "too large") ? ErrorKind::TooLarge : ErrorKind::Authentication;
     case 10334:
         return ErrorKind::TooLarge;
     case 13:
         return ErrorKind::NotAuthorized;
-    case 26: // no such namespace
+    case 26: // namespace not found
         return ErrorKind::NotFound;
-    case 50: // time limit of the operation
+    case 50: // maxTimeMS expired
         return ErrorKind::Timeout;
     case 11:
-        // Driver: the login failed. Server: no such user.
+        // Driver: authentication failed. Server: user not found.
         return contains(text, "uthentication") ? ErrorKind::Authentication : ErrorKind::NotFound;
     case 13053: // driver: no suitable server
         return isTimeout ? ErrorKind::Timeout : ErrorKind::Network;
@@ -210,8 +212,8 @@ inline ErrorKind kindOf(const std::string& text, std::optional<int> code)
 
 } // namespace detail
 
-/// Reads the kind and the code from an exception that an operation threw: of a ServerError exactly as the error carries
-/// them, of any other from its text.
+/// Returns the kind and the code of an exception. They are exact for a ServerError, and read from the text for all
+/// other exceptions.
 inline ErrorInfo describe(const std::exception& error)
 {
     ErrorInfo info;

@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// Files in a GridFS store.
+/// Files in GridFS.
 
 #include "database_client.h"
 #include "dbc/document_ref.h"
@@ -25,49 +25,54 @@ inline namespace v1 {
 /// A stored file.
 struct FileInfo
 {
-    Value id{};                  ///< Its "_id".
-    std::string name{};          ///< Its name; several files may have the same.
+    Value id{};                  ///< The "_id" of the file.
+    std::string name{};          ///< Name; not unique.
     std::uint64_t length = 0;    ///< In bytes.
-    std::uint32_t chunkSize = 0; ///< Bytes in each of the documents that hold the content.
-    Time uploaded{};             ///< When the upload ended.
-    std::string contentType{};   ///< Such as "image/png"; empty if none was given.
-    Value metadata{};            ///< An object with what the uploader added; without fields if that is nothing.
+    std::uint32_t chunkSize = 0; ///< Size of a chunk in bytes.
+    Time uploaded{};             ///< Time of the end of the upload.
+    std::string contentType{};   ///< Such as "image/png"; may be empty.
+    Value metadata{};            ///< Object with the uploader's own fields; may be empty.
 };
 
-/// Called after each piece with the bytes so far; false cancels the operation, which then throws Cancelled.
+/// Called after each chunk with the number of bytes so far. Return false to cancel: the operation then throws
+/// Cancelled.
 using FileProgress = std::function<bool(std::uint64_t bytes)>;
 
 /// Options of FileStore::upload().
 struct UploadOptions
 {
     std::optional<Value> id{};            ///< The "_id"; a new object id if not set.
-    Value metadata{};                     ///< An object to be stored with the file.
+    Value metadata{};                     ///< Object to store with the file.
     std::string contentType{};            ///< Such as "image/png"; stored in the field "contentType".
-    std::uint32_t chunkSize = 255 * 1024; ///< Bytes in each document that holds content: 1 to 15 MiB.
+    std::uint32_t chunkSize = 255 * 1024; ///< Size of a chunk: 1 byte to 15 MiB.
     FileProgress progress{};              ///< Called after each chunk.
 };
 
 /// Options of FileStore::download().
 struct DownloadOptions
 {
-    std::uint64_t offset = 0;              ///< The first byte to read; behind the end nothing is read.
-    std::optional<std::uint64_t> length{}; ///< Number of bytes; to the end if not set.
+    std::uint64_t offset = 0;              ///< The first byte to read. Beyond the end, nothing is read.
+    std::optional<std::uint64_t> length{}; ///< Number of bytes; up to the end if not set.
     FileProgress progress{};               ///< Called after each chunk.
 };
 
 /// Options of FileStore::list().
 struct ListOptions
 {
-    Sort sort{};            ///< Over the fields of the stored record: "filename", "length", "uploadDate", "metadata.x".
-    std::int64_t limit = 0; ///< Greatest number of files; 0 means no limit.
+    Sort sort{}; ///< Order by fields of the file documents: "filename", "length", "uploadDate", "metadata.x".
+    std::int64_t limit = 0; ///< Maximum number of files; 0 means no limit.
     std::int64_t skip = 0;  ///< Number of matches to skip.
 };
 
 } // namespace v1
 
-/// The content of a stored file as a stream to read and seek. Holds one chunk in memory. Made by FileStore::open().
-/// What fails while reading sets badbit; with exceptions(std::ios::badbit) the stream passes on the ServerError. After
-/// clear() the stream reads on from tellg(). Must not outlive the DataBaseClient, but may outlive the FileStore.
+/// The content of a stored file as a seekable input stream. FileStore::open() creates it. It holds one chunk in memory.
+///
+/// An error while reading sets badbit. With exceptions(std::ios::badbit) the stream throws the ServerError. After
+/// clear(), reading continues at tellg().
+///
+/// It must not outlive the DataBaseClient, but may outlive the FileStore. Not thread-safe.
+/// @since 1.0
 class DATABASE_CLIENT_API FileReader : public std::istream
 {
 public:
@@ -75,7 +80,7 @@ public:
     FileReader& operator=(const FileReader&) = delete;
     ~FileReader() override;
 
-    /// The file that is read.
+    /// The stored file.
     const FileInfo& info() const noexcept;
 
 private:
@@ -85,63 +90,66 @@ private:
     std::unique_ptr<Buffer> d;
 };
 
-/// One GridFS store: the files of one prefix in a database. Cheap to make: nothing is sent. Must not outlive the
-/// DataBaseClient. Not thread-safe, like the client. Moved
-/// from, it can only be assigned to or destroyed. Format: the GridFS specification.
+/// One GridFS bucket: the files of one prefix in a database. Making a FileStore sends nothing. It must not outlive the
+/// DataBaseClient. Not thread-safe: use it in the thread of the client. Only assign to a moved-from object or destroy
+/// it. Format: the GridFS specification.
 ///
-/// An uploaded file is visible when it is whole: its record is written after all of its content. A failed upload
-/// removes its content again. An upload whose content another program removes fails.
+/// An uploaded file becomes visible when it is complete, because its file document is written last. A failed upload
+/// removes its chunks. An upload fails if another program removes its chunks.
 ///
-/// Every operation throws, in this order of checks:
+/// Every operation throws, in this order:
 /// - std::logic_error       "The client of this object no longer exists"
 /// - std::invalid_argument  "Connection is not established. Run connect before"
 /// - std::invalid_argument  "Database name is empty", "GridFS collection name is empty", "GridFS file name is empty"
-/// - ServerError            a failure that the server or the driver reports. Kind NotFound: there is no such file
+/// - ServerError            an error of the server or the driver; kind NotFound if the file does not exist
+/// @since 1.0
 class DATABASE_CLIENT_API FileStore
 {
 public:
-    /// The store with the prefix @p name in @p database. Neither is checked here.
+    /// The bucket with the prefix @p name in @p database. The names are not checked here.
     FileStore(DataBaseClient& client, std::string database, std::string name = "fs");
-    /// Takes over the state of @p other, which can only be destroyed or assigned to afterwards.
+    /// Moves the state.
     FileStore(FileStore&& other) noexcept;
-    /// As the constructor; the own state is released first.
+    /// Moves the state.
     FileStore& operator=(FileStore&& other) noexcept;
     ~FileStore();
 
-    /// Stores what @p source holds from its read position on. Needs memory for some chunks, whatever the length. A file
-    /// of the same name stays beside the new one.
+    /// Stores the bytes of @p source from its read position on. Memory use does not depend on the length. A stored file
+    /// with the same name is not replaced.
     /// @throws std::runtime_error "The source of the file cannot be read"
     /// @throws Cancelled          progress() returned false
     /// @throws ServerError        "Upload failed..."
     FileInfo upload(const std::string& name, std::istream& source, const UploadOptions& options = {});
-    /// Stores a local file. @throws std::system_error if it cannot be opened; otherwise as upload()
+    /// Stores a local file. Throws as upload().
+    /// @throws std::system_error if the file cannot be opened
     FileInfo uploadFile(const std::string& name, const std::string& path, const UploadOptions& options = {});
 
-    /// Writes the content of the newest file of this name to @p target.
+    /// Writes the content of the newest file with this name to @p target.
     /// @throws std::runtime_error "The target of the download cannot be written"
     /// @throws Cancelled          progress() returned false
-    /// @throws ServerError        "Download failed..."; what was read before is in the stream
+    /// @throws ServerError        "Download failed..."; bytes read so far are in the stream
     FileInfo download(const std::string& name, std::ostream& target, const DownloadOptions& options = {});
-    /// The same for the file with this "_id".
+    /// The same as download(), for the file with this "_id".
     FileInfo downloadById(const Value& id, std::ostream& target, const DownloadOptions& options = {});
-    /// The newest file of this name as a stream. @throws ServerError "Download failed..."
+    /// Opens the newest file with this name. @throws ServerError "Download failed..."
     std::unique_ptr<FileReader> open(const std::string& name);
-    /// The file with this "_id" as a stream. @throws ServerError "Download failed..."
+    /// Opens the file with this "_id". @throws ServerError "Download failed..."
     std::unique_ptr<FileReader> openById(const Value& id);
 
-    /// The newest file of this name; empty if no file has it. @throws ServerError "Listing files failed..."
+    /// Returns the newest file with this name, or an empty optional. @throws ServerError "Listing files failed..."
     std::optional<FileInfo> find(const std::string& name);
-    /// The files whose records match: list({{"metadata.owner", "ada"}}). @throws ServerError "Listing files failed..."
+    /// Returns the files whose file documents match: list({{"metadata.owner", "ada"}}).
+    /// @throws ServerError "Listing files failed..."
     std::vector<FileInfo> list(const DocumentRef& filter = {}, const ListOptions& options = {});
 
-    /// Removes the file with this "_id"; returns false if it does not exist. @throws ServerError "Removing the file
-    /// failed..."
+    /// Removes the file with this "_id". Returns false if it does not exist.
+    /// @throws ServerError "Removing the file failed..."
     bool removeById(const Value& id);
-    /// Removes every file of this name, upper and lower case being different, and returns their number.
-    /// @throws ServerError "Removing the file failed..."; files removed before stay removed
+    /// Removes every file with this name and returns their number. The name is case-sensitive.
+    /// @throws ServerError "Removing the file failed..."; files removed so far stay removed
     std::size_t remove(const std::string& name);
-    /// Gives the file with this "_id" a new name; returns false if it does not exist. @throws ServerError "Renaming the
-    /// file failed..."
+    /// Renames the file with this "_id". Returns false if it does not exist.
+    /// @throws ServerError "Renaming the file failed..."
     bool rename(const Value& id, const std::string& newName);
 
 private:

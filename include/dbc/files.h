@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// Streams around the file operations of DataBaseClient: watching a file arrive, and storing what is not a local file.
+/// Helpers for the file operations of DataBaseClient: follow a download, and upload data that is not in a local file.
 
 #include "database_client.h"
 #include "dbc/errors.h"
@@ -25,18 +25,19 @@
 
 namespace dbc {
 
-/// CRC-32 as in ISO 3309 and RFC 1952, the checksum that gzip and `crc32` give.
+/// CRC-32 as in ISO 3309 and RFC 1952: the checksum of gzip and of the `crc32` program.
+/// @since 1.0
 class Crc32
 {
 public:
-    /// Takes in more bytes.
+    /// Adds bytes to the checksum.
     void add(const char* bytes, std::size_t count) noexcept
     {
         for (const char* end = bytes + count; bytes != end; ++bytes)
             m_value = table()[(m_value ^ static_cast<unsigned char>(*bytes)) & 0xffU] ^ (m_value >> 8);
     }
 
-    /// The checksum of the bytes so far.
+    /// Returns the checksum of the bytes so far.
     std::uint32_t value() const noexcept { return m_value ^ 0xffffffffU; }
 
 private:
@@ -58,29 +59,31 @@ private:
     std::uint32_t m_value = 0xffffffffU;
 };
 
-/// A stream for readFile() that hands on what arrives to another stream, counts it, computes its checksum, reports
-/// progress, and can end the copy:
+/// A stream for DataBaseClient::readFile(). It writes the bytes to another stream, counts them, computes their checksum
+/// and reports the progress. It can also cancel the transfer:
 ///
 ///     std::ofstream file("photo.jpg", std::ios::binary);
 ///     dbc::Download download(file, [](std::uint64_t bytes) { std::cerr << bytes << '\r'; return true; });
 ///     client.readFile("shop", "files", "photo.jpg", &download);
 ///
-/// readFile() itself does not look at a stream's state, so a failure of the target, too, ends the copy here.
+/// readFile() does not check the state of a stream. This stream throws instead: Cancelled, or std::runtime_error "The
+/// target of the download cannot be written".
+/// @since 1.0
 class Download : public std::iostream
 {
 public:
-    /// Called after each piece with the bytes so far; false cancels.
+    /// Called after each piece with the number of bytes so far. Return false to cancel.
     using Progress = std::function<bool(std::uint64_t bytes)>;
 
-    /// Passes what is written to it on to @p target, which must outlive it.
+    /// Writes to @p target, which must outlive this object.
     explicit Download(std::ostream& target, Progress progress = nullptr)
         : std::iostream(nullptr), m_buffer(target, std::move(progress))
     {
         rdbuf(&m_buffer);
-        exceptions(std::ios::badbit); // what the buffer throws goes on through readFile()
+        exceptions(std::ios::badbit); // exceptions of the buffer must leave readFile()
     }
 
-    /// Bytes so far.
+    /// Number of bytes so far.
     std::uint64_t bytes() const noexcept { return m_buffer.m_bytes; }
     /// Checksum of the bytes so far.
     std::uint32_t crc32() const noexcept { return m_buffer.m_checksum.value(); }
@@ -123,14 +126,15 @@ private:
     Buffer m_buffer;
 };
 
-/// Fills a buffer of @p capacity bytes and returns how many it wrote, 0 at the end.
+/// Writes up to @p capacity bytes to @p buffer and returns their number; 0 at the end.
 using Generator = std::function<std::size_t(char* buffer, std::size_t capacity)>;
 
-/// A file without a name, gone when it is closed.
+/// A file without a name. Closing it removes it.
 using TemporaryFile = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
 
-/// A temporary file with what @p generator gives, for what takes files alone: temporaryFilePath() leads to it.
-/// @throws std::system_error when it cannot be written; what the generator throws
+/// Creates a temporary file with the bytes of @p generator. Use temporaryFilePath() to pass it to functions that need a
+/// path. Passes on exceptions of the generator.
+/// @throws std::system_error if the file cannot be written
 inline TemporaryFile temporaryFile(const Generator& generator)
 {
     TemporaryFile spool(std::tmpfile(), &std::fclose);
@@ -148,24 +152,24 @@ inline TemporaryFile temporaryFile(const Generator& generator)
     return spool;
 }
 
-/// A path to the file, for this process and as long as the file is open.
+/// Returns a path to an open file. It is valid only in this process.
 inline std::string temporaryFilePath(const TemporaryFile& file)
 {
     return "/dev/fd/" + std::to_string(::fileno(file.get()));
 }
 
-/// Between the name and the object id in the name of a file that is still being uploaded.
+/// Separates the final name and the object id in the name of an incomplete upload.
 inline constexpr const char* partialFileMark = ".partial-";
 
-/// The name that the writeFile() functions below give a file until all of it is stored: "NAME.partial-ID". @p id is
-/// DataBaseClient::createId(), so two uploads of one name never share a temporary name.
+/// Returns the name of a file during the upload by the writeFile() functions below: "NAME.partial-ID". @p id is the
+/// result of DataBaseClient::createId(), so two uploads of the same name have different temporary names.
 inline std::string partialFileName(const std::string& fileName, const std::string& id)
 {
     return fileName + partialFileMark + id;
 }
 
-/// The final name of a file with a temporary name; an empty string if @p storedName is not of the form
-/// "NAME.partial-ID" with 24 lower-case hexadecimal digits for ID.
+/// Returns NAME for "NAME.partial-ID", where ID has 24 lower-case hexadecimal digits. Returns an empty string for any
+/// other name.
 inline std::string finalFileName(const std::string& storedName)
 {
     constexpr std::size_t idLength = 24;
@@ -181,7 +185,7 @@ inline std::string finalFileName(const std::string& storedName)
 
 namespace detail {
 
-/// The "_id" and "length" of a document that matches; an empty result if no document matches.
+/// Returns "_id" and "length" of one match, or an empty result.
 inline Results findOne(DataBaseClient& client, const std::string& database, const std::string& collection,
                        const ObjectProperties& query)
 {
@@ -208,8 +212,8 @@ inline void giveFinalName(DataBaseClient& client, const std::string& database, c
     require(!stored.empty());
     const std::string id = stored.begin()->valueAsId("_id", "");
 
-    // Another program may have removed the file as a leftover. The driver then stores the remaining chunks under a new
-    // record, but the first chunk is missing.
+    // Another program may have removed the incomplete file. The driver then stores the remaining chunks for a new file
+    // document, but the first chunk is missing.
     ObjectProperties firstChunk;
     firstChunk.setValueId("files_id", id);
     firstChunk.setValueInt32("n", 0);
@@ -227,24 +231,26 @@ inline void giveFinalName(DataBaseClient& client, const std::string& database, c
 
 } // namespace detail
 
-/// Stores what @p generator returns, so that no file of this name is ever seen cut short. The bytes pass through a
-/// temporary local file, so memory stays flat. Then they are uploaded under partialFileName(), and the file gets its
-/// final name when everything is stored. If anything fails, what was stored is removed and the exception goes on.
+/// Stores the bytes of @p generator. Other programs never see an incomplete file under this name. The bytes are written
+/// to a temporary local file, so memory use does not depend on the length. They are uploaded under partialFileName().
+/// The file is renamed when it is complete. After a failure the stored bytes are removed and the exception is passed
+/// on. A stored file with the same name is not replaced.
 ///
-/// A process that ends during the upload, or a server that cannot be reached any more, leaves the file under its
-/// temporary name: `dbc files ls` marks it, `dbc files rm --partial` removes it. If the connection breaks while the
-/// server gives the final name, an exception is thrown although the whole file may be stored.
-/// Stored files of the same name stay beside the new one, as with DataBaseClient::writeFile().
+/// If the process ends during the upload, or the server becomes unreachable, the file stays under its temporary name.
+/// `dbc files ls` marks it, and `dbc files rm --partial` removes it. If the connection breaks while the file is
+/// renamed, an exception is thrown although the file may be complete.
+///
+/// Passes on exceptions of the generator.
 /// @throws std::system_error      the temporary local file cannot be written
 /// @throws std::invalid_argument  no connection; an empty name
 /// @throws std::runtime_error     "Error occurred while <driver call> operation..."; "Find error...." or "Updating
-///                                failed..." if the server does not give the final name; "The file was removed while it
-///                                was being stored"; and what the generator throws
+///                                failed..." if the file cannot be renamed; "The file was removed while it was being
+///                                stored"
 inline void writeFile(DataBaseClient& client, const std::string& database, const std::string& gridFsCollection,
                       const std::string& fileName, const Generator& generator)
 {
     const TemporaryFile spool = temporaryFile(generator);
-    // The driver reads names up to their first zero byte. An empty name is left to the client, which refuses it.
+    // The driver cuts a name at its first zero byte. The client throws for an empty name.
     const std::string finalName = fileName.substr(0, fileName.find('\0'));
     const std::string partialName = finalName.empty() ? finalName : partialFileName(finalName, client.createId());
     try
@@ -258,14 +264,14 @@ inline void writeFile(DataBaseClient& client, const std::string& database, const
         {
             client.removeFile(database, gridFsCollection, partialName);
         }
-        catch (const std::exception&) // the caller gets the first failure
+        catch (const std::exception&) // the caller gets the first exception
         {}
         throw;
     }
 }
 
-/// Stores what a stream holds from its read position on, as the overload above does.
-/// @throws std::runtime_error  the stream cannot be read; otherwise as above
+/// Stores the bytes of @p source from its read position on, as the overload above.
+/// @throws std::runtime_error  "The source of the file cannot be read"; otherwise as the overload above
 inline void writeFile(DataBaseClient& client, const std::string& database, const std::string& gridFsCollection,
                       const std::string& fileName, std::istream& source)
 {

@@ -1,8 +1,8 @@
 #pragma once
 
 /// @file
-/// The query operators that ObjectFilter has no call for. Each function writes one condition into an ObjectFilter,
-/// where it follows the filter's rules for lists, or into a query document, at its cursor.
+/// Query operators that ObjectFilter has no function for. Each function adds one condition to an ObjectFilter, or to a
+/// query document at its cursor.
 
 #include "dbc/build.h"
 #include "dbc/scopes.h"
@@ -14,13 +14,13 @@
 
 namespace dbc {
 
-/// Adds {key: operators}; with the empty key, the operators themselves.
+/// Adds {key: operators}. With the empty key, adds the operators themselves.
 inline void addCondition(ObjectFilter& filter, const std::string& key, const ObjectProperties& operators)
 {
     filter.setFilterDocument(key, operators);
 }
 
-/// Adds {key: operators}, merged with what the key holds; with the empty key, the operators themselves.
+/// Adds {key: operators}, merged with other conditions on the key. With the empty key, adds the operators themselves.
 inline void addCondition(ObjectProperties& query, const std::string& key, const ObjectProperties& operators)
 {
     const CursorScope scope(query);
@@ -31,63 +31,64 @@ inline void addCondition(ObjectProperties& query, const std::string& key, const 
         condition->createSingleProperty(name)->copy(*operand);
 }
 
-/// The field equals one of the values. @p target is an ObjectFilter or a query document, as in all that follow.
+/// Adds a condition: the field equals one of the values. The target of this function and all functions below is an
+/// ObjectFilter or a query document.
 template <typename Target>
 void addIn(Target& target, const std::string& key, Elements values)
 {
     addCondition(target, key, document({{"$in", array(std::move(values))}}));
 }
 
-/// The field equals none of the values, or is missing.
+/// Adds a condition: the field is missing or equals none of the values.
 template <typename Target>
 void addNotIn(Target& target, const std::string& key, Elements values)
 {
     addCondition(target, key, document({{"$nin", array(std::move(values))}}));
 }
 
-/// The field does not meet these operators: `addNot(filter, "age", {{"$gt", 30}})`.
+/// Adds a condition: the field does not match the operators. Example: `addNot(filter, "age", {{"$gt", 30}})`.
 template <typename Target>
 void addNot(Target& target, const std::string& key, Fields operators)
 {
     addCondition(target, key, document({{"$not", object(std::move(operators))}}));
 }
 
-/// The document meets none of these queries.
+/// Adds a condition: the document matches none of the queries.
 template <typename Target>
 void addNor(Target& target, Elements queries)
 {
     addCondition(target, std::string(), document({{"$nor", array(std::move(queries))}}));
 }
 
-/// The array holds all of the values.
+/// Adds a condition: the array contains all values.
 template <typename Target>
 void addAll(Target& target, const std::string& key, Elements values)
 {
     addCondition(target, key, document({{"$all", array(std::move(values))}}));
 }
 
-/// The array has this many elements.
+/// Adds a condition: the array has this number of elements.
 template <typename Target>
 void addSize(Target& target, const std::string& key, int count)
 {
     addCondition(target, key, document({{"$size", count}}));
 }
 
-/// The field is of this BSON type, by its name ("string", "array") or by its number.
+/// Adds a condition: the field has this BSON type. @p bsonType is its name, such as "string", or its number.
 template <typename Target>
 void addType(Target& target, const std::string& key, const Value& bsonType)
 {
     addCondition(target, key, document({{"$type", bsonType}}));
 }
 
-/// One element of the array meets all of these conditions.
+/// Adds a condition: one element of the array matches all conditions.
 template <typename Target>
 void addElemMatch(Target& target, const std::string& key, Fields conditions)
 {
     addCondition(target, key, document({{"$elemMatch", object(std::move(conditions))}}));
 }
 
-/// The field divided by @p divisor leaves @p remainder.
+/// Adds a condition: the field modulo @p divisor is @p remainder.
 template <typename Target>
 void addMod(Target& target, const std::string& key, long divisor, long remainder)
 {

@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// Names what a BSON document holds that the document model drops or bends. Needs libbson.
+/// Finds the fields of a BSON document that ObjectProperties drops or changes. Needs libbson.
 
 #include "bson_to_properties.h"
 #include "dbc/value_type.h"
@@ -60,11 +60,11 @@ struct LossLevel
     bson_iter_t iter;
     bool isArray = false;
     std::size_t elements = 0;
-    std::string key; // of the element that the iterator stands on
+    std::string key; // of the current element
     std::unordered_set<std::string> keys;
 };
 
-/// Joined only where something is reported: kept for every level it would grow with the square of the depth.
+/// Called only for a report: a path stored for every level would need memory quadratic in the depth.
 inline std::string pathOf(const std::list<LossLevel>& open)
 {
     std::string path;
@@ -75,9 +75,9 @@ inline std::string pathOf(const std::list<LossLevel>& open)
 
 } // namespace detail
 
-/// Every field of the document that does not come back as it was, in the order of the document; nothing when the
-/// document makes the round trip unharmed but for the order of its fields, which the model keeps sorted.
-/// Depth is limited by memory only. Takes time in proportion to the size of the document.
+/// Returns every field that changes in ObjectProperties, in the order of the document. Does not report the order of the
+/// fields, which ObjectProperties always sorts by key. The depth is limited by memory only. Takes time proportional to
+/// the size of the document.
 inline std::vector<LossAt> findLosses(const bson_t& bson)
 {
     std::vector<LossAt> losses;
@@ -90,7 +90,7 @@ inline std::vector<LossAt> findLosses(const bson_t& bson)
         detail::LossLevel& level = open.back();
         if (!bson_iter_next(&level.iter))
         {
-            // The driver's iterator says only by this offset that it stopped at something it cannot read.
+            // After corrupt bytes, the iterator of libbson differs from an iterator at the end only by this offset.
             const bool corrupt = level.iter.err_off != 0;
             const bool isLongArray = level.isArray && level.elements > 10;
             open.pop_back();

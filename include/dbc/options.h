@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// Options that several operations share. Programs in C++20 name them: find({}, {.sort = {{"age"}}, .limit = 10}).
+/// Options of several operations. In C++20, use designated initializers: find({}, {.sort = {{"age"}}, .limit = 10}).
 
 #include "dbc/value.h"
 
@@ -13,23 +13,23 @@
 namespace dbc {
 inline namespace v1 {
 
-/// When the server acknowledges a write. What is not set is taken from the connection string.
+/// When the server acknowledges a write. Members that are not set have the value of the connection string.
 struct WriteConcern
 {
-    std::optional<int> nodes{};                         ///< "w": number of servers; 0: the write is not acknowledged.
-    std::string tag{};                                  ///< "w": "majority" or a custom name; takes precedence.
-    std::optional<bool> journal{};                      ///< "j": after the write is in the journal.
-    std::optional<std::chrono::milliseconds> timeout{}; ///< "wtimeout": how long the server waits for the others.
+    std::optional<int> nodes{};    ///< "w": number of servers; 0 means that the write is not acknowledged.
+    std::string tag{};             ///< "w": "majority" or a custom name; overrides nodes.
+    std::optional<bool> journal{}; ///< "j": acknowledge after the write is in the journal.
+    std::optional<std::chrono::milliseconds> timeout{}; ///< "wtimeout": maximum wait for the other servers.
 };
 
-/// Which servers of a replica set a read uses.
+/// Which servers of a replica set are read from.
 enum class ReadPreference
 {
     Primary,            ///< The primary.
-    PrimaryPreferred,   ///< The primary; a secondary if it cannot be reached.
+    PrimaryPreferred,   ///< The primary, or a secondary if the primary is unreachable.
     Secondary,          ///< A secondary.
-    SecondaryPreferred, ///< A secondary; the primary if no secondary can be reached.
-    Nearest             ///< The one with the shortest way.
+    SecondaryPreferred, ///< A secondary, or the primary if no secondary is reachable.
+    Nearest             ///< The server with the lowest latency.
 };
 
 /// Direction of a sort, or type of a field in an index.
@@ -43,7 +43,7 @@ enum class Order
 struct SortField
 {
     std::string field;              ///< The dotted path of the field.
-    Order order = Order::Ascending; ///< Its direction.
+    Order order = Order::Ascending; ///< Its order.
 };
 
 /// Fields of a sort, the most significant first.

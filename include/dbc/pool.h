@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// Clients shared by threads: each lease has a client of its own, and returns it by itself.
+/// A pool of clients for several threads.
 
 #include "database_client.h"
 
@@ -19,23 +19,24 @@
 
 namespace dbc {
 
-/// Hands out connected clients, at most @p limit (and at least one) at a time. Clients are made when needed and kept
-/// for the next lease. Construct the pool before other threads use the library. Every lease ends before the pool does.
+/// Leases connected clients, at most @p limit (and at least one) at a time. Clients are created when needed and reused.
+/// Create the pool before other threads use the library. Every lease must end before the pool is destroyed.
 ///
-/// May be used by any number of threads. A connection must not be shared with a child process: after `fork` the pool of
-/// the parent refuses to lease in the child, which makes a pool of its own.
+/// Thread-safe. A connection must not be shared with a child process: after `fork`, the child must create its own pool.
+/// The pool of the parent throws in the child.
+/// @since 1.0
 class ClientPool
 {
 public:
-    /// A client for as long as this object lives.
+    /// Owns a client until this object is destroyed, and then returns it to the pool.
     class Lease
     {
     public:
-        /// Takes over the client of @p other.
+        /// Moves the client.
         Lease(Lease&& other) noexcept
             : m_pool(std::exchange(other.m_pool, nullptr)), m_client(std::move(other.m_client))
         {}
-        /// Gives its own client back and takes over that of @p other.
+        /// Returns its own client to the pool, then moves the client of @p other.
         Lease& operator=(Lease&& other) noexcept
         {
             if (this != &other)
@@ -46,7 +47,7 @@ public:
             }
             return *this;
         }
-        /// Gives the client back.
+        /// Returns the client to the pool.
         ~Lease() { giveBack(); }
 
         /// The client.
@@ -69,7 +70,7 @@ public:
         std::unique_ptr<DataBaseClient> m_client;
     };
 
-    /// @throws std::runtime_error "Connection failed" when @p uri is not a connection string
+    /// @throws std::runtime_error "Connection failed" if @p uri is not a valid connection string
     ClientPool(std::string uri, std::size_t limit)
         : m_uri(std::move(uri)), m_limit(limit > 0 ? limit : 1), m_owner(::getpid())
     {
@@ -82,15 +83,15 @@ public:
 
     ~ClientPool()
     {
-        // Ending the parent's connections from the child would end them for the parent too.
+        // Closing these connections in the child would also close them for the parent.
         if (::getpid() != m_owner)
             for (auto& client : m_idle)
                 static_cast<void>(client.release());
     }
 
-    /// A client; waits for one at most @p limit when all are leased.
-    /// @return nothing when the time is over
-    /// @throws std::logic_error in a child process of the one that made the pool
+    /// Leases a client. Waits up to @p limit if all clients are leased.
+    /// @return empty after a timeout
+    /// @throws std::logic_error in a child process of the process that created the pool
     std::optional<Lease> tryLease(std::chrono::milliseconds limit)
     {
         if (::getpid() != m_owner)
@@ -109,9 +110,9 @@ public:
         return Lease(*this, std::move(client));
     }
 
-    /// A client; waits for one at most @p limit when all are leased.
+    /// Leases a client. Waits up to @p limit if all clients are leased.
     /// @throws std::runtime_error "No client was free in time"
-    /// @throws std::logic_error   in a child process of the one that made the pool
+    /// @throws std::logic_error   in a child process of the process that created the pool
     Lease lease(std::chrono::milliseconds limit)
     {
         auto result = tryLease(limit);

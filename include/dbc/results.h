@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// A list of found documents that owns what it holds.
+/// A list of documents that owns them.
 
 #include "object_properties.h"
 
@@ -14,13 +14,14 @@
 
 namespace dbc {
 
-/// Takes the place of the `std::list<ObjectProperties*>` that find(), read() and aggregate() fill, and deletes what it
-/// holds at its end:
+/// Use it in place of the `std::list<ObjectProperties*>` of find(), read() and aggregate(). The destructor deletes the
+/// documents:
 ///
 ///     dbc::Results found;
 ///     client.read("shop", "orders", query, found);
 ///     for (const ObjectProperties& order : found)
 ///         ...
+/// @since 1.0
 class Results
 {
     using List = std::list<ObjectProperties*>;
@@ -60,18 +61,18 @@ class Results
     };
 
 public:
-    /// What the container holds.
+    /// Type of the elements.
     using value_type = ObjectProperties;
-    /// Visits the documents.
+    /// Iterator over the documents.
     using iterator = Iterator<List::iterator, ObjectProperties>;
-    /// Visits the documents without changing them.
+    /// Iterator over documents that cannot be changed.
     using const_iterator = Iterator<List::const_iterator, const ObjectProperties>;
 
-    /// No documents.
+    /// Creates an empty list.
     Results() = default;
-    /// Takes over the documents of @p other.
+    /// Moves the documents.
     Results(Results&& other) noexcept { m_documents.swap(other.m_documents); }
-    /// Deletes its own documents and takes over those of @p other.
+    /// Deletes the own documents, then moves those of @p other.
     Results& operator=(Results&& other) noexcept
     {
         if (this != &other)
@@ -86,27 +87,27 @@ public:
     /// Deletes the documents.
     ~Results() { clear(); }
 
-    /// The list for the client to append to. What is appended belongs to this object.
+    /// The list that the client appends to. This object owns the appended documents.
     operator std::list<ObjectProperties*>&() noexcept { return m_documents; }
 
     /// Number of documents.
     std::size_t size() const noexcept { return m_documents.size(); }
-    /// Whether there is no document.
+    /// True if there are no documents.
     bool empty() const noexcept { return m_documents.empty(); }
     /// The first document.
     iterator begin() { return iterator(m_documents.begin()); }
-    /// The place behind the last document.
+    /// Past the last document.
     iterator end() { return iterator(m_documents.end()); }
     /// The first document.
     const_iterator begin() const { return const_iterator(m_documents.begin()); }
-    /// The place behind the last document.
+    /// Past the last document.
     const_iterator end() const { return const_iterator(m_documents.end()); }
     /// The first document; there must be one.
     ObjectProperties& front() { return *m_documents.front(); }
     /// The last document; there must be one.
     ObjectProperties& back() { return *m_documents.back(); }
 
-    /// Moves the first document out; an empty pointer when there is none.
+    /// Removes the first document from the list and returns it; null if the list is empty.
     std::unique_ptr<ObjectProperties> takeFront()
     {
         if (m_documents.empty())

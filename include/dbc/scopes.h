@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// Scopes that move a document's cursor and put it back when they end, also when an exception ends them.
+/// Scopes that move the cursor of a document, and restore it when they end.
 
 #include "object_properties.h"
 
@@ -11,18 +11,19 @@
 
 namespace dbc {
 
-/// Puts the cursor of a document back to where it stood. Base of the scopes below, and usable alone.
+/// Restores the cursor of a document in the destructor. Base class of the scopes below; can also be used alone.
 ///
-/// If the node that the cursor stood on has left the document meanwhile, the cursor goes to the root.
+/// If the node is no longer in the document, the cursor moves to the root.
+/// @since 1.0
 class CursorScope
 {
 public:
-    /// Remembers where the cursor of @p document stands. The document must outlive this object.
+    /// Stores the cursor of @p document. The document must outlive this object.
     explicit CursorScope(const ObjectProperties& document) : m_document(document), m_origin(document.current()) {}
     CursorScope(const CursorScope&) = delete;
     CursorScope& operator=(const CursorScope&) = delete;
 
-    /// Puts the cursor back.
+    /// Restores the cursor.
     ~CursorScope()
     {
         if (!m_document.moveTo(m_origin))
@@ -32,7 +33,7 @@ public:
 protected:
     /// The document.
     const ObjectProperties& document() const noexcept { return m_document; }
-    /// The node that the cursor stood on.
+    /// The node that the cursor was on.
     const std::shared_ptr<Property>& origin() const noexcept { return m_origin; }
 
 private:
@@ -40,54 +41,57 @@ private:
     std::shared_ptr<Property> m_origin;
 };
 
-/// Stands in the group of a key while it lives; a missing group is created, as beginGroup() does, also in a const
-/// document. On an array this adds an element.
+/// Moves the cursor into a group, and back in the destructor. A missing group is created, also in a const document, as
+/// beginGroup() does. On an array this adds an element.
+/// @since 1.0
 class GroupScope : private CursorScope
 {
 public:
-    /// Enters the group of the key.
+    /// Moves the cursor into the group at @p key.
     GroupScope(const ObjectProperties& document, const std::string& key) : CursorScope(document)
     {
         document.beginGroup(key);
         m_entered = document.type() == Group;
     }
 
-    /// Whether the cursor stands in a group. With the key of a value or of an array, beginGroup() enters that node.
+    /// True if the cursor is in a group. beginGroup() also enters a value or an array.
     explicit operator bool() const noexcept { return m_entered; }
 
 private:
     bool m_entered = false;
 };
 
-/// Stands in the array of a key while it lives; a missing array is created.
+/// Moves the cursor into an array, and back in the destructor. A missing array is created.
+/// @since 1.0
 class ArrayScope : private CursorScope
 {
 public:
-    /// Enters the array of the key.
+    /// Moves the cursor into the array at @p key.
     ArrayScope(const ObjectProperties& document, const std::string& key) : CursorScope(document)
     {
         document.beginArray(key);
         m_entered = document.type() == Array && document.current() != origin();
     }
 
-    /// Whether the cursor stands in the array. With the key of a group beginArray() goes to the root of the document,
-    /// with that of a value it does not move: writing on would write elsewhere.
+    /// True if the cursor is in the array. If it is false, do not write: on a group, beginArray() moves to the root,
+    /// and on a value it does not move.
     explicit operator bool() const noexcept { return m_entered; }
 
 private:
     bool m_entered = false;
 };
 
-/// Stands on the child of an index while it lives.
+/// Moves the cursor to a child by its index, and back in the destructor.
+/// @since 1.0
 class ObjectScope : private CursorScope
 {
 public:
-    /// Enters the child at the index.
+    /// Moves the cursor to the child at @p index.
     ObjectScope(const ObjectProperties& document, int index)
         : CursorScope(document), m_entered(document.beginObject(index))
     {}
 
-    /// Whether there is such a child.
+    /// True if there is such a child.
     explicit operator bool() const noexcept { return m_entered; }
 
 private:

@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// Any BSON value: read, built, compared, and converted to and from BSON, JSON and ObjectProperties.
+/// A BSON value of any type, with conversions to and from BSON, JSON and ObjectProperties.
 
 #include "database_client_export.h"
 #include "dbc/value_type.h"
@@ -32,31 +32,31 @@ inline namespace v1 {
 class Field;
 class Value;
 
-/// Bytes and their subtype.
+/// Bytes with their subtype.
 struct Binary
 {
-    Bytes bytes;               ///< The bytes; for subtype 2 without the length that BSON repeats.
+    Bytes bytes;               ///< The bytes. For subtype 2, without the repeated length.
     unsigned char subtype = 0; ///< 0 generic, 4 UUID, 5 MD5, 6 encrypted, 128 and above user-defined, ...
 };
 
-/// IEEE 754 decimal128, as its bits.
+/// IEEE 754 decimal128 number as its bits.
 struct Decimal128
 {
     std::uint64_t high = 0x3040000000000000U; ///< Sign, exponent and the upper digits.
     std::uint64_t low = 0;                    ///< The lower digits.
 
-    /// The number of a decimal text such as "-1.50E+3", "NaN" or "Infinity".
-    /// @throws std::invalid_argument  no number, or more than 34 digits or an exponent out of range
+    /// Converts a decimal number such as "-1.50E+3", "NaN" or "Infinity".
+    /// @throws std::invalid_argument  not a number, more than 34 digits, or an exponent out of range
     DATABASE_CLIENT_API static Decimal128 parse(const std::string& text);
-    /// The number as text; parse() returns the same bits for it.
+    /// Returns the number as a string. parse() converts it to the same bits.
     DATABASE_CLIENT_API std::string text() const;
 };
 
-/// A time of the server's own: used in its log of operations. For times of a program use dbc::Time.
+/// A timestamp for the server's own use, such as in the oplog. Use dbc::Time for the times of a program.
 struct Timestamp
 {
     std::uint32_t seconds = 0;   ///< Seconds since 1970-01-01 UTC.
-    std::uint32_t increment = 0; ///< Counts within the second.
+    std::uint32_t increment = 0; ///< Counter within the second.
 };
 
 /// JavaScript code.
@@ -71,28 +71,29 @@ struct Symbol
     std::string text; ///< Its name.
 };
 
-/// A pointer to a document, deprecated in BSON.
+/// A reference to a document, deprecated in BSON.
 struct DbPointer
 {
-    std::string collection; ///< Database and collection, with a "." between.
-    ObjectId id;            ///< `_id` of the document.
+    std::string collection; ///< Database and collection, separated by ".".
+    ObjectId id;            ///< The "_id" of the document.
 };
 
 struct CodeWithScope;
 
-/// How toJson() writes.
+/// Output format of Value::toJson().
 enum class JsonFormat
 {
-    Relaxed,   ///< Extended JSON for people: numbers are plain, times are ISO 8601 where they can.
-    Canonical, ///< Extended JSON that keeps every type: an Int64 is {"$numberLong": "1"}.
-    Legacy     ///< As PropertiesToJson: {"$date": 0}, {"$oid": "..."}.
+    Relaxed,   ///< Extended JSON that is easy to read: plain numbers, times as ISO 8601 where possible.
+    Canonical, ///< Extended JSON that keeps all types: an Int64 is {"$numberLong": "1"}.
+    Legacy     ///< The format of PropertiesToJson: {"$date": 0}, {"$oid": "..."}.
 };
 
-/// BSON or JSON that cannot be read.
+/// Invalid BSON or JSON.
+/// @since 1.0
 class DATABASE_CLIENT_API FormatError : public std::invalid_argument
 {
 public:
-    /// @param reason  becomes what(), followed by the position
+    /// @param reason  start of what(); the position is appended
     FormatError(const std::string& reason, std::size_t position);
     ~FormatError() override;
     /// A copy.
@@ -100,18 +101,19 @@ public:
     /// A copy.
     FormatError& operator=(const FormatError&) = default;
 
-    /// Bytes before the first one that cannot be read.
+    /// Number of bytes before the first invalid one.
     std::size_t position() const noexcept { return m_position; }
 
 private:
     std::size_t m_position;
 };
 
-/// A value that an ObjectProperties cannot hold.
+/// A value with fields that ObjectProperties cannot hold.
+/// @since 1.0
 class DATABASE_CLIENT_API LossError : public std::invalid_argument
 {
 public:
-    /// what() names every field.
+    /// what() has the path of every field.
     explicit LossError(std::vector<LossAt> losses);
     ~LossError() override;
     /// A copy.
@@ -119,7 +121,7 @@ public:
     /// A copy.
     LossError& operator=(const LossError&) = default;
 
-    /// Every field that does not fit, in the order of the document.
+    /// Every field that cannot be kept, in the order of the document.
     const std::vector<LossAt>& losses() const noexcept { return m_losses; }
 
 private:
@@ -127,20 +129,21 @@ private:
 };
 
 /// A view of the fields of an object or the elements of an array. Valid until the value is changed or destroyed.
+/// @since 1.0
 template <typename T>
 class Range
 {
 public:
-    /// No items.
+    /// Creates an empty range.
     Range() = default;
-    /// @p count items from @p first on.
+    /// A range of @p count items, starting at @p first.
     Range(T* first, std::size_t count) noexcept : m_first(first), m_count(count) {}
 
     T* begin() const noexcept { return m_first; }                     ///< The first item.
-    T* end() const noexcept { return m_first + m_count; }             ///< The place behind the last item.
+    T* end() const noexcept { return m_first + m_count; }             ///< Past the last item.
     std::size_t size() const noexcept { return m_count; }             ///< Number of items.
-    bool empty() const noexcept { return m_count == 0; }              ///< Whether there is no item.
-    T& operator[](std::size_t index) const { return m_first[index]; } ///< The item at @p index, which must exist.
+    bool empty() const noexcept { return m_count == 0; }              ///< True if there are no items.
+    T& operator[](std::size_t index) const { return m_first[index]; } ///< The item at @p index. Not checked.
 
 private:
     T* m_first = nullptr;
@@ -154,12 +157,12 @@ namespace detail {
 template <typename T>
 using Plain = std::remove_cv_t<std::remove_reference_t<T>>;
 
-/// Braces have no type to deduce, so a parameter constrained by this is never made of braces. Otherwise {"a", 1} would
-/// become the string of the first character of "a".
+/// A template parameter cannot be deduced from braces, so a parameter with this constraint never accepts braces.
+/// Otherwise {"a", 1} would be a string made of the first character of "a".
 template <typename T>
 constexpr bool isText = isOneOf<std::decay_t<T>, const char*, char*, std::string, std::string_view>;
 
-/// What a value is made of: exact types, because any pointer converts to bool.
+/// Types that convert to a value. Each is named exactly, because any pointer converts to bool.
 template <typename T>
 struct IsBuildable
     : std::bool_constant<isText<T> || isArithmetic<T> ||
@@ -197,7 +200,7 @@ inline constexpr bool isVector = false;
 template <typename T>
 inline constexpr bool isVector<std::vector<T>> = true;
 
-/// The time as another type of the same clock, or nothing where that type cannot hold it.
+/// Converts a time to another time point of the system clock. Empty if that type cannot hold it.
 template <typename TimePoint>
 std::optional<TimePoint> exactTime(long milliseconds)
 {
@@ -213,8 +216,8 @@ std::optional<TimePoint> exactTime(long milliseconds)
     return TimePoint(std::chrono::duration_cast<Duration>(exact));
 }
 
-/// Anything that can stand in braces, further braces included. It is the worst match for all of it, so a function that
-/// takes it sees only what no other overload takes.
+/// Converts from anything in braces, including braces. It is the worst match for all of them, so an overload with this
+/// parameter is chosen only if no other overload matches.
 struct Anything
 {
     Anything(std::initializer_list<Anything>) {}
@@ -223,7 +226,7 @@ struct Anything
     {}
 };
 
-/// As Anything, but no T: a copy in braces, T{t}, is a copy with every compiler.
+/// The same as Anything, but not for T: T{t} is then a copy with every compiler.
 template <typename T>
 struct AnythingBut
 {
@@ -246,57 +249,65 @@ constexpr void refuseBraces()
 
 inline namespace v1 {
 
-/// Any BSON value. An object keeps its fields in their order, equal keys included.
+/// A BSON value of any type. An object keeps the order of its fields, and may have equal keys.
 ///
 ///     Value order = {{"buyer", {{"name", "Ada"}}}, {"tags", array({"first", 1})}, {"paid", nullptr}};
 ///     for (const auto& [key, value] : order.fields())
 ///         std::cout << key << ": " << value << '\n';
 ///     int count = order.getOr("buyer/orders", 0);
 ///
-/// Braces build objects, {} the empty one; an array is written dbc::array({...}); other braces do not compile.
-/// A value owns all that it holds, and a copy is a deep one. 16 bytes; strings of up to 14 bytes are stored in place.
-/// Distinct values may be used by distinct threads at the same time, and one value may be read by several.
-/// A moved-from value is the empty object. Depth is limited by memory only, except in JSON.
+/// Braces build objects, and {} is the empty object. Use dbc::array({...}) for an array. Other braces do not compile.
+///
+/// A value owns everything that it contains, and a copy copies everything. A moved-from value is the empty object. A
+/// value has 16 bytes; strings of up to 14 bytes need no other memory. The depth is limited by memory only, except in
+/// JSON. Thread-safe for concurrent reads; different values can be used in different threads.
+/// @since 1.0
 class Value
 {
 public:
     /// @name From a value
     /// @{
 
-    /// The empty object, as {}.
+    /// Creates the empty object, like {}.
     Value() noexcept : Value(Type::Object) {}
-    /// A value of the type that the argument stands for: const char*, std::string, std::string_view, bool, any number
-    /// type of ValueTraits (an Int32 where all its numbers fit, otherwise an Int64), nullptr for null, any time_point
-    /// of the system clock (rounded down to milliseconds), ObjectId, Bytes, Binary, RegularExpression, Decimal128,
-    /// Timestamp, Code, CodeWithScope, DbPointer, Symbol; a std::optional, empty for null; a std::vector for an array,
-    /// of Field for an object; a std::map or std::unordered_map from std::string for an object.
+    /// Converts a C++ value:
+    /// - const char*, std::string, std::string_view: a string
+    /// - bool
+    /// - any number type of ValueTraits: an Int32 if all its values fit, otherwise an Int64; a Double for float and
+    ///   double
+    /// - nullptr: null
+    /// - any time_point of the system clock: a time, rounded down to milliseconds
+    /// - ObjectId, Bytes, Binary, RegularExpression, Decimal128, Timestamp, Code, CodeWithScope, DbPointer, Symbol
+    /// - std::optional: its value, or null if it is empty
+    /// - std::vector: an array, but an object for std::vector<Field> and a binary for Bytes
+    /// - std::map and std::unordered_map with std::string keys: an object
     /// @throws std::out_of_range      an unsigned number that is too large for an Int64
     /// @throws std::invalid_argument  an ObjectId that is not 24 hexadecimal digits; a null const char*; a regular
     ///                                expression or a key with a zero byte
-    /// @throws std::length_error      a string or bytes of 2^31 - 1 or more
+    /// @throws std::length_error      a string or binary of 2^31 - 1 bytes or more
     template <typename T,
               typename = std::enable_if_t<detail::IsBuildable<detail::Plain<T>>::value || detail::isText<T>>>
     Value(T&& value);
-    /// The object of these fields.
+    /// Creates an object with these fields.
     Value(std::initializer_list<Field> fields);
-    /// Any other braces do not compile.
+    /// Rejects all other braces at compile time.
     template <int = 0, typename T = Value>
     Value(std::initializer_list<detail::AnythingBut<Value>>)
     {
         detail::refuseBraces<T>();
     }
-    /// Several values in braces do not compile.
+    /// Rejects several values in braces at compile time.
     template <typename First, typename Second, typename... Others>
     Value(const First&, const Second&, const Others&...)
     {
         detail::refuseBraces<First>();
     }
 
-    /// A deep copy.
+    /// Copies the whole value.
     Value(const Value& other);
     /// Leaves the empty object in @p other.
     Value(Value&& other) noexcept { take(other); }
-    /// A deep copy.
+    /// Copies the whole value.
     Value& operator=(const Value& other);
     /// Leaves the empty object in @p other.
     Value& operator=(Value&& other) noexcept
@@ -312,16 +323,16 @@ public:
             release();
     }
 
-    /// The object of these fields, in their order.
+    /// Returns an object with these fields, in their order.
     DATABASE_CLIENT_API static Value object(std::vector<Field> fields);
-    /// The array of these elements.
+    /// Returns an array of these elements.
     DATABASE_CLIENT_API static Value array(std::vector<Value> elements);
-    static Value array() noexcept { return Value(Type::Array); }         ///< The empty array.
+    static Value array() noexcept { return Value(Type::Array); }         ///< Returns the empty array.
     static Value undefined() noexcept { return Value(Type::Undefined); } ///< BSON undefined.
     static Value minKey() noexcept { return Value(Type::MinKey); }       ///< BSON min key.
     static Value maxKey() noexcept { return Value(Type::MaxKey); }       ///< BSON max key.
 
-    /// Exchanges two values.
+    /// Swaps two values.
     void swap(Value& other) noexcept
     {
         unsigned char bytes[sizeof(m_bytes)];
@@ -334,12 +345,12 @@ public:
     /// @name Type
     /// @{
     Type type() const noexcept { return static_cast<Type>(m_bytes[0]); } ///< The type.
-    bool isObject() const noexcept { return type() == Type::Object; }    ///< An object.
-    bool isArray() const noexcept { return type() == Type::Array; }      ///< An array.
-    bool isNull() const noexcept { return type() == Type::Null; }        ///< Null.
-    bool isString() const noexcept { return type() == Type::String; }    ///< A string.
-    bool isBool() const noexcept { return type() == Type::Bool; }        ///< A truth value.
-    /// An Int32, Int64, Double or Decimal128.
+    bool isObject() const noexcept { return type() == Type::Object; }    ///< True for an object.
+    bool isArray() const noexcept { return type() == Type::Array; }      ///< True for an array.
+    bool isNull() const noexcept { return type() == Type::Null; }        ///< True for null.
+    bool isString() const noexcept { return type() == Type::String; }    ///< True for a string.
+    bool isBool() const noexcept { return type() == Type::Bool; }        ///< True for a bool.
+    /// True for an Int32, Int64, Double or Decimal128.
     bool isNumber() const noexcept
     {
         return type() == Type::Int32 || type() == Type::Int64 || type() == Type::Double || type() == Type::Decimal128;
@@ -349,142 +360,146 @@ public:
     /// @name Reading
     /// @{
 
-    /// The value as a T, or nothing if it is of another type. Numbers are converted where the result is exact.
-    /// T is a type that builds a value, except const char*; a std::string_view shows the string inside this value.
-    /// A std::vector needs every element to be readable, a std::map every field.
+    /// Returns the value as a T, or an empty optional if it has another type. Numbers are converted if the result is
+    /// exact. T is a type that converts to a value, except const char*. A std::string_view is a view into this value.
+    /// For a std::vector, every element must be convertible; for a std::map, every field.
     template <typename T>
     std::optional<T> get() const;
-    /// The value at a path, as findPath() and get().
+    /// Returns the value that findPath() finds, as get() does.
     template <typename T>
     std::optional<T> get(std::string_view path) const
     {
         const Value* const value = findPath(path);
         return value ? value->get<T>() : std::nullopt;
     }
-    /// The value at a path, or @p fallback where get() returns nothing. The type of the fallback is the type that is
-    /// read.
+    /// Returns the value that findPath() finds, or @p fallback where get() returns an empty optional. The type of the
+    /// fallback is the type that is read.
     template <typename T>
     T getOr(std::string_view path, T fallback) const
     {
         auto value = get<T>(path);
         return value ? *std::move(value) : std::move(fallback);
     }
-    /// A string literal as the fallback reads a string.
+    /// Overload for string literals: reads a std::string.
     std::string getOr(std::string_view path, const char* fallback) const { return getOr<std::string>(path, fallback); }
 
-    /// The first field with this key, taken literally; null if it does not exist or this is not an object.
-    /// Takes time in proportion to the number of fields, but about constant time in an object of many fields that is
-    /// searched often.
+    /// Returns the first field with this key. The key is used as it is. Null if there is no such field or this is not
+    /// an object. Takes time proportional to the number of fields. In an object with many fields, repeated calls take
+    /// about constant time.
     DATABASE_CLIENT_API const Value* find(std::string_view key) const noexcept;
     Value* find(std::string_view key) noexcept
     {
         return const_cast<Value*>(std::as_const(*this).find(key));
     } ///< As above.
-    /// The value at keys and element numbers joined by "/": "items/0/sku". Empty keys are skipped. Null if there is
-    /// none.
+    /// Returns the value at a path of keys and element numbers separated by "/", such as "items/0/sku". Empty keys are
+    /// ignored. Null if there is no such value.
     DATABASE_CLIENT_API const Value* findPath(std::string_view path) const noexcept;
     /// As above.
     Value* findPath(std::string_view path) noexcept { return const_cast<Value*>(std::as_const(*this).findPath(path)); }
-    /// Whether there is a field with this key.
+    /// True if there is a field with this key.
     bool contains(std::string_view key) const noexcept { return find(key) != nullptr; }
-    /// The first field with this key. @throws std::out_of_range if it does not exist
+    /// Returns the first field with this key. @throws std::out_of_range if there is no such field
     DATABASE_CLIENT_API const Value& at(std::string_view key) const;
-    /// The element of an array, or the value of the field, at @p index. @throws std::out_of_range if it does not exist
+    /// Returns the element or the value of the field at @p index. @throws std::out_of_range if there is none
     DATABASE_CLIENT_API const Value& at(std::size_t index) const;
     Value& at(std::string_view key) { return const_cast<Value&>(std::as_const(*this).at(key)); } ///< As above.
     Value& at(std::size_t index) { return const_cast<Value&>(std::as_const(*this).at(index)); }  ///< As above.
 
-    /// Number of fields or elements; 0 for any other type.
+    /// Returns the number of fields or elements; 0 for any other type.
     DATABASE_CLIENT_API std::size_t size() const noexcept;
-    /// Whether there is no field and no element.
+    /// True if there are no fields and no elements.
     bool empty() const noexcept { return size() == 0; }
-    /// The fields of an object; none for any other type: `for (const auto& [key, value] : order.fields())`.
+    /// Returns the fields of an object: `for (const auto& [key, value] : order.fields())`. Empty for any other type.
     Range<const Field> fields() const& noexcept;
-    /// The fields of an object; none for any other type. Their values may be changed.
+    /// The same, but the values can be changed.
     Range<Field> fields() & noexcept;
-    /// The elements of an array; none for any other type.
+    /// Returns the elements of an array. Empty for any other type.
     Range<const Value> elements() const& noexcept;
-    /// The elements of an array; none for any other type. They may be changed.
+    /// The same, but the elements can be changed.
     Range<Value> elements() & noexcept;
-    /// Does not compile: a loop over the fields or elements of a temporary value reads memory that is already freed.
-    /// Give the value a name first.
+    /// Does not compile: a range-based for loop over a temporary value would read freed memory. Give the value a name
+    /// first.
     Range<const Field> fields() const&& = delete;
     Range<const Value> elements() const&& = delete; ///< As above.
     /// @}
 
     /// @name Changing
-    /// Each throws std::logic_error for a value of another type. Pointers and ranges into this value become invalid.
+    /// Each function throws std::logic_error if the value has another type. Pointers and ranges into this value become
+    /// invalid.
     /// @{
 
-    /// Sets the first field with this key, or appends one. Returns the value in its place.
+    /// Sets the first field with this key, or appends a field. Returns a reference to the stored value.
     /// @throws std::invalid_argument  a key with a zero byte
     DATABASE_CLIENT_API Value& set(std::string_view key, Value value);
-    /// Appends a field, also when the key exists. @throws std::invalid_argument  a key with a zero byte
+    /// Appends a field, also if the key exists. @throws std::invalid_argument  a key with a zero byte
     DATABASE_CLIENT_API Value& append(std::string_view key, Value value);
     /// Appends an element to an array.
     DATABASE_CLIENT_API Value& push(Value value);
     /// Removes every field with this key and returns their number.
     DATABASE_CLIENT_API std::size_t remove(std::string_view key);
-    /// Removes the field or element at @p index. @throws std::out_of_range if it does not exist
+    /// Removes the field or element at @p index. @throws std::out_of_range if there is none
     DATABASE_CLIENT_API void removeAt(std::size_t index);
     /// Removes all fields or elements.
     DATABASE_CLIENT_API void clear();
-    /// Makes room for this many fields or elements.
+    /// Reserves memory for this number of fields or elements.
     DATABASE_CLIENT_API void reserve(std::size_t count);
     /// @}
 
     /// @name Conversion
     /// @{
 
-    /// The object of a BSON document. Strings are not checked for valid UTF-8, and the keys of arrays are not kept.
+    /// Returns the object of a BSON document. Does not check that strings are valid UTF-8. Does not keep the keys of
+    /// arrays.
     /// @throws FormatError  not exactly one BSON document of @p size bytes
     DATABASE_CLIENT_API static Value fromBson(const std::uint8_t* bytes, std::size_t size);
-    /// The BSON document of an object or array. Throws as appendBson().
+    /// Returns the BSON document of an object or array. Throws as appendBson().
     DATABASE_CLIENT_API std::vector<std::uint8_t> toBson() const;
-    /// Appends the BSON document to @p target, which keeps what it holds.
+    /// Appends the BSON document of an object or array to @p target.
     /// @throws std::logic_error   neither an object nor an array
     /// @throws std::length_error  a document of 2^31 bytes or more
     DATABASE_CLIENT_API void appendBson(std::vector<std::uint8_t>& target) const;
 
-    /// The value of a JSON text, plain or extended: canonical, relaxed or legacy. Up to 96 levels of
-    /// braces and brackets.
-    /// @throws FormatError  not exactly one JSON value; the text says where and why
+    /// Returns the value of a JSON text: plain JSON, or canonical, relaxed or legacy Extended JSON. Up to 96 nested
+    /// levels.
+    /// @throws FormatError  not exactly one JSON value; what() has the position and the reason
     DATABASE_CLIENT_API static Value fromJson(std::string_view json);
-    /// The value as JSON. Up to 90 levels; fromJson() reads them. @throws std::invalid_argument  more levels, or a
-    /// string that is not UTF-8
+    /// Returns the value as JSON. Up to 90 nested levels; fromJson() reads them.
+    /// @throws std::invalid_argument  more levels, or a string that is not valid UTF-8
     DATABASE_CLIENT_API std::string toJson(JsonFormat format = JsonFormat::Relaxed) const;
 
-    /// The object of a document, its fields in key order and its elements in that of their numbers.
+    /// Returns the object of a document. The fields are in key order, the elements in the order of their numbers.
     /// @throws std::invalid_argument  a key with a zero byte or an Id that is not 24 hexadecimal digits
     DATABASE_CLIENT_API static Value fromProperties(const ObjectProperties& document);
-    /// A document of this object. Keys are taken literally.
+    /// Returns a document with the fields of this object. A "/" in a key does not make it a path.
     /// @throws LossError         a field that ObjectProperties cannot hold
     /// @throws std::logic_error  not an object
     DATABASE_CLIENT_API ObjectProperties toProperties() const;
-    /// As above, but fields that do not fit are added to @p losses and dropped or changed as nameOf(Loss) says.
+    /// The same, but does not throw LossError: fields that cannot be kept are appended to @p losses, and dropped or
+    /// changed as nameOf(Loss) describes.
     DATABASE_CLIENT_API ObjectProperties toProperties(std::vector<LossAt>& losses) const;
-    /// Sets this value as the child of @p parent with this key. It takes the place of an older one, except in an array,
-    /// where it is added. Of fields with equal keys the last one is kept. Undefined makes a node of type Undefined.
+    /// Writes this value to the child of @p parent with this key. It replaces an existing child; in an array it is
+    /// added. If an object has equal keys, the last field is kept. Undefined becomes a node of type Undefined.
     /// @throws LossError  a value that a node cannot hold
     DATABASE_CLIENT_API void writeTo(Property& parent, const std::string& key) const;
     /// @}
 
-    /// Less than, equal to or greater than 0, in the order in which a server sorts: by type (numbers of all types by
-    /// value, strings and symbols together), then by value; objects field by field in their order.
+    /// Compares in the sort order of the server. Returns a number less than, equal to or greater than 0. Values are
+    /// ordered by type first (all numbers are one type, and so are strings and symbols), then by value. Objects are
+    /// compared field by field, in their order.
     DATABASE_CLIENT_API int compare(const Value& other) const;
 
 private:
     friend class Field;
     friend class ValueAccess;
 
-    // A value of 16 bytes: the type; the length of a string in place, or owned; a subtype; then the value.
+    // Layout: byte 0 is the type; byte 1 the length of a string in place, or `owned`; byte 2 a subtype. Then the value.
     static constexpr std::size_t sizeOffset = 4;    // std::uint32_t: bytes of a long string or binary
     static constexpr std::size_t payloadOffset = 8; // number or pointer
     static constexpr std::size_t textOffset = 2;    // string in place
     static constexpr std::size_t textCapacity = 14;
     static constexpr unsigned char owned = 0xFF; // the payload points to memory of this value
 
-    struct Block; // fields or elements, behind a header
+    struct Block; // header, followed by fields or elements
 
     explicit Value(Type type) noexcept { m_bytes[0] = static_cast<unsigned char>(type); }
 
@@ -516,14 +531,14 @@ private:
             return {load<const char*>(payloadOffset), load<std::uint32_t>(sizeOffset)};
         return {reinterpret_cast<const char*>(m_bytes) + textOffset, m_bytes[1]};
     }
-    // Only to be compared; its first byte is put back before the end.
+    // Makes this value a view of @p text, for comparisons. The caller restores m_bytes[1] before the destructor runs.
     void borrow(std::string_view text) noexcept
     {
         store(payloadOffset, text.data());
         store(sizeOffset, static_cast<std::uint32_t>(text.size()));
         m_bytes[1] = owned;
     }
-    // Each sets a value that owns nothing.
+    // The setters expect a value that owns no memory.
     DATABASE_CLIENT_API void setText(Type type, const char* text, std::size_t size);
     DATABASE_CLIENT_API void setObjectId(const std::string& hex);
     DATABASE_CLIENT_API void setBinary(const unsigned char* bytes, std::size_t size, unsigned char subtype);
@@ -534,7 +549,7 @@ private:
     DATABASE_CLIENT_API Binary binary() const;
     DATABASE_CLIENT_API const Value& pairItem(std::size_t index) const noexcept;
     DATABASE_CLIENT_API void* items() const noexcept;
-    DATABASE_CLIENT_API void* openItems() noexcept; // for whoever may change keys
+    DATABASE_CLIENT_API void* openItems() noexcept; // for callers that may change keys
     DATABASE_CLIENT_API void release() noexcept;
     DATABASE_CLIENT_API void copy(const Value& other);
     [[noreturn]] DATABASE_CLIENT_API static void throwNullPointer();
@@ -545,14 +560,15 @@ private:
     alignas(8) unsigned char m_bytes[16] = {};
 };
 
-/// JavaScript with the variables it sees, deprecated in BSON.
+/// JavaScript code with its variables, deprecated in BSON.
 struct CodeWithScope
 {
     std::string text; ///< The code.
-    Value scope;      ///< An object of the variables.
+    Value scope;      ///< An object with the variables.
 };
 
-/// A field: its key, taken literally ("/" and the empty key included), and its value.
+/// A field of an object: key and value. Every key is used as it is, also with "/" or empty.
+/// @since 1.0
 class Field
 {
 public:
@@ -562,12 +578,12 @@ public:
     Field(Key&& key, Value value) : m_key(keyOf(std::forward<Key>(key))), m_value(std::move(value))
     {}
 
-    /// The key, valid until the field is changed or destroyed.
+    /// Returns the key. The view is valid until the field is changed or destroyed.
     std::string_view key() const noexcept { return m_key.text(); }
     Value& value() noexcept { return m_value; }             ///< The value.
     const Value& value() const noexcept { return m_value; } ///< The value.
 
-    /// For `const auto& [key, value]`.
+    /// Supports `const auto& [key, value]`.
     template <std::size_t Index>
     decltype(auto) get() const noexcept
     {
@@ -576,7 +592,7 @@ public:
         else
             return value();
     }
-    /// For `auto& [key, value]`.
+    /// Supports `auto& [key, value]`.
     template <std::size_t Index>
     decltype(auto) get() noexcept
     {
@@ -610,7 +626,7 @@ private:
 } // namespace v1
 } // namespace dbc
 
-/// Two: key and value.
+/// Two elements: key and value.
 template <>
 struct std::tuple_size<dbc::Field> : std::integral_constant<std::size_t, 2>
 {};
@@ -630,41 +646,41 @@ struct std::tuple_element<1, dbc::Field>
 namespace dbc {
 inline namespace v1 {
 
-/// Equal in the order of Value::compare(): 1 == 1.0.
+/// True if Value::compare() returns 0; 1 equals 1.0.
 inline bool operator==(const Value& left, const Value& right)
 {
     return left.compare(right) == 0;
 }
-/// Not equal in the order of Value::compare().
+/// True if Value::compare() does not return 0.
 inline bool operator!=(const Value& left, const Value& right)
 {
     return left.compare(right) != 0;
 }
-/// Before @p right in the order of Value::compare().
+/// True if Value::compare() returns less than 0.
 inline bool operator<(const Value& left, const Value& right)
 {
     return left.compare(right) < 0;
 }
-/// After @p right in the order of Value::compare().
+/// True if Value::compare() returns more than 0.
 inline bool operator>(const Value& left, const Value& right)
 {
     return left.compare(right) > 0;
 }
-/// Not after @p right in the order of Value::compare().
+/// True if Value::compare() returns 0 or less.
 inline bool operator<=(const Value& left, const Value& right)
 {
     return left.compare(right) <= 0;
 }
-/// Not before @p right in the order of Value::compare().
+/// True if Value::compare() returns 0 or more.
 inline bool operator>=(const Value& left, const Value& right)
 {
     return left.compare(right) >= 0;
 }
 
-/// Writes the value as relaxed JSON; values that JSON cannot show as their type in angle brackets.
+/// Writes the value as relaxed JSON. If JSON is not possible, writes its type in angle brackets.
 DATABASE_CLIENT_API std::ostream& operator<<(std::ostream& stream, const Value& value);
 
-/// Every field that toProperties() cannot keep, in the order of the document.
+/// Returns every field that toProperties() cannot keep, in the order of the document.
 DATABASE_CLIENT_API std::vector<LossAt> findLosses(const Value& value);
 
 inline Value::Value(std::initializer_list<Field> fields) : Value(Type::Object)

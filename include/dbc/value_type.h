@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// The types of BSON, and what becomes of each of them in an ObjectProperties.
+/// The types of BSON, and how ObjectProperties changes their values.
 
 #include <optional>
 #include <string>
@@ -9,17 +9,17 @@
 namespace dbc {
 inline namespace v1 {
 
-/// Type of a value; the numbers are those of the BSON specification, which "$type" takes, too.
+/// Type of a value. The numbers are those of the BSON specification; "$type" takes them too.
 enum class Type : unsigned char
 {
     Double = 0x01,            ///< IEEE 754 binary64.
-    String = 0x02,            ///< UTF-8 string; may hold zero bytes.
-    Object = 0x03,            ///< Fields in their order; keys may occur twice.
-    Array = 0x04,             ///< Elements in their order.
+    String = 0x02,            ///< UTF-8 string; may contain zero bytes.
+    Object = 0x03,            ///< Fields in order; keys may occur twice.
+    Array = 0x04,             ///< Elements in order.
     Binary = 0x05,            ///< Bytes with a subtype.
     Undefined = 0x06,         ///< Deprecated in BSON.
     ObjectId = 0x07,          ///< 12 bytes.
-    Bool = 0x08,              ///< Truth value.
+    Bool = 0x08,              ///< True or false.
     Time = 0x09,              ///< Milliseconds since 1970-01-01 UTC.
     Null = 0x0A,              ///< Null.
     RegularExpression = 0x0B, ///< Pattern and options.
@@ -28,14 +28,14 @@ enum class Type : unsigned char
     Symbol = 0x0E,            ///< Deprecated in BSON.
     CodeWithScope = 0x0F,     ///< Deprecated in BSON: JavaScript with its variables.
     Int32 = 0x10,             ///< Signed 32-bit integer.
-    Timestamp = 0x11,         ///< Seconds and a counter, for the server's own use.
+    Timestamp = 0x11,         ///< Seconds and a counter; the server uses it internally.
     Int64 = 0x12,             ///< Signed 64-bit integer.
     Decimal128 = 0x13,        ///< IEEE 754 decimal128.
     MaxKey = 0x7F,            ///< Compares greater than every other value.
     MinKey = 0xFF             ///< Compares less than every other value.
 };
 
-/// The name that "$type" takes: "double", "string", "object", ...
+/// Returns the name of a type as in "$type": "double", "string", "object" and so on.
 inline const char* nameOf(Type type)
 {
     switch (type)
@@ -86,10 +86,10 @@ inline const char* nameOf(Type type)
     return "";
 }
 
-/// What happens to a field on its way through BsonToProperties and back through PropertiesToBson.
+/// How a field changes if BsonToProperties reads it and PropertiesToBson writes it.
 enum class Loss
 {
-    Undefined,     ///< Dropped on reading.
+    Undefined,     ///< Dropped by BsonToProperties.
     Null,          ///< Dropped.
     DbPointer,     ///< Dropped.
     Code,          ///< Dropped.
@@ -100,16 +100,16 @@ enum class Loss
     MaxKey,        ///< Dropped.
     Symbol,        ///< Becomes a string.
     BinarySubtype, ///< Becomes subtype 0.
-    EmptyBinary,   ///< Dropped on writing.
-    TextWithZero,  ///< Cut at its first zero byte.
-    EmptyKey,      ///< Taken as the root of the document: what was read before is lost.
-    KeyWithSlash,  ///< Taken as a path.
-    DuplicateKey,  ///< The last value stays.
-    LongArray,     ///< More than ten elements: come out as 0, 1, 10, 2 ...
-    Corrupt        ///< The bytes from here on are not BSON and are not read.
+    EmptyBinary,   ///< Dropped by PropertiesToBson.
+    TextWithZero,  ///< String cut at its first zero byte.
+    EmptyKey,      ///< Read as the root of the document: fields read before it are lost.
+    KeyWithSlash,  ///< Read as a path.
+    DuplicateKey,  ///< Only the last value is kept.
+    LongArray,     ///< More than ten elements: they are written in the order 0, 1, 10, 2 ...
+    Corrupt        ///< The bytes from here on are not valid BSON and are not read.
 };
 
-/// What befalls the field, in a few words.
+/// Returns a short description of a loss.
 inline const char* nameOf(Loss loss)
 {
     switch (loss)
@@ -154,16 +154,16 @@ inline const char* nameOf(Loss loss)
     return "";
 }
 
-/// One field and what happens to it. The path is that of the field, its keys joined by ".".
+/// A field and how it changes.
 struct LossAt
 {
-    /// Keys from the root, joined by ".".
+    /// Keys from the root, separated by ".".
     std::string path;
-    /// What happens to the field.
+    /// How the field changes.
     Loss loss = Loss::Corrupt;
 };
 
-/// What becomes of every value of this type; nothing for the types that ObjectProperties holds.
+/// Returns the loss that affects every value of this type; empty for the types of ObjectProperties.
 inline std::optional<Loss> lossOf(Type type)
 {
     switch (type)

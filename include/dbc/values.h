@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// The types in which these headers read and write the values of a document.
+/// C++ types for the values of a document.
 
 #include "object_properties.h"
 
@@ -19,10 +19,10 @@ namespace dbc {
 
 /// Value of a Binary.
 using Bytes = std::vector<unsigned char>;
-/// A time as the server keeps it: whole milliseconds since 1970-01-01 UTC.
+/// A time with the precision of the server: milliseconds since 1970-01-01 UTC.
 using Time = std::chrono::time_point<std::chrono::system_clock, std::chrono::milliseconds>;
 
-/// Text of an object id; apart from std::string, so that an Id is never taken for a String.
+/// An object id. A type of its own, so that an Id is not confused with a String.
 struct ObjectId
 {
     /// 24 hexadecimal digits.
@@ -34,9 +34,9 @@ struct ObjectId
 /// Value of a Regex.
 struct RegularExpression
 {
-    /// The expression.
+    /// The pattern.
     std::string pattern;
-    /// Letters such as "i", in the order of the alphabet.
+    /// Letters such as "i", in alphabetical order.
     std::string options;
     friend bool operator==(const RegularExpression& left, const RegularExpression& right)
     {
@@ -45,27 +45,27 @@ struct RegularExpression
     friend bool operator!=(const RegularExpression& left, const RegularExpression& right) { return !(left == right); }
 };
 
-/// Whole milliseconds of any time point of the system clock, rounded down.
+/// Converts a time point of the system clock to milliseconds, rounded down.
 template <typename Duration>
 Time toTime(std::chrono::time_point<std::chrono::system_clock, Duration> time)
 {
     return std::chrono::floor<std::chrono::milliseconds>(time);
 }
 
-/// The time so many milliseconds after 1970-01-01 UTC.
+/// Returns the time of a number of milliseconds since 1970-01-01 UTC.
 inline Time timeFromMilliseconds(long long milliseconds)
 {
     return Time(std::chrono::milliseconds(milliseconds));
 }
 
-/// Milliseconds since 1970-01-01 UTC.
+/// Returns the milliseconds since 1970-01-01 UTC.
 inline long millisecondsOf(Time time)
 {
     return static_cast<long>(time.time_since_epoch().count());
 }
 
-/// The key of an element in an array of @p count elements: with leading zeros, so that byte order is number order also
-/// for more than ten elements. A server ignores the keys of an array, so it stores 0, 1, 2.
+/// Returns the key of an element in an array of @p count elements. It has leading zeros, so that the order of the keys
+/// is the order of the numbers. A server ignores the keys of an array and stores 0, 1, 2 and so on.
 inline std::string elementKey(std::size_t index, std::size_t count)
 {
     const std::string key = std::to_string(index);
@@ -78,7 +78,7 @@ namespace detail {
 template <typename T, typename... Types>
 constexpr bool isOneOf = (std::is_same_v<T, Types> || ...);
 
-/// The integer types that hold numbers: no truth value, and no character.
+/// Integer types that are numbers: not bool, not the character types.
 template <typename T>
 constexpr bool isInteger = isOneOf<T, signed char, unsigned char, short, unsigned short, int, unsigned, long,
                                    unsigned long, long long, unsigned long long>;
@@ -88,8 +88,8 @@ constexpr bool isArithmetic = isInteger<T> || isOneOf<T, float, double>;
 
 } // namespace detail
 
-/// The same number as another type, or nothing where that type has no number equal to it: 1.5 as an int, 2^53 + 1 as
-/// a double, 2^40 as an int, NaN as an integer. -0.0 equals 0.
+/// Converts a number to another type. Returns an empty optional if that type has no equal number: 1.5 as an int, 2^53 +
+/// 1 as a double, 2^40 as an int, NaN as an integer. -0.0 equals 0.
 template <typename To, typename From>
 std::optional<To> exactNumber(From number) noexcept
 {
@@ -106,7 +106,7 @@ std::optional<To> exactNumber(From number) noexcept
     }
     else if constexpr (std::is_integral_v<To>)
     {
-        // Both are powers of two, so no rounding; the largest integer itself may have no equal double.
+        // Both limits are powers of two, so they are exact. The largest integer itself may have no equal double.
         const double beyond = 2.0 * static_cast<double>(static_cast<To>(1) << (Limits::digits - 1));
         const double least = std::is_signed_v<To> ? -beyond : 0.0;
         const double wide = static_cast<double>(number);
@@ -140,9 +140,10 @@ long int64From(Integer value)
 
 } // namespace detail
 
-/// How a value of type T is read from a node and written to it. read() returns nothing when the node is of another
-/// type. T is one of std::string, bool, every integer and floating-point type but the character types and long double,
-/// Time, ObjectId, Bytes, RegularExpression.
+/// Reads a value of type T from a node and writes it. read() returns an empty optional if the node has another type. T
+/// is std::string, bool, any integer or floating-point type except the character types and long double, Time, ObjectId,
+/// Bytes or RegularExpression.
+/// @since 1.0
 template <typename T, typename = void>
 struct ValueTraits;
 
@@ -166,7 +167,7 @@ struct ValueTraits<bool>
     static void write(Property& node, bool value) { node.setValueBool(value); }
 };
 
-/// Numbers are read from Int32, Int64 and Double where the result is exact.
+/// Numbers are read from Int32, Int64 and Double if the result is exact.
 template <typename T>
 struct ValueTraits<T, std::enable_if_t<detail::isArithmetic<T>>>
 {
@@ -180,8 +181,9 @@ struct ValueTraits<T, std::enable_if_t<detail::isArithmetic<T>>>
             return exactNumber<T>(node.currentValueAsDouble(0.0));
         return std::nullopt;
     }
-    /// Writes an Int32 for the types that always fit into it, an Int64 for wider ones, a Double for float and double.
-    /// @throws std::out_of_range when an unsigned number is too large for an Int64
+    /// Writes an Int32 for types whose values all fit into it, an Int64 for larger integer types, and a Double for
+    /// float and double.
+    /// @throws std::out_of_range if an unsigned number is too large for an Int64
     static void write(Property& node, T value)
     {
         if constexpr (std::is_floating_point_v<T>)
