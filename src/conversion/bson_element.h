@@ -7,10 +7,10 @@
 #include <string>
 #include <vector>
 
-/// Values of BSON elements for the setters of a document, which take a key before the value, or of a node, which take
-/// none.
+/// Converts BSON elements for two kinds of setters: those of a document, which take a key, and those of a node, which
+/// do not.
 
-// Texts that the setters take, kept for the whole walk: their storage is used again for every element.
+// Strings for the setters. They are reused for every element, to avoid allocations.
 struct Scratch
 {
     std::string key;
@@ -18,14 +18,14 @@ struct Scratch
     std::string options;
 };
 
-// What assign() does, in half of its instructions.
+// The same as assign(), with half as many instructions.
 inline const std::string& refill(std::string& scratch, const char* text, std::size_t length)
 {
     scratch.clear();
     return scratch.append(text, length);
 }
 
-// A text ends at its first zero byte, whatever its length.
+// A string ends at its first zero byte, whatever its length.
 inline const std::string& cutText(std::string& scratch, const char* text, std::size_t length)
 {
     return refill(scratch, text, strnlen(text, length));
@@ -58,8 +58,8 @@ void setId(const bson_iter_t& iter, Scratch& scratch, Target& target, const Key&
     target.setValueId(key..., refill(scratch.text, text, sizeof(text) - 1));
 }
 
-// Elements of the kinds that the tree does not know are left out. The readers named unsafe do not ask for the type
-// again: that is a call into the driver less for each value.
+// Skips elements of types that the tree does not have. The unsafe functions of libbson do not check the type again,
+// which saves a call per value.
 template <typename Target, typename... Key>
 void setValue(const bson_iter_t& iter, bson_type_t type, Scratch& scratch, Target& target, const Key&... key)
 {

@@ -6,7 +6,7 @@
 
 class Property;
 
-/// Appends the children of @p node to @p bson. Groups and arrays below the deepest level that is allowed are left out.
-/// @param levels  how deep groups and arrays may be nested; 0 allows values only
-/// @return false if something was left out for its depth
+/// Appends the children of @p node to @p bson. Groups and arrays deeper than @p levels are left out.
+/// @param levels  maximum depth of groups and arrays; 0 allows only values
+/// @return false if groups or arrays were left out
 bool appendChildren(const Property& node, bson_t* bson, std::size_t levels);

@@ -10,7 +10,7 @@
 
 namespace {
 
-// Beyond that many documents in a row that are unlike the one before, another comparison is not worth its time.
+// After this number of successive misses, comparing documents costs more than it saves.
 constexpr int missesBeforeRest = 16;
 
 bool isNested(bson_type_t type) { return type == BSON_TYPE_DOCUMENT || type == BSON_TYPE_ARRAY; }
@@ -47,8 +47,8 @@ bool isKept(bson_type_t type)
     return false;
 }
 
-// Calls visit(iter, type, parent) for each element that a tree keeps, a document before its elements. It returns the
-// place of the element, which is the parent of those within it, or nothing to end the walk.
+// Calls visit(iter, type, parent) for each element that a tree keeps, a document before its elements. visit() returns
+// the position of the element, which is the parent of its children, or an empty optional to stop.
 template <typename Visit>
 bool visitKept(const bson_t* bson, Visit visit)
 {
@@ -123,8 +123,8 @@ bool DocumentRefill::convert(const bson_t* bson, ObjectProperties& target)
     return true;
 }
 
-// Fails for a node that the caller shares, and must not see change, for one whose key a copy into it has changed, and
-// for a root that is a value.
+// Returns false for nodes that cannot be reused: the caller has a pointer to it, or a copy into it has changed its key,
+// or it is a root with a value.
 bool DocumentRefill::collect(Property& root)
 {
     struct Level
@@ -157,7 +157,7 @@ bool DocumentRefill::collect(Property& root)
     return true;
 }
 
-// True if every node got the value of exactly one element.
+// Returns true if every node got the value of exactly one element.
 bool DocumentRefill::refill(const bson_t* bson)
 {
     if (m_places.size() + 1 != m_nodes.size())
@@ -178,7 +178,7 @@ bool DocumentRefill::refill(const bson_t* bson)
     return visitKept(bson, refillOne) && next == m_places.cend();
 }
 
-// A document where a key occurs twice, or is a path, is not learnt.
+// Ignores documents with duplicate keys or keys that are paths.
 void DocumentRefill::learn(const bson_t* bson)
 {
     std::unordered_map<const Property*, std::size_t> places;

@@ -11,22 +11,22 @@
 class ObjectProperties;
 class Property;
 
-/// Converts one document after the other into the same ObjectProperties. Documents of one collection mostly have the
-/// same fields: then their values are set in the nodes that are there, which takes less than half of the instructions
-/// of freeing the nodes and making new ones.
+/// Converts documents one after the other into the same ObjectProperties. Documents of a collection usually have the
+/// same fields. Then only the values are set, with less than half of the instructions that freeing and creating nodes
+/// takes.
 class DocumentRefill
 {
 public:
-    /// What BsonToProperties::convert() does with an empty document. @p target must be the same each time; its cursor
-    /// moves to the root. False if @p bson cannot be read.
+    /// Replaces the content of @p target, as BsonToProperties::convert() does with an empty document. @p target must be
+    /// the same object in each call. Its cursor moves to the root. Returns false if @p bson is invalid.
     bool convert(const bson_t* bson, ObjectProperties& target);
 
 private:
     struct Node
     {
         Property* property;
-        const std::string* key; // under which it stands in its parent
-        std::size_t parent;     // its place in m_nodes
+        const std::string* key; // in the children of its parent
+        std::size_t parent;     // its index in m_nodes
     };
 
     bool collect(Property& root);
@@ -34,7 +34,7 @@ private:
     void learn(const bson_t* bson);
 
     std::vector<Node> m_nodes;         // the tree: each node before its children
-    std::vector<std::size_t> m_places; // the place in m_nodes of each element of the last document, in its order
+    std::vector<std::size_t> m_places; // for each element of the last document its index in m_nodes
     Scratch m_scratch;
-    int m_misses = 0; // documents in a row that were unlike the one before
+    int m_misses = 0; // number of successive documents with different fields
 };

@@ -13,10 +13,10 @@
 
 namespace {
 
-// A document whose fields are being appended. A nested one is built in place, inside the buffer of the one around it.
+// A document that is being written. libbson builds a nested document in the buffer of its parent.
 struct OpenDocument
 {
-    // The name of the type that carries no alignment: it is lost on the way through a template argument.
+    // `_bson_t` has no alignment attribute. A template argument would drop the attribute of `bson_t`, with a warning.
     explicit OpenDocument(const Property& node, _bson_t* parentBson = nullptr)
         : next(node.begin()), end(node.end()), isArray(node.isArray()), parent(parentBson)
     {}
@@ -30,7 +30,7 @@ struct OpenDocument
 
 void appendId(bson_t* bson, const char* key, int keyLength, const char* text)
 {
-    // The driver reads 24 characters whatever the length of the text.
+    // libbson reads 24 characters, whatever the length of the string.
     char padded[25] = {};
     std::memcpy(padded, text, strnlen(text, sizeof(padded) - 1));
     bson_oid_t id;
@@ -40,7 +40,7 @@ void appendId(bson_t* bson, const char* key, int keyLength, const char* text)
 
 void appendBinary(bson_t* bson, const std::string& key, const std::vector<unsigned char>& bytes)
 {
-    // A value without bytes is left out: callers depend on it.
+    // A binary without bytes is left out: callers depend on it.
     if (!bytes.empty())
         bson_append_binary(bson, key.c_str(), static_cast<int>(key.size()), BSON_SUBTYPE_BINARY, bytes.data(),
                            static_cast<std::uint32_t>(bytes.size()));
@@ -91,15 +91,15 @@ void appendValue(bson_t* bson, Property& node, PropertyType type)
     }
 }
 
-// Large documents do not stay in the caches: the next node is fetched while the driver copies this one. Value and key
-// stand in different cache lines.
+// Large documents do not fit in the caches, so the next node is fetched while libbson copies this one. Value and key
+// are in different cache lines.
 void fetchAhead(const Property& node) noexcept
 {
     __builtin_prefetch(&node);
     __builtin_prefetch(&node.keyView());
 }
 
-// The first child on the way that is a group or an array, or null at the end.
+// Returns the next child that is a group or an array, or null at the end.
 const Property* appendValuesUpToNested(bson_t* bson, OpenDocument& document)
 {
     while (document.next != document.end)
@@ -162,7 +162,7 @@ bool appendChildren(const Property& node, bson_t* bson, std::size_t levels)
         {
             if (open.size() > levels)
                 complete = false;
-            // A document that outgrew the driver's limit takes no more: there is nothing to fill and nothing to end.
+            // A document above the size limit of libbson accepts no more fields, so there is nothing to fill or end.
             else if (!beginNested(*nested, target, &open.push(*nested, target).bson))
                 open.pop();
             continue;

@@ -19,6 +19,6 @@ bool PropertiesToJson::properties_to_json(const ObjectProperties& properties, st
     if (text)
         json.assign(text.get(), length);
     else
-        json.clear(); // a text that is not UTF-8 has no JSON form
+        json.clear(); // a string that is not valid UTF-8 cannot be written as JSON
     return converted;
 }

@@ -4,7 +4,7 @@
 
 #include <memory>
 
-/// The one place that names the destroy functions of the driver's BSON objects.
+/// Handles for the BSON objects of the driver. Only this file calls their destroy functions.
 template <auto Destroy>
 struct DestroyWith
 {
@@ -15,7 +15,7 @@ struct DestroyWith
     }
 };
 
-// The type of a document is over-aligned by an attribute, which a template argument cannot carry.
+// bson_t has an alignment attribute, which a template argument would drop.
 struct DestroyBson
 {
     using pointer = bson_t*;
@@ -25,8 +25,7 @@ struct DestroyBson
 using BsonPointer = std::unique_ptr<void, DestroyBson>;
 using BsonText = std::unique_ptr<char, DestroyWith<bson_free>>;
 
-/// A document in automatic storage. It holds nothing to be freed until it is filled, so a converter may initialise it
-/// again.
+/// A document in automatic storage. It needs no memory until it is filled, so a converter may initialize it again.
 class OwnedBson
 {
 public:

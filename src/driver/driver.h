@@ -4,9 +4,10 @@
 
 #include <cstddef>
 
-/// The one place that depends on the driver's version. Supported are libmongoc and libbson 1.x from 1.23, and 2.x.
+/// Everything that depends on the version of the driver. Supported: libmongoc and libbson 1.x from 1.23, and 2.x.
 
-/// A document as legacy extended JSON; null for text that is not UTF-8. The caller frees it with bson_free().
+/// Returns a document as legacy Extended JSON; null if a string is not valid UTF-8. The caller frees it with
+/// bson_free().
 inline char* legacyJson(const bson_t* bson, std::size_t* length)
 {
 #if BSON_CHECK_VERSION(1, 29, 0)
@@ -16,7 +17,7 @@ inline char* legacyJson(const bson_t* bson, std::size_t* length)
 #endif
 }
 
-/// Starts an array in a document. The caller numbers the elements.
+/// Starts an array in a document. The caller sets the numbers of the elements.
 inline bool beginArray(bson_t* bson, const char* key, int keyLength, bson_t* child)
 {
 #if BSON_CHECK_VERSION(2, 3, 0)

@@ -6,9 +6,9 @@
 
 #include <memory>
 
-/// The one place that names the destroy functions of the driver's objects.
+/// Handles for the objects of libmongoc. Only this file calls their destroy functions.
 
-// A file stream that got descriptor 0 is not closed by its destroy function alone.
+// The destroy function of a file stream does not close descriptor 0.
 inline void closeAndDestroyStream(mongoc_stream_t* stream) noexcept
 {
     mongoc_stream_close(stream);
@@ -24,7 +24,7 @@ using SessionOptionsHandle = std::unique_ptr<mongoc_session_opt_t, DestroyWith<m
 using SessionHandle = std::unique_ptr<mongoc_client_session_t, DestroyWith<mongoc_client_session_destroy>>;
 using ServerHandle = std::unique_ptr<mongoc_server_description_t, DestroyWith<mongoc_server_description_destroy>>;
 
-// A session that was started for a cursor ends after it.
+// The session of a cursor must end after the cursor.
 struct DestroyCursor
 {
     SessionHandle session;

@@ -3,7 +3,7 @@
 #include "factories.h"
 #include "object_filter/object_filter_d.h"
 
-// Every operation forwards; what it does stands with ObjectFilterPrivate.
+// All functions forward to ObjectFilterPrivate.
 
 ObjectFilter::ObjectFilter() : d(std::make_unique<ObjectFilterPrivate>()) {}
 ObjectFilter::ObjectFilter(const ObjectFilter& other) : ObjectFilter() { d->copy(*other.d); }

@@ -5,8 +5,8 @@
 
 ObjectFilterPrivate::~ObjectFilterPrivate() = default;
 
-// The lists that are open stay open in the copy, so its cursor has to stand where they are. Without open lists it
-// goes to the root, as in any copy of a document.
+// Open lists stay open in the copy, so the cursor must be copied too. Without open lists it moves to the root, as in
+// any copy of a document.
 void ObjectFilterPrivate::copy(const ObjectFilterPrivate& other)
 {
     if (this == &other)
@@ -24,7 +24,7 @@ std::size_t ObjectFilterPrivate::listCount() const noexcept
     return static_cast<std::size_t>(std::min(m_depth, maximumDepth));
 }
 
-// The empty text when no list is open.
+// Returns an empty string if no list is open.
 std::string ObjectFilterPrivate::innermostListName()
 {
     return m_depth == 0 ? std::string() : arrayOperationName(m_lists[listCount() - 1]);
@@ -42,7 +42,7 @@ void ObjectFilterPrivate::startArrayOperation(ArrayOperationType operation)
         ++m_depth;
 }
 
-// What all conditions share. setValue(target, key...) writes the value: under a key of the document, or into a node.
+// The common part of all conditions. setValue(target, key...) writes the value to a key of the document or to a node.
 template <typename SetValue>
 void ObjectFilterPrivate::setFilter(OperationType operation, const std::string& key, const SetValue& setValue)
 {
@@ -59,7 +59,7 @@ void ObjectFilterPrivate::setFilter(OperationType operation, const std::string& 
         m_query.setValueBool(name, operation == OperationTypeExists);
     else if (!name.empty())
         setValue(m_query, name);
-    else // For a document the empty key is its root, and a value there would drop the whole query.
+    else // The empty key would be the root, and its value would drop the whole query.
         setValue(*m_query.current()->createSingleProperty(name));
     m_query.endGroup();
     end_operation();
@@ -107,7 +107,7 @@ void ObjectFilterPrivate::setFilterId(OperationType operation, const std::string
     setFilter(operation, key, [&](auto& target, const auto&... under) { target.setValueId(under..., value); });
 }
 
-// Member by member into the node where the condition stands, so that a second condition on the key merges.
+// Adds field by field to the existing condition, so that a second condition on the key is merged.
 void ObjectFilterPrivate::setFilterDocument(const std::string& key, const ObjectProperties& operators)
 {
     begin_operation();
@@ -130,7 +130,7 @@ void ObjectFilterPrivate::include(const ObjectFilterPrivate& other)
         return;
     }
     m_query.include(name, other.m_query);
-    // A group where the cursor stood went with the old query: what is set there would be lost.
+    // Moves the cursor to the root, because the group it was in is gone with the old query.
     m_query.beginGroup(name);
 }
 
@@ -180,7 +180,7 @@ std::string ObjectFilterPrivate::arrayOperationName(ArrayOperationType operation
     return std::string();
 }
 
-// Of either kind: callers close an "$and" list with finish_or() and the other way round.
+// Closes "$and" and "$or": callers close an "$and" list with finish_or() and vice versa.
 void ObjectFilterPrivate::finish_array_operation()
 {
     if (m_depth == 0)

@@ -7,14 +7,14 @@
 #include <cstddef>
 #include <string>
 
-/// What a filter consists of: the query, whose cursor marks where the next condition goes, and the lists that are open.
-/// Between calls the cursor stands on the array of the innermost open list, at depth 0 on the root.
+/// The query and the open lists of a filter. The cursor of the query is where the next condition goes. Between calls it
+/// is on the array of the innermost open list, or at the root if no list is open.
 ///
-/// Every step is called virtually, also from within: a derived class may replace it.
+/// All functions are called virtually, also by this class, because a derived class may override them.
 class ObjectFilterPrivate
 {
 public:
-    /// A list operator. Numbers outside the enumeration have the empty text as name.
+    /// List operator. The name of a number outside the enumeration is the empty string.
     enum ArrayOperationType : int
     {
         ArrayOperationTypeAnd = 0, ///< "$and"
@@ -25,7 +25,7 @@ public:
     ObjectFilterPrivate(const ObjectFilterPrivate&) = delete;
     ObjectFilterPrivate& operator=(const ObjectFilterPrivate&) = delete;
 
-    // Slot order is closed, like that of the facade.
+    // Slot order is closed, as in ObjectFilter.
 
     virtual ~ObjectFilterPrivate();
     virtual void copy(const ObjectFilterPrivate& other);
@@ -52,14 +52,14 @@ public:
     virtual void setD(const ObjectProperties& properties) { m_query = properties; }
     virtual std::string operationTypeName(OperationType operation);
     virtual std::string arrayOperationName(ArrayOperationType operation);
-    /// Closes the innermost list, whatever its kind.
+    /// Closes the innermost list, "$and" or "$or".
     virtual void finish_array_operation();
-    /// Opens an element of the innermost list, if one is open.
+    /// Adds an element to the innermost list, if a list is open.
     virtual void begin_operation();
-    /// Closes what begin_operation() opened.
+    /// Leaves the element of begin_operation().
     virtual void end_operation();
 
-    // Beside the closed table: not virtual.
+    // Not virtual, so not part of the closed table.
     void setFilterDocument(const std::string& key, const ObjectProperties& operators);
 
 protected:
@@ -67,7 +67,7 @@ protected:
 
     ObjectProperties m_query;
     std::array<ArrayOperationType, maximumDepth> m_lists; // innermost last
-    int m_depth; // lists beyond the maximum are counted here and stand nowhere else
+    int m_depth; // also counts lists beyond the maximum, which are not in m_lists
 
 private:
     std::size_t listCount() const noexcept;

@@ -2,7 +2,7 @@
 
 #include "object_properties_d.h"
 
-// Every operation forwards; what it does stands with ObjectPropertiesPrivate.
+// All functions forward to ObjectPropertiesPrivate.
 
 ObjectProperties::ObjectProperties() : d(std::make_unique<ObjectPropertiesPrivate>()) {}
 ObjectProperties::ObjectProperties(const ObjectProperties& other) : ObjectProperties() { d->copy(*other.d); }

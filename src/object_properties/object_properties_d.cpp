@@ -4,10 +4,10 @@
 
 namespace {
 
-// A key without segments: empty, or nothing but "/".
+// True for keys without segments: empty, or only "/".
 bool isRootKey(const std::string& key) noexcept { return key.find_first_not_of('/') == std::string::npos; }
 
-// Puts the cursor back where it stood, on every way out.
+// Restores the cursor, also after an exception.
 class CursorReturn
 {
 public:
@@ -33,14 +33,15 @@ void ObjectPropertiesPrivate::beginGroup(const std::string& key) const
     current = isRootKey(key) ? root : property_paths::obtain(rootGroup(key), key, Group, Group)->getPtr();
 }
 
-// The root has no parent, and a node that was cut off may have lost it: the cursor stays there.
+// The root has no parent, and neither may a removed node. The cursor stays there.
 void ObjectPropertiesPrivate::endGroup() const
 {
     if (auto parent = PropertyTree::parentOf(*current))
         current = std::move(parent);
 }
 
-// beginArray() on a group goes to the root, beginGroup() on an array adds an element: callers depend on the difference.
+// beginArray() on a group moves to the root, beginGroup() on an array adds an element: callers depend on the
+// difference.
 void ObjectPropertiesPrivate::beginArray(const std::string& key) const
 {
     if (isRootKey(key))
@@ -78,8 +79,8 @@ void ObjectPropertiesPrivate::copyWithCursor(const ObjectPropertiesPrivate& othe
         beginObject(*position);
 }
 
-// The indexes that lead from the root to the cursor, innermost first; none when the cursor is outside the tree. Keys
-// would not do: elements of a list share one.
+// The child indexes on the path from the root to the cursor, innermost first. Empty if the cursor is outside the tree.
+// Keys are not unique, because elements can have equal keys.
 std::vector<int> ObjectPropertiesPrivate::positionsToCursor() const
 {
     std::vector<int> positions;
@@ -114,7 +115,7 @@ void ObjectPropertiesPrivate::includeElement(const std::string& key, const Objec
     becomeGroupLike(*rootGroup(key).createGroup(key), other);
 }
 
-// The target keeps its key, and is a group even if the other root was given a value.
+// The target keeps its key. It becomes a group even if the other root has a value.
 void ObjectPropertiesPrivate::becomeGroupLike(Property& target, const ObjectPropertiesPrivate& other)
 {
     PropertyTree::assume(target, *other.root, target.keyView());
@@ -130,12 +131,12 @@ void ObjectPropertiesPrivate::exclude(const std::string& key, ObjectPropertiesPr
     PropertyTree::assume(*other.root, *node, std::string());
     other.current = other.root;
     if (&other == this)
-        return; // the node went with everything else that this document held
+        return; // assume() has replaced the whole tree
     PropertyTree::removeChild(*parent, entry);
     leave(*node);
 }
 
-// A node that was removed keeps its parent link, so every step up is checked against the parent's children.
+// A removed node keeps its parent pointer, so every step up is checked against the children of the parent.
 bool ObjectPropertiesPrivate::moveTo(const std::shared_ptr<Property>& node) const
 {
     for (auto place = node; place != root;)
@@ -149,7 +150,7 @@ bool ObjectPropertiesPrivate::moveTo(const std::shared_ptr<Property>& node) cons
     return true;
 }
 
-// The children are held, not pointed at: the visitor may remove any of them.
+// Owns the children during the walk, because the visitor may remove them.
 void ObjectPropertiesPrivate::visitChildren(bool (*visit)(void* visitor), void* visitor) const
 {
     std::vector<std::shared_ptr<Property>> children;
@@ -166,7 +167,7 @@ void ObjectPropertiesPrivate::visitChildren(bool (*visit)(void* visitor), void* 
     }
 }
 
-// A cursor inside the subtree goes to the root, any other stays.
+// Moves a cursor inside the subtree to the root.
 void ObjectPropertiesPrivate::leave(const Property& subtree) const
 {
     for (auto node = current; node; node = PropertyTree::parentOf(*node))

@@ -8,8 +8,8 @@
 #include <utility>
 #include <vector>
 
-/// What a document consists of: a tree and a place in it. A key that is empty or begins with "/" is resolved from the
-/// root, any other from the cursor. There is no stack of positions: a level is left through the node's parent link.
+/// The tree and the cursor of a document. A key that is empty or begins with "/" starts at the root, any other key at
+/// the cursor. There is no stack of cursors: endGroup() uses the parent pointer of the node.
 class ObjectPropertiesPrivate
 {
 public:
@@ -122,7 +122,7 @@ public:
     void print() const { root->print(); }
 
     std::shared_ptr<Property> root;
-    // A reader walks a const document, so the cursor moves in it too.
+    // Mutable, because reading a const document moves the cursor.
     mutable std::shared_ptr<Property> current;
 
 private:

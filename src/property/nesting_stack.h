@@ -5,9 +5,9 @@
 #include <new>
 #include <utility>
 
-/// The open levels of a walk over a nested structure. The first levels stand in automatic storage, so that a walk of
-/// usual depth allocates nothing; deeper ones stand on the heap, so that no depth exhausts the thread's stack. A level
-/// never moves while it is open.
+/// The open levels of a walk over a nested structure. The first levels are stored in the object itself, so a walk of
+/// usual depth allocates no memory. Deeper levels are allocated on the heap, so no depth exhausts the stack of the
+/// thread. A level does not move while it is open.
 template <typename Level>
 class NestingStack
 {
@@ -48,7 +48,7 @@ public:
     }
 
 private:
-    // More than servers accept in a document, and still only some ten kilobytes.
+    // More levels than servers accept, but only about ten kilobytes.
     static constexpr std::size_t nearLevels = 112;
 
     struct FarLevel

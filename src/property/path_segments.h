@@ -5,15 +5,15 @@
 #include <string>
 #include <string_view>
 
-/// Whether the path is one segment and nothing else, as most are: it is then the key of a child as it stands.
+/// True if the path is one segment without "/". Most paths are. It can be used as the key of a child.
 inline bool isSingleSegment(const std::string& path) noexcept
 {
-    const std::string_view view = path; // whose find() is inlined
+    const std::string_view view = path; // its find() is inlined
     return !view.empty() && view.find('/') == std::string_view::npos;
 }
 
-/// The segments of a key path, one after the other. A path without "/", the usual one, is handed out as it is; of any
-/// other path one segment at a time is copied, since the children can only be searched by a text of its own.
+/// Iterates over the segments of a key path. A path without "/" is used as it is. Segments of other paths are copied
+/// one by one, because a child can only be found by a std::string.
 class PathSegments
 {
 public:
@@ -21,7 +21,7 @@ public:
         : m_path(path), m_begin(path.data()), m_end(m_begin), m_pathEnd(m_begin + path.size())
     {}
 
-    /// Goes on to the next segment that is not empty; false at the end of the path.
+    /// Moves to the next non-empty segment. Returns false at the end of the path.
     bool next()
     {
         const char* const begin = nextBegin();
@@ -31,15 +31,15 @@ public:
         return true;
     }
 
-    /// Whether no segment follows the current one.
+    /// True if there is no further segment.
     bool isLast() const noexcept { return nextBegin() == m_pathEnd; }
 
     const std::string& segment() const noexcept { return isWholePath() ? m_path : m_segment; }
 
-    /// Place of the current segment, for goTo().
+    /// Start of the current segment, for goTo().
     const char* position() const noexcept { return m_begin; }
 
-    /// Makes the segment that begins at this position the current one.
+    /// Makes the segment at this position the current one.
     void goTo(const char* begin)
     {
         const auto* const slash = static_cast<const char*>(std::memchr(begin, '/', rest(begin)));
@@ -47,7 +47,7 @@ public:
         m_end = slash ? slash : m_pathEnd;
         if (isWholePath())
             return;
-        m_segment.clear(); // what follows is then an append(), which costs half of an assign()
+        m_segment.clear(); // so the append() below costs half of an assign()
         m_segment.append(m_begin, static_cast<std::size_t>(m_end - m_begin));
     }
 

@@ -2,7 +2,7 @@
 
 namespace {
 
-// The keys that @p keyIfWanted returns; null leaves the child out.
+// @p keyIfWanted returns the key of a child, or null to leave it out.
 template <typename KeyIfWanted>
 std::list<std::string> keysOfChildren(const Property& node, KeyIfWanted keyIfWanted)
 {
@@ -66,7 +66,8 @@ std::list<std::string> Property::childGroups() const
         *this, [](const Children::value_type& entry) { return entry.second->isGroup() ? &entry.first : nullptr; });
 }
 
-// The child's own key, not that of its entry, which a copy into the child can make differ: callers depend on it.
+// Uses the key of the child, not the key of its map entry. They differ after a copy into the child: callers depend on
+// it.
 std::list<std::string> Property::childArrays() const
 {
     return keysOfChildren(*this, [](const Children::value_type& entry) {

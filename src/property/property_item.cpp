@@ -19,8 +19,8 @@ void freeStorage(Container& container) noexcept
     Container().swap(container);
 }
 
-// The value word is a number exactly for these kinds. For every other kind it is null or an owned text, also while a
-// text has been stored and its kind not yet set, so that no text is ever lost.
+// The value word is a number only for these types. For all other types it is null or an owned string, also between
+// storing a string and setting its type. So no string leaks.
 bool isNumber(PropertyType type) noexcept { return type >= Bool && type <= Time; }
 
 } // namespace
@@ -35,8 +35,8 @@ Property::PropertyItem::PropertyItem(const PropertyItem& other) : PropertyItem(o
     copyValue(other);
 }
 
-// Only the storage of the kind is copied: that of the others is empty, and copying nothing costs as much as copying a
-// short text.
+// Copies only the storage that the type uses. Copying the other, empty members would cost as much as copying a short
+// string.
 void Property::PropertyItem::copyValue(const PropertyItem& other)
 {
     switch (m_type)
@@ -86,7 +86,7 @@ void Property::PropertyItem::swap(PropertyItem& other) noexcept
     std::swap(m_type, other.m_type);
 }
 
-// By value: what a caller passes may stand in this very item.
+// By value, because the argument may refer to this item.
 template <typename Number>
 void Property::PropertyItem::setNumber(Number PropertyValue::*member, Number value, PropertyType type) noexcept
 {
@@ -95,7 +95,7 @@ void Property::PropertyItem::setNumber(Number PropertyValue::*member, Number val
     m_type = type;
 }
 
-// The setters make the new value before they release the old one: when memory is short the old one stays.
+// The setters create the new value before they free the old one, so the old one stays after std::bad_alloc.
 
 void Property::PropertyItem::setValueString(const std::string& value)
 {

@@ -4,7 +4,7 @@
 
 namespace {
 
-// From the current segment on; the node of the last one is of the given type, those before it are groups.
+// Creates the nodes from the current segment on: the last one with the given type, the others as groups.
 Property* createPath(Property& from, PathSegments& segments, PropertyType type)
 {
     Property* node = &from;
@@ -99,7 +99,7 @@ Property& property_paths::valueNode(Property& from, const std::string& path)
     return *obtain(from, path, Undefined, None);
 }
 
-// What is read mostly exists, so here it is searched for at once.
+// A node to read usually exists, so it is searched for first.
 Property& property_paths::valueNodeToRead(Property& from, const std::string& path)
 {
     if (!isSingleSegment(path))
@@ -135,7 +135,7 @@ std::shared_ptr<Property> Property::createGroup(const std::string& path)
     return createPath(*this, path, Group)->getPtr();
 }
 
-// The asymmetry with groups and values is deliberate: a node of another kind is not handed out as an array.
+// Unlike createGroup(), never returns a node of another type: callers depend on it.
 std::shared_ptr<Property> Property::createArray(const std::string& path)
 {
     PathSegments segments(path);

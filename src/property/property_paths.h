@@ -4,30 +4,30 @@
 
 #include <string>
 
-/// Key paths that start at a node: they are followed, or created.
+/// Finds or creates the nodes of a key path, starting at a node.
 namespace property_paths {
 
-/// A node that a path names.
+/// A node in the children of its parent.
 struct Location
 {
-    Property* parent; ///< Null if the path names no node.
+    Property* parent; ///< Null if there is no node at the path.
     PropertyTree::Entry entry;
 };
 
 Location locate(Property& from, const std::string& path);
 
-/// The node that the path names, or null.
+/// Returns the node at @p path, or null.
 Property* find(Property& from, const std::string& path);
 
-/// The node that the path names if it is of the accepted kind, any kind for None; otherwise what creating the path
-/// gives: the last node of kind @p missing, and groups before it. Creation adds an element at the first array on the
-/// way, even if the path could be followed there: callers depend on the difference.
+/// Returns the node at @p path if its type is @p accepted, or any type for None. Otherwise creates the path: a last
+/// node of type @p missing, and groups before it. At the first array on the path it adds an element, even if the path
+/// could be followed there: callers depend on the difference.
 Property* obtain(Property& from, const std::string& path, PropertyType missing, PropertyType accepted);
 
-/// The node whose value a path sets: see Property::createPropertyIfNotExists().
+/// Returns the node whose value a setter sets. See Property::createPropertyIfNotExists().
 Property& valueNode(Property& from, const std::string& path);
 
-/// The same node, found faster if it exists.
+/// Returns the same node as valueNode(), faster if it exists.
 Property& valueNodeToRead(Property& from, const std::string& path);
 
 } // namespace property_paths

@@ -77,7 +77,7 @@ void Property::print(Property* node, int level)
             if (open.empty())
                 return;
             printJustify(--level);
-            // The comma also follows the last entry: programs that read this dump count on it.
+            // The comma also follows the last element: programs that parse this output depend on it.
             std::printf("%s,\n", closing);
             continue;
         }
@@ -85,7 +85,7 @@ void Property::print(Property* node, int level)
         printJustify(level);
         if (child.isGroup() || child.isArray())
         {
-            // Indented twice: programs that read this dump count on it.
+            // Indented twice: programs that parse this output depend on it.
             printJustify(level);
             std::printf("\"%s\": %s\n", child.keyView().c_str(), child.isGroup() ? "{" : "[");
             open.push(child.begin(), child.end(), child.isGroup() ? "}" : "]");

@@ -19,7 +19,7 @@ Property* PropertyTree::child(const Property& node, const std::string& key)
     return found ? entry->second.get() : nullptr;
 }
 
-// From the nearer end: the map has no positions.
+// Starts at the nearer end, because a map has no random access.
 PropertyTree::Entry PropertyTree::entryAt(const Property& node, int index)
 {
     const Children& children = node.m_children;
@@ -29,7 +29,7 @@ PropertyTree::Entry PropertyTree::entryAt(const Property& node, int index)
     return index <= count / 2 ? std::next(children.begin(), index) : std::prev(children.end(), count - index);
 }
 
-// The key leads to the node unless a copy into the node has changed it.
+// Searches by key first. That fails if a copy into the node has changed its key.
 bool PropertyTree::holds(const Property& node, const Property& child) noexcept
 {
     const auto isChild = [&child](const Children::value_type& entry) { return entry.second.get() == &child; };
@@ -37,7 +37,7 @@ bool PropertyTree::holds(const Property& node, const Property& child) noexcept
     return std::any_of(first, last, isChild) || std::any_of(node.m_children.begin(), node.m_children.end(), isChild);
 }
 
-// What getPtr() is to an owner: it throws alike, but takes no share.
+// A weak getPtr(): throws std::bad_weak_ptr too, but does not change the reference count.
 std::weak_ptr<Property> PropertyTree::self(Property& node)
 {
     auto weak = node.weak_from_this();
@@ -57,16 +57,16 @@ std::shared_ptr<Property> PropertyTree::newNode(const std::string& key, Property
     return std::make_shared<Property>(Property::Passkey(), key, type, std::move(parent));
 }
 
-// Flattened: making a node runs through a dozen small library functions, called one by one for every field read.
+// Flattened, because creating a node calls a dozen small library functions for every field.
 [[gnu::flatten]] Property* PropertyTree::insertChild(Property& node, Entry place, const std::string& key,
                                                      PropertyType type)
 {
     return node.m_children.emplace_hint(place, key, newNode(key, type, self(node)))->second.get();
 }
 
-// On an array every call adds an element, behind those with an equal key: with the end as its hint the map does just
-// that, and searches only where the key does not belong to the end. Elsewhere a child that exists is given as it is,
-// whatever its kind. Documents mostly arrive in key order, so the end is looked at first: that saves the search.
+// On an array, the end hint inserts behind all elements with an equal key. On other nodes an existing child is
+// returned, whatever its type. Documents usually arrive in key order, so the last child is compared first, which avoids
+// the search.
 Property* PropertyTree::createChild(Property& node, const std::string& key, PropertyType type)
 {
     const Children& children = node.m_children;
@@ -95,8 +95,7 @@ void PropertyTree::becomeValue(Property& node, PropertyType type) noexcept
     release(node.m_children);
 }
 
-// Everything new is made before anything old goes: the source may be part of this subtree, or this part of the
-// source's.
+// Creates everything new before it frees anything: the source may be an ancestor or a descendant of this node.
 void PropertyTree::assume(Property& node, const Property& source, const std::string& key)
 {
     if (&node == &source)
@@ -109,8 +108,8 @@ void PropertyTree::assume(Property& node, const Property& source, const std::str
     release(children);
 }
 
-// Each level is first copied as a map, which takes over the shape of the tree: that saves searching a place for every
-// child. Until its turn comes an entry of the copy shares the child of the source.
+// First copies each level as a map, which keeps the shape of its tree and needs no search for each child. Then replaces
+// the shared children of the source by copies, one by one.
 [[gnu::flatten]] PropertyTree::Children PropertyTree::copyOfChildren(const Property& source,
                                                                      const std::weak_ptr<Property>& parent)
 {
@@ -144,8 +143,8 @@ void PropertyTree::assume(Property& node, const Property& source, const std::str
     return result;
 }
 
-// Recursion is fast but bounded. Below the bound the children of a level are merged into one map and freed from there:
-// that allocates nothing, so freeing cannot fail, and needs no stack, so it may be any depth.
+// Recursion is fast, but limited to a small depth. Below that, the children of a level are merged into one map and
+// freed from there. That needs no memory, so it cannot fail, and no stack.
 void PropertyTree::release(Children& children, int depth) noexcept
 {
     if (children.empty())

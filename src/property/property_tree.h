@@ -5,49 +5,49 @@
 #include <memory>
 #include <string>
 
-/// The children and the parent of a node, and whole subtrees. The only class that Property lets in. It hands on plain
-/// pointers: a node is held by its parent.
+/// Operations on the children and the parent of a node, and on subtrees. The only friend of Property. It uses plain
+/// pointers, because a parent owns its children.
 class PropertyTree
 {
 public:
     using Children = Property::Children;
     using Entry = Children::const_iterator;
 
-    /// A search for a key among the children of a node.
+    /// Result of the search for a child by key.
     struct LookUp
     {
-        Entry entry; ///< The first child with the key; without one, the place where it would be inserted.
+        Entry entry; ///< The first child with the key, or the position at which to insert it.
         bool found;
     };
 
     static LookUp lookUp(const Property& node, const std::string& key);
-    /// The first child with the key, or null.
+    /// Returns the first child with the key, or null.
     static Property* child(const Property& node, const std::string& key);
-    /// The child at the index, or the end.
+    /// Returns the child at the index, or the end iterator.
     static Entry entryAt(const Property& node, int index);
-    /// Whether @p child is a child of @p node.
+    /// True if @p child is a child of @p node.
     static bool holds(const Property& node, const Property& child) noexcept;
-    /// An empty pointer if there is no parent, or none any more.
+    /// Returns the parent, or an empty pointer if there is none or it no longer exists.
     static std::shared_ptr<Property> parentOf(const Property& node) noexcept { return node.m_parent.lock(); }
 
-    /// A new node without a value.
+    /// Creates a node without a value.
     static std::shared_ptr<Property> newNode(const std::string& key, PropertyType type,
                                              std::weak_ptr<Property>&& parent);
-    /// Adds a child. @p place is where lookUp() found no child with the key.
+    /// Adds a child. @p place is the position from lookUp().
     static Property* insertChild(Property& node, Entry place, const std::string& key, PropertyType type);
-    /// The child with the key, whatever its kind, or a new one. On an array always a new element.
+    /// Returns the first child with the key, whatever its type, or a new child. On an array it always adds an element.
     static Property* createChild(Property& node, const std::string& key, PropertyType type);
-    /// What createChild() does on all nodes but arrays, for children that are expected to exist.
+    /// The same as createChild() for nodes that are not arrays. Faster if the child exists.
     static Property* findOrCreateChild(Property& node, const std::string& key, PropertyType type);
     static void removeChild(Property& node, Entry child) { node.m_children.erase(child); }
 
-    /// Frees the value and makes the node a group. The children stay.
+    /// Frees the value and makes the node a group. Keeps the children.
     static void becomeGroup(Property& node) noexcept;
-    /// Sets the kind of the value that the node has got, and removes all children.
+    /// Sets the type after the value was set, and removes all children.
     static void becomeValue(Property& node, PropertyType type) noexcept;
-    /// Like Property::copy(), but the node gets this key.
+    /// The same as Property::copy(), but the node gets the key @p key.
     static void assume(Property& node, const Property& source, const std::string& key);
-    /// Frees the children and what is below them, at any depth and without allocating.
+    /// Frees the children and their descendants, whatever their depth, without allocating memory.
     static void release(Children& children) noexcept { release(children, 0); }
 
 private:

@@ -3,7 +3,7 @@
 using property_paths::valueNode;
 using property_paths::valueNodeToRead;
 
-// A setter makes the new value first, then drops the children: when memory is short the node stays as it was.
+// A setter creates the new value before it removes the children, so the node is unchanged after std::bad_alloc.
 
 void Property::setValueString(const std::string& value)
 {
