@@ -46,7 +46,7 @@ void appendKeys(bson_t* bson, const std::vector<IndexKey>& keys)
     BSON_APPEND_DOCUMENT(bson, "key", fields.get());
 }
 
-// The name that every driver gives: fields and directions in a row.
+// Makes the default name as all drivers do: fields and directions, separated by "_".
 std::string nameOf(const std::vector<IndexKey>& keys)
 {
     std::string name;

@@ -6,16 +6,16 @@
 #include <string>
 #include <vector>
 
-/// Fields of a reply by their dotted path. A field of another type counts as missing.
+/// Reads fields of a reply by their dotted path. A field of another type is treated as missing.
 namespace dbc {
 
-/// The string at @p path; empty if it does not exist.
+/// Returns the string at @p path; empty if it does not exist.
 std::string textField(const bson_t* bson, const char* path);
-/// The strings of the array at @p path.
+/// Returns the strings of the array at @p path.
 std::vector<std::string> textListField(const bson_t* bson, const char* path);
-/// The number at @p path, of any numeric type; 0 if it does not exist.
+/// Returns the number at @p path, of any numeric type; 0 if it does not exist.
 std::int64_t numberField(const bson_t* bson, const char* path);
-/// Positions @p iter at @p path; false if there is no such field.
+/// Sets @p iter to the field at @p path. Returns false if it does not exist.
 bool findField(const bson_t* bson, const char* path, bson_iter_t* iter);
 
 /// Calls @p visit with each document of the array at @p path.

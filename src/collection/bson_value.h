@@ -4,16 +4,16 @@
 
 #include <bson/bson.h>
 
-/// Values from and to documents of the driver.
+/// Converts values to and from bson_t.
 namespace dbc {
 
-/// Appends @p value under @p key.
+/// Appends a field with @p key and @p value.
 void appendValue(bson_t* bson, const char* key, const Value& value);
-/// The value under @p iter. @throws FormatError what the driver received is not BSON
+/// Returns the value of the current field of @p iter. @throws FormatError if the BSON is invalid
 Value valueAt(const bson_iter_t& iter);
-/// The object with the fields of @p bson. @throws FormatError what the driver received is not BSON
+/// Returns an object with the fields of @p bson. @throws FormatError if the BSON is invalid
 Value valueFrom(const bson_t* bson);
-/// An object id.
+/// Returns an object id.
 Value valueFrom(const bson_oid_t& id);
 
 } // namespace dbc

@@ -82,7 +82,7 @@ void BulkRun::report(std::size_t offset, BulkResult& result, std::vector<WriteEr
 ErrorDetails BulkRun::error() const
 {
     ErrorDetails details = errorDetails(m_error, m_reply.get());
-    // A bulk write has this domain for one thing: a document over the limit of the server.
+    // A bulk write uses this domain only for a document that is larger than the server's limit.
     if (m_error.domain == MONGOC_ERROR_BSON)
         details.kind = ErrorKind::TooLarge;
     return details;

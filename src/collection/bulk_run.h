@@ -10,24 +10,24 @@
 
 namespace dbc {
 
-/// One bulk write of the driver: operations are added, then carried out.
+/// A bulk write of the driver. Add operations, then execute it once.
 class BulkRun
 {
 public:
     /// @param options  as mongoc_collection_create_bulk_operation_with_opts takes them
     BulkRun(const CollectionHandle& collection, const bson_t* options, bool bypassValidation);
 
-    /// Adds an operation; an insert takes neither filter nor options, a removal no document. False if the driver
-    /// refuses it; error() is then set.
+    /// Adds an operation. An insert has neither filter nor options, a removal has no document. Returns false if the
+    /// driver rejects it; error() then has the reason.
     bool add(Bulk::State::Type type, const bson_t* filter, const bson_t* document, const bson_t* options);
     bool add(const Bulk::State& bulk, const Bulk::State::Operation& operation);
-    /// False if the bulk write failed, completely or in part; error() is then set.
+    /// Returns false if the bulk write failed, completely or in part; error() then has the reason.
     bool execute();
 
     bool isAcknowledged() const;
-    /// Adds the counts, and the ids and errors with @p offset added to their index.
+    /// Adds the counts to @p result, and the ids and errors with @p offset added to their index.
     void report(std::size_t offset, BulkResult& result, std::vector<WriteError>& errors) const;
-    /// What the driver says about the failure as a whole.
+    /// The driver's error for the bulk write as a whole.
     ErrorDetails error() const;
 
 private:

@@ -11,7 +11,7 @@
 
 namespace dbc {
 
-/// The operations of a Bulk: their documents one behind the other, as BSON.
+/// The operations of a Bulk. Their documents are stored as BSON, one behind the other.
 struct Bulk::State
 {
     enum class Type
@@ -26,7 +26,7 @@ struct Bulk::State
     struct Operation
     {
         Type type;
-        // Offsets in bytes. What the type does not use is a document without fields.
+        // Offsets in bytes. A part that the type does not use is an empty document.
         std::size_t filter;
         std::size_t document;
         std::size_t options;
@@ -38,7 +38,7 @@ struct Bulk::State
     std::vector<unsigned char> bytes;
 };
 
-/// One document of a Bulk. It was written by libbson: its length is the first thing in it.
+/// A document of a Bulk. libbson wrote it, so it begins with its length.
 struct StoredBson
 {
     StoredBson(const Bulk::State& bulk, std::size_t offset)
@@ -50,7 +50,7 @@ struct StoredBson
     bson_t bson;
 };
 
-/// The way of Collection into a Bulk.
+/// Gives Collection access to the operations of a Bulk.
 class BulkAccess
 {
 public:

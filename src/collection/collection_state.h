@@ -10,7 +10,7 @@ namespace dbc {
 
 struct Collection::State
 {
-    /// The collection, after the checks that every operation begins with.
+    /// Opens the collection after the checks of every operation.
     CollectionHandle open() const;
 
     ClientAccess client;

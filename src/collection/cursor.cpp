@@ -17,7 +17,7 @@ void Cursor::State::fetch()
     if (!cursor || mongoc_cursor_next(cursor.get(), &fetched))
         return;
     fetched = nullptr;
-    const CursorHandle ended = std::move(cursor); // the reply beside the error belongs to it
+    const CursorHandle ended = std::move(cursor); // owns the reply of the error
     bson_error_t error{};
     const bson_t* reply = nullptr;
     if (mongoc_cursor_error_document(ended.get(), &error, &reply))
@@ -37,7 +37,7 @@ Cursor CursorAccess::open(std::shared_ptr<mongoc_client_t> client, CursorHandle 
     state->client = std::move(client);
     state->cursor = std::move(cursor);
     state->message = message;
-    // Now, not when the first document is asked for: a pipeline that writes has to run although nobody reads it.
+    // Fetched now, because a pipeline that writes must run even if its results are not read.
     state->fetch();
     return Cursor(std::move(state));
 }
@@ -96,7 +96,7 @@ void Cursor::close() noexcept
 {
     d->fetched = nullptr;
     d->hasBegun = true;
-    d->cursor = CursorHandle(); // with the session in its deleter, which must not outlive the client
+    d->cursor = CursorHandle(); // also ends the session of its deleter, before the client is released
     d->client.reset();
 }
 

@@ -11,24 +11,24 @@ namespace dbc {
 
 struct Cursor::State
 {
-    /// Asks the driver for the next document. @throws ServerError
+    /// Fetches the next document from the driver. @throws ServerError
     void fetch();
     /// @throws std::logic_error
     const bson_t* current() const;
 
-    std::shared_ptr<mongoc_client_t> client; ///< Destroyed after the cursor.
+    std::shared_ptr<mongoc_client_t> client; ///< Must be destroyed after the cursor.
     CursorHandle cursor;                     ///< Null at the end.
-    const char* message = nullptr;           ///< For the errors of this cursor, such as "Find failed".
-    const bson_t* fetched = nullptr;         ///< Belongs to the driver's cursor.
-    bool hasBegun = false; ///< Whether next() was called; before it the first document is fetched already.
+    const char* message = nullptr;           ///< For exceptions, such as "Find failed".
+    const bson_t* fetched = nullptr;         ///< The driver's cursor owns it.
+    bool hasBegun = false; ///< True after next() was called. The first document is fetched before that.
     std::optional<ObjectProperties> properties;
-    DocumentRefill refill; ///< Of properties.
+    DocumentRefill refill; ///< Fills properties.
     Value value;
-    bool hasProperties = false; ///< Whether properties holds the current document.
-    bool hasValue = false;      ///< Whether value holds the current document.
+    bool hasProperties = false; ///< True if properties has the current document.
+    bool hasValue = false;      ///< True if value has the current document.
 };
 
-/// Makes cursors.
+/// Creates cursors.
 class CursorAccess
 {
 public:

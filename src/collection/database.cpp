@@ -15,7 +15,7 @@ namespace dbc {
 
 struct Database::State
 {
-    // The database, after the checks that every operation begins with.
+    // Opens the database after the checks of every operation.
     DatabaseHandle open() const
     {
         mongoc_client_t* const connected = access.connected().get();
@@ -133,7 +133,7 @@ Value Database::command(const DocumentRef& command, const std::optional<ReadPref
 {
     const DatabaseHandle database = d->open();
     const OutgoingBson bson(command, "Bad command");
-    if (bson_empty(bson.get())) // the driver ends the process over a command without a name
+    if (bson_empty(bson.get())) // the driver aborts for an empty command
         throw std::invalid_argument("Bad command");
     const ReadPreferenceHandle driverPreference = readPreference(preference);
     OwnedBson reply;

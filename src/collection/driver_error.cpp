@@ -10,8 +10,7 @@
 namespace dbc {
 namespace {
 
-// A code that only a server sends stands in the reply. Without it the error is the driver's own: both use the same
-// small numbers.
+// Servers and the driver use the same small numbers. An error code of the server is also in the reply.
 bool isFromServer(const bson_error_t& error, const bson_t* reply)
 {
     switch (error.domain)
@@ -22,7 +21,7 @@ bool isFromServer(const bson_error_t& error, const bson_t* reply)
         return true;
     case MONGOC_ERROR_COMMAND:
     case MONGOC_ERROR_COLLECTION:
-    case 0: // the driver reports an error without a code in the reply alone
+    case 0: // without a code, the error is only in the reply
         return reply && (bson_has_field(reply, "errmsg") || bson_has_field(reply, "writeErrors.0") ||
                          bson_has_field(reply, "writeConcernErrors.0"));
     default:
@@ -51,7 +50,7 @@ ErrorKind kindOfDriverError(const bson_error_t& error)
     }
 }
 
-// Codes after which the drivers' specifications of retryable reads and writes try again, and a write conflict.
+// The codes of the specifications for retryable reads and retryable writes, and that of a write conflict.
 bool isPassing(int code)
 {
     static constexpr int passing[] = {6, 7, 89, 91, 112, 134, 189, 262, 9001, 10107, 11600, 11602, 13435, 13436};
@@ -78,20 +77,20 @@ ErrorKind kindOfServerCode(int code)
         return ErrorKind::Authentication;
     case 13:
         return ErrorKind::NotAuthorized;
-    case 24:  // a lock
-    case 50:  // time limit of the operation
-    case 64:  // acknowledgement of a write
-    case 89:  // between servers
-    case 202: // between servers
-    case 262: // time limit
+    case 24:  // lock timeout
+    case 50:  // maxTimeMS expired
+    case 64:  // write concern timeout
+    case 89:  // network timeout between servers
+    case 202: // network timeout between servers
+    case 262: // time limit exceeded
         return ErrorKind::Timeout;
-    case 6: // between servers: unreachable, unknown host, socket
+    case 6: // between servers: unreachable, unknown host, socket error
     case 7:
     case 9001:
         return ErrorKind::Network;
     case 10334:
-    case 17280: // key of an index
-    case 17419: // the result of an update
+    case 17280: // index key
+    case 17419: // document after an update
     case 17420:
         return ErrorKind::TooLarge;
     default:

@@ -6,11 +6,11 @@
 
 namespace dbc {
 
-/// What is known about a failed call of the driver.
-/// @param reply  the reply that the driver filled beside the error; may be null or empty
+/// Returns the details of a failed driver call.
+/// @param reply  the reply of the failed call; may be null or empty
 ErrorDetails errorDetails(const bson_error_t& error, const bson_t* reply);
 
-/// The kind of a code that a server sent, for a single error of a bulk write too.
+/// Returns the kind of a server's error code, also for a single error of a bulk write.
 ErrorKind kindOfServerCode(int code);
 
 /// @throws ServerError always

@@ -14,7 +14,7 @@ namespace {
 
 constexpr const char* downloadFailed = "Download failed";
 constexpr const char* malformedRecord = "the record of a stored file is malformed";
-// What a server may send in one reply of a download.
+// Maximum size of one reply of a download.
 constexpr std::uint64_t replyBytes = 4U << 20U;
 constexpr std::int64_t largestChunk = 16 << 20;
 
@@ -81,7 +81,7 @@ FileChunks::Piece FileChunks::read(std::uint64_t end)
         return {};
     const std::uint64_t chunk = m_position / m_info.chunkSize;
     const std::uint64_t begin = chunk * m_info.chunkSize;
-    // Kept only if this chunk is read. After a failure the next call asks the server again.
+    // Put back only if this chunk can be read. After a failure the next call sends a new query.
     std::optional<Cursor> cursor = std::exchange(m_cursor, std::nullopt);
     const bool isThere = relabelled(downloadFailed, [&] {
         if (!cursor || m_cursorEnd != end)

@@ -10,15 +10,15 @@
 
 namespace dbc {
 
-/// What a driver's document says about a stored file.
-/// @throws ServerError @p message, when a field is missing or of another type
+/// Converts a GridFS file document.
+/// @throws ServerError with @p message if a field is missing or has another type
 FileInfo fileInfoFrom(const bson_t* record, const char* message);
 
-/// The content of a stored file, piece by piece from any position on.
+/// Reads the content of a stored file from any position, piece by piece.
 class FileChunks
 {
 public:
-    /// Bytes that belong to the cursor.
+    /// Bytes of the cursor's current document.
     struct Piece
     {
         const char* data = nullptr;
@@ -30,10 +30,11 @@ public:
     const FileInfo& info() const noexcept { return m_info; }
     std::uint64_t position() const noexcept { return m_position; }
 
-    /// The next piece starts at @p position. Beyond the end of the file, the next piece is empty.
+    /// Sets the position of the next piece. Beyond the end of the file, the next piece is empty.
     void seek(std::uint64_t position);
-    /// What is left of the next chunk, up to @p end; without bytes at @p end and at the end of the file. Valid until
-    /// the next call. @throws ServerError "Download failed...", also for a chunk that is missing or has a wrong length
+    /// Returns the rest of the current chunk, up to @p end. The piece is empty at @p end and at the end of the file. It
+    /// is valid until the next call. @throws ServerError "Download failed...", also for a chunk that is missing or has
+    /// a wrong length
     Piece read(std::uint64_t end);
 
 private:
@@ -42,7 +43,7 @@ private:
     Collection m_chunks;
     FileInfo m_info;
     std::uint64_t m_position = 0;
-    std::optional<Cursor> m_cursor; // the next chunk is the one at m_position
+    std::optional<Cursor> m_cursor; // its next document is the chunk of m_position
     std::uint64_t m_cursorEnd = 0;
 };
 

@@ -7,11 +7,11 @@ namespace dbc {
 
 FileReader::Buffer::int_type FileReader::Buffer::underflow()
 {
-    setg(nullptr, nullptr, nullptr); // the memory of the last piece may be gone although reading fails
+    setg(nullptr, nullptr, nullptr); // a failed read may have freed the last piece
     const FileChunks::Piece piece = m_content.read(std::numeric_limits<std::uint64_t>::max());
     if (piece.size == 0)
         return traits_type::eof();
-    // Nothing writes there: the buffer offers no way to put a character back that differs.
+    // Never written to: this buffer does not support putting back a different character.
     char* const begin = const_cast<char*>(piece.data);
     setg(begin, begin, begin + piece.size);
     return traits_type::to_int_type(*begin);

@@ -7,7 +7,7 @@
 
 namespace dbc {
 
-/// Reads from the memory of the cursor, without a copy of its own.
+/// Reads directly from the memory of the cursor, without a copy.
 class FileReader::Buffer : public std::streambuf
 {
 public:

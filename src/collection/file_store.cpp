@@ -25,7 +25,7 @@ namespace {
 constexpr const char* uploadFailed = "Upload failed";
 constexpr const char* downloadFailed = "Download failed";
 constexpr const char* listingFailed = "Listing files failed";
-// A document may have 16 MiB; the rest is for the fields around the content.
+// A document may have 16 MiB, including the other fields of the chunk.
 constexpr std::uint32_t largestChunk = 15U << 20U;
 
 Value newId(bson_oid_t& id)
@@ -53,7 +53,7 @@ bson_t viewOf(const BsonView& view)
 
 struct FileStore::State
 {
-    // The checks that every operation begins with.
+    // The checks of every operation.
     void check() const
     {
         static_cast<void>(client.connected());
@@ -64,7 +64,7 @@ struct FileStore::State
     Collection files() const { return Collection(client.client(), database, name + ".files"); }
     Collection chunks() const { return Collection(client.client(), database, name + ".chunks"); }
 
-    // Whether a file is whole is only known of acknowledged writes.
+    // Unacknowledged writes cannot show that a file is complete.
     std::optional<WriteConcern> writeConcern() const
     {
         if (mongoc_write_concern_is_acknowledged(mongoc_client_get_write_concern(client.connected().get())))
@@ -74,7 +74,7 @@ struct FileStore::State
         return acknowledged;
     }
 
-    // Before the first file of the store, as every GridFS client does.
+    // Called before the first file of the bucket is stored, as the GridFS specification requires.
     void createIndexes()
     {
         if (hasIndexes)
@@ -159,7 +159,7 @@ struct FileStore::State
 
 namespace {
 
-// One file on its way into a store.
+// The upload of one file.
 class Upload
 {
 public:
@@ -183,13 +183,13 @@ public:
             options.returnIds = false;
             options.writeConcern = m_writeConcern;
             const InsertManyResult stored = m_chunks.insertMany([this, &source] { return nextChunk(source); }, options);
-            if (stored.acknowledged) // else the server may still be storing them
+            if (stored.acknowledged) // otherwise the server may still be storing them
                 checkChunks();
             writeRecord();
         }
         catch (...)
         {
-            // The record may be there although the reply never came. It must not stay without its content.
+            // The file document may exist although the reply was lost. It must not stay without its chunks.
             if (!m_mayHaveRecord || removeRecord())
                 removeChunks();
             throw;
@@ -224,7 +224,7 @@ private:
         return BsonView{bson_get_data(m_chunk.get()), m_chunk.get()->len};
     }
 
-    // Whoever removes content that belongs to no record may have taken that of this upload.
+    // Another program that removes chunks without a file document may have removed chunks of this upload.
     void checkChunks()
     {
         if (m_chunkCount == 0)
@@ -238,7 +238,7 @@ private:
         throw ServerError(uploadFailed, details);
     }
 
-    // With a chosen id there may be a file that has it already: chunks of this upload only.
+    // A file with the same chosen id may already exist, so this matches only chunks of this upload.
     Value ownChunks() const
     {
         return {{"files_id", m_info.id}, {"_id", {{"$gte", m_firstChunk}, {"$lte", m_lastChunk}}}};
@@ -286,7 +286,7 @@ private:
         }
     }
 
-    // If they cannot be removed they stay behind and belong to no file.
+    // Chunks that cannot be removed stay and belong to no file.
     void removeChunks() noexcept
     {
         if (m_chunkCount == 0)

@@ -73,7 +73,7 @@ const char* nameOf(LogLevel level) noexcept
 
 void setLogHandler(LogHandler handler)
 {
-    // Off while the handler is exchanged.
+    // The driver must not call the handler while it is being replaced.
     mongoc_log_set_handler(nullptr, nullptr);
     currentHandler() = std::move(handler);
     if (currentHandler())

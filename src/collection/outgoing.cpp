@@ -9,7 +9,7 @@
 
 namespace dbc {
 
-/// Reads a DocumentRef.
+/// Gives access to the content of a DocumentRef.
 class DocumentRefAccess
 {
 public:
@@ -35,11 +35,11 @@ public:
 
 namespace {
 
-// Type, key and value of an "_id".
+// Size of type, key and value of an "_id".
 constexpr std::size_t idSize = 1 + sizeof("_id") + sizeof(bson_oid_t::bytes);
 constexpr std::size_t lengthSize = sizeof(std::uint32_t);
 
-// The depth first: the validation calls itself for each level.
+// Checks the depth first, because the validation is recursive.
 bool isBson(const BsonView& bytes, bson_t* view)
 {
     return bytes.data && bson_init_static(view, bytes.data, bytes.size) && canBeSent(view) &&
@@ -52,8 +52,8 @@ void require(bool condition, const char* refusal)
         throw std::invalid_argument(refusal);
 }
 
-// Puts a new id before the fields of the document that starts behind `idSize` unused bytes. Its length moves to the
-// front, and type, key and value take exactly the bytes up to the first field.
+// Adds a new id as the first field. The document starts after `idSize` unused bytes: its length moves to the front, and
+// type, key and value fill the bytes up to the first field.
 void putIdFirst(std::vector<std::uint8_t>& bytes)
 {
     std::uint32_t length = 0;

@@ -10,25 +10,25 @@
 
 namespace dbc {
 
-/// A parameter as the BSON that is sent. Used for several documents in turn, it uses its memory again.
+/// A parameter as the BSON that is sent. Reuses its memory for several documents.
 class OutgoingBson
 {
 public:
-    /// What a parameter may be.
+    /// Allowed types of a parameter.
     enum class Shape
     {
         Object,
-        ObjectOrArray ///< An array stands for the stages of a pipeline.
+        ObjectOrArray ///< An array is a list of pipeline stages.
     };
 
     OutgoingBson() = default;
-    /// Refers to the bytes of a BsonView. @throws std::invalid_argument @p refusal, when the document cannot be sent
+    /// Does not copy the bytes of a BsonView. @throws std::invalid_argument @p refusal, if the document cannot be sent
     OutgoingBson(const DocumentRef& document, const char* refusal, Shape shape = Shape::Object);
     OutgoingBson(const OutgoingBson&) = delete;
     OutgoingBson& operator=(const OutgoingBson&) = delete;
 
-    /// The document; a new object id becomes its first field if there is no "_id".
-    /// @throws std::invalid_argument @p refusal, when the document cannot be sent
+    /// Converts a document. If it has no "_id", adds a new object id as the first field.
+    /// @throws std::invalid_argument @p refusal, if the document cannot be sent
     void convertForInsert(const DocumentRef& document, const char* refusal);
 
     const bson_t* get() const noexcept { return m_current; }

@@ -17,7 +17,7 @@
 namespace dbc {
 namespace {
 
-// Hands the one document among the options, if there is one, to a setter of the driver.
+// Passes the only document of the options, if there is one, to a setter of the driver.
 template <typename Setter>
 void setFields(const FindAndModifyHandle& modification, Setter setter, const DriverOptions& options)
 {

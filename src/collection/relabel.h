@@ -4,7 +4,7 @@
 
 namespace dbc {
 
-/// The result of @p call. A ServerError that it throws becomes one with @p message instead of its own.
+/// Returns the result of @p call. Replaces the message of a ServerError that it throws by @p message.
 template <typename Call>
 decltype(auto) relabelled(const char* message, Call call)
 {

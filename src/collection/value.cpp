@@ -42,12 +42,12 @@ int digitOf(char character) noexcept
 
 std::size_t itemSizeOf(const Value& value) noexcept { return value.isObject() ? sizeof(Field) : sizeof(Value); }
 
-/// Where each key of an object is, by its hash. Made for objects of many fields once they were searched often enough.
+/// A hash table of the keys of an object. Created for an object with many fields after a number of searches.
 struct KeyIndex
 {
     std::size_t mask = 0;
 
-    /// For each hash the number of a field plus one, or 0; a taken place moves a field to the next one.
+    /// The number of a field plus one for each hash, or 0 if the slot is free. Collisions use the next slot.
     std::uint32_t* places() noexcept { return reinterpret_cast<std::uint32_t*>(this + 1); }
 };
 
@@ -70,7 +70,7 @@ bool areSame(const Value& left, const Value& right) noexcept
     return Access::text(left) == Access::text(right);
 }
 
-/// The field, or where it would be put.
+/// Returns the slot of the key, or the free slot where to insert it.
 std::uint32_t* placeOf(KeyIndex& index, Block& block, const Value& key) noexcept
 {
     std::size_t place = hashOf(key) & index.mask;
@@ -79,7 +79,7 @@ std::uint32_t* placeOf(KeyIndex& index, Block& block, const Value& key) noexcept
     return index.places() + place;
 }
 
-/// Null without memory: then keys are searched one by one.
+/// Returns null without memory; the fields are then searched one by one.
 KeyIndex* makeIndex(Block& block) noexcept
 {
     std::size_t places = 64;
@@ -99,13 +99,14 @@ KeyIndex* makeIndex(Block& block) noexcept
     for (std::uint32_t number = 0; number < block.size; ++number)
     {
         std::uint32_t* const place = placeOf(*index, block, Access::key(block.fields()[number]));
-        if (*place == 0) // the first field with a key is the one that is found
+        if (*place == 0) // find() returns the first field with a key
             *place = number + 1;
     }
     return index;
 }
 
-/// The index if there is one by now. Several threads may ask at the same time; the first index stays.
+/// Returns the index, or null if it was not created yet. Several threads may call this at once; the first index is
+/// kept.
 KeyIndex* indexOf(Block& block) noexcept
 {
     std::uintptr_t searches = __atomic_load_n(&block.searches, __ATOMIC_ACQUIRE);
@@ -127,7 +128,7 @@ KeyIndex* indexOf(Block& block) noexcept
     return reinterpret_cast<KeyIndex*>(searches);
 }
 
-/// Before the fields of a block change, and before it is freed.
+/// Call this before the fields of a block change, and before it is freed.
 void dropIndex(Block& block) noexcept
 {
     if (block.searches > searchesBeforeIndex)
@@ -135,7 +136,7 @@ void dropIndex(Block& block) noexcept
     block.searches = 0;
 }
 
-/// Room for @p count items. Items are moved as bytes: nothing in a value points to the value itself.
+/// Makes room for @p count items. They are moved as bytes, because a value has no pointers to itself.
 void grow(Value& value, std::size_t count)
 {
     if (count > maximumItems)
@@ -153,7 +154,7 @@ void grow(Value& value, std::size_t count)
     Access::setBlock(value, value.type(), block);
 }
 
-/// The block, with room for one more item.
+/// Returns the block with room for one more item.
 Block* blockForOneMore(Value& value)
 {
     Block* const block = Access::block(value);
@@ -228,7 +229,7 @@ std::string Value::objectIdText() const
 
 void Value::setBinary(const unsigned char* bytes, std::size_t size, unsigned char subtype)
 {
-    // Subtype 2 repeats the length within the bytes.
+    // Subtype 2 repeats the length in front of the bytes.
     const std::size_t prefix = subtype == 2 ? sizeof(std::uint32_t) : 0;
     checkSize(size + prefix);
     if (size + prefix > 0)
@@ -309,7 +310,7 @@ Value Value::array(std::vector<Value> elements)
     return result;
 }
 
-// Blocks that are found on the way are chained through their headers: no recursion, and no memory is needed.
+// Nested blocks are linked through their headers, which needs neither recursion nor memory.
 void Value::release() noexcept
 {
     Block* objects = nullptr;
@@ -351,7 +352,7 @@ void Value::release() noexcept
     }
 }
 
-// Every state on the way is a valid value, so whatever throws leaks nothing.
+// The value is valid after every step, so an exception does not leak memory.
 void Value::copy(const Value& other)
 {
     std::vector<std::pair<const Value*, Value*>> open;
@@ -424,7 +425,7 @@ const Value* Value::find(std::string_view key) const noexcept
     if (!isObject() || !ownsMemory() || key.size() > maximumSize)
         return nullptr;
     Block* const block = Access::block(*this);
-    // A key as the fields have it; a long one is borrowed.
+    // A key in the same form as those of the fields, for fast comparison. A long key is not copied.
     Value image(Type::String);
     const bool isShort = key.size() <= textCapacity;
     if (isShort)

@@ -12,14 +12,14 @@
 namespace dbc {
 inline namespace v1 {
 
-/// Fields or values in one piece of memory, behind this header.
+/// The header of the fields or values of a Value, which follow it in memory.
 struct Value::Block
 {
     std::uint32_t size = 0;
     std::uint32_t capacity : 31;
-    std::uint32_t isOpen : 1; ///< Its keys may be changed from outside, so there is no index of them.
-    /// Up to searchesBeforeIndex how often a key was searched; then the address of the index of the keys, which
-    /// any reading thread may set; while the block is freed, the next block to free.
+    std::uint32_t isOpen : 1; ///< The caller may change its keys, so they have no index.
+    /// First the number of searches for a key, up to searchesBeforeIndex. Then the address of the key index; any
+    /// reading thread may set it. While blocks are freed, the next block to free.
     std::uintptr_t searches = 0;
 
     explicit Block(std::uint32_t room) noexcept : capacity(room & 0x7FFFFFFF), isOpen(0) {}
@@ -28,7 +28,7 @@ struct Value::Block
     Value* values() noexcept { return reinterpret_cast<Value*>(this + 1); }
 };
 
-/// The representation of values, for the files of this folder.
+/// Access to the memory layout of values, for the files of this folder.
 class ValueAccess
 {
 public:
@@ -36,7 +36,7 @@ public:
 
     static constexpr std::size_t textCapacity = Value::textCapacity;
 
-    /// A block without items. @throws std::bad_alloc
+    /// Creates a block without items. @throws std::bad_alloc
     static Block* newBlock(std::size_t capacity, std::size_t itemSize)
     {
         return new (::operator new(sizeof(Block) + capacity * itemSize)) Block(static_cast<std::uint32_t>(capacity));
@@ -47,7 +47,7 @@ public:
     {
         return value.ownsMemory() ? static_cast<Block*>(value.load<void*>(Value::payloadOffset)) : nullptr;
     }
-    /// @p value owns nothing before; a null block stands for no items.
+    /// @p value must not own memory before. A null block means that there are no items.
     static void setBlock(Value& value, Type type, Block* block) noexcept
     {
         value.setType(type);
@@ -64,7 +64,7 @@ public:
     {
         value.setBinary(bytes, size, subtype);
     }
-    /// The bytes as they stand in BSON: those of subtype 2 begin with their length.
+    /// Returns the bytes as in BSON: those of subtype 2 begin with their length.
     static std::string_view bytes(const Value& value) noexcept
     {
         return value.ownsMemory() ? std::string_view(value.load<const char*>(Value::payloadOffset),
@@ -100,7 +100,7 @@ public:
     }
     static void setDecimal(Value& value, const Decimal128& decimal) { value.setDecimal(decimal); }
 
-    /// Type, length and characters of a string that is stored in place, as two words. The rest is zero.
+    /// Returns type, length and characters of a string in place, as two words. Unused bytes are zero.
     static std::pair<std::uint64_t, std::uint64_t> words(const Value& value) noexcept
     {
         return {value.load<std::uint64_t>(0), value.load<std::uint64_t>(sizeof(std::uint64_t))};
@@ -123,7 +123,7 @@ public:
     static Value checkedKey(std::string_view key) { return Field::checkedKey(key); }
 
     static bool isContainer(const Value& value) noexcept { return value.isObject() || value.isArray(); }
-    /// Values of these types own a block of two values.
+    /// True for the types that own a block of two values.
     static bool isPair(const Value& value) noexcept
     {
         return value.type() == Type::RegularExpression || value.type() == Type::CodeWithScope ||

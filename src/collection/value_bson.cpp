@@ -14,7 +14,7 @@ namespace {
 using Access = ValueAccess;
 using Block = Access::Block;
 
-constexpr std::size_t smallestDocument = 5; // its length and the zero byte at its end
+constexpr std::size_t smallestDocument = 5; // length and final zero byte
 constexpr std::size_t largestDocument = 0x7FFFFFFF;
 
 #if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
@@ -44,8 +44,8 @@ Number read(const std::uint8_t* bytes) noexcept
     return littleEndian(number);
 }
 
-/// Items of objects and arrays that are still open, in one stack: each level is copied into a block of its exact size
-/// when it ends.
+/// One stack for the items of all open objects and arrays. When a level ends, its items are copied into a block of the
+/// exact size.
 class ItemStack
 {
 public:
@@ -63,7 +63,7 @@ public:
     std::size_t size() const noexcept { return m_size; }
     Field& operator[](std::size_t index) noexcept { return m_items[index]; }
 
-    /// A new item without a key; its value is the empty object.
+    /// Adds an item with an empty key and the empty object as its value.
     Field& push()
     {
         if (m_size == m_capacity)
@@ -78,7 +78,7 @@ public:
         if (count == 0)
             return;
         Block* const block = Access::newBlock(count, target.isObject() ? sizeof(Field) : sizeof(Value));
-        // Nothing in a value points to the value itself, so it moves as bytes. Elements have no key that owns memory.
+        // A value has no pointers to itself, so it can be moved as bytes. The keys of elements own no memory.
         if (target.isObject())
             std::memcpy(static_cast<void*>(block->fields()), static_cast<const void*>(m_items + first),
                         count * sizeof(Field));
@@ -153,8 +153,8 @@ public:
 private:
     struct Level
     {
-        const std::uint8_t* end; // its final zero byte
-        std::size_t first;       // its first item
+        const std::uint8_t* end; // the final zero byte
+        std::size_t first;       // the first item
         bool isArray;
     };
 
@@ -163,7 +163,7 @@ private:
         throw FormatError(std::string("BSON: ") + reason, static_cast<std::size_t>(place - m_begin));
     }
 
-    /// Bytes before the end of the innermost document.
+    /// Number of bytes before the end of the innermost document.
     std::size_t left() const noexcept { return static_cast<std::size_t>(m_levels.back().end - m_next); }
 
     const std::uint8_t* take(std::size_t size)
@@ -181,7 +181,7 @@ private:
         return dbc::read<Number>(take(sizeof(Number)));
     }
 
-    /// Reads the length of a document and returns the place of its final zero byte.
+    /// Reads the length of a document and returns the address of its final zero byte.
     const std::uint8_t* open()
     {
         const std::uint8_t* const begin = m_next;
@@ -195,7 +195,7 @@ private:
         return begin + size - 1;
     }
 
-    /// Up to and with the next zero byte.
+    /// Reads up to and including the next zero byte.
     std::string_view cString()
     {
         const auto* const end = static_cast<const std::uint8_t*>(std::memchr(m_next, 0, left()));
@@ -218,7 +218,7 @@ private:
         return {reinterpret_cast<const char*>(text), static_cast<std::size_t>(size) - 1};
     }
 
-    /// Sets a string that is stored in place, from sixteen readable bytes.
+    /// Sets a string in place. Reads sixteen bytes, which must be readable.
     static void setShort(Value& value, Type type, const void* text, std::size_t size) noexcept
     {
         std::uint64_t low = 0;
@@ -240,7 +240,7 @@ private:
             Access::setText(value, type, text.data(), text.size());
     }
 
-    /// Number of bytes before the first zero byte of eight.
+    /// Returns the number of bytes before the first zero byte in eight bytes.
     static unsigned zeroByteOf(std::uint64_t word) noexcept
     {
         constexpr std::uint64_t ones = 0x0101010101010101U;
@@ -384,7 +384,7 @@ private:
         Access::setBinary(value, bytes, length, subtype);
     }
 
-    /// The fields of the scope are a level of their own; its object waits for them in the value.
+    /// The fields of the scope are a level of their own. The value already contains its empty object.
     void readCodeWithScope(Value& value, const std::uint8_t* begin)
     {
         const auto size = number<std::int32_t>();
@@ -404,7 +404,7 @@ private:
     ItemStack m_items;
 };
 
-/// 0, 1, 2 ... as text.
+/// The keys 0, 1, 2 ... as strings.
 class IndexKey
 {
 public:
@@ -423,7 +423,7 @@ private:
     std::size_t m_first = 11;
 };
 
-/// Digits of the numbers from 0 to @p count - 1.
+/// Returns the number of digits of the numbers from 0 to @p count - 1.
 std::size_t digitsOfIndexes(std::size_t count) noexcept
 {
     std::size_t digits = count;
@@ -434,7 +434,7 @@ std::size_t digitsOfIndexes(std::size_t count) noexcept
 
 std::size_t textSize(const Value& value) noexcept { return sizeof(std::int32_t) + Access::text(value).size() + 1; }
 
-/// Size of the value without the documents in it.
+/// Returns the size of the value without its nested documents.
 std::size_t ownSize(const Value& value) noexcept
 {
     switch (value.type())
@@ -476,7 +476,7 @@ std::size_t ownSize(const Value& value) noexcept
     return 0;
 }
 
-/// The document in the value: itself, the scope of code, or none.
+/// Returns the document of the value: the value itself, the scope of code, or null.
 const Value* documentIn(const Value& value) noexcept
 {
     if (Access::isContainer(value))
@@ -489,7 +489,7 @@ std::size_t sizeOf(const Value& root)
     std::size_t size = smallestDocument;
     std::vector<const Value*> open{&root};
     const auto add = [&size, &open](const Value& value) {
-        size += ownSize(value) + 2; // type, and zero byte of the key
+        size += ownSize(value) + 2; // type and final zero byte of the key
         const Value* const document = documentIn(value);
         if (document && !document->empty())
             open.push_back(document);
@@ -511,8 +511,8 @@ std::size_t sizeOf(const Value& root)
     return size;
 }
 
-/// Appends to bytes. What is small goes through a buffer of its own: a vector would first fill with zeros the room that
-/// is written to, which takes as long as writing. What is large is appended without a detour.
+/// Appends to a vector. Small items go through a buffer, because a vector first fills new bytes with zeros, which takes
+/// as long as writing them. Large items are appended directly.
 class BsonWriter
 {
 public:
@@ -552,7 +552,7 @@ private:
     static constexpr std::size_t notCode = static_cast<std::size_t>(-1);
     static constexpr std::size_t bufferSize = 1024;
     static constexpr std::size_t largeSize = 256;
-    // What an element takes at most beside strings and bytes that are not stored in place.
+    // Maximum size of an element without strings and bytes that are not stored in place.
     static constexpr std::size_t slack = 96;
 
     struct Level
@@ -562,7 +562,7 @@ private:
         const Value* element;
         const Value* lastElement;
         std::size_t begin; // offsets
-        std::size_t code;  // where code with this scope begins
+        std::size_t code;  // where the code with this scope begins
         IndexKey key;
     };
 
@@ -587,7 +587,7 @@ private:
         std::memcpy(target, &value, sizeof(value));
     }
 
-    /// Sets the length of what began at an offset and ends here.
+    /// Writes the length of the item that begins at an offset and ends here.
     void putLength(std::size_t begin) noexcept
     {
         const auto length = static_cast<std::int32_t>(offset() - begin);
@@ -617,7 +617,7 @@ private:
             bytes(text.data(), text.size());
         else
         {
-            std::memcpy(m_next, text.data(), Access::textCapacity); // what is too much is written over
+            std::memcpy(m_next, text.data(), Access::textCapacity); // a fixed size is faster; the excess is overwritten
             m_next += text.size();
         }
         *m_next++ = 0;
@@ -749,7 +749,7 @@ void Value::appendBson(std::vector<std::uint8_t>& target) const
     if (size > largestDocument)
         throw std::length_error("Value: more than 2^31 - 1 bytes of BSON");
     const std::size_t needed = target.size() + size;
-    if (needed > target.capacity()) // many documents in one target take linear time
+    if (needed > target.capacity()) // linear time for many documents in one vector
         target.reserve(std::max(needed, 2 * target.capacity()));
     BsonWriter(target).write(*this);
 }

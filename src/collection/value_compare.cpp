@@ -15,7 +15,7 @@ namespace {
 
 using Access = ValueAccess;
 
-/// Place of a type in the order of a server; types with the same place are compared by value.
+/// Returns the position of a type in the server's order. Types with the same position are compared by value.
 int rankOf(Type type) noexcept
 {
     switch (type)
@@ -70,7 +70,7 @@ int order(const T& left, const T& right)
 
 int orderTexts(std::string_view left, std::string_view right) noexcept { return order(left.compare(right), 0); }
 
-/// NaN is less than every other number, as for a server.
+/// NaN is less than all other numbers, as for the server.
 int orderDoubles(double left, double right) noexcept
 {
     if (std::isnan(left) || std::isnan(right))
@@ -90,16 +90,16 @@ int orderIntegerAndDouble(std::int64_t integer, double real) noexcept
     return byWhole != 0 ? byWhole : order(whole, real);
 }
 
-/// A number of any type, as digits: 0.<digits> * 10^exponent.
+/// A number of any type as decimal digits: 0.<digits> * 10^exponent.
 struct Digits
 {
     bool isNan = false;
     bool isInfinite = false;
     bool isNegative = false;
     long exponent = 0;
-    std::string digits; // without zeros at the beginning and the end; empty for 0
+    std::string digits; // without leading and trailing zeros; empty for 0
 
-    /// The number of a text as Decimal128::text() and printf write it.
+    /// Parses the output of Decimal128::text() and of printf.
     explicit Digits(const std::string& text)
     {
         isNegative = text[0] == '-';
@@ -170,7 +170,7 @@ int orderNumbers(const Value& left, const Value& right)
 
 int orderBytes(const Value& left, const Value& right)
 {
-    // The length that subtype 2 repeats is not compared.
+    // The repeated length of subtype 2 is not compared.
     const auto content = [](const Value& value) {
         std::string_view bytes = Access::bytes(value);
         bytes.remove_prefix(Access::subtype(value) == 2 ? sizeof(std::uint32_t) : 0);
@@ -199,7 +199,7 @@ int orderPairs(const Value& left, const Value& right)
                                           : orderTexts(Access::text(first), Access::text(second));
 }
 
-/// Two values whose types have the same place, without the documents in them.
+/// Compares two values of types with the same position, without their nested documents.
 int orderContents(const Value& left, const Value& right)
 {
     switch (left.type())
@@ -241,7 +241,7 @@ int orderContents(const Value& left, const Value& right)
     return 0;
 }
 
-/// Two documents, or two scopes, that are being compared.
+/// Two documents or scopes that are being compared.
 struct Level
 {
     Range<const Field> leftFields;

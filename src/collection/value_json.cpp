@@ -19,8 +19,8 @@ namespace {
 
 using Access = ValueAccess;
 
-// The driver's writer recurses and leaves out what is too deep, without a word. Its reader takes 99 levels, values and
-// the object around the text included.
+// libbson's writer is recursive and silently drops deeper levels. Its reader accepts 99 levels, including values and
+// the object that is wrapped around the text.
 constexpr std::size_t deepestWritten = 90;
 constexpr std::size_t deepestRead = 96;
 
@@ -29,7 +29,7 @@ struct DestroyBsonText
     void operator()(char* text) const noexcept { bson_free(text); }
 };
 
-/// Levels of documents, counted until there are more than may be.
+/// Returns the depth of the value, or stops counting above the limit.
 std::size_t depthOf(const Value& root)
 {
     std::vector<std::pair<const Value*, std::size_t>> open{{&root, 1}};
@@ -81,7 +81,7 @@ std::string jsonOf(const Value& document, JsonFormat format, std::size_t deepest
     return {text, length};
 }
 
-/// What the driver's reader does not refuse: more than one value, too many levels, integers out of range.
+/// Detects what libbson's reader accepts by mistake: several values, too many levels, integers out of range.
 class JsonScanner
 {
 public:
@@ -89,7 +89,7 @@ public:
 
     void scan()
     {
-        std::string open; // what closes each level
+        std::string open; // closing brackets of the open levels
         bool isDone = false;
         for (m_next = 0; m_next < m_json.size(); ++m_next)
         {
@@ -132,7 +132,7 @@ private:
             throw FormatError("JSON: the text ends before the value does", m_json.size());
     }
 
-    /// A number, or true, false and null.
+    /// Skips a number, or true, false and null.
     void skipWord()
     {
         const std::size_t begin = m_next;
@@ -167,8 +167,8 @@ Parsed parse(const char* json, std::size_t size)
     return parsed;
 }
 
-/// The reader fails at a byte, but names it for some faults only: the shortest beginning of the text that it refuses
-/// as the whole text, and not as incomplete, ends with it.
+/// libbson has the position only for some errors. Otherwise the position is the end of the shortest prefix that has the
+/// same error as the whole text, and is not just incomplete.
 std::size_t positionOf(const std::string& json, const std::string& error)
 {
     std::size_t good = 0;
@@ -183,7 +183,8 @@ std::size_t positionOf(const std::string& json, const std::string& error)
     return bad > 0 ? bad - 1 : 0;
 }
 
-/// 'Got parse error at "x", position 8: "SPECIAL_EXPECTED"' without its position, which counts the braces around.
+/// Removes the position from 'Got parse error at "x", position 8: "SPECIAL_EXPECTED"', because it includes the
+/// wrapping.
 std::string reasonOf(const std::string& error)
 {
     const std::size_t begin = error.find(", position ");
@@ -216,7 +217,7 @@ std::string Decimal128::text() const
 Value Value::fromJson(std::string_view json)
 {
     JsonScanner(json).scan();
-    // The reader takes objects, and turns arrays into objects, so the value becomes the only field of an object.
+    // libbson's reader accepts only objects and turns arrays into objects, so the value is wrapped in an object.
     static constexpr std::string_view before = R"({"":)";
     std::string wrapped;
     wrapped.reserve(before.size() + json.size() + 1);
@@ -238,7 +239,7 @@ std::string Value::toJson(JsonFormat format) const
 {
     if (isObject())
         return jsonOf(*this, format, deepestWritten);
-    // The driver writes objects only.
+    // libbson writes only objects.
     Value object;
     object.append("", *this);
     const std::string json = jsonOf(object, format, deepestWritten + 1);

@@ -25,7 +25,7 @@ std::string joined(const std::vector<LossAt>& losses)
     return text;
 }
 
-/// Writes values into nodes and notes what does not fit.
+/// Writes values into nodes and collects the losses.
 class NodeWriter
 {
 public:
@@ -39,7 +39,7 @@ public:
 
     void write(const Value& value, Property& parent, const std::string& key)
     {
-        m_open.push_back({{}, {}, nullptr, key, 0}); // only its key is needed, for the paths
+        m_open.push_back({{}, {}, nullptr, key, 0}); // only the key is needed, for the paths
         writeValue(value, parent);
         run();
     }
@@ -50,7 +50,7 @@ private:
         Range<const Field> fields;
         Range<const Value> elements;
         std::shared_ptr<Property> node;
-        std::string key; // of the child that is written
+        std::string key; // of the current child
         std::size_t next;
     };
 
@@ -87,7 +87,7 @@ private:
         m_losses.push_back({std::move(path), loss});
     }
 
-    /// Writes a value as the child of @p parent with the key of the innermost level.
+    /// Writes a value to the child of @p parent with the key of the innermost level.
     void writeValue(const Value& value, Property& parent)
     {
         const std::string& key = m_open.back().key;
@@ -150,7 +150,7 @@ private:
         case Type::Int64:
             node.setValueInt64(Access::number<long>(value));
             break;
-        case Type::Undefined: // what a new node is
+        case Type::Undefined: // a new node has this type
         case Type::Object:
         case Type::Array:
         case Type::Null:
@@ -192,11 +192,11 @@ Value scalarOf(Property& node)
     return Value::undefined();
 }
 
-/// Nodes that are still to be read, and the value that each becomes.
+/// A node that is still to be read, and the value for it.
 struct OpenNode
 {
     std::shared_ptr<Property> node;
-    Value* target; // an object or array with room for all children, so that their places do not change
+    Value* target; // an object or array with reserved memory, so that the addresses of its items do not change
 };
 
 } // namespace

@@ -1,5 +1,5 @@
-// Operations of a collection that change documents. All of them are bulk writes of the driver: one way to build
-// commands, to split them, and to read results and errors.
+// Operations of a collection that change documents. All of them use the driver's bulk writes, so that commands are
+// built and split, and results and errors read, in one way.
 
 #include "collection/bson_reader.h"
 #include "collection/bson_value.h"
@@ -16,7 +16,7 @@
 namespace dbc {
 namespace {
 
-// A batch of insertMany is sent when it has reached one of these. Servers take 100,000 documents in one command.
+// insertMany sends a batch that reaches one of these limits. Servers accept 100,000 documents per command.
 constexpr std::size_t batchBytes = 4U << 20U;
 constexpr std::size_t batchDocuments = 100000;
 
@@ -28,7 +28,7 @@ Value idOf(const bson_t* document)
     return findField(document, "_id", &id) ? valueAt(id) : Value(nullptr);
 }
 
-// Carries out one operation. @throws ServerError
+// Runs one operation. @throws ServerError
 BulkResult runOne(const CollectionHandle& target, const DriverOptions& options, bool bypassValidation,
                   const char* message, WriteType type, const bson_t* filter, const bson_t* document,
                   const bson_t* operationOptions)
@@ -82,11 +82,12 @@ RemoveResult remove(const CollectionHandle& target, WriteType type, const Docume
     return {all.removed, all.acknowledged};
 }
 
-// Which of a row of inserts took place, where some were refused or the connection broke.
+// Determines which of several inserts succeeded when some were rejected or the connection broke.
 class InsertOutcome
 {
 public:
-    // Those from `begin` to `end` that were not refused, as many as the driver counted: it sends them in their order.
+    // The inserts from `begin` to `end` without an error, up to the number that the driver counted. It sends them in
+    // order.
     void add(std::size_t begin, std::size_t end, std::int64_t inserted, const std::vector<WriteError>& errors,
              std::size_t firstError)
     {
@@ -112,7 +113,7 @@ private:
     std::vector<bool> m_isInserted;
 };
 
-// The documents of an insertMany on their way, batch by batch.
+// Runs an insertMany, batch by batch.
 class InsertRun
 {
 public:
@@ -162,7 +163,7 @@ private:
             m_outcome.addAll(end);
         else
             m_outcome.add(m_offset, end, inserted, m_errors, errorsBefore);
-        // Refused documents do not keep the rest from being inserted, unless the order counts; any other failure does.
+        // An unordered insert goes on after rejected documents. Any other error ends it.
         const bool mayGoOn =
             isDone || (!m_options.ordered && inserted + refused == static_cast<std::int64_t>(m_batchDocuments));
         m_offset = end;
@@ -173,7 +174,7 @@ private:
             fail();
     }
 
-    // The driver does not take the document. Nothing of its batch has been sent.
+    // The driver rejects the document. Nothing of its batch has been sent.
     [[noreturn]] void refuse()
     {
         m_failure = m_batch->error();
@@ -198,16 +199,16 @@ private:
     std::optional<BulkRun> m_batch;
     std::size_t m_batchDocuments = 0;
     std::size_t m_batchBytes = 0;
-    std::size_t m_offset = 0; // documents in earlier batches
+    std::size_t m_offset = 0; // number of documents in earlier batches
     std::vector<Value> m_ids;
-    InsertOutcome m_outcome; // of the batches that were sent
+    InsertOutcome m_outcome; // of the batches sent so far
     BulkResult m_result;
     std::vector<WriteError> m_errors;
-    std::optional<ErrorDetails> m_failure; // the first one
+    std::optional<ErrorDetails> m_failure; // the first error
 };
 
-// The ids of the inserts from `begin` to `end` that took place. After a failure: of those that were not refused, as
-// many as the driver counted, because it sends them in their order.
+// Adds the ids of the inserts from `begin` to `end` that succeeded. After an error, these are the inserts without an
+// error, up to the number that the driver counted. It sends them in order.
 void reportInsertedIds(const Bulk::State& bulk, std::size_t begin, std::size_t end, bool isDone, std::int64_t inserted,
                        const std::vector<WriteError>& errors, BulkResult& result)
 {
@@ -252,7 +253,7 @@ Command commandOf(WriteType type)
     return Command::Insert;
 }
 
-// The operations of a Bulk from `begin` to `end`, which go to the driver together.
+// The operations of a Bulk from `begin` to `end`, which are passed to the driver together.
 struct BulkPart
 {
     BulkPart(std::size_t first, std::size_t last, const CollectionHandle& target, const bson_t* options,
@@ -264,12 +265,12 @@ struct BulkPart
     BulkRun run;
 };
 
-// Where the part that begins at `begin` ends. An ordered write is one part. Of an unordered one the driver forgets why
-// a command was refused, and which one it was, when a later command succeeds: there each command is a part. It takes no
-// more than servers do, 100,000 operations and 48 MB, so that the driver does not split it.
+// Returns the end of the part that begins at `begin`. An ordered write is one part. An unordered write has one part per
+// command: the driver forgets the error of a command if a later command succeeds. A part stays below the server's
+// limits of 100,000 operations and 48 MB, so that the driver does not split it.
 std::size_t endOfPart(const Bulk::State& bulk, std::size_t begin, bool isOrdered)
 {
-    constexpr std::size_t partBytes = 32U << 20U; // leaves room for the names of the parameters of each operation
+    constexpr std::size_t partBytes = 32U << 20U; // leaves room for the other fields of each operation
     const std::vector<Bulk::State::Operation>& operations = bulk.operations;
     if (isOrdered)
         return operations.size();
@@ -363,7 +364,7 @@ BulkResult Collection::bulkWrite(const Bulk& bulk, const BulkOptions& options)
     }
 
     std::vector<WriteError> errors;
-    std::optional<ErrorDetails> failure; // the first one
+    std::optional<ErrorDetails> failure; // the first error
     for (BulkPart& part : parts)
     {
         const std::int64_t insertedBefore = result.inserted;
@@ -375,7 +376,7 @@ BulkResult Collection::bulkWrite(const Bulk& bulk, const BulkOptions& options)
         const ErrorDetails details = part.run.error();
         if (!failure)
             failure = details;
-        if (details.kind == ErrorKind::Network) // the next command would not come further
+        if (details.kind == ErrorKind::Network) // the next command would fail too
             break;
     }
     if (failure)

@@ -1,6 +1,6 @@
 #pragma once
 
-/// Keeps the driver initialised: from the first client's construction to the exit of the process.
+/// Initializes the driver when the first client is created, and cleans it up when the process exits.
 class DatabaseDriverManager
 {
 public:
@@ -9,6 +9,6 @@ public:
     DatabaseDriverManager& operator=(const DatabaseDriverManager&) = delete;
     ~DatabaseDriverManager();
 
-    /// Initialises the driver, unless that was done before. Not to be called by two threads at once the first time.
+    /// Initializes the driver if that was not done before. The first call is not thread-safe.
     static void init();
 };

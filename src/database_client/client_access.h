@@ -8,7 +8,7 @@
 
 namespace dbc {
 
-/// The way of the layer above into a DataBaseClient: its checks, and the driver's client.
+/// Gives the classes in namespace dbc access to a DataBaseClient: its checks and the driver's client.
 class ClientAccess
 {
 public:
@@ -16,7 +16,7 @@ public:
         : m_client(&client), m_private(client.d.get()), m_lifetime(m_private->m_client.lifetime())
     {}
 
-    /// The driver's client, after the checks that every operation begins with.
+    /// Returns the driver's client after the checks of every operation.
     /// @throws std::logic_error       the DataBaseClient no longer exists
     /// @throws std::invalid_argument  it is not connected
     const std::shared_ptr<mongoc_client_t>& connected() const

@@ -6,7 +6,7 @@
 
 namespace {
 
-// Makes a view of a nested document or array. Not returned: a bson_t holds pointers into itself.
+// Makes a view of a nested document or array. An output parameter, because a bson_t has pointers into itself.
 void view(const bson_iter_t& nested, bson_t& nestedView)
 {
     std::uint32_t size = 0;
@@ -18,7 +18,7 @@ void view(const bson_iter_t& nested, bson_t& nestedView)
     bson_init_static(&nestedView, data, size);
 }
 
-// The option of the find command that a modifier of the query form stands for.
+// Returns the option of the find command for a query modifier such as "$orderby".
 const char* optionOf(const char* modifier)
 {
     if (std::strcmp(modifier, "$orderby") == 0)
@@ -28,8 +28,8 @@ const char* optionOf(const char* modifier)
     return modifier + 1;
 }
 
-// Takes the query form apart. A document without "$query" is the condition itself, whatever else it holds.
-// False, and the error set, for a key beside "$query" that is not a modifier.
+// Splits {"$query": ..., modifiers} into filter and options. A document without "$query" is the filter, whatever else
+// it contains. Returns false and sets the error for a key that is not a modifier.
 bool split(const bson_t* query, bson_t& condition, bson_t* options, bson_error_t& error)
 {
     bson_init_static(&condition, bson_get_data(query), query->len);
@@ -53,7 +53,7 @@ bool split(const bson_t* query, bson_t& condition, bson_t* options, bson_error_t
     return true;
 }
 
-// An int64 among the query's modifiers is replaced and any other value kept: so does the driver with the limit.
+// Replaces an int64 "skip" of the query and keeps any other value, as the driver does with the limit.
 void setSkip(bson_t* options, std::uint32_t skip)
 {
     bson_iter_t present;
@@ -78,7 +78,7 @@ CursorHandle openFind(const CollectionHandle& collection, const OwnedBson& query
         BSON_APPEND_DOCUMENT(options.get(), "projection", fields.get());
     setSkip(options.get(), static_cast<std::uint32_t>(skip));
     CursorHandle cursor(mongoc_collection_find_with_opts(collection.get(), &condition, options.get(), nullptr));
-    // Here and not among the options: the driver makes two of a negative limit.
+    // Set here and not in the options: the driver converts a negative limit to two options.
     if (limit != 0)
         mongoc_cursor_set_limit(cursor.get(), limit);
     return cursor;
@@ -105,11 +105,12 @@ bool endsInWriteStage(const bson_t& stages)
 SessionHandle startSession(mongoc_client_t* client)
 {
     const SessionOptionsHandle options(mongoc_session_opts_new());
-    mongoc_session_opts_set_causal_consistency(options.get(), false); // like the sessions that the driver starts itself
+    mongoc_session_opts_set_causal_consistency(options.get(),
+                                               false); // as in the sessions that the driver starts itself
     return SessionHandle(mongoc_client_start_session(client, options.get(), nullptr)); // null: not supported
 }
 
-// The size of a batch is a part of "cursor", and the write concern is the driver's to add; all else is of the command.
+// The batch size belongs into "cursor", and the driver adds the write concern. All other options belong to the command.
 void appendOptions(const bson_t* options, bson_t* command, bson_t* cursor, bson_t* callOptions)
 {
     bson_iter_t iter;
@@ -125,7 +126,7 @@ void appendOptions(const bson_t* options, bson_t* command, bson_t* cursor, bson_
     }
 }
 
-// Runs the aggregation as a command and reads on where its reply ends: on the same server, in the same session.
+// Runs the aggregation as a command and makes a cursor of the reply, for the same server and session.
 CursorHandle openAggregationByCommand(mongoc_client_t* client, const CollectionHandle& collection,
                                       const bson_t* pipeline, const bson_t* aggregationOptions,
                                       const mongoc_read_prefs_t* readPreference, bson_error_t& error)
@@ -150,7 +151,7 @@ CursorHandle openAggregationByCommand(mongoc_client_t* client, const CollectionH
     SessionHandle session;
     bool done = false;
     if (endsInWriteStage(stages))
-        // To the primary, and with the write concern. The reply holds no results.
+        // Sent to the primary with the write concern. The reply has no results.
         done = mongoc_collection_read_write_command_with_opts(collection.get(), command.get(), readPreference,
                                                               options.get(), reply.get(), &error);
     else
@@ -173,12 +174,12 @@ CursorHandle openAggregationByCommand(mongoc_client_t* client, const CollectionH
     bson_concat(options.get(), cursorOptions.get());
     CursorHandle cursor(mongoc_cursor_new_from_command_reply_with_opts(client, reply.get(), options.get()),
                         DestroyCursor{std::move(session)});
-    bson_init(reply.get()); // its content belongs to the cursor now
+    bson_init(reply.get()); // the cursor owns its content now
     return cursor;
 }
 
-// libmongoc 1.30.4 of Debian 13 checks "database.collection" as the name of a database: it refuses every aggregation,
-// and sends nothing. A name that is really invalid is refused again by the command.
+// libmongoc 1.30.4 of Debian 13 checks "database.collection" as a database name. It rejects every aggregation and sends
+// nothing. The server rejects a name that is really invalid.
 bool isRefusedName(const bson_error_t& error)
 {
     return error.domain == MONGOC_ERROR_NAMESPACE && error.code == MONGOC_ERROR_NAMESPACE_INVALID;

@@ -9,8 +9,8 @@
 void parseOldCollectionName(const std::string& fullName, std::string& database, std::string& collection)
 {
     const std::string::size_type dot = fullName.find('.');
-    // Without a dot both are the whole name: callers depend on it. Cut first, then replaced: an output may be the
-    // input.
+    // Without a dot both are the whole name: callers depend on it. Copies are made first, because an output may be the
+    // same string as the input.
     std::string before = fullName.substr(0, dot);
     std::string after = fullName.substr(dot == std::string::npos ? 0 : dot + 1);
     database = std::move(before);
@@ -19,7 +19,7 @@ void parseOldCollectionName(const std::string& fullName, std::string& database, 
 
 DataBaseClient* DataBaseClient::instance()
 {
-    // What is initialised first is destroyed last: the driver is cleaned up after the shared client has disconnected.
+    // Static objects are destroyed in reverse order: the shared client must disconnect before the driver is cleaned up.
     DatabaseDriverManager::init();
     static std::shared_ptr<DataBaseClient> holder;
     if (!holder)
@@ -36,7 +36,7 @@ std::string DataBaseClient::uri(const std::string& host, const int& port, const 
 DataBaseClient::DataBaseClient() : d(std::make_unique<DataBaseClientPrivate>()) {}
 DataBaseClient::~DataBaseClient() = default;
 
-// Overloads that are built on other virtual operations, so that a subclass that replaces those governs these too.
+// These overloads call other virtual functions, so that an override in a subclass affects them too.
 
 void DataBaseClient::connect(const std::string& database, const std::string& host, const int& port,
                              const std::string& user, const std::string& password)
@@ -83,7 +83,7 @@ void DataBaseClient::remove(const std::string& fullCollectionName, const ObjectP
     remove(database, collection, query);
 }
 
-// Operations that forward; what they do stands with DataBaseClientPrivate.
+// All other functions forward to DataBaseClientPrivate.
 
 void DataBaseClient::connect(const std::string& uri) { d->connect(uri); }
 void DataBaseClient::disconnect() { d->disconnect(); }

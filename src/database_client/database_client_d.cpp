@@ -20,7 +20,7 @@ std::string DataBaseClientPrivate::uri(const std::string& host, const int& port,
 void DataBaseClientPrivate::connect(const std::string& uri)
 {
     disconnect();
-    // In two steps: in one, the driver would write what it could not read to standard error, the password included.
+    // In two steps: mongoc_client_new() would log an invalid connection string, with the password, to standard error.
     bson_error_t unread{};
     const UriHandle parsed(mongoc_uri_new_with_error(uri.c_str(), &unread));
     if (parsed)
@@ -33,7 +33,7 @@ void DataBaseClientPrivate::getDatabaseName(std::string& name)
 {
     name.clear();
     if (!m_client)
-        return; // the driver ends the process when it is asked without a client
+        return; // the driver aborts without a client
     if (const char* const database = mongoc_uri_get_database(mongoc_client_get_uri(m_client.get())))
         name.append(database);
 }
@@ -55,7 +55,7 @@ void DataBaseClientPrivate::check_connection() const
 
 void DataBaseClientPrivate::check_argument(const std::string& value, const std::string& name)
 {
-    // The driver sees a name up to its first zero byte, and ends the process over one that is empty to it.
+    // The driver cuts a name at its first zero byte, and aborts if the name is then empty.
     if (value.c_str()[0] == '\0')
         throw std::invalid_argument(name + " is empty");
 }

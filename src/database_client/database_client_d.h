@@ -13,8 +13,8 @@ namespace dbc {
 class ClientAccess;
 }
 
-/// What a client does. Operations are documented with DataBaseClient; those that are missing here are built there, on
-/// its virtual operations.
+/// Implements DataBaseClient, where the functions are documented. Overloads that call other virtual functions are in
+/// DataBaseClient itself.
 class DataBaseClientPrivate
 {
 public:
@@ -64,12 +64,12 @@ public:
     void check_connection() const;
     /// @throws std::invalid_argument "<name> is empty"
     static void check_argument(const std::string& value, const std::string& name);
-    /// Throws std::runtime_error: the message, ": " and the detail unless that is empty, "(code: <code>)" unless that
-    /// is 0.
+    /// Throws std::runtime_error: the message; ": " and the detail, unless it is empty; "(code: <code>)", unless it is
+    /// 0.
     [[noreturn]] static void throw_runtime_error(const std::string& message, const std::string& detail, int code);
-    /// The operator's text, empty for a replacement; false for an unknown command.
+    /// Sets @p text to the update operator; empty for a replacement. Returns false for an unknown command.
     bool stringCommand(const UpdateCommand& command, std::string& text) const;
-    /// The driver's flag; false for an unknown one.
+    /// Sets the flag of the driver. Returns false for an unknown flag.
     bool toMongoUpdateFlag(const UpdateFlag& flag, mongoc_update_flags_t& mongoFlag) const;
 
 private:
@@ -79,8 +79,8 @@ private:
     {
         throw_runtime_error(message, error.message, static_cast<int>(error.code));
     }
-    /// Converts for sending. @throws std::invalid_argument the refusal, also for documents nested deeper than the
-    /// driver can walk
+    /// Converts a document that is sent. @throws std::invalid_argument with the text @p refusal, also for documents
+    /// that are too deep for the driver
     static void toBson(const ObjectProperties& properties, OwnedBson& bson, const char* refusal);
 
     DatabaseHandle openDatabase(const std::string& database) const

@@ -7,7 +7,7 @@
 
 namespace {
 
-// False when the document outgrows the driver's limit.
+// Returns false if the document is larger than libbson allows.
 bool wrapInOperator(const std::string& operatorText, const OwnedBson& operand, OwnedBson& update)
 {
     if (operatorText.empty())
@@ -31,11 +31,11 @@ void DataBaseClientPrivate::write(const std::string& database, const std::string
     const CollectionHandle target = openCollection(database, collection);
     bson_oid_t newId;
     bson_oid_init(&newId, nullptr);
-    // An "_id" of the document stays beside it: callers depend on every write getting a new one, in the last place.
+    // Keeps an "_id" of the document too: callers depend on a new "_id" as the last field of every write.
     bson_append_oid(bson.get(), "_id", -1, &newId);
     char text[25];
     bson_oid_to_string(&newId, text);
-    id = text; // before the insert: callers read it after a failure too
+    id = text; // before the insert, because callers read it after a failure too
 
     bson_error_t error{};
     if (!mongoc_collection_insert(target.get(), MONGOC_INSERT_NONE, bson.get(), nullptr, &error))

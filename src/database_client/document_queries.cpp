@@ -10,7 +10,7 @@
 
 namespace {
 
-// The driver ends the process over a "$query" that is not a document.
+// The driver aborts for a "$query" that is not a document.
 bool isQueryForm(const bson_t* query)
 {
     bson_iter_t iter;
@@ -28,10 +28,10 @@ void appendResult(const bson_t* bson, std::list<ObjectProperties*>& results)
     if (document->isEmpty())
         return;
     results.push_back(document.get());
-    static_cast<void>(document.release()); // only now: a list that cannot grow leaves the document with its handle
+    static_cast<void>(document.release()); // only now: push_back may throw, and the handle then still owns the document
 }
 
-// Appends what the cursor delivers; the error that ended it, if there was one, is then in the record.
+// Appends the documents of the cursor. After an error, sets @p error and returns false.
 bool appendResults(const CursorHandle& cursor, std::list<ObjectProperties*>& results, bson_error_t& error)
 {
     const bson_t* bson = nullptr;

@@ -1,4 +1,4 @@
-// Files of a GridFS store.
+// GridFS files.
 
 #include "database_client/database_client_d.h"
 
@@ -13,15 +13,16 @@
 namespace {
 
 constexpr std::size_t pieceSize = 4096;
-// The driver writes "<prefix>.chunks" into 128 bytes and ends the process over a prefix that is longer.
+// The driver writes "<prefix>.chunks" into 128 bytes and aborts for a longer prefix.
 constexpr std::size_t longestPrefix = 119;
 
 using Piece = std::array<char, pieceSize>;
 
-// Reads what is left of the current chunk, or starts the next one: 0 at the end of the file, negative on failure.
-//
-// The driver would fill the whole buffer on its own if it were asked for a minimum, but then it asks the server for a
-// chunk that is shorter than it should be again and again, for ever.
+// Reads the rest of the current chunk, or starts the next one. Returns 0 at the end of the file, a negative number
+// after a failure.
+// //
+// Does not ask the driver for a minimum of bytes. It would fill the whole buffer, but for a chunk that is too short it
+// would send the same request forever.
 ssize_t readOn(const GridFsFileHandle& file, const GridFsStreamHandle& stream, char* buffer, std::size_t size)
 {
     const std::int64_t length = mongoc_gridfs_file_get_length(file.get());
@@ -30,17 +31,18 @@ ssize_t readOn(const GridFsFileHandle& file, const GridFsStreamHandle& stream, c
         return 0;
     const std::int64_t chunkSize = mongoc_gridfs_file_get_chunk_size(file.get());
     if (chunkSize <= 0)
-        return -1; // the driver divides by it
-    // On a new chunk the driver lets go of the last one only when it is told where to stand.
+        return -1; // the driver divides by the chunk size
+    // At the start of a chunk, only a seek makes the driver release the previous chunk.
     if (position % chunkSize == 0 && mongoc_gridfs_file_seek(file.get(), position, SEEK_SET) != 0)
         return -1;
     mongoc_iovec_t vector{
         buffer, static_cast<std::size_t>(std::min<std::int64_t>(static_cast<std::int64_t>(size), length - position))};
     const ssize_t count = mongoc_stream_readv(stream.get(), &vector, 1, 0, 0);
-    return count == 0 ? -1 : count; // a chunk that ends before its time: no progress would ever be made
+    return count == 0 ? -1 : count; // 0 bytes before the end of the file: the chunk is too short
 }
 
-// Fills the piece from as many chunks as it takes; short or 0 only at the end of the file, negative on failure.
+// Fills the piece, from several chunks if needed. The piece is short or empty only at the end of the file. Returns a
+// negative number after a failure.
 ssize_t readPiece(const GridFsFileHandle& file, const GridFsStreamHandle& stream, Piece& piece)
 {
     std::size_t filled = 0;
@@ -56,7 +58,7 @@ ssize_t readPiece(const GridFsFileHandle& file, const GridFsStreamHandle& stream
     return static_cast<ssize_t>(filled);
 }
 
-// Stored files by name.
+// Returns the stored files, sorted by name.
 GridFsFileListHandle openFileList(const GridFsHandle& store)
 {
     const OwnedBson all;
@@ -73,7 +75,7 @@ bool isAtEnd(const bson_error_t& error)
     return error.domain == MONGOC_ERROR_CURSOR && error.code == MONGOC_ERROR_CURSOR_INVALID_CURSOR;
 }
 
-// Calls visit with each file. False, and the error filled, when the list broke off.
+// Calls visit with each file. Returns false and sets the error if the list is incomplete.
 template <typename Visit>
 bool visitFiles(const GridFsHandle& store, bson_error_t& error, Visit visit)
 {
@@ -84,10 +86,11 @@ bool visitFiles(const GridFsHandle& store, bson_error_t& error, Visit visit)
         if (mongoc_gridfs_file_list_error(list.get(), &error))
             return false;
     }
-    // A list that a broken connection cut short tells so only here.
+    // This is the only sign that the connection broke.
     if (mongoc_gridfs_file_list_error(list.get(), &error))
         return false;
-    // The driver gives no file for a record that it cannot read either. It refuses to go on only where the list ends.
+    // The driver also returns no file for a file document that it cannot read. Only at the end of the list does a
+    // further call fail.
     const GridFsFileHandle next(mongoc_gridfs_file_list_next(list.get()));
     if (!next && mongoc_gridfs_file_list_error(list.get(), &error) && isAtEnd(error))
         return true;
@@ -98,7 +101,7 @@ bool visitFiles(const GridFsHandle& store, bson_error_t& error, Visit visit)
 FileStreamHandle openInput(const std::string& path)
 {
     FileStreamHandle stream(mongoc_stream_file_new_for_path(path.c_str(), 0, 0));
-    // Storing the stream frees it when it was read to its end, but not when it was not. It belongs to the handle.
+    // The driver frees the stream after it has read all of it, but not after an error. The handle owns it instead.
     if (stream)
         stream->failed = [](mongoc_stream_t*) {};
     return stream;
@@ -106,7 +109,7 @@ FileStreamHandle openInput(const std::string& path)
 
 GridFsFileHandle createFile(const GridFsHandle& store, const FileStreamHandle& input, const std::string& fileName)
 {
-    std::string name = fileName; // the driver's options are not const
+    std::string name = fileName; // not const in the driver's options
     mongoc_gridfs_file_opt_t options{};
     options.filename = name.data();
     return GridFsFileHandle(mongoc_gridfs_create_file_from_stream(store.get(), input.get(), &options));
@@ -138,7 +141,7 @@ void DataBaseClientPrivate::readFile(const std::string& database, const std::str
 
     const GridFsHandle store = openGridFs(database, gridFsCollection);
     bson_error_t error{};
-    // The file before its stream: closing the stream saves the file.
+    // Declared before the stream, because closing the stream saves the file.
     const GridFsFileHandle file(mongoc_gridfs_find_one_by_filename(store.get(), fileName.c_str(), &error));
     if (!file)
         throwDriverError("Error occurred while mongoc_gridfs_find_one_by_filename operation", error);
@@ -159,7 +162,7 @@ void DataBaseClientPrivate::writeFile(const std::string& database, const std::st
 {
     check_connection();
     check_argument(database, "Database name");
-    check_argument(gridFsCollection, "GridFS collection name"); // with a small c: callers compare the text
+    check_argument(gridFsCollection, "GridFS collection name"); // lower-case "collection": callers compare the text
     check_argument(fileName, "GridFS file name");
     check_argument(inputFilePath, "GridFS input file name");
 

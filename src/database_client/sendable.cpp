@@ -9,10 +9,10 @@
 
 namespace {
 
-// The driver checks documents with one call of its own per level: deeper ones would exhaust the stack of the thread.
-// Servers take a tenth of that.
+// The driver validates documents recursively, so deeper ones would exhaust the stack. Servers accept a tenth of this
+// depth.
 constexpr std::size_t deepestNesting = 1000;
-// The least that a level takes: type, an empty key, length and end of the nested document.
+// The smallest size of a level: type, empty key, length and end of the nested document.
 constexpr std::uint32_t smallestLevel = 7;
 
 struct OpenDocument
@@ -44,7 +44,7 @@ bool appendSendable(const ObjectProperties& document, bson_t* bson)
 bool canBeSent(const bson_t* bson)
 {
     if (bson->len < smallestLevel * deepestNesting)
-        return true; // too short to be deep: nothing to walk
+        return true; // too small to be too deep, so not walked
     OpenDocument next{};
     if (!bson_iter_init(&next.iter, bson))
         return false;

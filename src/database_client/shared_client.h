@@ -6,8 +6,9 @@
 #include <memory>
 #include <utility>
 
-/// The driver's client of one DataBaseClient; null when not connected. What is opened through it, such as a cursor, may
-/// share it and then outlives a disconnect. One pointer: DataBaseClientPrivate keeps its size.
+/// The driver's client of a DataBaseClient; null if not connected. Objects that use it, such as cursors, can share it
+/// and so outlive a disconnect. It has the size of one pointer, so that the size of DataBaseClientPrivate does not
+/// change.
 class SharedClient
 {
 public:
@@ -27,9 +28,9 @@ public:
         state().client = std::move(owned);
     }
 
-    /// Shared ownership of the connected client; empty when not connected.
+    /// Returns shared ownership of the connected client; empty if not connected.
     const std::shared_ptr<mongoc_client_t>& share() const { return state().client; }
-    /// Expires with this object, connected or not.
+    /// Returns a pointer that expires with this object, connected or not.
     std::weak_ptr<const void> lifetime() const { return state().token; }
 
 private:
@@ -46,7 +47,7 @@ private:
         return *m_state;
     }
 
-    mutable std::unique_ptr<State> m_state; ///< null until the first connect() or the first user of lifetime()
+    mutable std::unique_ptr<State> m_state; ///< null until the first call of reset() or lifetime()
 };
 
 static_assert(sizeof(SharedClient) == sizeof(mongoc_client_t*), "the size of DataBaseClientPrivate is fixed");

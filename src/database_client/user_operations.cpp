@@ -10,7 +10,7 @@ bool runCommand(const DatabaseHandle& database, const OwnedBson& command, bson_e
     return mongoc_database_command_simple(database.get(), command.get(), nullptr, nullptr, &error);
 }
 
-// The driver's own call reads a missing password as a text and crashes.
+// The driver's function crashes without a password, so the command is built here.
 bool addUserWithoutPassword(const DatabaseHandle& database, const std::string& user, const OwnedBson& roles,
                             const OwnedBson& customData, bson_error_t& error)
 {
