@@ -33,9 +33,7 @@ void print(const ObjectProperties& document)
     std::cout << dbc::getOr(document, "name", "?") << ", " << dbc::getOr(document, "people", 0) << " people, "
               << dbc::getOr(document, "place/height", 0.0) << " m, visited at " << dbc::millisecondsOf(visited) << '\n';
     for (const std::string& district : dbc::elementsAs<std::string>(document, "districts"))
-    {
         std::cout << "  " << district << '\n';
-    }
 }
 
 } // namespace
@@ -56,9 +54,7 @@ try
     dbc::Results found;
     client.find(database, "cities", largestTowns(), ObjectProperties(), found, 1, 0); // limit 1, skip 0
     for (const ObjectProperties& document : found)
-    {
         print(document);
-    }
     client.remove(database, "cities", ObjectProperties()); // an empty query matches everything
 }
 catch (const std::exception& problem)

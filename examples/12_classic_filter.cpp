@@ -19,9 +19,7 @@ void writePeople(DataBaseClient& client, const std::string& database)
         int age;
     } people[] = {{"Ada", 36}, {"Alan", 41}, {"Edsger", 72}, {"Grace", 85}, {"Konrad", 85}};
     for (const auto& person : people)
-    {
         client.write(database, "people", dbc::document({{"name", person.name}, {"age", person.age}}));
-    }
 }
 
 // The name begins with "a", or the age lies between 60 and 80.
@@ -50,9 +48,7 @@ void printMatches(DataBaseClient& client, const std::string& database, const Obj
     dbc::Results found;
     client.read(database, "people", inOrder, found);
     for (const ObjectProperties& person : found)
-    {
         std::cout << "  " << dbc::getOr(person, "name", "?") << '\n';
-    }
 }
 
 } // namespace

@@ -14,9 +14,7 @@ ObjectProperties fromJson(const std::string& json)
 {
     ObjectProperties document;
     if (!JsonToProperties::convert(json, &document))
-    {
         throw std::invalid_argument("not JSON: " + json);
-    }
     return document;
 }
 
@@ -41,9 +39,7 @@ try
     const std::string database = databaseOf(client);
     for (const char* const sale :
          {R"({"fruit": "apple", "kilos": 3})", R"({"fruit": "pear", "kilos": 5})", R"({"fruit": "apple", "kilos": 4})"})
-    {
         client.write(database, "sales", fromJson(sale));
-    }
 
     const auto update = [&](const char* query, const char* operand, UpdateFlag flag, UpdateCommand command) {
         client.update(database, "sales", fromJson(query), fromJson(operand), flag, command);

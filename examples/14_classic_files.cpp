@@ -14,9 +14,7 @@ void printNames(DataBaseClient& client, const std::string& database)
     client.listFiles(database, "letters", names);
     std::cout << names.size() << " stored:";
     for (const std::string& name : names)
-    {
         std::cout << ' ' << name;
-    }
     std::cout << '\n';
 }
 

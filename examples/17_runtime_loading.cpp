@@ -26,9 +26,7 @@ std::unique_ptr<Object> make(const Library& library, const char* factory)
 {
     void* const found = dlsym(library.get(), factory);
     if (found == nullptr)
-    {
         throw std::runtime_error(dlerror());
-    }
     return std::unique_ptr<Object>(reinterpret_cast<Object* (*)()>(found)());
 }
 
@@ -53,9 +51,7 @@ void run(const Library& library, const std::string& uri)
     dbc::Results found;
     client->read(database, "cities", *query, found);
     for (const ObjectProperties& city : found)
-    {
         std::cout << city.valueAsString("name", "?") << '\n';
-    }
     client->remove(database, "cities", *query);
 }
 
@@ -67,9 +63,7 @@ try
 {
     const Library library(dlopen(LIBRARY, RTLD_NOW));
     if (!library)
-    {
         throw std::runtime_error(dlerror());
-    }
     const char* const given = argc > 1 ? argv[1] : std::getenv("MONGODB_URI");
     run(library, given != nullptr ? given : "mongodb://127.0.0.1:27017/"); // every object ends before the library
 }

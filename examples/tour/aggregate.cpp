@@ -26,9 +26,7 @@ void commonTypes(Tour& tour)
 
     std::map<std::string, long long> expected;
     for (const Subdivision& subdivision : tour.subdivisions)
-    {
         ++expected[subdivision.type];
-    }
     for (const ObjectProperties& group : groups)
     {
         const std::string type = dbc::getOr(group, "_id", "");
@@ -58,9 +56,7 @@ void matchThenGroup(Tour& tour)
     for (const Subdivision& subdivision : tour.subdivisions)
     {
         if (!subdivision.parent.empty())
-        {
             ++expected[subdivision.country()];
-        }
     }
     std::string line;
     for (const ObjectProperties& group : groups)
@@ -92,9 +88,7 @@ void unwind(Tour& tour)
 
     std::size_t expected = 0;
     for (const Country& country : tour.countries)
-    {
         expected += country.subdivisions.size();
-    }
     agree("elements",
           static_cast<std::size_t>(
               dbc::getOr(counted.front(), "elements", 0LL)),

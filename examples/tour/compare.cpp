@@ -76,9 +76,7 @@ std::optional<std::string> difference(Property& sent, Property& came)
 {
     if (sent.type() != came.type() ||
         sent.childCount() != came.childCount() || !sameValue(sent, came))
-    {
         return "";
-    }
     const std::vector<std::shared_ptr<Property>> left = childrenInOrder(sent);
     const std::vector<std::shared_ptr<Property>> right =
         childrenInOrder(came);
@@ -103,9 +101,7 @@ std::map<std::string, const Record*> byId(const std::vector<Record>& records)
 {
     std::map<std::string, const Record*> index;
     for (const Record& record : records)
-    {
         index[record.id] = &record;
-    }
     return index;
 }
 
@@ -157,9 +153,7 @@ void showTheArrayTrap(Tour& tour, const dbc::Results& came)
 {
     std::map<std::string, const Country*> sent;
     for (const Country& country : tour.countries)
-    {
         sent[country.code] = &country;
-    }
     Step step("compare the same countries as JSON text", "to_json");
     std::size_t differ = 0;
     std::size_t beyondTen = 0;

@@ -51,9 +51,7 @@ void quietDriverLog()
                           const std::string& message) {
         if (level <= dbc::LogLevel::Warning &&
             message.find("\"endSessions\"") == std::string::npos)
-        {
             std::cerr << "driver, " << domain << ": " << message << '\n';
-        }
     });
 }
 
@@ -104,21 +102,15 @@ OwnDatabase::~OwnDatabase()
 void OwnDatabase::drop()
 {
     if (std::exchange(m_dropped, true))
-    {
         return;
-    }
     const ClientHandle client(mongoc_client_new(m_uri.c_str()));
     if (!client)
-    {
         throw std::runtime_error("no connection");
-    }
     const DatabaseHandle database(
         mongoc_client_get_database(client.get(), m_name.c_str()));
     bson_error_t error{};
     if (!mongoc_database_drop(database.get(), &error))
-    {
         throw std::runtime_error(error.message);
-    }
 }
 
 } // namespace tour

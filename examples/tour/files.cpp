@@ -52,9 +52,7 @@ void take(const fs::path& path, const fs::path& folder,
     };
     std::ifstream content(path, std::ios::binary);
     if (!content || std::any_of(files.begin(), files.end(), sameName))
-    {
         return;
-    }
     dbc::Crc32 checksum;
     std::array<char, 4096> buffer{};
     while (content.read(buffer.data(), buffer.size()), content.gcount() > 0)
@@ -88,9 +86,7 @@ std::vector<File> someFiles(const std::string& data)
             std::error_code unknown;
             if (entry->is_regular_file(unknown) &&
                 !entry->is_symlink(unknown))
-            {
                 take(entry->path(), folder, files);
-            }
         }
     }
     if (files.empty())
@@ -154,9 +150,7 @@ void readBack(Tour& tour, const std::vector<File>& files)
         //! [read_file]
         if (download.crc32() != file.checksum ||
             download.bytes() != file.size)
-        {
             throw std::runtime_error(file.name + " came back changed");
-        }
         step.progress(++done, files.size());
     }
     step.done(done, "files", done);

@@ -68,9 +68,7 @@ void someInOrder(Tour& tour)
     for (const Country& country : tour.countries)
     {
         if (country.subdivisions.empty())
-        {
             names.push_back(country.name);
-        }
     }
     std::sort(names.rbegin(), names.rend());
     std::size_t place = 2;
@@ -106,9 +104,7 @@ void allPageByPage(Tour& tour)
 
     std::set<std::string> codes;
     for (const ObjectProperties& subdivision : found)
-    {
         codes.insert(dbc::getOr(subdivision, "code", ""));
-    }
     agree("different codes", codes.size(), tour.subdivisions.size());
 }
 

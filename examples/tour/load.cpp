@@ -15,16 +15,12 @@ void giveCountriesTheirParts(Tour& tour)
 {
     std::map<std::string, Country*> byCode;
     for (Country& country : tour.countries)
-    {
         byCode[country.code] = &country;
-    }
     for (const Subdivision& subdivision : tour.subdivisions)
     {
         const auto owner = byCode.find(subdivision.country());
         if (owner != byCode.end())
-        {
             owner->second->subdivisions.push_back(&subdivision);
-        }
     }
 }
 
@@ -33,22 +29,16 @@ void fillDocuments(Tour& tour)
     const long now =
         dbc::millisecondsOf(dbc::toTime(std::chrono::system_clock::now()));
     for (Subdivision& subdivision : tour.subdivisions)
-    {
         fillDocument(subdivision, tour.batch, now);
-    }
     for (Country& country : tour.countries)
-    {
         fillDocument(country, tour.subdivisions.size(), tour.batch, now);
-    }
 }
 
 void showFieldsOf(const ObjectProperties& document)
 {
     std::string keys;
     for (const std::string& key : document.childKeys())
-    {
         keys += ' ' + key;
-    }
     show("one of them, " + dbc::getOr(document, "name", "") + ": values" +
          keys);
     show("groups: " + document.childGroups().front() +
@@ -75,9 +65,7 @@ void load(Tour& tour)
         readJsonFile(tour.options.data + "/iso_3166-2.json"));
     subdivisions.done(tour.subdivisions.size(), "records", 0);
     if (tour.countries.empty() || tour.subdivisions.empty())
-    {
         throw std::runtime_error("no records in " + tour.options.data);
-    }
 
     Step documents("make typed documents of them", "make_document");
     giveCountriesTheirParts(tour);
@@ -90,9 +78,7 @@ void load(Tour& tour)
 void needRecords(Tour& tour)
 {
     if (tour.countries.empty())
-    {
         load(tour);
-    }
 }
 
 } // namespace tour

@@ -84,9 +84,7 @@ void run(Tour& tour, const std::vector<std::string>& wanted)
                                                        tour.database);
     }
     for (const std::string& name : wanted)
-    {
         chapter(name).run(tour);
-    }
     if (database)
     {
         database->drop();
@@ -101,9 +99,7 @@ void runAll(Tour& tour)
     std::vector<std::string> wanted = names();
     const bool withUsers = !tour.options.authUri.empty();
     if (!withUsers)
-    {
         wanted.pop_back();
-    }
     run(tour, wanted);
     if (!withUsers)
     {

@@ -61,9 +61,7 @@ ObjectProperties readJsonFile(const std::string& path)
     const bool valid = JsonToProperties::convert(content.str(), &json);
     //! [read_json]
     if (!valid)
-    {
         throw std::runtime_error(path + " is not JSON");
-    }
     return json;
 }
 
@@ -108,9 +106,7 @@ void fillDocument(Subdivision& subdivision, const std::string& batch,
     document.setValueString("name", subdivision.name);
     document.setValueString("type", subdivision.type);
     if (!subdivision.parent.empty())
-    {
         document.setValueString("parent", subdivision.parent);
-    }
     document.setValueInt32("letters",
                            static_cast<int>(subdivision.name.size()));
     document.setValueTime("loaded", now);
@@ -131,9 +127,7 @@ void fillArrays(Country& country)
         for (const Subdivision* const part : country.subdivisions)
         {
             if (seen.insert(part->type).second)
-            {
                 document.setValueString("element", part->type);
-            }
         }
     }
     const dbc::ArrayScope subdivisions(document, "subdivisions"); // documents
@@ -179,9 +173,7 @@ void fillDocument(Country& country, std::size_t allSubdivisions,
         document.setValueString("alpha3", country.alpha3);
         //! [make_document]
         if (!country.officialName.empty())
-        {
             document.setValueString("official", country.officialName);
-        }
     }
     fillArrays(country);
 }

@@ -20,9 +20,7 @@ volatile std::sig_atomic_t interrupted = 0;
 void throwIfInterrupted()
 {
     if (interrupted != 0)
-    {
         throw Interrupted();
-    }
 }
 
 bool onTerminal()
@@ -47,9 +45,7 @@ void print(const std::string& front, const std::string& line,
 {
     for (const std::string& part :
          wrapped(line, screen - front.size(), indent))
-    {
         std::cout << front << part << '\n';
-    }
     std::cout << std::flush;
 }
 
@@ -96,9 +92,7 @@ void Step::progress(std::size_t done, std::size_t total)
     constexpr std::size_t width = 40;
     const std::size_t cells = total == 0 ? width : done * width / total;
     if (!onTerminal() || (m_bar && cells == m_drawn))
-    {
         return;
-    }
     m_bar = true;
     m_drawn = cells;
     std::cout << "\r  [" << std::string(cells, '#')
@@ -184,9 +178,7 @@ void showShort(const std::string& line)
     std::size_t end = most;
     while (characters(line.substr(0, end)) < most ||
            (static_cast<unsigned char>(line[end]) & 0xC0U) == 0x80U)
-    {
         ++end;
-    }
     show(line.substr(0, end) + " ...");
 }
 

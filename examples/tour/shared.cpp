@@ -21,9 +21,7 @@ ObjectProperties fromJson(const std::string& json)
 {
     ObjectProperties document;
     if (!JsonToProperties::convert(json, &document))
-    {
         throw std::logic_error("not JSON: " + json);
-    }
     return document;
 }
 

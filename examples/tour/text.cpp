@@ -33,15 +33,11 @@ std::vector<std::string> partOfSources(const std::string& name)
                     indent ? std::nullopt : std::optional(indentation(line));
             }
             else if (indent)
-            {
                 lines.push_back(line.substr(std::min(*indent, line.size())));
-            }
         }
     }
     if (lines.empty())
-    {
         throw std::logic_error("no source file has the part " + name);
-    }
     return lines;
 }
 
@@ -69,15 +65,11 @@ std::vector<std::string> wrapped(const std::string& line, std::size_t width,
         {
             const std::string_view before(rest.data(), space);
             if (characters(before) > width)
-            {
                 break;
-            }
             end = space;
         }
         if (end == std::string::npos)
-        {
             break;
-        }
         parts.push_back(rest.substr(0, end));
         rest = std::string(indent, ' ') + rest.substr(end + 1);
     }

@@ -105,9 +105,7 @@ public:
     ~AddedUser()
     {
         if (!m_removed)
-        {
             answer([&] { m_administrator.removeUser(m_database, userName); });
-        }
     }
     void remove()
     {

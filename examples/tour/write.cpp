@@ -64,9 +64,7 @@ void write(Tour& tour)
 void needStored(Tour& tour)
 {
     if (!tour.stored)
-    {
         write(tour);
-    }
 }
 
 } // namespace tour

@@ -23,9 +23,7 @@ std::string variable(const char* name)
 {
     const char* const value = std::getenv(name);
     if (value == nullptr)
-    {
         throw std::runtime_error(std::string(name) + " is not set: run this through scripts/with-server");
-    }
     return value;
 }
 
@@ -34,17 +32,13 @@ std::string withDatabase(const std::string& address, const std::string& database
 {
     const test_support::DriverUri uri(mongoc_uri_new(address.c_str()));
     if (!uri)
-    {
         throw std::runtime_error("not a connection string: " + address);
-    }
     const std::size_t host = address.find("://") + 3;
     const std::size_t path = address.find_first_of("/?", host);
     const std::size_t question = address.find('?', host);
     std::string options = question == std::string::npos ? "" : address.substr(question + 1);
     if (mongoc_uri_get_username(uri.get()) != nullptr && options.find("authSource=") == std::string::npos)
-    {
         options += (options.empty() ? "" : "&") + std::string("authSource=") + mongoc_uri_get_auth_source(uri.get());
-    }
     return address.substr(0, path) + "/" + database + (options.empty() ? "" : "?" + options);
 }
 
@@ -52,25 +46,19 @@ int run(char** command, std::string address)
 {
     std::vector<char*> arguments;
     for (; *command != nullptr; ++command)
-    {
         arguments.push_back(*command);
-    }
     arguments.push_back(address.data());
     arguments.push_back(nullptr);
 
     pid_t child = 0;
     const int problem = ::posix_spawn(&child, arguments.front(), nullptr, nullptr, arguments.data(), environ);
     if (problem != 0)
-    {
         throw std::system_error(problem, std::generic_category(), arguments.front());
-    }
     int status = 0;
     while (::waitpid(child, &status, 0) == -1)
     {
         if (errno != EINTR)
-        {
             throw std::system_error(errno, std::generic_category(), "waitpid");
-        }
     }
     return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 }

@@ -35,17 +35,13 @@ std::optional<std::size_t> valueSize(bson_type_t type, const std::uint8_t* value
 {
     const auto lengthPlus = [&](std::size_t extra) -> std::optional<std::size_t> {
         if (available < kLengthSize)
-        {
             return std::nullopt;
-        }
         return readLength(value) + extra;
     };
     const auto cString = [&](std::size_t from) -> std::optional<std::size_t> {
         const void* end = from < available ? std::memchr(value + from, 0, available - from) : nullptr;
         if (end == nullptr)
-        {
             return std::nullopt;
-        }
         return static_cast<std::size_t>(static_cast<const std::uint8_t*>(end) - value) + 1;
     };
     switch (type)
@@ -101,25 +97,17 @@ public:
     std::optional<Bytes> run()
     {
         if (m_length < kSmallestDocument || !enter(0, m_length, false))
-        {
             return std::nullopt;
-        }
         while (!m_open.empty())
         {
             if (!step())
-            {
                 return std::nullopt;
-            }
         }
         if (!m_changed || m_at != m_length)
-        {
             return std::nullopt;
-        }
         copyUpTo(m_length);
         for (const Patch& patch : m_lengths)
-        {
             writeLength(m_output, patch.at, patch.length);
-        }
         return std::move(m_output);
     }
 
@@ -149,14 +137,10 @@ private:
     bool enter(std::size_t at, std::size_t limit, bool isArray)
     {
         if (limit - at < kSmallestDocument)
-        {
             return false;
-        }
         const std::size_t length = readLength(m_document + at);
         if (length < kSmallestDocument || length > limit - at || m_document[at + length - 1] != 0)
-        {
             return false;
-        }
         m_at = at;
         m_open.push_back({at + length, outputPosition(), 0, isArray});
         m_at += kLengthSize;
@@ -168,23 +152,17 @@ private:
         Level& level = m_open.back();
         const std::size_t last = level.end - 1;
         if (m_at >= last)
-        {
             return leave(level);
-        }
         const auto type = static_cast<bson_type_t>(m_document[m_at]);
         const std::uint8_t* key = m_document + m_at + 1;
         const void* keyEnd = std::memchr(key, 0, last - m_at - 1);
         if (keyEnd == nullptr)
-        {
             return false;
-        }
         const std::size_t keyLength = static_cast<std::size_t>(static_cast<const std::uint8_t*>(keyEnd) - key);
         const std::size_t valueAt = m_at + 1 + keyLength + 1;
         const auto size = valueSize(type, m_document + valueAt, last - valueAt);
         if (!size || *size > last - valueAt)
-        {
             return false;
-        }
         return element(level, type, {reinterpret_cast<const char*>(key), keyLength}, valueAt, *size);
     }
 
@@ -199,9 +177,7 @@ private:
             return true;
         }
         if (changesArrays && level.isArray)
-        {
             renumber(key, level.nextElement++, valueAt);
-        }
         const bool nests = type == BSON_TYPE_DOCUMENT || type == BSON_TYPE_ARRAY;
         if (nests && emptied(key) && size > kSmallestDocument)
         {
@@ -213,9 +189,7 @@ private:
             return true;
         }
         if (nests)
-        {
             return enter(valueAt, valueAt + size, type == BSON_TYPE_ARRAY);
-        }
         m_at = valueAt + size;
         return true;
     }
@@ -232,9 +206,7 @@ private:
         const std::size_t length =
             bson_uint32_to_string(static_cast<std::uint32_t>(number), &wanted, buffer, sizeof buffer);
         if (key == std::string_view(wanted, length))
-        {
             return;
-        }
         copyUpTo(m_at + 1);
         m_output.insert(m_output.end(), wanted, wanted + length + 1);
         m_copied = valueAt;
@@ -245,15 +217,11 @@ private:
     bool leave(const Level& level)
     {
         if (m_at != level.end - 1)
-        {
             return false;
-        }
         m_at = level.end;
         const std::size_t length = outputPosition() - level.start;
         if (length > std::numeric_limits<std::int32_t>::max())
-        {
             return false;
-        }
         m_lengths.push_back({level.start, length});
         m_open.pop_back();
         return true;
@@ -277,9 +245,7 @@ Bytes bsonFromJson(const std::string& json)
     bson_error_t error{};
     OwnedBson document;
     if (!bson_init_from_json(document.get(), json.c_str(), static_cast<ssize_t>(json.size()), &error))
-    {
         throw std::invalid_argument(std::string("not a document: ") + error.message);
-    }
     const std::uint8_t* data = bson_get_data(document.get());
     return {data, data + document.get()->len};
 }

@@ -15,9 +15,7 @@ std::string length(std::size_t size)
 {
     std::string bytes;
     for (unsigned shift = 0; shift < 32; shift += 8)
-    {
         bytes += static_cast<char>(size >> shift);
-    }
     return bytes;
 }
 
@@ -89,9 +87,7 @@ std::string elevenNumbers(bool sortedAsText)
     const std::vector<std::string> asText{"0", "1", "10", "2", "3", "4", "5", "6", "7", "8", "9"};
     std::string elements;
     for (std::size_t place = 0; place < asText.size(); ++place)
-    {
         elements += number(sortedAsText ? asText[place] : std::to_string(place), place);
-    }
     return elements;
 }
 
@@ -169,9 +165,7 @@ TEST(BsonRewrite, LeavesBytesThatAreNoDocumentUntouched)
     const std::string good = document(undefined("u") + array("a", number("1", 1)));
     ASSERT_TRUE(needsRewriting(good));
     for (std::size_t size = 0; size < good.size(); ++size)
-    {
         EXPECT_FALSE(needsRewriting(good.substr(0, size))) << size << " bytes";
-    }
     EXPECT_FALSE(needsRewriting(good + '\0')) << "a byte too many";
     EXPECT_FALSE(needsRewriting(document(undefined("u") + element('\x20', "kind", "")))) << "a kind that is none";
     EXPECT_FALSE(needsRewriting(document(undefined("u") + element('\x04', "a", length(100))))) << "a length too long";

@@ -12,9 +12,7 @@ std::string textAt(const bson_t* document, const char* path)
     bson_iter_t found;
     if (!bson_iter_init(&iter, document) || !bson_iter_find_descendant(&iter, path, &found) ||
         !BSON_ITER_HOLDS_UTF8(&found))
-    {
         return "";
-    }
     return bson_iter_utf8(&found, nullptr);
 }
 
@@ -26,9 +24,7 @@ ServerKind serverKindFrom(const bson_t* buildInfo)
     for (const char* const path : {"ferretdbVersion", "ferretdb.version"})
     {
         if (textAt(buildInfo, path).rfind("v1.", 0) == 0)
-        {
             return ServerKind::FerretDbV1;
-        }
     }
     const bool isFerretDb = bson_has_field(buildInfo, "ferretdb") || bson_has_field(buildInfo, "ferretdbVersion");
     return isFerretDb ? ServerKind::FerretDbV2 : ServerKind::MongoDb;

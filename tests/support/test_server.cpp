@@ -28,9 +28,7 @@ std::string required(const char* variable)
 {
     const char* value = std::getenv(variable);
     if (value == nullptr || *value == '\0')
-    {
         throw std::runtime_error(std::string(variable) + " is not set: run the tests through scripts/with-server");
-    }
     return value;
 }
 
@@ -43,9 +41,7 @@ void parse(OwnedBson& document, const std::string& json)
 {
     bson_error_t error{};
     if (!bson_init_from_json(document.get(), json.c_str(), static_cast<ssize_t>(json.size()), &error))
-    {
         fail("not a document: " + json, error);
-    }
 }
 
 std::string relaxed(const bson_t* document)
@@ -60,9 +56,7 @@ DriverClient openClient(const std::string& address)
     bson_error_t error{};
     const DriverUri uri(mongoc_uri_new_with_error(address.c_str(), &error));
     if (!uri)
-    {
         fail("not a connection string: " + address, error);
-    }
     return DriverClient(mongoc_client_new_from_uri(uri.get()));
 }
 
@@ -71,9 +65,7 @@ ServerKind kindOf(const std::string& address)
 {
     const std::string named = required("DATABASE_CLIENT_TEST_SERVER");
     if (named == "given")
-    {
         return serverKindAt(address);
-    }
     return named == "ferretdb" ? ServerKind::FerretDbV1 : ServerKind::MongoDb;
 }
 
@@ -97,9 +89,7 @@ ServerKind serverKindAt(const std::string& uri)
     bson_error_t error{};
     parse(command, R"({"buildInfo": 1})");
     if (!mongoc_client_command_simple(client.get(), "admin", command.get(), nullptr, reply.get(), &error))
-    {
         fail("the server does not answer", error);
-    }
     return serverKindFrom(reply.get());
 }
 
@@ -138,17 +128,13 @@ ScratchDatabase::~ScratchDatabase()
     const DriverDatabase database(mongoc_client_get_database(m_client.get(), m_name.c_str()));
     // Users do not go with their database. A server without authentication may not know the commands.
     for (const std::string& user : m_users)
-    {
         mongoc_database_remove_user(database.get(), user.c_str(), nullptr);
-    }
     OwnedBson command;
     BSON_APPEND_INT32(command.get(), "dropAllUsersFromDatabase", 1);
     mongoc_database_command_simple(database.get(), command.get(), nullptr, nullptr, nullptr);
     bson_error_t error{};
     if (!mongoc_database_drop(database.get(), &error))
-    {
         std::fprintf(stderr, "database %s stays behind: %s\n", m_name.c_str(), error.message);
-    }
 }
 
 std::string ScratchDatabase::userName(const std::string& name)
@@ -163,9 +149,7 @@ void ScratchDatabase::insert(const std::string& collection, const std::string& d
     const DriverCollection target(mongoc_client_get_collection(m_client.get(), m_name.c_str(), collection.c_str()));
     bson_error_t error{};
     if (!mongoc_collection_insert_one(target.get(), parsed.get(), nullptr, nullptr, &error))
-    {
         fail("insert", error);
-    }
 }
 
 namespace {
@@ -183,14 +167,10 @@ void visitDocuments(mongoc_client_t* client, const std::string& database, const 
         mongoc_collection_find_with_opts(source.get(), parsedFilter.get(), parsedOptions.get(), nullptr));
     const bson_t* document = nullptr;
     while (mongoc_cursor_next(cursor.get(), &document))
-    {
         visit(document);
-    }
     bson_error_t error{};
     if (mongoc_cursor_error(cursor.get(), &error))
-    {
         fail("find", error);
-    }
 }
 
 } // namespace
@@ -229,14 +209,10 @@ std::vector<std::string> ScratchDatabase::collections() const
     bson_error_t error{};
     const DriverTexts names(mongoc_database_get_collection_names_with_opts(database.get(), nullptr, &error));
     if (!names)
-    {
         fail("listCollections", error);
-    }
     std::vector<std::string> result;
     for (char** name = names.get(); *name != nullptr; ++name)
-    {
         result.emplace_back(*name);
-    }
     std::sort(result.begin(), result.end());
     return result;
 }
@@ -248,9 +224,7 @@ std::string ScratchDatabase::run(const std::string& command) const
     bson_error_t error{};
     parse(parsed, command);
     if (!mongoc_client_command_simple(m_client.get(), m_name.c_str(), parsed.get(), nullptr, reply.get(), &error))
-    {
         fail(command, error);
-    }
     return relaxed(reply.get());
 }
 
@@ -267,9 +241,7 @@ ServerProcess::ServerProcess(Tls tls) : m_tls(std::move(tls)), m_reservation(res
     required("DATABASE_CLIENT_TEST_SERVER_BINARY");
     std::string directory = (std::filesystem::temp_directory_path() / "database_client-own-server.XXXXXX").string();
     if (::mkdtemp(directory.data()) == nullptr)
-    {
         throw std::system_error(errno, std::generic_category(), "cannot make a directory for a server");
-    }
     m_directory = directory;
     std::filesystem::create_directory(m_directory + "/data");
     std::filesystem::create_directory(m_directory + "/state");
@@ -344,9 +316,7 @@ bool answers(std::uint16_t port)
 void ServerProcess::start()
 {
     if (m_process >= 0)
-    {
         return;
-    }
     m_process = SpawnSettings(m_directory + "/log", m_directory + "/log").spawn(commandLine());
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(60);
     while (!answers(m_port))
@@ -369,9 +339,7 @@ void ServerProcess::start()
 void ServerProcess::stop()
 {
     if (m_process < 0)
-    {
         return;
-    }
     // mongod writes its journal with a delay. FerretDB has everything in its file at once, and would wait three seconds
     // for open connections to end.
     ::kill(m_process, required("DATABASE_CLIENT_TEST_SERVER") == "mongod" ? SIGTERM : SIGKILL);

@@ -73,9 +73,7 @@ TEST(TestServerAuthentication, IsAskedForOnOneServerAndNotOnTheOther)
 {
     TestServer& server = TestServer::instance();
     if (server.directUri() == server.directAuthUri())
-    {
         GTEST_SKIP() << "MONGODB_URI names one server for both";
-    }
     const std::string& root = server.directAuthUri();
     const std::string nobody = "mongodb://" + root.substr(root.rfind('@') + 1);
     mongoc_init();
@@ -90,9 +88,7 @@ TEST(TestServerAuthentication, IsAskedForOnOneServerAndNotOnTheOther)
 TEST(ServerProcess, KeepsItsDataAndItsPortWhenItIsStartedAgain)
 {
     if (!ServerProcess::available())
-    {
         GTEST_SKIP() << "a server given by MONGODB_URI is not ended";
-    }
     ServerProcess process;
     const std::string uri = process.uri();
     const ScratchDatabase before(uri);

@@ -22,9 +22,7 @@ void waitForEnd()
     sigset_t ends;
     sigemptyset(&ends);
     for (const int signal : {SIGINT, SIGTERM, SIGHUP})
-    {
         sigaddset(&ends, signal);
-    }
     pthread_sigmask(SIG_BLOCK, &ends, nullptr);
     const int signals = ::signalfd(-1, &ends, SFD_CLOEXEC);
     for (;;)
@@ -33,9 +31,7 @@ void waitForEnd()
         ::poll(waiting, 2, -1);
         char ignored[256];
         if (waiting[0].revents != 0 || (waiting[1].revents != 0 && ::read(STDIN_FILENO, ignored, sizeof ignored) <= 0))
-        {
             break;
-        }
     }
     ::close(signals);
 }

@@ -67,9 +67,7 @@ public:
         const DriverCursor cursor(mongoc_collection_find_with_opts(things.get(), filter, nullptr, nullptr));
         const bson_t* document = nullptr;
         for (found = 0; mongoc_cursor_next(cursor.get(), &document);)
-        {
             ++found;
-        }
         bson_error_t error{};
         return outcome(!mongoc_cursor_error(cursor.get(), &error), error);
     }
@@ -123,9 +121,7 @@ void fillWithArray(OwnedBson& document, bool outOfOrder)
     bson_t array;
     BSON_APPEND_INT32(document.get(), "_id", 1);
     if (outOfOrder)
-    {
         BSON_APPEND_UNDEFINED(document.get(), "u");
-    }
     beginArray(document.get(), "a", -1, &array);
     BSON_APPEND_INT32(&array, "0", 0);
     BSON_APPEND_INT32(&array, outOfOrder ? "10" : "1", 1);
@@ -269,9 +265,7 @@ TEST_F(Gateway, TakesADocumentOfSixteenMegabytesAndManyThousandsOfCommands)
     gateway.clear();
     constexpr std::size_t many = 5000;
     for (std::size_t round = 0; round < many; ++round)
-    {
         ASSERT_EQ(client.ping(), "");
-    }
     EXPECT_EQ(gateway.commands("ping").size(), many);
 }
 
@@ -293,9 +287,7 @@ TEST_F(Gateway, ServesSeveralConnectionsAtOnce)
         });
     }
     for (std::thread& thread : threads)
-    {
         thread.join();
-    }
 
     EXPECT_EQ(failures, 0U);
     EXPECT_EQ(scratch.count("things"), clients * rounds);
@@ -334,9 +326,7 @@ TEST_F(Gateway, ForwardsDocumentsUntouchedUnlessItIsForFerretDbV1)
 TEST_F(Gateway, RewritesFiltersUpdatesAndPipelinesToo)
 {
     if (server.kind() != ServerKind::FerretDbV1)
-    {
         GTEST_SKIP() << "this server takes such arrays as they are";
-    }
     Client client(gateway.uri());
     OwnedBson document;
     fillWithArray(document, true);
@@ -459,9 +449,7 @@ Bytes rawExchange(const WireGateway& gateway, const Bytes& message)
     const FileDescriptor socket = connectTo("127.0.0.1", std::to_string(gateway.port()));
     Bytes reply(WireMessage::kHeaderSize);
     if (!sendAll(socket.get(), message.data(), message.size()) || !receiveAll(socket.get(), reply.data(), reply.size()))
-    {
         return {};
-    }
     reply.resize(announcedLength(reply.data()));
     EXPECT_TRUE(
         receiveAll(socket.get(), reply.data() + WireMessage::kHeaderSize, reply.size() - WireMessage::kHeaderSize));
@@ -761,9 +749,7 @@ TEST_F(Gateway, EndsWhileClientsAreConnectedAndRepliesAreHeld)
 TEST_F(Gateway, EndsTheClientsConnectionWhenTheServerIsGoneAndFollowsItToANewAddress)
 {
     if (!ServerProcess::available())
-    {
         GTEST_SKIP() << "a server given by MONGODB_URI is not ended";
-    }
     ServerProcess first;
     const ServerProcess second;
     WireGateway moving(first.uri(), first.rewrite());
@@ -804,9 +790,7 @@ TEST(GatewayUri, MustNameOneHostWithoutTls)
     for (const char* uri :
          {"", "host:1", "mongodb+srv://host/", "mongodb://a,b/", "mongodb://", "mongodb://%2Ftmp%2Fs.sock/",
           "mongodb://[::1/", "mongodb://host/?tls=true", "mongodb://host/?SSL=true"})
-    {
         EXPECT_THROW(WireGateway(uri, WireGateway::Rewrite::Nothing), std::invalid_argument) << uri;
-    }
 }
 
 TEST(GatewayFault, MustBeADocument)

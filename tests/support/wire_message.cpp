@@ -56,9 +56,7 @@ public:
     bool skip(std::size_t count)
     {
         if (count > m_length)
-        {
             return false;
-        }
         m_data += count;
         m_length -= count;
         return true;
@@ -66,9 +64,7 @@ public:
     bool byte(std::uint8_t& value)
     {
         if (m_length == 0)
-        {
             return false;
-        }
         value = *m_data;
         return skip(1);
     }
@@ -76,9 +72,7 @@ public:
     {
         const void* end = m_length == 0 ? nullptr : std::memchr(m_data, 0, m_length);
         if (end == nullptr)
-        {
             return false;
-        }
         value.assign(reinterpret_cast<const char*>(m_data), static_cast<const char*>(end));
         return skip(value.size() + 1);
     }
@@ -86,14 +80,10 @@ public:
     bool sized(std::size_t least, Reader& value)
     {
         if (m_length < 4)
-        {
             return false;
-        }
         const std::int32_t size = readInt32(m_data);
         if (size < 0 || static_cast<std::size_t>(size) < least || static_cast<std::size_t>(size) > m_length)
-        {
             return false;
-        }
         value = Reader(m_data, static_cast<std::size_t>(size));
         return skip(static_cast<std::size_t>(size));
     }
@@ -118,25 +108,19 @@ bool visitSections(Reader sections, Body body, Begin begin, Element element)
         if (kind == kBodySection)
         {
             if (!sections.document(part))
-            {
                 return false;
-            }
             body(part);
             continue;
         }
         std::string identifier;
         if (kind != kSequenceSection || !sections.sized(4, part) || !part.skip(4) || !part.text(identifier))
-        {
             return false;
-        }
         begin(identifier);
         while (!part.empty())
         {
             Reader document(nullptr, 0);
             if (!part.document(document))
-            {
                 return false;
-            }
             element(document);
         }
     }
@@ -149,9 +133,7 @@ std::optional<Reader> sectionsOf(const Bytes& message, std::uint32_t flags)
     const std::size_t before = WireMessage::kHeaderSize + 4;
     const std::size_t after = (flags & kChecksumPresent) != 0 ? kChecksumSize : 0;
     if (message.size() < before + after)
-    {
         return std::nullopt;
-    }
     return Reader(message.data() + before, message.size() - before - after);
 }
 
@@ -174,27 +156,19 @@ bool describe(RecordedCommand& command)
     bson_iter_t element;
     if (!bson_init_static(&view, command.body.data(), command.body.size()) || !bson_iter_init(&element, &view) ||
         !bson_iter_next(&element))
-    {
         return false;
-    }
     command.name = bson_iter_key(&element);
     command.isHandshake = isHandshakeName(command.name);
     if (BSON_ITER_HOLDS_UTF8(&element))
-    {
         command.target = textOf(element);
-    }
     while (bson_iter_next(&element))
     {
         const std::string_view key(bson_iter_key(&element), bson_iter_key_len(&element));
         if (key == "$db" && BSON_ITER_HOLDS_UTF8(&element))
-        {
             command.database = textOf(element);
-        }
         // A getMore begins with the number of its cursor.
         if (key == "collection" && command.name == "getMore" && BSON_ITER_HOLDS_UTF8(&element))
-        {
             command.target = textOf(element);
-        }
     }
     return true;
 }
@@ -209,9 +183,7 @@ std::optional<RecordedCommand> commandOfMessage(const Bytes& message, std::uint3
         command.sequences.back().documents.emplace_back(part.data(), part.data() + part.length());
     };
     if (!sections || !visitSections(*sections, body, begin, element) || !describe(command))
-    {
         return std::nullopt;
-    }
     return command;
 }
 
@@ -222,14 +194,10 @@ std::optional<RecordedCommand> commandOfQuery(const Bytes& message)
     std::string space;
     Reader document(nullptr, 0);
     if (!rest.skip(WireMessage::kHeaderSize + 4) || !rest.text(space) || !rest.skip(4 + 4) || !rest.document(document))
-    {
         return std::nullopt;
-    }
     command.body.assign(document.data(), document.data() + document.length());
     if (!describe(command))
-    {
         return std::nullopt;
-    }
     command.database = space.substr(0, space.find('.'));
     return command;
 }
@@ -277,9 +245,7 @@ std::string relaxedJson(const Bytes& document)
 {
     bson_t view;
     if (!bson_init_static(&view, document.data(), document.size()))
-    {
         return {};
-    }
     const std::unique_ptr<char, decltype(&bson_free)> text(bson_as_relaxed_extended_json(&view, nullptr), &bson_free);
     return text ? inWordsOf123(text.get()) : std::string();
 }
@@ -356,21 +322,15 @@ std::optional<Bytes> WireMessage::rewritten(WireGateway::Rewrite rewrite) const
     const auto sections =
         opCode() == kOpMsg && rewrite != WireGateway::Rewrite::Nothing ? sectionsOf(m_bytes, flagBits()) : std::nullopt;
     if (!sections)
-    {
         return std::nullopt;
-    }
     const auto parsed = command();
     const bool ofUsers = parsed && (parsed->name == "createUser" || parsed->name == "updateUser");
     const bool ofArrays = rewrite == WireGateway::Rewrite::ForFerretDbV1;
     if (!ofUsers && !ofArrays)
-    {
         return std::nullopt;
-    }
     BsonRewrite forBody = ofUsers ? BsonRewrite::UserData : BsonRewrite::Arrays;
     if (ofUsers && ofArrays)
-    {
         forBody = BsonRewrite::ArraysAndUserData;
-    }
 
     Bytes output(m_bytes.begin(), m_bytes.begin() + kHeaderSize);
     output.reserve(m_bytes.size());
@@ -401,9 +361,7 @@ std::optional<Bytes> WireMessage::rewritten(WireGateway::Rewrite rewrite) const
     };
     const auto element = [&](const Reader& part) { appendRewritten(output, part, forBody, changed); };
     if (!visitSections(*sections, body, begin, element) || !changed)
-    {
         return std::nullopt;
-    }
     closeSequence();
     setAnnouncedLength(output);
     return output;
@@ -439,9 +397,7 @@ Bytes WireMessage::replyWith(const Bytes& document) const
 Bytes RecordedCommand::folded() const
 {
     if (sequences.empty() || body.size() < 5)
-    {
         return body;
-    }
     // The elements of the body, without its length and closing zero.
     Bytes elements(body.begin() + 4, body.end() - 1);
     for (const DocumentSequence& sequence : sequences)
@@ -449,9 +405,7 @@ Bytes RecordedCommand::folded() const
         Bytes array;
         std::size_t number = 0;
         for (const Bytes& document : sequence.documents)
-        {
             appendElement(array, BSON_TYPE_DOCUMENT, std::to_string(number++), document.data(), document.size());
-        }
         const Bytes value = enclose(array);
         appendElement(elements, BSON_TYPE_ARRAY, sequence.identifier, value.data(), value.size());
     }
@@ -464,9 +418,7 @@ std::string RecordedCommand::json() const
     bson_t view;
     bson_iter_t element;
     if (!bson_init_static(&view, whole.data(), whole.size()) || !bson_iter_init(&element, &view))
-    {
         return {};
-    }
     Bytes kept;
     while (bson_iter_next(&element))
     {
@@ -488,9 +440,7 @@ std::string RecordedCommand::json(const std::string& path) const
     bson_iter_t found;
     if (!bson_init_static(&view, whole.data(), whole.size()) || !bson_iter_init(&top, &view) ||
         !bson_iter_find_descendant(&top, path.c_str(), &found))
-    {
         return {};
-    }
     Bytes element;
     const Reader value = valueOf(found);
     appendElement(element, bson_iter_type(&found), "v", value.data(), value.length());
