@@ -14,8 +14,8 @@
 namespace test_support {
 namespace {
 
-constexpr std::size_t kLengthSize = 4;
-constexpr std::size_t kSmallestDocument = 5;
+constexpr std::size_t lengthSize = 4;
+constexpr std::size_t smallestDocument = 5;
 
 std::uint32_t readLength(const std::uint8_t* from)
 {
@@ -34,7 +34,7 @@ void writeLength(Bytes& output, std::size_t at, std::size_t length)
 std::optional<std::size_t> valueSize(bson_type_t type, const std::uint8_t* value, std::size_t available)
 {
     const auto lengthPlus = [&](std::size_t extra) -> std::optional<std::size_t> {
-        if (available < kLengthSize)
+        if (available < lengthSize)
             return std::nullopt;
         return readLength(value) + extra;
     };
@@ -96,7 +96,7 @@ public:
 
     std::optional<Bytes> run()
     {
-        if (m_length < kSmallestDocument || !enter(0, m_length, false))
+        if (m_length < smallestDocument || !enter(0, m_length, false))
             return std::nullopt;
         while (!m_open.empty())
         {
@@ -136,14 +136,14 @@ private:
 
     bool enter(std::size_t at, std::size_t limit, bool isArray)
     {
-        if (limit - at < kSmallestDocument)
+        if (limit - at < smallestDocument)
             return false;
         const std::size_t length = readLength(m_document + at);
-        if (length < kSmallestDocument || length > limit - at || m_document[at + length - 1] != 0)
+        if (length < smallestDocument || length > limit - at || m_document[at + length - 1] != 0)
             return false;
         m_at = at;
         m_open.push_back({at + length, outputPosition(), 0, isArray});
-        m_at += kLengthSize;
+        m_at += lengthSize;
         return true;
     }
 
@@ -179,11 +179,11 @@ private:
         if (changesArrays && level.isArray)
             renumber(key, level.nextElement++, valueAt);
         const bool nests = type == BSON_TYPE_DOCUMENT || type == BSON_TYPE_ARRAY;
-        if (nests && emptied(key) && size > kSmallestDocument)
+        if (nests && emptied(key) && size > smallestDocument)
         {
-            static constexpr std::uint8_t kEmpty[kSmallestDocument] = {5, 0, 0, 0, 0};
+            static constexpr std::uint8_t emptyDocument[smallestDocument] = {5, 0, 0, 0, 0};
             copyUpTo(valueAt);
-            m_output.insert(m_output.end(), std::begin(kEmpty), std::end(kEmpty));
+            m_output.insert(m_output.end(), std::begin(emptyDocument), std::end(emptyDocument));
             m_at = m_copied = valueAt + size;
             m_changed = true;
             return true;

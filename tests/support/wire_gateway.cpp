@@ -30,7 +30,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr std::string_view kScheme = "mongodb://";
+constexpr std::string_view scheme = "mongodb://";
 
 /// The pieces of a connection string that the gateway needs.
 struct ServerAddress
@@ -74,11 +74,11 @@ std::string keptOptions(std::string_view options)
 ServerAddress parseUri(const std::string& uri)
 {
     std::string_view rest(uri);
-    if (rest.substr(0, kScheme.size()) != kScheme)
+    if (rest.substr(0, scheme.size()) != scheme)
     {
         throw std::invalid_argument("the wire gateway needs a mongodb:// URI");
     }
-    rest.remove_prefix(kScheme.size());
+    rest.remove_prefix(scheme.size());
     const std::size_t authorityLength = std::min(rest.find_first_of("/?"), rest.size());
     std::string_view authority = rest.substr(0, authorityLength);
     rest.remove_prefix(authorityLength);
@@ -135,7 +135,7 @@ std::thread startQuietThread(Function function)
 /// Reads one message; nothing when the connection ended or what came is no message.
 std::optional<WireMessage> receiveMessage(int socket)
 {
-    Bytes bytes(WireMessage::kHeaderSize);
+    Bytes bytes(WireMessage::headerSize);
     if (!receiveAll(socket, bytes.data(), bytes.size()))
     {
         return std::nullopt;
@@ -146,7 +146,7 @@ std::optional<WireMessage> receiveMessage(int socket)
         return std::nullopt;
     }
     bytes.resize(length);
-    if (!receiveAll(socket, bytes.data() + WireMessage::kHeaderSize, length - WireMessage::kHeaderSize))
+    if (!receiveAll(socket, bytes.data() + WireMessage::headerSize, length - WireMessage::headerSize))
     {
         return std::nullopt;
     }
@@ -211,7 +211,7 @@ Fault Fault::changeReply(std::function<void(Bytes&)> change)
 Fault Fault::shortenReply(std::size_t bytes)
 {
     return changeReply([bytes](Bytes& reply) {
-        reply.resize(std::min(std::max(bytes, WireMessage::kHeaderSize), reply.size()));
+        reply.resize(std::min(std::max(bytes, WireMessage::headerSize), reply.size()));
         setAnnouncedLength(reply);
     });
 }
@@ -219,7 +219,7 @@ Fault Fault::shortenReply(std::size_t bytes)
 Fault Fault::malformedReply(Bytes bytes)
 {
     return changeReply([bytes = std::move(bytes)](Bytes& reply) {
-        reply.resize(WireMessage::kHeaderSize);
+        reply.resize(WireMessage::headerSize);
         reply.insert(reply.end(), bytes.begin(), bytes.end());
         setAnnouncedLength(reply);
     });
@@ -308,7 +308,7 @@ public:
     std::string uri() const
     {
         const std::lock_guard lock(m_mutex);
-        return std::string(kScheme) + m_server.credentials + "127.0.0.1:" + std::to_string(m_port) + m_server.suffix;
+        return std::string(scheme) + m_server.credentials + "127.0.0.1:" + std::to_string(m_port) + m_server.suffix;
     }
 
     void setServer(const std::string& serverUri)

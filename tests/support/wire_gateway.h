@@ -128,7 +128,7 @@ public:
         ForFerretDbV2, ///< roles and customData of user commands emptied; replies that nobody waits for left out
         ForFerretDbV1, ///< the same, and arrays renumbered and undefined left out
     };
-    static constexpr std::chrono::seconds kPatience{20};
+    static constexpr std::chrono::seconds longestWait{20};
 
     /// @param serverUri  mongodb://[user:password@]host[:port]/..., one host.
     /// @throws std::invalid_argument  a URI of another form, or one that asks for TLS.
@@ -180,10 +180,10 @@ public:
 
     // Waiting, on a condition and not on the clock. All answer false if that took longer than @p patience.
     bool waitForCommands(const std::string& name, std::size_t count,
-                         std::chrono::milliseconds patience = kPatience) const;
-    bool waitForOpenConnections(std::size_t count, std::chrono::milliseconds patience = kPatience) const;
-    bool waitForFaults(std::chrono::milliseconds patience = kPatience) const; ///< until none is pending
-    bool waitForHeldReplies(std::size_t count, std::chrono::milliseconds patience = kPatience) const;
+                         std::chrono::milliseconds patience = longestWait) const;
+    bool waitForOpenConnections(std::size_t count, std::chrono::milliseconds patience = longestWait) const;
+    bool waitForFaults(std::chrono::milliseconds patience = longestWait) const; ///< until none is pending
+    bool waitForHeldReplies(std::size_t count, std::chrono::milliseconds patience = longestWait) const;
 
 private:
     class Implementation;

@@ -447,12 +447,12 @@ Bytes handMadePing(bool withSequence)
 Bytes rawExchange(const WireGateway& gateway, const Bytes& message)
 {
     const FileDescriptor socket = connectTo("127.0.0.1", std::to_string(gateway.port()));
-    Bytes reply(WireMessage::kHeaderSize);
+    Bytes reply(WireMessage::headerSize);
     if (!sendAll(socket.get(), message.data(), message.size()) || !receiveAll(socket.get(), reply.data(), reply.size()))
         return {};
     reply.resize(announcedLength(reply.data()));
     EXPECT_TRUE(
-        receiveAll(socket.get(), reply.data() + WireMessage::kHeaderSize, reply.size() - WireMessage::kHeaderSize));
+        receiveAll(socket.get(), reply.data() + WireMessage::headerSize, reply.size() - WireMessage::headerSize));
     return reply;
 }
 

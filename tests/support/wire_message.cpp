@@ -12,17 +12,17 @@
 namespace test_support {
 namespace {
 
-constexpr std::int32_t kOpReply = 1;
-constexpr std::int32_t kOpQuery = 2004;
-constexpr std::int32_t kOpCompressed = 2012;
-constexpr std::int32_t kOpMsg = 2013;
+constexpr std::int32_t opReply = 1;
+constexpr std::int32_t opQuery = 2004;
+constexpr std::int32_t opCompressed = 2012;
+constexpr std::int32_t opMsg = 2013;
 
-constexpr std::uint32_t kChecksumPresent = 1U << 0U;
-constexpr std::uint32_t kMoreToCome = 1U << 1U;
-constexpr std::size_t kChecksumSize = 4;
+constexpr std::uint32_t checksumPresent = 1U << 0U;
+constexpr std::uint32_t moreToCome = 1U << 1U;
+constexpr std::size_t checksumSize = 4;
 
-constexpr std::uint8_t kBodySection = 0;
-constexpr std::uint8_t kSequenceSection = 1;
+constexpr std::uint8_t bodySection = 0;
+constexpr std::uint8_t sequenceSection = 1;
 
 std::int32_t readInt32(const std::uint8_t* from)
 {
@@ -105,7 +105,7 @@ bool visitSections(Reader sections, Body body, Begin begin, Element element)
         std::uint8_t kind = 0;
         Reader part(nullptr, 0);
         sections.byte(kind);
-        if (kind == kBodySection)
+        if (kind == bodySection)
         {
             if (!sections.document(part))
                 return false;
@@ -113,7 +113,7 @@ bool visitSections(Reader sections, Body body, Begin begin, Element element)
             continue;
         }
         std::string identifier;
-        if (kind != kSequenceSection || !sections.sized(4, part) || !part.skip(4) || !part.text(identifier))
+        if (kind != sequenceSection || !sections.sized(4, part) || !part.skip(4) || !part.text(identifier))
             return false;
         begin(identifier);
         while (!part.empty())
@@ -130,8 +130,8 @@ bool visitSections(Reader sections, Body body, Begin begin, Element element)
 /// The sections of an OP_MSG: what lies between the flags and the checksum.
 std::optional<Reader> sectionsOf(const Bytes& message, std::uint32_t flags)
 {
-    const std::size_t before = WireMessage::kHeaderSize + 4;
-    const std::size_t after = (flags & kChecksumPresent) != 0 ? kChecksumSize : 0;
+    const std::size_t before = WireMessage::headerSize + 4;
+    const std::size_t after = (flags & checksumPresent) != 0 ? checksumSize : 0;
     if (message.size() < before + after)
         return std::nullopt;
     return Reader(message.data() + before, message.size() - before - after);
@@ -193,7 +193,7 @@ std::optional<RecordedCommand> commandOfQuery(const Bytes& message)
     Reader rest(message.data(), message.size());
     std::string space;
     Reader document(nullptr, 0);
-    if (!rest.skip(WireMessage::kHeaderSize + 4) || !rest.text(space) || !rest.skip(4 + 4) || !rest.document(document))
+    if (!rest.skip(WireMessage::headerSize + 4) || !rest.text(space) || !rest.skip(4 + 4) || !rest.document(document))
         return std::nullopt;
     command.body.assign(document.data(), document.data() + document.length());
     if (!describe(command))
@@ -260,8 +260,8 @@ bool isDriversOwn(std::string_view key)
 std::size_t announcedLength(const std::uint8_t* header)
 {
     const std::int32_t length = readInt32(header);
-    const bool sane = length >= static_cast<std::int32_t>(WireMessage::kHeaderSize) &&
-                      static_cast<std::size_t>(length) <= WireMessage::kLargest;
+    const bool sane = length >= static_cast<std::int32_t>(WireMessage::headerSize) &&
+                      static_cast<std::size_t>(length) <= WireMessage::largestSize;
     return sane ? static_cast<std::size_t>(length) : 0;
 }
 
@@ -278,39 +278,39 @@ std::int32_t WireMessage::opCode() const
 
 std::uint32_t WireMessage::flagBits() const
 {
-    const bool hasFlags = opCode() == kOpMsg && m_bytes.size() >= kHeaderSize + 4;
-    return hasFlags ? static_cast<std::uint32_t>(readInt32(m_bytes.data() + kHeaderSize)) : 0;
+    const bool hasFlags = opCode() == opMsg && m_bytes.size() >= headerSize + 4;
+    return hasFlags ? static_cast<std::uint32_t>(readInt32(m_bytes.data() + headerSize)) : 0;
 }
 
 bool WireMessage::isCompressed() const
 {
-    return opCode() == kOpCompressed;
+    return opCode() == opCompressed;
 }
 
 bool WireMessage::answers(const WireMessage& request) const
 {
-    constexpr std::size_t kRequestId = 4;
-    constexpr std::size_t kResponseTo = 8;
-    return readInt32(m_bytes.data() + kResponseTo) == readInt32(request.m_bytes.data() + kRequestId);
+    constexpr std::size_t requestId = 4;
+    constexpr std::size_t responseTo = 8;
+    return readInt32(m_bytes.data() + responseTo) == readInt32(request.m_bytes.data() + requestId);
 }
 
 bool WireMessage::expectsReply() const
 {
-    return opCode() == kOpQuery || (opCode() == kOpMsg && !hasMoreToCome());
+    return opCode() == opQuery || (opCode() == opMsg && !hasMoreToCome());
 }
 
 bool WireMessage::hasMoreToCome() const
 {
-    return (flagBits() & kMoreToCome) != 0;
+    return (flagBits() & moreToCome) != 0;
 }
 
 std::optional<RecordedCommand> WireMessage::command() const
 {
     switch (opCode())
     {
-    case kOpMsg:
+    case opMsg:
         return commandOfMessage(m_bytes, flagBits());
-    case kOpQuery:
+    case opQuery:
         return commandOfQuery(m_bytes);
     default:
         return std::nullopt;
@@ -320,7 +320,7 @@ std::optional<RecordedCommand> WireMessage::command() const
 std::optional<Bytes> WireMessage::rewritten(WireGateway::Rewrite rewrite) const
 {
     const auto sections =
-        opCode() == kOpMsg && rewrite != WireGateway::Rewrite::Nothing ? sectionsOf(m_bytes, flagBits()) : std::nullopt;
+        opCode() == opMsg && rewrite != WireGateway::Rewrite::Nothing ? sectionsOf(m_bytes, flagBits()) : std::nullopt;
     if (!sections)
         return std::nullopt;
     const auto parsed = command();
@@ -332,10 +332,10 @@ std::optional<Bytes> WireMessage::rewritten(WireGateway::Rewrite rewrite) const
     if (ofUsers && ofArrays)
         forBody = BsonRewrite::ArraysAndUserData;
 
-    Bytes output(m_bytes.begin(), m_bytes.begin() + kHeaderSize);
+    Bytes output(m_bytes.begin(), m_bytes.begin() + headerSize);
     output.reserve(m_bytes.size());
     // The checksum would have to be computed anew; it is optional, so it is left out.
-    appendInt32(output, static_cast<std::int32_t>(flagBits() & ~kChecksumPresent));
+    appendInt32(output, static_cast<std::int32_t>(flagBits() & ~checksumPresent));
     bool changed = false;
     std::size_t sequenceAt = 0;
     const auto closeSequence = [&] {
@@ -348,12 +348,12 @@ std::optional<Bytes> WireMessage::rewritten(WireGateway::Rewrite rewrite) const
     };
     const auto body = [&](const Reader& part) {
         closeSequence();
-        output.push_back(kBodySection);
+        output.push_back(bodySection);
         appendRewritten(output, part, forBody, changed);
     };
     const auto begin = [&](const std::string& identifier) {
         closeSequence();
-        output.push_back(kSequenceSection);
+        output.push_back(sequenceSection);
         sequenceAt = output.size();
         appendInt32(output, 0);
         output.insert(output.end(), identifier.begin(), identifier.end());
@@ -369,15 +369,15 @@ std::optional<Bytes> WireMessage::rewritten(WireGateway::Rewrite rewrite) const
 
 Bytes WireMessage::replyWith(const Bytes& document) const
 {
-    constexpr std::int32_t kAwaitCapable = 8;
+    constexpr std::int32_t awaitCapable = 8;
     Bytes reply;
     appendInt32(reply, 0);
     appendInt32(reply, 0);
     appendInt32(reply, readInt32(m_bytes.data() + 4));
-    if (opCode() == kOpQuery)
+    if (opCode() == opQuery)
     {
-        appendInt32(reply, kOpReply);
-        appendInt32(reply, kAwaitCapable);
+        appendInt32(reply, opReply);
+        appendInt32(reply, awaitCapable);
         appendInt32(reply, 0); // cursor, low and high half
         appendInt32(reply, 0);
         appendInt32(reply, 0); // first document
@@ -385,9 +385,9 @@ Bytes WireMessage::replyWith(const Bytes& document) const
     }
     else
     {
-        appendInt32(reply, kOpMsg);
+        appendInt32(reply, opMsg);
         appendInt32(reply, 0);
-        reply.push_back(kBodySection);
+        reply.push_back(bodySection);
     }
     append(reply, document.data(), document.size());
     setAnnouncedLength(reply);
@@ -446,9 +446,9 @@ std::string RecordedCommand::json(const std::string& path) const
     appendElement(element, bson_iter_type(&found), "v", value.data(), value.length());
     // { "v" : <value> }
     const std::string text = relaxedJson(enclose(element));
-    constexpr std::size_t kBefore = 8;
-    constexpr std::size_t kAfter = 2;
-    return text.size() < kBefore + kAfter ? std::string() : text.substr(kBefore, text.size() - kBefore - kAfter);
+    constexpr std::size_t before = 8;
+    constexpr std::size_t after = 2;
+    return text.size() < before + after ? std::string() : text.substr(before, text.size() - before - after);
 }
 
 } // namespace test_support

@@ -11,9 +11,9 @@ namespace test_support {
 class WireMessage
 {
 public:
-    static constexpr std::size_t kHeaderSize = 16;
+    static constexpr std::size_t headerSize = 16;
     /// Well above what the protocol allows (48,000,000): a length beyond it is no message.
-    static constexpr std::size_t kLargest = std::size_t{256} << 20U;
+    static constexpr std::size_t largestSize = std::size_t{256} << 20U;
 
     explicit WireMessage(Bytes bytes) : m_bytes(std::move(bytes)) {}
 

@@ -126,7 +126,7 @@ std::string ToolProcess::messages()
 
 bool ToolProcess::showsOnTerminal(const std::string& text)
 {
-    const auto end = std::chrono::steady_clock::now() + WireGateway::kPatience;
+    const auto end = std::chrono::steady_clock::now() + WireGateway::longestWait;
     while (m_shown.find(text) == std::string::npos)
     {
         if (!readTerminal() || std::chrono::steady_clock::now() > end)
