@@ -25,7 +25,7 @@ template <typename Object>
 std::unique_ptr<Object> make(const Library& library, const char* factory)
 {
     void* const found = dlsym(library.get(), factory);
-    if (found == nullptr)
+    if (!found)
         throw std::runtime_error(dlerror());
     return std::unique_ptr<Object>(reinterpret_cast<Object* (*)()>(found)());
 }

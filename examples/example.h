@@ -9,7 +9,7 @@
 inline std::string uriFrom(int argc, char** argv)
 {
     const char* const fromEnvironment = std::getenv("MONGODB_URI");
-    return argc > 1 ? argv[1] : fromEnvironment != nullptr ? fromEnvironment : "mongodb://127.0.0.1:27017/";
+    return argc > 1 ? argv[1] : fromEnvironment ? fromEnvironment : "mongodb://127.0.0.1:27017/";
 }
 
 // The database that the connection string names, as in mongodb://host/name.

@@ -19,7 +19,7 @@ struct TemporaryFolder
     TemporaryFolder()
     {
         path = (std::filesystem::temp_directory_path() / "database_client_XXXXXX").string();
-        if (::mkdtemp(path.data()) == nullptr)
+        if (!::mkdtemp(path.data()))
             throw std::runtime_error("cannot create " + path);
     }
     TemporaryFolder(const TemporaryFolder&) = delete;

@@ -40,7 +40,7 @@ std::optional<std::size_t> valueSize(bson_type_t type, const std::uint8_t* value
     };
     const auto cString = [&](std::size_t from) -> std::optional<std::size_t> {
         const void* end = from < available ? std::memchr(value + from, 0, available - from) : nullptr;
-        if (end == nullptr)
+        if (!end)
             return std::nullopt;
         return static_cast<std::size_t>(static_cast<const std::uint8_t*>(end) - value) + 1;
     };
@@ -156,7 +156,7 @@ private:
         const auto type = static_cast<bson_type_t>(m_document[m_at]);
         const std::uint8_t* key = m_document + m_at + 1;
         const void* keyEnd = std::memchr(key, 0, last - m_at - 1);
-        if (keyEnd == nullptr)
+        if (!keyEnd)
             return false;
         const std::size_t keyLength = static_cast<std::size_t>(static_cast<const std::uint8_t*>(keyEnd) - key);
         const std::size_t valueAt = m_at + 1 + keyLength + 1;

@@ -27,7 +27,7 @@ namespace {
 std::string required(const char* variable)
 {
     const char* value = std::getenv(variable);
-    if (value == nullptr || *value == '\0')
+    if (!value || *value == '\0')
         throw std::runtime_error(std::string(variable) + " is not set: run the tests through scripts/with-server");
     return value;
 }
@@ -211,7 +211,7 @@ std::vector<std::string> ScratchDatabase::collections() const
     if (!names)
         fail("listCollections", error);
     std::vector<std::string> result;
-    for (char** name = names.get(); *name != nullptr; ++name)
+    for (char** name = names.get(); *name; ++name)
         result.emplace_back(*name);
     std::sort(result.begin(), result.end());
     return result;
@@ -231,7 +231,7 @@ std::string ScratchDatabase::run(const std::string& command) const
 bool ServerProcess::available()
 {
     const char* program = std::getenv("DATABASE_CLIENT_TEST_SERVER_BINARY");
-    return program != nullptr && *program != '\0';
+    return program && *program != '\0';
 }
 
 ServerProcess::ServerProcess() : ServerProcess(Tls()) {}
@@ -240,7 +240,7 @@ ServerProcess::ServerProcess(Tls tls) : m_tls(std::move(tls)), m_reservation(res
 {
     required("DATABASE_CLIENT_TEST_SERVER_BINARY");
     std::string directory = (std::filesystem::temp_directory_path() / "database_client-own-server.XXXXXX").string();
-    if (::mkdtemp(directory.data()) == nullptr)
+    if (!::mkdtemp(directory.data()))
         throw std::system_error(errno, std::generic_category(), "cannot make a directory for a server");
     m_directory = directory;
     std::filesystem::create_directory(m_directory + "/data");

@@ -71,7 +71,7 @@ public:
     bool text(std::string& value)
     {
         const void* end = m_length == 0 ? nullptr : std::memchr(m_data, 0, m_length);
-        if (end == nullptr)
+        if (!end)
             return false;
         value.assign(reinterpret_cast<const char*>(m_data), static_cast<const char*>(end));
         return skip(value.size() + 1);
@@ -146,7 +146,7 @@ std::string textOf(const bson_iter_t& element)
 {
     std::uint32_t length = 0;
     const char* text = bson_iter_utf8(&element, &length);
-    return text == nullptr ? std::string() : std::string(text, length);
+    return text ? std::string(text, length) : std::string();
 }
 
 /// Name, database and target, which all stand in the first level of the body.
