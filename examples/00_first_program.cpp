@@ -11,11 +11,11 @@ int main(int argc, char** argv)
 try
 {
     const char* const given = argc > 1 ? argv[1] : std::getenv("MONGODB_URI");
-    dbc::setLogHandler({}); // the driver's log goes nowhere; errors are exceptions
+    dbc::setLogHandler({}); // turns the driver's log off; errors are exceptions
     DataBaseClient client;
     client.connect(given != nullptr ? given : "mongodb://127.0.0.1:27017/"); // sends nothing
     std::string database;
-    client.getDatabaseName(database); // the database that the connection string names
+    client.getDatabaseName(database); // the database in the connection string
     if (database.empty())
         database = "example";
 

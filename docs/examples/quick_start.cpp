@@ -17,7 +17,7 @@ void run(const std::string& address, const std::string& name)
     DataBaseClient client;
     client.connect(address); // "mongodb://127.0.0.1:27017/"
     dbc::Database database(client, name);
-    database.command({{"ping", 1}}); // asks the server for the first time
+    database.command({{"ping", 1}}); // the first operation opens the connection
     std::cout << "connected\n";
     //! [connect]
 
