@@ -60,10 +60,23 @@ const std::vector<Examples>& allExamples()
     return examples;
 }
 
+// CLI11 since 2.5 breaks the end of the help at 80 columns and drops its indentation. An example is one line that can
+// be copied. Older versions have no such function.
+template <typename Formatter>
+auto keepLines(Formatter& formatter, int) -> decltype(formatter.enable_footer_formatting(false))
+{
+    formatter.enable_footer_formatting(false);
+}
+
+template <typename Formatter>
+void keepLines(Formatter&, long)
+{}
+
 } // namespace
 
 void addExamples(CLI::App& program)
 {
+    keepLines(*program.get_formatter(), 0);
     for (const auto& [command, lines] : allExamples())
     {
         CLI::App* app = &program;
