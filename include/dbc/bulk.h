@@ -3,15 +3,17 @@
 /// @file
 /// Bulk writes: the list of operations, the options and the result.
 
+#include "database_client_export.h"
 #include "dbc/document_ref.h"
 #include "dbc/errors.h"
 #include "dbc/options.h"
+#include "dbc/value.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace dbc {

@@ -6,11 +6,13 @@
 /// The default of an option of type Value is an empty object. It means that the option is not set.
 
 #include "database_client.h"
+#include "database_client_export.h"
 #include "dbc/build.h"
 #include "dbc/bulk.h"
 #include "dbc/cursor.h"
 #include "dbc/document_ref.h"
 #include "dbc/options.h"
+#include "dbc/value.h"
 
 #include <chrono>
 #include <cstdint>

@@ -4,9 +4,11 @@
 /// Operations on one database: collections, commands, users.
 
 #include "database_client.h"
+#include "database_client_export.h"
 #include "dbc/collection.h"
 #include "dbc/document_ref.h"
 #include "dbc/options.h"
+#include "dbc/value.h"
 
 #include <cstdint>
 #include <memory>

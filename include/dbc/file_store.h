@@ -4,6 +4,7 @@
 /// Files in GridFS.
 
 #include "database_client.h"
+#include "database_client_export.h"
 #include "dbc/document_ref.h"
 #include "dbc/errors.h"
 #include "dbc/options.h"

@@ -6,6 +6,7 @@
 
 #include "dbc/build.h"
 #include "dbc/scopes.h"
+#include "dbc/value.h"
 #include "object_filter.h"
 #include "object_properties.h"
 

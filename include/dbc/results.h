@@ -9,8 +9,6 @@
 #include <iterator>
 #include <list>
 #include <memory>
-#include <type_traits>
-#include <utility>
 
 namespace dbc {
 

@@ -17,6 +17,7 @@
 #include <limits>
 #include <map>
 #include <optional>
+#include <ratio>
 #include <stdexcept>
 #include <string>
 #include <string_view>

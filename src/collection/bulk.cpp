@@ -2,6 +2,7 @@
 
 #include "collection/bulk_state.h"
 #include "collection/options_bson.h"
+#include "collection/outgoing.h"
 
 #include <utility>
 

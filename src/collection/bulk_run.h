@@ -2,8 +2,11 @@
 
 #include "collection/bulk_state.h"
 #include "dbc/bulk.h"
+#include "dbc/errors.h"
 #include "driver/bson_handles.h"
 #include "driver/mongoc_handles.h"
+
+#include <bson/bson.h>
 
 #include <cstddef>
 #include <vector>

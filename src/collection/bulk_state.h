@@ -1,8 +1,8 @@
 #pragma once
 
-#include "collection/outgoing.h"
 #include "dbc/bulk.h"
-#include "driver/mongoc_handles.h"
+
+#include <bson/bson.h>
 
 #include <cstddef>
 #include <cstdint>

@@ -2,7 +2,9 @@
 
 #include "conversion/document_refill.h"
 #include "dbc/cursor.h"
+#include "dbc/value.h"
 #include "driver/mongoc_handles.h"
+#include "object_properties.h"
 
 #include <memory>
 #include <optional>

@@ -1,12 +1,15 @@
 #pragma once
 
-#include "database_client/client_access.h"
 #include "dbc/collection.h"
+#include "dbc/cursor.h"
 #include "dbc/file_store.h"
+
+#include <bson/bson.h>
 
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <utility>
 
 namespace dbc {
 

@@ -1,9 +1,12 @@
 #pragma once
 
 #include "collection/file_chunks.h"
+#include "dbc/file_store.h"
 
+#include <ios>
 #include <memory>
 #include <streambuf>
+#include <utility>
 
 namespace dbc {
 

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "dbc/bulk.h"
+#include "dbc/options.h"
+#include "dbc/value.h"
 #include "driver/bson_handles.h"
 #include "driver/mongoc_handles.h"
 

@@ -6,6 +6,7 @@
 #include "collection/bulk_run.h"
 #include "collection/collection_state.h"
 #include "collection/options_bson.h"
+#include "collection/outgoing.h"
 
 #include <algorithm>
 #include <cstdint>

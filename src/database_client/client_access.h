@@ -2,6 +2,7 @@
 
 #include "database_client.h"
 #include "database_client/database_client_d.h"
+#include "database_client/shared_client.h"
 
 #include <memory>
 #include <stdexcept>

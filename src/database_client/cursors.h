@@ -1,5 +1,6 @@
 #pragma once
 
+#include "driver/bson_handles.h"
 #include "driver/mongoc_handles.h"
 
 /// Opens a cursor over the documents that match a query.

@@ -2,6 +2,7 @@
 
 #include "database_client.h"
 #include "database_client/shared_client.h"
+#include "driver/bson_handles.h"
 #include "driver/mongoc_handles.h"
 
 #include <list>

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "property.h"
 #include "property/property_tree.h"
 
 #include <string>
