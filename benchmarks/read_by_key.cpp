@@ -20,13 +20,13 @@ std::size_t valueOf(const ObjectProperties& document, const Step& step)
 {
     switch (step.kind)
     {
-    case Step::Int32:
+    case Step::Kind::Int32:
         return static_cast<std::size_t>(document.valueAsInt32(step.key, 0));
-    case Step::Int64:
+    case Step::Kind::Int64:
         return static_cast<std::size_t>(document.valueAsInt64(step.key, 0));
-    case Step::Double:
+    case Step::Kind::Double:
         return document.valueAsDouble(step.key, 0.0) > 0 ? 1 : 0;
-    case Step::Bool:
+    case Step::Kind::Bool:
         return document.valueAsBool(step.key, false) ? 1 : 0;
     default:
         return document.valueAsString(step.key, "").size();
@@ -37,13 +37,13 @@ std::size_t valueOf(const nlohmann::json& json, const Step& step)
 {
     switch (step.kind)
     {
-    case Step::Int32:
+    case Step::Kind::Int32:
         return static_cast<std::size_t>(json.at(step.key).get<int>());
-    case Step::Int64:
+    case Step::Kind::Int64:
         return static_cast<std::size_t>(json.at(step.key).get<long>());
-    case Step::Double:
+    case Step::Kind::Double:
         return json.at(step.key).get<double>() > 0 ? 1 : 0;
-    case Step::Bool:
+    case Step::Kind::Bool:
         return json.at(step.key).get<bool>() ? 1 : 0;
     default:
         return json.at(step.key).get<std::string>().size();
@@ -67,10 +67,10 @@ std::size_t sumOf(const std::vector<Step>& steps)
     std::size_t sum = 0;
     for (const Step& step : steps)
     {
-        if (step.kind == Step::Double)
+        if (step.kind == Step::Kind::Double)
             sum += step.number > 0 ? 1 : 0;
         else
-            sum += step.kind == Step::Text ? step.text.size() : static_cast<std::size_t>(step.integer);
+            sum += step.kind == Step::Kind::Text ? step.text.size() : static_cast<std::size_t>(step.integer);
     }
     return sum;
 }
@@ -83,8 +83,8 @@ std::vector<Step> valuesOf(const Shape& shape, const std::string& group)
     int wantedDepth = group.empty() ? 0 : -1;
     for (const Step& step : shape.steps)
     {
-        const bool begins = step.kind == Step::BeginGroup || step.kind == Step::BeginArray;
-        const bool ends = step.kind == Step::EndGroup || step.kind == Step::EndArray;
+        const bool begins = step.kind == Step::Kind::BeginGroup || step.kind == Step::Kind::BeginArray;
+        const bool ends = step.kind == Step::Kind::EndGroup || step.kind == Step::Kind::EndArray;
         depth += begins ? 1 : 0;
         if (begins && depth == 1 && step.key == group)
             wantedDepth = 1;

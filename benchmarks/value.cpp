@@ -101,13 +101,13 @@ std::size_t numberOf(const dbc::Value& object, const Step& step)
     const dbc::Value& value = object.at(step.key);
     switch (step.kind)
     {
-    case Step::Int32:
+    case Step::Kind::Int32:
         return static_cast<std::size_t>(*value.get<int>());
-    case Step::Int64:
+    case Step::Kind::Int64:
         return static_cast<std::size_t>(*value.get<long>());
-    case Step::Double:
+    case Step::Kind::Double:
         return *value.get<double>() > 0 ? 1 : 0;
-    case Step::Bool:
+    case Step::Kind::Bool:
         return *value.get<bool>() ? 1 : 0;
     default:
         return value.get<std::string>()->size();
@@ -119,13 +119,13 @@ std::size_t numberOf(const nlohmann::json& object, const Step& step)
     const nlohmann::json& value = object.at(step.key);
     switch (step.kind)
     {
-    case Step::Int32:
+    case Step::Kind::Int32:
         return static_cast<std::size_t>(value.get<int>());
-    case Step::Int64:
+    case Step::Kind::Int64:
         return static_cast<std::size_t>(value.get<long>());
-    case Step::Double:
+    case Step::Kind::Double:
         return value.get<double>() > 0 ? 1 : 0;
-    case Step::Bool:
+    case Step::Kind::Bool:
         return value.get<bool>() ? 1 : 0;
     default:
         return value.get<std::string>().size();

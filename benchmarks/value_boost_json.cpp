@@ -71,12 +71,12 @@ std::size_t numberOf(const boost::json::value& object, const Step& step)
     const boost::json::value& value = object.as_object().at(step.key);
     switch (step.kind)
     {
-    case Step::Int32:
-    case Step::Int64:
+    case Step::Kind::Int32:
+    case Step::Kind::Int64:
         return static_cast<std::size_t>(value.as_int64());
-    case Step::Double:
+    case Step::Kind::Double:
         return value.as_double() > 0 ? 1 : 0;
-    case Step::Bool:
+    case Step::Kind::Bool:
         return value.as_bool() ? 1 : 0;
     default:
         return std::string(value.as_string()).size();

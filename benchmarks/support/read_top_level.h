@@ -13,8 +13,8 @@ inline std::vector<Step> topLevelOf(const Shape& shape)
     int depth = 0;
     for (const Step& step : shape.steps)
     {
-        const bool begins = step.kind == Step::BeginGroup || step.kind == Step::BeginArray;
-        const bool ends = step.kind == Step::EndGroup || step.kind == Step::EndArray;
+        const bool begins = step.kind == Step::Kind::BeginGroup || step.kind == Step::Kind::BeginArray;
+        const bool ends = step.kind == Step::Kind::EndGroup || step.kind == Step::Kind::EndArray;
         if (depth == 0 && !begins && !ends)
             steps.push_back(step);
         depth += begins ? 1 : ends ? -1 : 0;
@@ -34,9 +34,11 @@ void readTopLevel(benchmark::State& state, const Shape& shape, const Object& obj
     const std::vector<Step> wanted = topLevelOf(shape);
     std::size_t expected = 0;
     for (const Step& step : wanted)
-        expected += step.kind == Step::Double ? (step.number > 0 ? 1 : 0)
-                    : step.kind == Step::Text ? step.text.size()
-                                              : static_cast<std::size_t>(step.integer);
+    {
+        expected += step.kind == Step::Kind::Double ? (step.number > 0 ? 1 : 0)
+                    : step.kind == Step::Kind::Text ? step.text.size()
+                                                    : static_cast<std::size_t>(step.integer);
+    }
     measure<Read>(
         state, wanted.size(), 32 * wanted.size(), [](Read&) {},
         [&](Read& read) {

@@ -49,7 +49,7 @@ Shape shapeOf(const std::string& name, const std::vector<Step>& steps)
     shape.steps = steps;
     shape.canonicalSteps = stepsOf(shape.canonicalBytes);
     shape.fields = static_cast<std::size_t>(std::count_if(steps.begin(), steps.end(), [](const Step& step) {
-        return step.kind != Step::EndGroup && step.kind != Step::EndArray;
+        return step.kind != Step::Kind::EndGroup && step.kind != Step::Kind::EndArray;
     }));
     if (shape.canonicalBytes.size() != shape.bytes.size())
         throw std::logic_error("a field of a shape was lost");
@@ -60,19 +60,25 @@ Shape shapeOf(const std::string& name, const std::vector<Step>& steps)
 class Writer
 {
 public:
-    Writer& int32(const std::string& key, int value) { return add({Step::Int32, key, value, 0, "", {}}); }
-    Writer& int64(const std::string& key, long value) { return add({Step::Int64, key, value, 0, "", {}}); }
-    Writer& real(const std::string& key, double value) { return add({Step::Double, key, 0, value, "", {}}); }
-    Writer& boolean(const std::string& key, bool value) { return add({Step::Bool, key, value ? 1 : 0, 0, "", {}}); }
-    Writer& text(const std::string& key, const std::string& value) { return add({Step::Text, key, 0, 0, value, {}}); }
+    Writer& int32(const std::string& key, int value) { return add({Step::Kind::Int32, key, value, 0, "", {}}); }
+    Writer& int64(const std::string& key, long value) { return add({Step::Kind::Int64, key, value, 0, "", {}}); }
+    Writer& real(const std::string& key, double value) { return add({Step::Kind::Double, key, 0, value, "", {}}); }
+    Writer& boolean(const std::string& key, bool value)
+    {
+        return add({Step::Kind::Bool, key, value ? 1 : 0, 0, "", {}});
+    }
+    Writer& text(const std::string& key, const std::string& value)
+    {
+        return add({Step::Kind::Text, key, 0, 0, value, {}});
+    }
     Writer& binary(const std::string& key, std::size_t size)
     {
-        return add({Step::Binary, key, 0, 0, "", std::vector<unsigned char>(size, 0x5A)});
+        return add({Step::Kind::Binary, key, 0, 0, "", std::vector<unsigned char>(size, 0x5A)});
     }
-    Writer& beginGroup(const std::string& key) { return add({Step::BeginGroup, key, 0, 0, "", {}}); }
-    Writer& endGroup() { return add({Step::EndGroup, "", 0, 0, "", {}}); }
-    Writer& beginArray(const std::string& key) { return add({Step::BeginArray, key, 0, 0, "", {}}); }
-    Writer& endArray() { return add({Step::EndArray, "", 0, 0, "", {}}); }
+    Writer& beginGroup(const std::string& key) { return add({Step::Kind::BeginGroup, key, 0, 0, "", {}}); }
+    Writer& endGroup() { return add({Step::Kind::EndGroup, "", 0, 0, "", {}}); }
+    Writer& beginArray(const std::string& key) { return add({Step::Kind::BeginArray, key, 0, 0, "", {}}); }
+    Writer& endArray() { return add({Step::Kind::EndArray, "", 0, 0, "", {}}); }
 
     const std::vector<Step>& steps() const { return m_steps; }
 

@@ -12,7 +12,7 @@
 /// One call that builds a document: a value, or the begin or the end of a nested one.
 struct Step
 {
-    enum Kind
+    enum class Kind
     {
         Int32,
         Int64,
