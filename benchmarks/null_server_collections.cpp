@@ -112,8 +112,10 @@ void report(const char* what, std::size_t documents, const std::vector<Work>& wo
     check(rounds > 0, "a number of rounds, or a form");
     const std::vector<double> times = microseconds(rounds, documents, works);
     for (std::size_t index = 0; index < works.size(); ++index)
+    {
         std::printf("%s %zu documents of 12 fields, %s: %.2f us CPU per document, own %.2f, ratio %.2f\n", what,
                     documents, works[index].name, times[index], times[index] - times[0], times[index] / times[0]);
+    }
 }
 
 using Bytes = std::vector<std::uint8_t>;

@@ -21,10 +21,12 @@ void threads(const std::string& uri, const std::string& database)
     std::vector<std::thread> threads;
     threads.reserve(4);
     for (int number = 0; number < 4; ++number)
+    {
         threads.emplace_back([&pool, &database, number] {
             const auto client = pool.lease(std::chrono::minutes(1)); // waits while two others have one
             client->write(database, "numbers", dbc::document({{"n", number}}));
         }); // the lease returns its client
+    }
     for (std::thread& thread : threads)
         thread.join();
 

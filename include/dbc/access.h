@@ -137,9 +137,11 @@ inline std::vector<std::shared_ptr<Property>> elements(const std::shared_ptr<Pro
         result.push_back(element);
     }
     if (numbered)
+    {
         std::stable_sort(result.begin(), result.end(), [](const auto& left, const auto& right) {
             return detail::isSmallerNumber(left->keyView(), right->keyView());
         });
+    }
     return result;
 }
 

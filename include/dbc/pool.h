@@ -85,8 +85,10 @@ public:
     {
         // Closing these connections in the child would also close them for the parent.
         if (::getpid() != m_owner)
+        {
             for (auto& client : m_idle)
                 static_cast<void>(client.release());
+        }
     }
 
     /// Leases a client. Waits up to @p limit if all clients are leased.

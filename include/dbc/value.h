@@ -615,8 +615,10 @@ private:
     static Value keyOf(Key&& key)
     {
         if constexpr (std::is_pointer_v<detail::Plain<Key>>)
+        {
             if (static_cast<const char*>(key) == nullptr)
                 Value::throwNullPointer();
+        }
         return checkedKey(key);
     }
 
@@ -717,8 +719,10 @@ void Value::build(T&& value)
     if constexpr (detail::isText<T>)
     {
         if constexpr (std::is_pointer_v<Source>)
+        {
             if (static_cast<const char*>(value) == nullptr)
                 throwNullPointer();
+        }
         const std::string_view view(value);
         setText(Type::String, view.data(), view.size());
     }

@@ -69,8 +69,10 @@ DriverOptions& DriverOptions::add(const char* key, const Sort& sort)
         return *this;
     OwnedBson fields;
     for (const SortField& field : sort)
+    {
         bson_append_int32(fields.get(), field.field.c_str(), static_cast<int>(field.field.size()),
                           static_cast<int>(field.order));
+    }
     BSON_APPEND_DOCUMENT(m_bson.get(), key, fields.get());
     return *this;
 }

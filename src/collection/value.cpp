@@ -435,6 +435,7 @@ const Value* Value::find(std::string_view key) const noexcept
             std::memcpy(image.m_bytes + textOffset, key.data(), key.size());
     }
     if (block->size >= fieldsBeforeIndex)
+    {
         if (KeyIndex* const index = indexOf(*block))
         {
             if (!isShort)
@@ -443,6 +444,7 @@ const Value* Value::find(std::string_view key) const noexcept
             image.m_bytes[1] = 0;
             return number == 0 ? nullptr : &block->fields()[number - 1].m_value;
         }
+    }
     const Field* const end = block->fields() + block->size;
     const auto [first, second] = Access::words(image);
     for (const Field* field = block->fields(); field != end; ++field)

@@ -80,12 +80,18 @@ public:
         Block* const block = Access::newBlock(count, target.isObject() ? sizeof(Field) : sizeof(Value));
         // A value has no pointers to itself, so it can be moved as bytes. The keys of elements own no memory.
         if (target.isObject())
+        {
             std::memcpy(static_cast<void*>(block->fields()), static_cast<const void*>(m_items + first),
                         count * sizeof(Field));
+        }
         else
+        {
             for (std::size_t index = 0; index < count; ++index)
+            {
                 std::memcpy(static_cast<void*>(block->values() + index),
                             static_cast<const void*>(&m_items[first + index].value()), sizeof(Value));
+            }
+        }
         block->size = static_cast<std::uint32_t>(count);
         m_size = first;
         Access::setBlock(target, target.type(), block);

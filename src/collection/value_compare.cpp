@@ -114,8 +114,10 @@ struct Digits
         const std::size_t point = std::min(mantissa.find('.'), mantissa.size());
         exponent += static_cast<long>(point);
         for (const char character : mantissa)
+        {
             if (character != '.')
                 digits += character;
+        }
         const std::size_t zeros = std::min(digits.find_first_not_of('0'), digits.size());
         digits.erase(0, zeros);
         exponent -= static_cast<long>(zeros);

@@ -126,8 +126,10 @@ private:
     void skipString()
     {
         for (++m_next; m_next < m_json.size() && m_json[m_next] != '"'; ++m_next)
+        {
             if (m_json[m_next] == '\\')
                 ++m_next;
+        }
         if (m_next >= m_json.size())
             throw FormatError("JSON: the text ends before the value does", m_json.size());
     }

@@ -355,8 +355,10 @@ BulkResult Collection::bulkWrite(const Bulk& bulk, const BulkOptions& options)
     for (std::size_t index = 0; index < state.operations.size(); ++index)
     {
         if (parts.empty() || index == parts.back().end)
+        {
             parts.emplace_back(index, endOfPart(state, index, options.ordered), target, driverOptions.get(),
                                options.bypassValidation);
+        }
         BulkRun& run = parts.back().run;
         if (run.add(state, state.operations[index]))
             continue;

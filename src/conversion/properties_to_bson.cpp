@@ -42,8 +42,10 @@ void appendBinary(bson_t* bson, const std::string& key, const std::vector<unsign
 {
     // A binary without bytes is left out: callers depend on it.
     if (!bytes.empty())
+    {
         bson_append_binary(bson, key.c_str(), static_cast<int>(key.size()), BSON_SUBTYPE_BINARY, bytes.data(),
                            static_cast<std::uint32_t>(bytes.size()));
+    }
 }
 
 void appendValue(bson_t* bson, Property& node, PropertyType type)
@@ -160,9 +162,9 @@ bool appendChildren(const Property& node, bson_t* bson, std::size_t levels)
         bson_t* const target = innermost.parent ? &innermost.bson : bson;
         if (const Property* const nested = appendValuesUpToNested(target, innermost))
         {
+            // A document above the size limit of libbson accepts no more fields, so there is nothing to fill or end.
             if (open.size() > levels)
                 complete = false;
-            // A document above the size limit of libbson accepts no more fields, so there is nothing to fill or end.
             else if (!beginNested(*nested, target, &open.push(*nested, target).bson))
                 open.pop();
             continue;

@@ -151,9 +151,11 @@ CursorHandle openAggregationByCommand(mongoc_client_t* client, const CollectionH
     SessionHandle session;
     bool done = false;
     if (endsInWriteStage(stages))
+    {
         // Sent to the primary with the write concern. The reply has no results.
         done = mongoc_collection_read_write_command_with_opts(collection.get(), command.get(), readPreference,
                                                               options.get(), reply.get(), &error);
+    }
     else
     {
         const ServerHandle server(mongoc_client_select_server(

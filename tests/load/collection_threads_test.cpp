@@ -143,6 +143,7 @@ TEST(CollectionThreads, WorkAtTheSameTimeWithAClientEach)
     std::vector<std::exception_ptr> failures(threadCount);
     std::vector<std::thread> threads;
     for (int number = 0; number < threadCount; ++number)
+    {
         threads.emplace_back([&, number] {
             try
             {
@@ -153,6 +154,7 @@ TEST(CollectionThreads, WorkAtTheSameTimeWithAClientEach)
                 failures[static_cast<std::size_t>(number)] = std::current_exception();
             }
         });
+    }
     for (std::thread& thread : threads)
         thread.join();
 

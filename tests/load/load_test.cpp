@@ -261,8 +261,10 @@ void run(const Arguments& arguments)
     test_support::ScratchDatabase database(test_support::TestServer::instance().directUri());
     std::vector<std::unique_ptr<Worker>> workers;
     for (unsigned i = 0; i < arguments.threads; ++i)
+    {
         workers.push_back(std::make_unique<Worker>(test_support::TestServer::instance().directUri(), database.name(), i,
                                                    arguments.seed));
+    }
     Load load(arguments, workers);
     const auto begin = std::chrono::steady_clock::now();
     load.run();

@@ -218,8 +218,10 @@ void compare(State& state)
     {
         state.comparison.sameTree("node " + std::to_string(i), *state.library[i], *state.model[i]);
         for (std::size_t j = 0; j < i; ++j)
+        {
             state.comparison.same("node " + std::to_string(i) + " is node " + std::to_string(j),
                                   state.library[i] == state.library[j], state.model[i] == state.model[j]);
+        }
     }
 }
 

@@ -291,8 +291,10 @@ std::vector<std::string> ServerProcess::commandLine() const
     if (m_tls.certificate.empty())
         line.push_back("--listen-addr=" + address);
     else // With an authority it would want certificates of its clients.
+    {
         line.insert(line.end(), {"--listen-addr=", "--listen-tls=" + address,
                                  "--listen-tls-cert-file=" + m_tls.certificate, "--listen-tls-key-file=" + m_tls.key});
+    }
     return line;
 }
 

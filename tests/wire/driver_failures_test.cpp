@@ -147,8 +147,10 @@ public:
         const std::string text = patternText(300'000); // two chunks
         std::ofstream(m_source, std::ios::binary).write(text.data(), static_cast<std::streamsize>(text.size()));
         for (int index = 0; index < 3; ++index)
+        {
             scratch().insert("c", R"({"_id": )" + std::to_string(index) +
                                       R"(, "a": "a text of some length, to be allocated"})");
+        }
         client().writeFile(database(), "fs", "kept", m_source);
         std::filesystem::resize_file(m_source, 5000);
         client().writeFile(database(), "fs", "Gone", m_source);

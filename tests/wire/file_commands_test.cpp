@@ -105,8 +105,10 @@ public:
     {
         // More than one batch: the list has a middle.
         for (int index = 0; index < 150; ++index)
+        {
             scratch().insert("many.files", R"({"_id": )" + std::to_string(index) +
                                                R"(, "length": 0, "chunkSize": 10, "filename": "n"})");
+        }
         gateway().clear();
     }
 

@@ -109,8 +109,10 @@ std::string connectionString(const ConnectionOptions& options)
 std::unique_ptr<DataBaseClient> connect(const std::string& uri)
 {
     if (const ParsedUri parsed = parseUri(uri); !parsed.uri)
+    {
         throw Failure(ConnectionError, "the connection string cannot be read" +
                                            (parsed.error.empty() ? "" : ": " + parsed.error) + "; " + uriForm);
+    }
     auto client = std::make_unique<DataBaseClient>();
     client->connect(uri);
     return client;
@@ -126,8 +128,10 @@ std::string defaultDatabase(DataBaseClient& client)
     std::string database;
     client.getDatabaseName(database);
     if (database.empty())
+    {
         throw Failure(UsageError, "no database: name a collection as DATABASE.COLLECTION, or put the database into the "
                                   "connection string, mongodb://HOST/DATABASE");
+    }
     return database;
 }
 

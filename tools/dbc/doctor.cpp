@@ -48,10 +48,12 @@ private:
         }
         m_isTlsReported = !seen.empty() && mongoc_uri_get_tls(&uri);
         if (m_isMemberUnresolved && !mongoc_check_version(1, 30, 0))
+        {
             return reportFailure("server",
                                  std::string("not asked: libmongoc ") + mongoc_get_version() +
                                      " would hang, since the set names a member that cannot be resolved",
                                  "name this member in the connection string too, or use libmongoc 1.30 or later");
+        }
         return m_isAnyReached || !m_isAnyMissed; // the list of a mongodb+srv:// string is empty until it is needed
     }
 
@@ -134,8 +136,10 @@ private:
     void reportTls(const mongoc_uri_t* uri)
     {
         if (!m_isTlsReported)
+        {
             reportSuccess("tls",
                           mongoc_uri_get_tls(uri) ? "agreed on" : "not used; what is sent can be read on the way");
+        }
         m_isTlsReported = true;
     }
 
@@ -145,17 +149,21 @@ private:
         const bool isTls = mongoc_uri_get_tls(uri);
         const bool isAboutTls = text.find("TLS") != std::string::npos || text.find("certificate") != std::string::npos;
         if (isTls && isAboutTls)
+        {
             reportFailure("tls", text,
                           "check tlsCAFile, and that the certificate is for this host; or the server has no TLS");
+        }
         else if (mongoc_uri_get_replica_set(uri))
             reportFailure("server", text, "check that replicaSet is its name there");
         else if (mongoc_uri_get_hosts(uri) && mongoc_uri_get_hosts(uri)->next)
             reportFailure("server", text, "several hosts must be of one replica set, or mongos; else name one of them");
         else
+        {
             reportFailure(
                 "server", text,
                 isTls ? "check that a server of this kind listens there, with TLS"
                       : "check that a server of this kind listens there; if it wants TLS, add tls=true to the string");
+        }
     }
 
     static void reportServer(const dbc::Value& build)
@@ -165,8 +173,10 @@ private:
         if (const auto limit = build.get<std::int64_t>("maxBsonObjectSize"))
             reportSuccess("limit", "documents of up to " + std::to_string(*limit) + " bytes");
         if (build.contains("ferretdbVersion"))
+        {
             reportSuccess("limit",
                           "arrays must have the keys 0, 1, 2 ...; undefined and null differ from other servers");
+        }
     }
 
     const std::string m_uri;

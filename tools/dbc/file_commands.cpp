@@ -174,8 +174,10 @@ int list(const GlobalOptions& global, const FileCommand& command)
     for (const dbc::FileInfo& file : files)
     {
         if (command.isLong)
+        {
             std::cout << std::setw(12) << file.length << "  " << dateText(file.uploaded) << "  " << idText(file.id)
                       << "  ";
+        }
         std::cout << file.name << (dbc::finalFileName(file.name).empty() ? "\n" : " (incomplete)\n");
     }
     return files.empty() ? NothingFound : Success;

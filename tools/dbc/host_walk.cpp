@@ -97,8 +97,10 @@ bool agreeOnTls(const mongoc_uri_t& uri, const mongoc_host_list_t& host, StreamH
     mongoc_ssl_opt_t options = tlsOptionsOf(uri);
     StreamHandle encrypted(mongoc_stream_tls_new_with_hostname(plain.get(), host.host, &options, 1));
     if (!encrypted)
+    {
         return reportFailure("tls", place + ": cannot be started",
                              "check the files of tlsCAFile and tlsCertificateKeyFile");
+    }
     static_cast<void>(plain.release()); // belongs to the other now
     bson_error_t error{};
     if (mongoc_stream_tls_handshake_block(encrypted.get(), host.host, stepTimeout, &error))

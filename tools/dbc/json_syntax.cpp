@@ -110,9 +110,11 @@ private:
         {
             const auto byte = static_cast<unsigned char>(m_text[m_next]);
             if (byte < 0x20)
+            {
                 return fail(m_next, byte == '\n' ? "a line break inside a string is written \\n"
                                                  : "the control character " + quotedCharacter(m_text[m_next]) +
                                                        " must be escaped inside a string");
+            }
             if (m_text[m_next] == '\\' && !escape())
                 return;
         }

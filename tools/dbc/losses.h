@@ -35,8 +35,10 @@ public:
         for (const dbc::LossAt& loss : losses)
         {
             if (m_policy == LossPolicy::Refuse)
+            {
                 throw Failure(ServerRefused, "document " + std::to_string(documentNumber) + ", " + loss.path + ": " +
                                                  nameOf(loss.loss));
+            }
             ++m_fields[loss.loss];
         }
     }

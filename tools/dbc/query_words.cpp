@@ -49,8 +49,10 @@ dbc::Value valueOf(const std::string& field, const std::string& text)
     if (const auto time = parseTime(text))
         return *time;
     if (looksLikeTime(text))
+    {
         throw Failure(UsageError,
                       "there is no time " + text + "; the string is written " + field + "=\"" + text + "\"");
+    }
     if (isMeantAsJson(text))
         return parseJson(text, "the value of " + field);
     try
@@ -76,10 +78,12 @@ dbc::Value expressionOf(const std::string& field, const std::string& text)
     flags.erase(std::unique(flags.begin(), flags.end()), flags.end());
     const std::size_t wrong = flags.find_first_not_of("imsx");
     if (wrong != std::string::npos)
+    {
         throw Failure(UsageError, field + "~" + text + ": " + quotedCharacter(flags[wrong]) +
                                       " is no flag of a regular expression, which are i, m, s and x; a pattern that "
                                       "begins with \"/\" is written " +
                                       field + "~\\" + text);
+    }
     dbc::Value expression{{"$regex", text.substr(1, last - 1)}};
     if (!flags.empty())
         expression.append("$options", flags);

@@ -220,9 +220,11 @@ int schema(const GlobalOptions& global, const SchemaCommand& command)
     for (const auto& entry : sample.schema)
         width = std::max(width, entry.first.first.size());
     for (const auto& [place, column] : sample.schema)
+    {
         std::cout << std::left << std::setw(static_cast<int>(width)) << place.first << "  " << std::setw(10)
                   << place.second << "  " << std::right << std::setw(8) << column.count << rangeOf(place.second, column)
                   << '\n';
+    }
     if (!global.connection.quiet)
     {
         std::cout << sample.documents << " documents\n" << std::flush;

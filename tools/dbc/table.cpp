@@ -146,10 +146,12 @@ void checkRow(const dbc::Value& document, std::uint64_t number)
     {
         const bool isColumn = !key.empty() && key.find('.') == std::string_view::npos;
         if (!isColumn || !keys.insert(key).second)
+        {
             throw Failure(ServerRefused, place(number) + " cannot be a row: " +
                                              (isColumn ? "it has the field \"" + std::string(key) + "\" twice"
                                                        : "the field \"" + std::string(key) + "\" cannot be a column") +
                                              "; export it as JSON");
+        }
     }
 }
 
@@ -267,8 +269,10 @@ std::vector<Column> parseHeader(const std::vector<Cell>& header)
         }
         const std::string& path = column.path;
         if (path.empty() || path.front() == '.' || path.back() == '.' || path.find("..") != std::string::npos)
+        {
             throw Failure(UsageError,
                           "column " + std::to_string(columns.size() + 1) + " has no name: \"" + path + "\"");
+        }
         if (!paths.insert(path).second)
             throw Failure(UsageError, "two columns have the name " + path);
         columns.push_back(std::move(column));
@@ -456,18 +460,22 @@ void TableWriter::write(const dbc::Value& document, std::uint64_t number)
         const auto place = m_places.find(path);
         const bool hasColumn = place != m_places.end() && !(m_format.isComplete && isSpread);
         if (!hasColumn && m_format.isComplete && !isSpread)
+        {
             throw Failure(ServerRefused, ::place(number) + " has the field " + path +
                                              ", which no document had when the columns were looked for; name them "
                                              "with --columns");
+        }
         if (!hasColumn)
             return !isSpread;
         const Column& column = m_columns[place->second];
         const std::string what = ::place(number) + ": " + path;
         const std::optional<Cell> cell = cellOf(column, value, what);
         if (!cell)
+        {
             throw Failure(ServerRefused, what + " is no " + std::string(nameOf(column.type)) + " but a " +
                                              dbc::nameOf(value.type()) + "; a column " + path +
                                              ":json takes every type");
+        }
         m_cells[place->second] = *cell;
         return true;
     });

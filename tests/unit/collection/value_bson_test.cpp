@@ -25,8 +25,10 @@ Bytes bytesOf(const std::string& hex)
     Bytes bytes;
     std::string digits;
     for (const char character : hex)
+    {
         if (character != ' ')
             digits += character;
+    }
     for (std::size_t index = 0; index < digits.size(); index += 2)
         bytes.push_back(static_cast<std::uint8_t>(std::stoi(digits.substr(index, 2), nullptr, 16)));
     return bytes;
@@ -217,6 +219,7 @@ TEST(ValueBson, IsReadOrRefusedWhateverByteIsChanged)
     const Bytes bytes = test_support::everyType().toBson();
     int readable = 0;
     for (std::size_t place = 0; place < bytes.size(); ++place)
+    {
         for (const int change : {0x01, 0x02, 0x10, 0x7F, 0x80, 0xFF})
         {
             Bytes changed = bytes;
@@ -232,6 +235,7 @@ TEST(ValueBson, IsReadOrRefusedWhateverByteIsChanged)
                 EXPECT_LE(error.position(), bytes.size());
             }
         }
+    }
     EXPECT_GT(readable, 100);
 }
 

@@ -93,11 +93,13 @@ TEST(ValueOrder, IsThatOfAServer)
 {
     const std::vector<Value> values = inOrder();
     for (std::size_t left = 0; left < values.size(); ++left)
+    {
         for (std::size_t right = 0; right < values.size(); ++right)
         {
             const int expected = left < right ? -1 : left > right ? 1 : 0;
             EXPECT_EQ(values[left].compare(values[right]), expected) << values[left] << " and " << values[right];
         }
+    }
 }
 
 TEST(ValueOrder, HasAllOperators)

@@ -131,6 +131,7 @@ TEST(ValueRead, FindsEveryKeyOfALargeObjectHoweverOftenItIsAsked)
         value.append((number % 2 == 0 ? "k" : "a key that is not stored in place ") + std::to_string(number), number);
     value.append("k0", "second");
     for (int round = 0; round < 3; ++round)
+    {
         for (int number = 0; number < 1000; ++number)
         {
             const std::string suffix = std::to_string(number);
@@ -140,6 +141,7 @@ TEST(ValueRead, FindsEveryKeyOfALargeObjectHoweverOftenItIsAsked)
             EXPECT_EQ(value.find("missing" + suffix), nullptr);
             EXPECT_EQ(value.find("another missing key, a long one " + suffix), nullptr);
         }
+    }
 }
 
 TEST(ValueRead, FindsKeysThatChangedAfterManySearches)
@@ -184,10 +186,12 @@ TEST(ValueRead, MayBeDoneBySeveralThreads)
     std::vector<std::thread> threads;
     std::vector<int> sums(4);
     for (int& sum : sums)
+    {
         threads.emplace_back([&shared, &sum] {
             for (int number = 0; number < 200; ++number)
                 sum += shared.getOr("k" + std::to_string(number), 0);
         });
+    }
     for (std::thread& thread : threads)
         thread.join();
     EXPECT_EQ(sums, std::vector<int>(4, 199 * 100));

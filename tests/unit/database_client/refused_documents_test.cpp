@@ -360,9 +360,11 @@ class StoreName : public RefusedDocument, public testing::WithParamInterface<Sto
 TEST_P(StoreName, OfMoreThanAHundredAndNineteenBytesIsRefused)
 {
     for (const std::size_t length : {120U, 121U, 128U, 100'000U})
+    {
         EXPECT_EQ(refusal([&](DataBaseClient& client) { GetParam().call(client, std::string(length, 'n')); }),
                   "runtime_error: Error occurred while mongoc_client_get_gridfs operation: the name of the store is "
                   "longer than 119 bytes");
+    }
 }
 
 TEST_P(StoreName, OfAHundredAndNineteenBytesGoesToTheDriver)

@@ -31,8 +31,10 @@ public:
                   const std::string& /*fileName*/, std::iostream* stream) override
     {
         for (std::size_t begin = 0; begin < content.size(); begin += 4096)
+        {
             stream->write(content.data() + begin,
                           static_cast<std::streamsize>(std::min<std::size_t>(4096, content.size() - begin)));
+        }
     }
 
     void writeFile(const std::string& /*database*/, const std::string& /*gridFsCollection*/,

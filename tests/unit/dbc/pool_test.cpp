@@ -82,6 +82,7 @@ TEST(ClientPool, ServesManyThreads)
     std::set<const DataBaseClient*> leased;
     std::vector<std::thread> threads;
     for (int number = 0; number < 8; ++number)
+    {
         threads.emplace_back([&] {
             for (int turn = 0; turn < 100; ++turn)
             {
@@ -95,6 +96,7 @@ TEST(ClientPool, ServesManyThreads)
                 leased.erase(client);
             }
         });
+    }
     for (auto& thread : threads)
         thread.join();
 }
