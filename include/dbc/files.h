@@ -84,9 +84,9 @@ public:
     }
 
     /// Number of bytes so far.
-    std::uint64_t bytes() const noexcept { return m_buffer.m_bytes; }
+    std::uint64_t bytes() const noexcept { return m_buffer.byteCount; }
     /// Checksum of the bytes so far.
-    std::uint32_t crc32() const noexcept { return m_buffer.m_checksum.value(); }
+    std::uint32_t crc32() const noexcept { return m_buffer.checksum.value(); }
 
 private:
     class Buffer : public std::streambuf
@@ -94,17 +94,17 @@ private:
     public:
         Buffer(std::ostream& target, Progress progress) : m_target(target), m_progress(std::move(progress)) {}
 
-        std::uint64_t m_bytes = 0;
-        Crc32 m_checksum;
+        std::uint64_t byteCount = 0;
+        Crc32 checksum;
 
     protected:
         std::streamsize xsputn(const char* bytes, std::streamsize count) override
         {
             if (!m_target.write(bytes, count))
                 throw std::runtime_error("The target of the download cannot be written");
-            m_checksum.add(bytes, static_cast<std::size_t>(count));
-            m_bytes += static_cast<std::uint64_t>(count);
-            if (m_progress && !m_progress(m_bytes))
+            checksum.add(bytes, static_cast<std::size_t>(count));
+            byteCount += static_cast<std::uint64_t>(count);
+            if (m_progress && !m_progress(byteCount))
                 throw Cancelled();
             return count;
         }

@@ -1,8 +1,8 @@
 #pragma once
 
 /// Shows a private member to a test: an explicit instantiation may name it. For states that no caller can make.
-template <typename Tag, typename Tag::Member pointer>
+template <typename Tag, typename Tag::Member Pointer>
 struct RevealMember
 {
-    friend typename Tag::Member revealed(Tag /*tag*/) { return pointer; }
+    friend typename Tag::Member revealed(Tag /*tag*/) { return Pointer; }
 };

@@ -378,8 +378,8 @@ TEST(BsonReader, DrivesADocumentThroughItsVirtualOperations)
         {
             note(key + "=" + std::to_string(value));
         }
-        void note(const std::string& call) const { m_calls.push_back(call); }
-        mutable std::list<std::string> m_calls;
+        void note(const std::string& call) const { calls.push_back(call); }
+        mutable std::list<std::string> calls;
     };
     OwnedBson bson;
     bson_append_int32(bson.get(), "a", -1, 1);
@@ -389,5 +389,5 @@ TEST(BsonReader, DrivesADocumentThroughItsVirtualOperations)
 
     ASSERT_TRUE(BsonToProperties::convert(bson.get(), &recorder));
 
-    EXPECT_EQ(recorder.m_calls, (std::list<std::string>{"a=1", "begin g", "array l", "0=2", "end array", "end"}));
+    EXPECT_EQ(recorder.calls, (std::list<std::string>{"a=1", "begin g", "array l", "0=2", "end array", "end"}));
 }
