@@ -38,7 +38,7 @@ struct BulkResult
     std::int64_t removed = 0;             ///< Removed documents.
     std::vector<IndexedId> insertedIds{}; ///< Ids of the inserts, in the order of the operations.
     std::vector<IndexedId> upsertedIds{}; ///< Ids of the upserts that inserted, in the order of the operations.
-    bool acknowledged = true;             ///< True if the server acknowledged the writes.
+    bool acknowledged = true;             ///< False for unacknowledged writes.
 };
 
 /// An operation of a bulk write that the server rejected.

@@ -243,7 +243,7 @@ struct IndexInfo
 struct InsertOneResult
 {
     Value id{};               ///< The "_id" of the document, or the new one.
-    bool acknowledged = true; ///< True if the server acknowledged the write.
+    bool acknowledged = true; ///< False for an unacknowledged write.
 };
 
 /// What insertMany() did.
@@ -251,7 +251,7 @@ struct InsertManyResult
 {
     std::int64_t inserted = 0; ///< Inserted documents; 0 for unacknowledged writes.
     std::vector<Value> ids{};  ///< Ids of all documents, in their order.
-    bool acknowledged = true;  ///< True if the server acknowledged the writes.
+    bool acknowledged = true;  ///< False for unacknowledged writes.
 };
 
 /// What updateOne(), updateMany() or replaceOne() did. All counts are 0 for unacknowledged writes.
@@ -260,14 +260,14 @@ struct UpdateResult
     std::int64_t matched = 0;          ///< Documents that matched the filter.
     std::int64_t modified = 0;         ///< Documents that changed.
     std::optional<Value> upsertedId{}; ///< The "_id" of the inserted document, if there is one.
-    bool acknowledged = true;          ///< True if the server acknowledged the write.
+    bool acknowledged = true;          ///< False for an unacknowledged write.
 };
 
 /// What removeOne() or removeMany() did.
 struct RemoveResult
 {
     std::int64_t removed = 0; ///< Removed documents; 0 for unacknowledged writes.
-    bool acknowledged = true; ///< True if the server acknowledged the write.
+    bool acknowledged = true; ///< False for an unacknowledged write.
 };
 
 } // namespace v1

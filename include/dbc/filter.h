@@ -3,6 +3,7 @@
 /// @file
 /// Query operators that ObjectFilter has no function for. Each function adds one condition to an ObjectFilter, or to a
 /// query document at its cursor.
+/// @since 1.0
 
 #include "dbc/build.h"
 #include "dbc/scopes.h"

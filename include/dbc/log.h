@@ -2,6 +2,7 @@
 
 /// @file
 /// Redirects the log of the driver. The library has no log of its own.
+/// @since 1.0
 
 #include "database_client_export.h"
 

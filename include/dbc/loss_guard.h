@@ -2,6 +2,7 @@
 
 /// @file
 /// Finds the fields of a BSON document that ObjectProperties drops or changes. Needs libbson.
+/// @since 1.0
 
 #include "bson_to_properties.h"
 #include "dbc/value_type.h"

@@ -2,6 +2,7 @@
 
 /// @file
 /// Options of several operations. In C++20, use designated initializers: find({}, {.sort = {{"age"}}, .limit = 10}).
+/// @since 1.0
 
 #include "dbc/value.h"
 

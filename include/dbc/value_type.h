@@ -2,6 +2,7 @@
 
 /// @file
 /// The types of BSON, and how ObjectProperties changes their values.
+/// @since 1.0
 
 #include <optional>
 #include <string>
@@ -139,17 +140,17 @@ inline const char* nameOf(Loss loss)
     case Loss::EmptyBinary:
         return "binary without bytes is dropped";
     case Loss::TextWithZero:
-        return "text is cut at its zero byte";
+        return "string is cut at its zero byte";
     case Loss::EmptyKey:
-        return "empty key stands for the whole document";
+        return "empty key is read as the whole document";
     case Loss::KeyWithSlash:
-        return "key with \"/\" is taken as a path";
+        return "key with \"/\" is read as a path";
     case Loss::DuplicateKey:
-        return "key stands twice";
+        return "duplicate key";
     case Loss::LongArray:
         return "array of more than ten elements changes its order";
     case Loss::Corrupt:
-        return "bytes are not BSON";
+        return "bytes are not valid BSON";
     }
     return "";
 }

@@ -109,7 +109,7 @@ load helper
     expect_out '{ "_id" : 1, "new" : null }'
     dbc update "$database.c" '_id=1' -d '{"new": 2}' -o replace --multi
     expect_status 2
-    expect_err "a replacement is for one document"
+    expect_err "a replacement changes one document"
     dbc find "$database.c"
     expect_out '{ "_id" : 1, "new" : null }'
 }

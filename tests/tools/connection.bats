@@ -21,7 +21,7 @@ load helper
 
 @test "the default server is 127.0.0.1:27017" {
     DBC_URI='' dbc doctor
-    [[ $out == *$'\nok    address: 127.0.0.1 is known\n'*" port: 127.0.0.1:27017 "* ]] || fail "$out"
+    [[ $out == *$'\nok    address: 127.0.0.1 resolves\n'*" port: 127.0.0.1:27017 "* ]] || fail "$out"
 }
 
 @test "an unreachable server or an invalid connection string ends with status 3" {
@@ -29,10 +29,10 @@ load helper
     expect_status 3
     dbc --uri 'nonsense' find a.b
     expect_status 3
-    expect_err "its form is mongodb://"
+    expect_err "its format is mongodb://"
     dbc --uri 'mongodb://u:s3cret:%@h/' find a.b
     expect_status 3
-    expect_err "the connection string cannot be read"
+    expect_err "the connection string is invalid"
     [[ $err != *s3cret* ]] || fail "the password is shown: $err"
     echo secret >"$folder/password"
     dbc --password-file "$folder/password" find a.b

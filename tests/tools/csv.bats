@@ -51,7 +51,7 @@ Ada,5,2.5,2023-01-31T00:00:00.000Z,007
     expect_out $'name,total:double,missing\nAda,1.0,\nBob,2.0,'
     dbc export "$database.c" --format csv --columns name:int
     expect_status 4
-    expect_err 'document 1: name is no int but a string; a column name:json takes every type'
+    expect_err 'document 1: name is not of type int but of type string; a column name:json accepts every type'
     dbc export "$database.c" --columns name
     expect_status 2
     dbc insert "$database.d" '{"a.b": 1}'
@@ -69,13 +69,13 @@ Ada,5,2.5,2023-01-31T00:00:00.000Z,007
         expect_status 2
         expect_err "$2"
     }
-    bad 'a,b\n1,2\n\n"x\ny",4\n3\n' 'bad.csv: line 6: 1 values for 2 columns; stopped at line 6, 2 documents in; go on with --resume 2'
-    bad 'a:int,b\n1,2\nx,3\n' 'bad.csv: line 3: a: "x" is no int; stopped at line 3, 1 documents in'
+    bad 'a,b\n1,2\n\n"x\ny",4\n3\n' 'bad.csv: line 6: 1 values for 2 columns; stopped at line 6, after 2 documents; continue with --resume 2'
+    bad 'a:int,b\n1,2\nx,3\n' 'bad.csv: line 3: a: "x" is not of type int; stopped at line 3, after 1 documents'
     bad 'a:json,b\n"{""x"": }",2\n' 'line 2: a is not JSON: line 1, column 7: a value is expected, not "}"'
-    bad 'a,b\n"1,2\n3,4\n' 'line 2: the quote of a value in this record is not closed'
-    bad 'a,b\n"1"2,3\n' 'line 2: "2" follows the quote that closes a value'
+    bad 'a,b\n"1,2\n3,4\n' 'line 2: a value in this record has no closing quote'
+    bad 'a,b\n"1"2,3\n' 'line 2: "2" follows the closing quote of a value'
     bad 'a,b\n1,\xff\n' 'line 2: value 2 is not UTF-8'
     bad 'a,b,a\n1,2,3\n' 'two columns have the name a'
     bad 'a,,b\n1,2,3\n' 'column 2 has no name'
-    bad 'a,a.b\n1,2\n' 'line 2: a.b lies inside a, which has a value of its own'
+    bad 'a,a.b\n1,2\n' 'line 2: a.b is a field of a, which has a value'
 }

@@ -53,7 +53,7 @@ load helper
     expect_out 0
     dbc drop --yes "$database.c"
     expect_status 1
-    expect_err "no collection is named $database.c"
+    expect_err "there is no collection $database.c"
 }
 
 @test "drop removes a database with its collections" {
@@ -67,5 +67,5 @@ load helper
     expect_status 1
     dbc drop --database "$database" --yes
     expect_status 1
-    expect_err "no database is named $database"
+    expect_err "there is no database $database"
 }

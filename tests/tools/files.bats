@@ -26,7 +26,7 @@ load helper
     expect_status 1
     dbc files get "$database" photo "$folder/none"
     expect_status 1
-    expect_err "no file is named photo"
+    expect_err "there is no file photo"
     dbc files put "$database" "$folder/missing"
     expect_status 2
     expect_err "cannot read"

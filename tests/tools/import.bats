@@ -17,10 +17,10 @@ load helper
     printf '{"n": 1}\n{"n": }\n' >"$folder/bad"
     dbc import "$database.c" -f "$folder/bad"
     expect_status 2
-    expect_err 'bad: line 2, column 7: a value is expected, not "}"; stopped at line 2, 1 documents in; go on with --resume 1'
+    expect_err 'bad: line 2, column 7: a value is expected, not "}"; stopped at line 2, after 1 documents; continue with --resume 1'
     printf '{"n": [1, {"m": 2]}\n{"n": 3}\n' >"$folder/bad"
     dbc import "$database.c" -f "$folder/bad"
-    expect_err 'bad: line 1, column 18: "," or "}" is expected, not "]"; stopped at line 1, 0 documents in'
+    expect_err 'bad: line 1, column 18: "," or "}" is expected, not "]"; stopped at line 1, after 0 documents'
     printf '[{"n": 1}; {"n": 2}]' >"$folder/bad"
     dbc import "$database.c" -f "$folder/bad"
     expect_err 'bad: line 1, column 10: a document begins with "{", not with ";"'
@@ -78,7 +78,7 @@ load helper
     { head -15 "$folder/lines" && echo '}' && tail -4 "$folder/lines"; } >"$folder/broken"
     dbc import "$database.c" -f "$folder/broken" --batch 7
     expect_status 2
-    expect_err "stopped at line 16, 15 documents in; go on with --resume 15"
+    expect_err "stopped at line 16, after 15 documents; continue with --resume 15"
     dbc import "$database.c" -f "$folder/lines" --resume 15
     expect_status 0
     expect_err "imported 5"
@@ -89,7 +89,7 @@ load helper
     expect_err "the input has fewer documents"
     dbc import "$database.c" -f "$folder/lines" --resume 5:x
     expect_status 2
-    expect_err "--resume is not what an import says"
+    expect_err "--resume is not the value that an import prints"
 }
 
 @test "import says which document the server rejected" {
@@ -97,7 +97,7 @@ load helper
     dbc insert "$database.c" '{"_id": 9}'
     dbc import "$database.c" -f "$folder/lines"
     expect_status 4
-    expect_err "(code: 11000); stopped at line 4, 2 documents in; go on with --resume 2"
+    expect_err "(code: 11000); stopped at line 4, after 2 documents; continue with --resume 2"
     dbc import "$database.c" -f "$folder/lines" --resume 3
     expect_status 0
     dbc count "$database.c"
@@ -111,7 +111,7 @@ load helper
     { head -28 "$folder/lines" && echo '}'; } >"$folder/broken"
     dbc import "$database.c" -f "$folder/broken" --batch 7 --state "$folder/state"
     expect_status 2
-    expect_err "28 documents in; go on with the same command"
+    expect_err "28 documents; continue with the same command"
     # As after kill -9: the last batch was stored, but not yet noted. It is met again and passed over.
     local run
     run=$(dbc find "$database.c" --limit 1 --fields '{"_id": 1}' && grep -o '[0-9a-f]\{24\}' <<<"$out")
@@ -138,7 +138,7 @@ load helper
     printf '{"sku": "a", "shop": {"city": "x"}}\n{"sku": "b"}\n' >"$folder/lines"
     dbc import "$database.c" -f "$folder/lines" --upsert sku,shop.city
     expect_status 2
-    expect_err "line 2: the document has no field shop.city; stopped at line 2, 1 documents in; go on with --resume 1"
+    expect_err "line 2: the document has no field shop.city; stopped at line 2, after 1 documents; continue with --resume 1"
     dbc import "$database.c" -f "$folder/lines" --upsert sku --skip-duplicates
     expect_status 2
 }

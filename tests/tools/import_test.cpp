@@ -48,7 +48,7 @@ TEST_F(ImportCutOff, GoesOnWithoutStoringADocumentTwice)
     ToolProcess first(line({}));
     EXPECT_EQ(first.wait(), 3) << first.messages();
     const std::string mark =
-        behind(first.messages(), "stopped at line 11, at least 10 documents in; go on with --resume ");
+        behind(first.messages(), "stopped at line 11, after at least 10 documents; continue with --resume ");
     ASSERT_EQ(mark.substr(0, 3), "10:") << first.messages();
     ASSERT_EQ(m_database.count("c"), 20U) << "the second batch was to be stored";
 
@@ -64,7 +64,7 @@ TEST_F(ImportCutOff, GoesOnWithWhatWasNotStored)
     gateway().inject(Fault::dropBeforeForwarding().onCommand("insert").number(2));
     ToolProcess first(line({}));
     EXPECT_EQ(first.wait(), 3) << first.messages();
-    const std::string mark = behind(first.messages(), "go on with --resume ");
+    const std::string mark = behind(first.messages(), "continue with --resume ");
     ASSERT_EQ(m_database.count("c"), 10U);
 
     ToolProcess second(line({"--resume", mark}));

@@ -81,7 +81,7 @@ load helper
     expect_out 1
     dbc count "$database.c" 'name~/usr/lib'
     expect_status 2
-    expect_err '"b" is no flag of a regular expression'
+    expect_err '"b" is not a flag of a regular expression'
     expect_err 'name~\/usr/lib'
 }
 
@@ -99,7 +99,7 @@ load helper
     expect_out '{ "_id" : 3 }'
     dbc find "$database.c" 'when>2023-02-29'
     expect_status 2
-    expect_err 'there is no time 2023-02-29; the string is written when="2023-02-29"'
+    expect_err 'invalid time 2023-02-29; write a string as when="2023-02-29"'
 }
 
 @test "a query that is not JSON is a usage error that names line and column" {
@@ -107,7 +107,7 @@ load helper
     expect_status 2
     expect_err 'the query is not JSON: line 1, column 7: a value is expected, not "}"'
     dbc find "$database.c" $'{"a": "é",\n "b": 1,}'
-    expect_err 'line 2, column 8: no comma may stand before "}"'
+    expect_err 'line 2, column 8: no comma is allowed before "}"'
     dbc find "$database.c" "{'a': 1}"
     expect_err "line 1, column 2: a key in double quotes is expected, not \"'\""
     dbc find "$database.c" '{"a": {"$oid": "x"}}'
@@ -151,7 +151,7 @@ load helper
 @test "a pipeline that is not a list is a usage error" {
     dbc aggregate "$database.c" '{"$match": {}}'
     expect_status 2
-    expect_err "not a list of stages"
+    expect_err "not an array of stages"
 }
 
 @test "check lists the values that the document model cannot represent" {
@@ -161,7 +161,7 @@ load helper
     expect_out $'1  null is dropped\nin 1 documents'
     dbc check "$database.c" '_id=2'
     expect_status 0
-    expect_out "1 documents come back as they are"
+    expect_out "1 documents without losses"
 }
 
 @test "schema prints paths, types, counts and ranges" {
@@ -185,14 +185,14 @@ w     time               1  2020-01-01T00:00:00Z .. 2020-01-01T00:00:00Z
     expect_status 0
     [[ $out == *$'\n2 documents' ]] || fail "$out"
     case $DATABASE_CLIENT_TEST_SERVER in
-    ferretdb) expect_err 'sample: the first ones, since the server does not choose at random: Aggregation failed: ' ;;
+    ferretdb) expect_err 'sample: the first ones, because the server does not support $sample: Aggregation failed: ' ;;
     mongod) expect_err 'sample: chosen at random by the server' ;;
     *) expect_err 'sample: ' ;;
     esac
     dbc schema "$database.c" --sample 6
-    expect_err 'sample: all that there are'
+    expect_err 'sample: all documents'
     dbc schema "$database.c" --sample 0
-    expect_err 'sample: all that there are'
+    expect_err 'sample: all documents'
     [[ $out == *$'\n5 documents' ]] || fail "$out"
     dbc --quiet schema "$database.c" --sample 2
     expect_no_messages

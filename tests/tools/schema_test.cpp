@@ -63,7 +63,7 @@ TEST_F(SchemaSample, IsTheFirstDocumentsWhereTheServerDoesNotChoose)
     EXPECT_EQ(tool.wait(), 0);
 
     EXPECT_EQ(tool.output(), "_id    int32              1  1 .. 1\nfirst  bool               1\n1 documents\n");
-    EXPECT_EQ(tool.messages(), "sample: the first ones, since the server does not choose at random: Aggregation "
+    EXPECT_EQ(tool.messages(), "sample: the first ones, because the server does not support $sample: Aggregation "
                                "failed: Unrecognized pipeline stage name: '$sample'\n");
 }
 
@@ -84,7 +84,7 @@ TEST_F(SchemaSample, OfAllDocumentsNeedsNoChoice)
 
     EXPECT_EQ(tool.wait(), 0);
 
-    EXPECT_EQ(tool.messages(), "sample: all that there are\n");
+    EXPECT_EQ(tool.messages(), "sample: all documents\n");
     EXPECT_EQ(gateway().commands("aggregate").size(), 0U);
 }
 

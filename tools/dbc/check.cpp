@@ -38,7 +38,7 @@ int check(const GlobalOptions& global, const CheckCommand& command)
     }
     losses.print(std::cout);
     if (!losses.foundAny() && !global.connection.quiet)
-        std::cout << done << " documents come back as they are\n";
+        std::cout << done << " documents without losses\n";
     return losses.foundAny() ? ServerRefused : Success;
 }
 
@@ -47,7 +47,7 @@ int check(const GlobalOptions& global, const CheckCommand& command)
 void addCheckCommand(CLI::App& program, const GlobalOptions& global, Work& work)
 {
     const auto command = std::make_shared<CheckCommand>();
-    CLI::App* app = program.add_subcommand("check", "Name what the library's document model would drop or bend");
+    CLI::App* app = program.add_subcommand("check", "Report the fields that ObjectProperties would drop or change");
     app->add_option("collection", command->collection, collectionHelp)->required();
     app->add_option("query", command->query, queryHelp);
     setWork(*app, global, work, command, &check);

@@ -15,7 +15,7 @@ namespace {
 
 using Words = std::vector<std::string>;
 
-// Letters to insert, remove or replace, and neighbours to exchange.
+// Number of letters to insert, remove, replace or swap.
 std::size_t editDistance(const std::string& left, const std::string& right)
 {
     std::vector<std::size_t> before;
@@ -38,7 +38,7 @@ std::size_t editDistance(const std::string& left, const std::string& right)
     return last.back();
 }
 
-// The candidate that is close to the word; empty if none is.
+// Returns the candidate closest to the word; empty if none is close.
 std::string closest(const std::string& word, const Words& candidates)
 {
     const auto distance = [&word](const std::string& candidate) { return editDistance(word, candidate); };
@@ -58,7 +58,7 @@ Words commandsOf(const CLI::App& app)
     return names;
 }
 
-// Those of the command and of everything around it.
+// The options of the command and of its parents.
 Words optionsOf(const CLI::App* app)
 {
     Words names;
@@ -81,7 +81,7 @@ std::string joined(const Words& words)
     return text;
 }
 
-// The command of which the command line names all words, and these words.
+// Returns the innermost command of the command line, and its words.
 std::pair<const CLI::App*, Words> givenCommand(const CLI::App& program)
 {
     const CLI::App* command = &program;
@@ -154,6 +154,6 @@ void addHelpCommand(CLI::App& program, const GlobalOptions& /*global*/, Work& wo
 {
     const auto words = std::make_shared<Words>();
     CLI::App* app = program.add_subcommand("help", "Print the options and arguments of a command");
-    app->add_option("command", *words, "The command, such as find, or files put");
+    app->add_option("command", *words, "Command, such as find, or files put");
     app->callback([&program, &work, words] { work = [&program, words] { return help(program, *words); }; });
 }

@@ -4,5 +4,5 @@
 
 #include <string>
 
-/// One line on what is wrong with the command line. Names the command or option that was probably meant.
+/// Describes an error of the command line in one line. Suggests the command or option with the closest name.
 std::string describe(const CLI::App& program, const CLI::ParseError& error);

@@ -12,14 +12,15 @@
 #include <string>
 #include <vector>
 
-/// What the options in front of every command say.
+/// The global options.
 struct GlobalOptions
 {
     ConnectionOptions connection;
     OutputOptions output;
 };
 
-/// An option that takes one of a few words. CLI11's own transformer shows the numbers behind them in help and errors.
+/// Adds an option with a fixed set of values. CLI11's own transformer shows the numbers of the enumerators in help and
+/// errors.
 template <typename T>
 CLI::Option* addChoice(CLI::App& app, const std::string& name, T& target, const std::map<std::string, T>& choices,
                        const std::string& help)
@@ -35,7 +36,7 @@ CLI::Option* addChoice(CLI::App& app, const std::string& name, T& target, const 
         ->type_name("WORD");
 }
 
-/// An option that takes a whole number of 0 or more.
+/// Adds an option for a whole number of 0 or more.
 template <typename T>
 CLI::Option* addNumber(CLI::App& app, const std::string& name, T& target, const std::string& help)
 {
@@ -49,10 +50,10 @@ CLI::Option* addNumber(CLI::App& app, const std::string& name, T& target, const 
         ->type_name("NUMBER");
 }
 
-/// The work of the command that was given, and its exit status.
+/// The function of the given command. It returns the exit status.
 using Work = std::function<int()>;
 
-/// Lets a command that is given run @p run(global, *command) as the work.
+/// Sets run(global, *command) as the work of a command.
 template <typename Command>
 void setWork(CLI::App& app, const GlobalOptions& global, Work& work, const std::shared_ptr<Command>& command,
              int (*run)(const GlobalOptions&, const Command&))
@@ -60,7 +61,7 @@ void setWork(CLI::App& app, const GlobalOptions& global, Work& work, const std::
     app.callback([&global, &work, command, run] { work = [&global, command, run] { return run(global, *command); }; });
 }
 
-// Each adds commands to the program; a command that is given sets the work.
+// Each function adds commands to the program. A command that is given sets the work.
 void addDocumentCommands(CLI::App& program, const GlobalOptions& global, Work& work);
 void addTransferCommands(CLI::App& program, const GlobalOptions& global, Work& work);
 void addFileCommands(CLI::App& program, const GlobalOptions& global, Work& work);

@@ -40,14 +40,14 @@ std::string passwordOf(const ConnectionOptions& options)
     return promptSecret("Password of " + options.user + ": ");
 }
 
-// Puts the terminal back as it was, whatever ends the prompt.
+// Turns off the echo of the terminal. Restores it in the destructor.
 class HiddenInput
 {
 public:
     explicit HiddenInput(int terminal) : m_terminal(terminal)
     {
         if (::tcgetattr(m_terminal, &m_before) != 0)
-            throw Failure(UsageError, "the terminal cannot hide what is typed");
+            throw Failure(UsageError, "the terminal cannot hide the input");
         termios hidden = m_before;
         hidden.c_lflag &= ~static_cast<tcflag_t>(ECHO);
         ::tcsetattr(m_terminal, TCSAFLUSH, &hidden);
@@ -76,11 +76,11 @@ std::string promptSecret(const std::string& question)
 {
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> terminal(std::fopen("/dev/tty", "r+"), &std::fclose);
     if (!terminal)
-        throw Failure(UsageError, "no terminal to ask for a password: use a password file or the environment");
+        throw Failure(UsageError, "no terminal to ask for a password: use a password file or an environment variable");
     std::string secret;
     {
-        const InterruptWatch watch; // a Ctrl-C must not leave the terminal hiding what is typed
-        // Hidden before the question is seen: hiding drops what was typed until then.
+        const InterruptWatch watch; // Ctrl-C must not leave the echo off
+        // Before the prompt, because turning off the echo discards earlier input.
         const HiddenInput hidden(::fileno(terminal.get()));
         std::fputs(question.c_str(), terminal.get());
         std::fflush(terminal.get());
@@ -96,12 +96,12 @@ std::string connectionString(const ConnectionOptions& options)
 {
     const std::string& uri = options.uri.empty() ? localServer : options.uri;
     if (options.user.empty() && !options.passwordFile.empty())
-        throw Failure(UsageError, "--password-file without --user");
+        throw Failure(UsageError, "--password-file requires --user");
     if (options.user.empty())
         return uri;
     const std::size_t begin = schemeLength(uri);
     if (uri.find('@', begin) != std::string::npos)
-        throw Failure(UsageError, "--user together with credentials in the connection string");
+        throw Failure(UsageError, "--user and credentials in the connection string exclude each other");
     return uri.substr(0, begin) + dbc::percentEncoded(options.user) + ":" + dbc::percentEncoded(passwordOf(options)) +
            "@" + uri.substr(begin);
 }
@@ -110,7 +110,7 @@ std::unique_ptr<DataBaseClient> connect(const std::string& uri)
 {
     if (const ParsedUri parsed = parseUri(uri); !parsed.uri)
     {
-        throw Failure(ConnectionError, "the connection string cannot be read" +
+        throw Failure(ConnectionError, "the connection string is invalid" +
                                            (parsed.error.empty() ? "" : ": " + parsed.error) + "; " + uriForm);
     }
     auto client = std::make_unique<DataBaseClient>();
@@ -129,8 +129,8 @@ std::string defaultDatabase(DataBaseClient& client)
     client.getDatabaseName(database);
     if (database.empty())
     {
-        throw Failure(UsageError, "no database: name a collection as DATABASE.COLLECTION, or put the database into the "
-                                  "connection string, mongodb://HOST/DATABASE");
+        throw Failure(UsageError, "no database: write DATABASE.COLLECTION, or add the database to the connection "
+                                  "string: mongodb://HOST/DATABASE");
     }
     return database;
 }
@@ -141,7 +141,7 @@ dbc::Collection collectionOf(DataBaseClient& client, const std::string& name)
 {
     const std::size_t dot = name.find('.');
     if (name.empty() || dot == 0 || dot == name.size() - 1)
-        throw Failure(UsageError, "name a collection as DATABASE.COLLECTION");
+        throw Failure(UsageError, "a collection is written DATABASE.COLLECTION");
     if (dot == std::string::npos)
         return {client, defaultDatabase(client), name};
     return {client, name.substr(0, dot), name.substr(dot + 1)};

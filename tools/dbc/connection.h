@@ -6,7 +6,7 @@
 #include <memory>
 #include <string>
 
-/// Where to connect, and as whom. A password never has to stand on the command line, where other users see it.
+/// Connection options. A password is never required on the command line, where other users could see it.
 struct ConnectionOptions
 {
     std::string uri;          ///< --uri or DBC_URI; empty for the server on this machine
@@ -15,34 +15,35 @@ struct ConnectionOptions
     bool quiet = false;       ///< --quiet
 };
 
-/// The connection string with the credentials in it, percent-encoded. The password comes from the file, from
-/// DBC_PASSWORD or from a prompt, in this order.
+/// Returns the connection string with percent-encoded credentials. The password comes from the file, from DBC_PASSWORD
+/// or from a prompt, in this order.
 std::string connectionString(const ConnectionOptions& options);
 
-/// A connected client. @throws Failure if the connection string cannot be read; without the password in its text
+/// Returns a connected client. @throws Failure if the connection string is invalid; the message does not contain the
+/// password
 std::unique_ptr<DataBaseClient> connect(const std::string& uri);
 
-/// The same, with the string of connectionString(), which may ask for a password.
+/// The same with connectionString(), which may prompt for a password.
 std::unique_ptr<DataBaseClient> connect(const ConnectionOptions& options);
 
-/// The database of the connection string. @throws Failure if it names none
+/// Returns the database of the connection string. @throws Failure if it has none
 std::string defaultDatabase(DataBaseClient& client);
 
 /// Help text for the name of a collection.
 extern const char* const collectionHelp;
 
-/// The collection that the command line names as DATABASE.COLLECTION, or as COLLECTION in the database of the
-/// connection string. @throws Failure for any other name
+/// Returns the collection DATABASE.COLLECTION, or COLLECTION in the database of the connection string.
+/// @throws Failure for any other name
 dbc::Collection collectionOf(DataBaseClient& client, const std::string& name);
 
-/// First line of a file.
+/// Returns the first line of a file.
 std::string readSecretFile(const std::string& path);
 
-/// Asks on the terminal without showing what is typed. @throws Failure when there is no terminal
+/// Prompts on the terminal and hides the input. @throws Failure if there is no terminal
 std::string promptSecret(const std::string& question);
 
-/// The driver writes warnings of its own to standard error; what matters in them is in the errors that it reports.
+/// Turns off the driver's log on standard error. Its errors are reported anyway.
 void silenceDriver();
 
-/// Hides the password of a connection string that was given on the command line from the list of processes.
+/// Overwrites the password of a connection string in the arguments, so that the list of processes does not show it.
 void hidePasswords(int argumentCount, char** arguments);

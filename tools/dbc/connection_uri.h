@@ -11,14 +11,14 @@ struct DestroyUri
 };
 using UriHandle = std::unique_ptr<mongoc_uri_t, DestroyUri>;
 
-/// What a connection string looks like, for messages about one that cannot be read.
+/// The format of a connection string, for error messages.
 extern const char* const uriForm;
 
-/// A connection string as the driver reads it.
+/// A connection string that was parsed by the driver.
 struct ParsedUri
 {
-    UriHandle uri;     ///< null if the string is not a connection string
-    std::string error; ///< why; empty if the driver's words might quote the password
+    UriHandle uri;     ///< null if the connection string is invalid
+    std::string error; ///< the reason; empty if the driver's message might contain the password
 };
 
 ParsedUri parseUri(const std::string& text);

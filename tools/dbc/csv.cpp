@@ -6,7 +6,7 @@
 
 namespace {
 
-// A quote that is missing makes a record go on to the end of the input.
+// Without its closing quote, a record extends to the end of the input.
 constexpr std::size_t longestRecord = std::size_t{128} * 1024 * 1024;
 
 } // namespace
@@ -27,7 +27,7 @@ bool CsvReader::next(std::vector<Cell>& cells)
         while (!endsValue(character) && !endsRecord(character))
         {
             if (cell.isQuoted)
-                fail(quotedCharacter(static_cast<char>(character)) + " follows the quote that closes a value");
+                fail(quotedCharacter(static_cast<char>(character)) + " follows the closing quote of a value");
             cell.text += static_cast<char>(character);
             character = take();
         }
@@ -59,13 +59,13 @@ void CsvReader::readQuoted(Cell& cell)
         if (character == InputFile::end)
         {
             throwIfInterrupted();
-            fail("the quote of a value in this record is not closed");
+            fail("a value in this record has no closing quote");
         }
         if (character == '"')
         {
             if (m_input.peek() != '"')
                 return;
-            take(); // two quotes stand for one
+            take(); // a doubled quote is one quote
         }
         cell.text += static_cast<char>(character);
     }

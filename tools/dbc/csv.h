@@ -12,20 +12,20 @@
 struct Cell
 {
     std::string text;
-    bool isQuoted = false; ///< whether it stood in quotes
+    bool isQuoted = false; ///< true if the value was in quotes
 };
 
-/// Reads records of values with a separator between, quoted as RFC 4180 has it. Lines end with LF or CR LF. A quote
-/// inside a value that does not begin with one is a character as any other.
+/// Reads records of separated values with quotes as in RFC 4180. Lines end with LF or CR LF. In a value without quotes
+/// at its start, a quote is an ordinary character.
 class CsvReader
 {
 public:
     CsvReader(InputFile& input, char separator) : m_input(input), m_separator(separator) { input.skipByteOrderMark(); }
 
-    /// Puts the next record into @p cells; false at the end. @throws Failure at a quote that is not closed, and at what
-    /// is not UTF-8
+    /// Reads the next record into @p cells. Returns false at the end. @throws Failure for a missing closing quote and
+    /// for bytes that are not UTF-8
     bool next(std::vector<Cell>& cells);
-    /// The line in which the last record begins.
+    /// The first line of the last record.
     std::uint64_t line() const noexcept { return m_begin; }
 
 private:
@@ -42,5 +42,5 @@ private:
     std::size_t m_size = 0; // bytes of the record
 };
 
-/// Appends a value to a record, in quotes if it needs them.
+/// Appends a value to a record, with quotes if needed.
 void appendCsv(std::string& record, std::string_view text, char separator, bool isQuoted);

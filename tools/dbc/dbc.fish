@@ -1,4 +1,4 @@
-# Completion of dbc for fish. The program itself says what a word may become.
+# Completion of dbc for fish. The program itself lists the possible words.
 
 function __dbc_complete
     set -l words (commandline -opc)

@@ -13,7 +13,8 @@
 
 namespace {
 
-// One line a step. A step that fails ends the walk, since those behind it need it; of several hosts, that of its host.
+// Prints one line per step. Steps depend on the steps before, so a failed step ends the check, or that of its host if
+// there are several.
 class Doctor
 {
 public:
@@ -24,10 +25,10 @@ public:
         const ParsedUri parsed = parseUri(m_uri);
         const mongoc_uri_t* const uri = parsed.uri.get();
         if (uri)
-            reportSuccess("string", "is a connection string");
+            reportSuccess("connection string", "valid");
         else
-            reportFailure("string", parsed.error.empty() ? "cannot be read" : parsed.error, uriForm);
-        // The hosts of a mongodb+srv:// string are in DNS, where the driver looks them up.
+            reportFailure("connection string", parsed.error.empty() ? "invalid" : parsed.error, uriForm);
+        // For mongodb+srv://, the driver looks up the hosts in DNS.
         if (!uri || !lookAtHosts(*uri))
             return ConnectionError;
         const int status = askServer(uri);
@@ -35,7 +36,7 @@ public:
     }
 
 private:
-    // Every host is checked: a set that lost a member still answers, and nobody notices.
+    // Checks every host: a replica set works without one of its members, so nobody notices the failure.
     bool lookAtHosts(const mongoc_uri_t& uri)
     {
         std::set<std::string> seen;
@@ -50,14 +51,14 @@ private:
         if (m_isMemberUnresolved && !mongoc_check_version(1, 30, 0))
         {
             return reportFailure("server",
-                                 std::string("not asked: libmongoc ") + mongoc_get_version() +
-                                     " would hang, since the set names a member that cannot be resolved",
-                                 "name this member in the connection string too, or use libmongoc 1.30 or later");
+                                 std::string("skipped: libmongoc ") + mongoc_get_version() +
+                                     " would hang, because the replica set lists a member whose name does not resolve",
+                                 "add this member to the connection string, or use libmongoc 1.30 or later");
         }
-        return m_isAnyReached || !m_isAnyMissed; // the list of a mongodb+srv:// string is empty until it is needed
+        return m_isAnyReached || !m_isAnyMissed; // mongodb+srv:// has no hosts here
     }
 
-    // With one host and no set the driver takes this host alone.
+    // With one host and no replica set, the driver uses only this host.
     static bool findsMembers(const mongoc_uri_t& uri)
     {
         const bool isSet = mongoc_uri_get_replica_set(&uri) || mongoc_uri_get_hosts(&uri)->next;
@@ -71,7 +72,7 @@ private:
             const UriHandle address = parseUri("mongodb://" + member + "/").uri;
             if (!address || !seen.insert(mongoc_uri_get_hosts(address.get())->host_and_port).second)
                 continue;
-            reportSuccess("member", std::string(host.host_and_port) + " names " + member);
+            reportSuccess("member", std::string(host.host_and_port) + " lists " + member);
             const HostState state = lookAtHost(uri, *mongoc_uri_get_hosts(address.get()));
             count(state);
             m_isMemberUnresolved = m_isMemberUnresolved || state == HostState::Unresolved;
@@ -96,9 +97,9 @@ private:
             dbc::Database admin(client, "admin");
             const dbc::Value build = admin.command({{"buildInfo", 1}});
             reportTls(uri);
-            // What nobody may see without a login, where the server wants one.
+            // Fails without a login if the server requires authentication.
             admin.command({{"listDatabases", 1}, {"nameOnly", true}});
-            reportSuccess("login", user ? std::string("as ") + user : "not wanted by the server");
+            reportSuccess("login", user ? std::string("as ") + user : "not required");
             reportServer(build);
             return Success;
         }
@@ -113,8 +114,8 @@ private:
                 return ConnectionError;
             case dbc::ErrorKind::NotAuthorized:
                 reportFailure("login", info.text,
-                              user ? "the user may not do this: ask for a role"
-                                   : "the server wants a user: give --user");
+                              user ? "the user lacks a role: ask for one"
+                                   : "the server requires authentication: use --user");
                 return ServerRefused;
             case dbc::ErrorKind::Timeout:
             case dbc::ErrorKind::Network:
@@ -138,12 +139,12 @@ private:
         if (!m_isTlsReported)
         {
             reportSuccess("tls",
-                          mongoc_uri_get_tls(uri) ? "agreed on" : "not used; what is sent can be read on the way");
+                          mongoc_uri_get_tls(uri) ? "handshake succeeded" : "not used; the traffic is not encrypted");
         }
         m_isTlsReported = true;
     }
 
-    // The driver says only in words what went wrong behind the open port.
+    // Only the text of the driver's error has the reason.
     static void adviseOnConnection(const mongoc_uri_t* uri, const std::string& text)
     {
         const bool isTls = mongoc_uri_get_tls(uri);
@@ -151,18 +152,19 @@ private:
         if (isTls && isAboutTls)
         {
             reportFailure("tls", text,
-                          "check tlsCAFile, and that the certificate is for this host; or the server has no TLS");
+                          "check tlsCAFile, the host name in the certificate, and that the server supports TLS");
         }
         else if (mongoc_uri_get_replica_set(uri))
-            reportFailure("server", text, "check that replicaSet is its name there");
+            reportFailure("server", text, "check that replicaSet is the name of the replica set");
         else if (mongoc_uri_get_hosts(uri) && mongoc_uri_get_hosts(uri)->next)
-            reportFailure("server", text, "several hosts must be of one replica set, or mongos; else name one of them");
+            reportFailure("server", text,
+                          "several hosts must be members of one replica set, or mongos; otherwise use one host");
         else
         {
-            reportFailure(
-                "server", text,
-                isTls ? "check that a server of this kind listens there, with TLS"
-                      : "check that a server of this kind listens there; if it wants TLS, add tls=true to the string");
+            reportFailure("server", text,
+                          isTls ? "check that a MongoDB server with TLS listens there"
+                                : "check that a MongoDB server listens there; if it requires TLS, add tls=true to the "
+                                  "connection string");
         }
     }
 
@@ -175,7 +177,7 @@ private:
         if (build.contains("ferretdbVersion"))
         {
             reportSuccess("limit",
-                          "arrays must have the keys 0, 1, 2 ...; undefined and null differ from other servers");
+                          "arrays must have the keys 0, 1, 2 ...; undefined and null behave differently from MongoDB");
         }
     }
 
@@ -191,7 +193,8 @@ private:
 void addDoctorCommand(CLI::App& program, const GlobalOptions& global, Work& work)
 {
     program
-        .add_subcommand("doctor",
-                        "Walk each host's address, port and TLS, then login and server, and say what is wrong")
+        .add_subcommand(
+            "doctor",
+            "Check address, port and TLS of each host, then the login and the server, and report what is wrong")
         ->callback([&global, &work] { work = [&global] { return Doctor(global).examine(); }; });
 }

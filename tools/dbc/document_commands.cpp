@@ -111,7 +111,7 @@ int aggregate(const GlobalOptions& global, const AggregateCommand& command)
 {
     const dbc::Value stages = parseJson(command.pipeline, "the pipeline");
     if (!stages.isArray())
-        throw Failure(UsageError, "the pipeline is not a list of stages: [{...}, {...}]");
+        throw Failure(UsageError, "the pipeline is not an array of stages: [{...}, {...}]");
     const auto client = connect(global.connection);
     dbc::Collection collection = collectionOf(*client, command.collection);
     return print(global, [&] { return collection.aggregate(stages); });
@@ -123,14 +123,14 @@ struct StandardInput
     JsonReader documents{bytes};
 };
 
-// The documents of the command line, or without any those of standard input.
+// Returns the documents of the command line, or of standard input if there are none.
 std::function<std::optional<dbc::Value>()> documentsOf(const InsertCommand& command)
 {
     if (command.documents.empty() && ::isatty(STDIN_FILENO) == 1)
-        std::cerr << "dbc: type the documents as JSON; Ctrl-D ends them\n";
+        std::cerr << "dbc: type JSON documents, then press Ctrl-D\n";
     if (command.documents.empty())
         return [input = std::make_shared<StandardInput>()] { return input->documents.next(); };
-    std::vector<dbc::Value> documents; // read before any of them is sent
+    std::vector<dbc::Value> documents; // all are parsed before the first one is sent
     for (const std::string& text : command.documents)
         documents.push_back(parseDocument(text, "the document"));
     return [documents = std::move(documents), next = std::size_t{0}]() mutable {
@@ -170,7 +170,7 @@ int remove(const GlobalOptions& global, const RemoveCommand& command)
 {
     const dbc::Value query = parseQuery(command.query);
     if (query.empty() && !command.all)
-        throw Failure(UsageError, "to remove every document, give --all");
+        throw Failure(UsageError, "use --all to remove all documents");
     const auto client = connect(global.connection);
     const auto result = collectionOf(*client, command.collection).removeMany(query);
     if (!global.connection.quiet && !result.acknowledged)
@@ -180,7 +180,7 @@ int remove(const GlobalOptions& global, const RemoveCommand& command)
     return result.removed > 0 || !result.acknowledged ? Success : NothingFound;
 }
 
-// A command that begins with the name of a collection.
+// Adds a command whose first argument is a collection.
 template <typename Command>
 CLI::App* addCommand(CLI::App& program, const GlobalOptions& global, Work& work, const char* name, const char* help,
                      const std::shared_ptr<Command>& command, int (*run)(const GlobalOptions&, const Command&))
@@ -208,19 +208,19 @@ void addDocumentCommands(CLI::App& program, const GlobalOptions& global, Work& w
     app->add_option("query", counting->query, queryHelp);
 
     const auto values = std::make_shared<DistinctCommand>();
-    app = addCommand(program, global, work, "distinct", "Print the different values of a field", values, &distinct);
-    app->add_option("field", values->field, "Path of the field, with dots")->required();
+    app = addCommand(program, global, work, "distinct", "Print the distinct values of a field", values, &distinct);
+    app->add_option("field", values->field, "Dotted path of the field")->required();
     app->add_option("query", values->query, queryHelp);
 
     const auto inserting = std::make_shared<InsertCommand>();
     app = addCommand(program, global, work, "insert", "Insert documents and print their ids", inserting, &insert);
     app->add_option("documents", inserting->documents,
-                    "Documents, as JSON; unless given, standard input: a document on each line, or one array");
+                    "JSON documents; default: standard input, with one document per line or one array");
 
     const auto removing = std::make_shared<RemoveCommand>();
     app = addCommand(program, global, work, "remove", "Remove the documents that match a query", removing, &remove);
     app->add_option("query", removing->query, queryHelp);
-    app->add_flag("--all", removing->all, "Remove every document, when there is no query");
+    app->add_flag("--all", removing->all, "Remove all documents; required if there is no query");
 
     const auto stages = std::make_shared<AggregateCommand>();
     app =

@@ -5,7 +5,7 @@
 
 #include <cstdint>
 
-/// Number of documents that match, for the total of a progress line.
+/// Number of matches, for the total of a progress line.
 inline std::uint64_t documentCount(dbc::Collection& collection, const dbc::Value& query)
 {
     return static_cast<std::uint64_t>(collection.count(query));

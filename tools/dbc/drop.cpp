@@ -25,27 +25,27 @@ bool contains(const std::vector<std::string>& names, const std::string& name)
     return std::find(names.begin(), names.end(), name) != names.end();
 }
 
-// What cannot be undone is done after the name was typed, or with --yes.
+// Dropping cannot be undone, so the user must type the name, or use --yes.
 void confirm(const std::string& name, const DropCommand& command)
 {
     if (command.yes)
         return;
     if (::isatty(STDIN_FILENO) != 1)
-        throw Failure(UsageError, "no terminal to ask on: give --yes to drop " + name);
+        throw Failure(UsageError, "no terminal to ask for confirmation: use --yes to drop " + name);
     std::cerr << "This drops the " << (command.isDatabase ? "database " : "collection ") << name
-              << " and all that is in it. Type its name: ";
+              << " and everything in it. Type its name: ";
     std::string answer;
     std::getline(std::cin, answer);
     if (answer != name)
         throw Failure(UsageError, "not dropped");
 }
 
-// Nobody is asked about what does not exist.
+// Checked first, so that no confirmation is needed if it does not exist.
 void dropDatabase(const GlobalOptions& global, const DropCommand& command)
 {
     const auto client = connect(global.connection);
     if (!contains(dbc::Database::names(*client), command.name))
-        throw Failure(NothingFound, "no database is named " + command.name);
+        throw Failure(NothingFound, "there is no database " + command.name);
     confirm(command.name, command);
     dbc::Database(*client, command.name).drop();
 }
@@ -55,7 +55,7 @@ void dropCollection(const GlobalOptions& global, const DropCommand& command)
     const auto client = connect(global.connection);
     dbc::Collection collection = collectionOf(*client, command.name);
     if (!contains(dbc::Database(*client, collection.database()).collectionNames(), collection.name()))
-        throw Failure(NothingFound, "no collection is named " + command.name);
+        throw Failure(NothingFound, "there is no collection " + command.name);
     confirm(command.name, command);
     collection.drop();
 }
@@ -75,7 +75,7 @@ void addDropCommand(CLI::App& program, const GlobalOptions& global, Work& work)
     const auto command = std::make_shared<DropCommand>();
     CLI::App* app = program.add_subcommand("drop", "Drop a collection with its indexes, or a database");
     app->add_option("name", command->name, collectionHelp)->required();
-    app->add_flag("--database", command->isDatabase, "The name is that of a database");
+    app->add_flag("--database", command->isDatabase, "Drop a database");
     app->add_flag("-y,--yes", command->yes, "Do not ask");
     setWork(*app, global, work, command, &drop);
 }

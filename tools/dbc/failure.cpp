@@ -4,7 +4,7 @@
 
 namespace {
 
-// The server has lost the cursor; that is not a search without results.
+// The server has lost the cursor. That is not an empty result.
 constexpr int cursorNotFound = 43;
 
 } // namespace

@@ -4,7 +4,7 @@
 #include <stdexcept>
 #include <string>
 
-/// What a shell script can tell from how the program ended.
+/// Exit status of the program.
 enum ExitStatus : int
 {
     Success = 0,
@@ -15,7 +15,7 @@ enum ExitStatus : int
     Interrupted = 130 // as a shell reports a program that SIGINT ended
 };
 
-/// Ends the program with one line and a status of its own.
+/// Ends the program with an error message and an exit status.
 class Failure : public std::runtime_error
 {
 public:
@@ -26,5 +26,5 @@ private:
     ExitStatus m_status;
 };
 
-/// The status for an exception of the library.
+/// Returns the exit status for an exception of the library.
 ExitStatus statusOf(const std::exception& error);

@@ -40,15 +40,15 @@ struct FileCommand
 dbc::FileStore storeOf(DataBaseClient& client, const FileCommand& command)
 {
     const std::string database = command.database.empty() ? defaultDatabase(client) : command.database;
-    // The name and the prefix must stay two: "DATABASE.STORE.files".
+    // In "DATABASE.STORE.files" a dot in the database name would change the meaning.
     if (database.find('.') != std::string::npos)
-        throw Failure(UsageError, "the name of a database holds no dot");
+        throw Failure(UsageError, "the name of a database must not contain a dot");
     if (command.store.empty())
-        throw Failure(UsageError, "the name of a store is not empty");
+        throw Failure(UsageError, "the name of a store must not be empty");
     return {client, database, command.store};
 }
 
-// Bytes of a plain file; 0 for what has no length.
+// Size of a regular file; 0 for anything else.
 std::uint64_t lengthOf(const std::string& path)
 {
     std::error_code error;
@@ -57,7 +57,7 @@ std::uint64_t lengthOf(const std::string& path)
     return error ? 0 : length;
 }
 
-// Whatever is stored of a file that did not become whole goes away, as far as the server can be reached.
+// Removes an incomplete upload, if the server can be reached.
 void removePart(dbc::FileStore& store, const dbc::Value& id)
 {
     try
@@ -66,8 +66,8 @@ void removePart(dbc::FileStore& store, const dbc::Value& id)
     }
     catch (const std::exception& error)
     {
-        std::cerr << "dbc: what was stored so far cannot be removed now: " << error.what() << "\n"
-                  << "dbc: files rm --partial removes it\n";
+        std::cerr << "dbc: the incomplete upload cannot be removed: " << error.what() << "\n"
+                  << "dbc: use files rm --partial to remove it\n";
     }
 }
 
@@ -83,14 +83,14 @@ void upload(dbc::FileStore& store, const std::string& name, std::istream& source
     try
     {
         store.upload(name, source, options);
-        throwIfInterrupted();
+        throwIfInterrupted();        ///< Cancelled, or the driver's error for an interrupted read
         if (std::ferror(stdin) != 0) // std::cin reports an error as the end of the input
             throw Failure(UsageError, "standard input cannot be read");
     }
     catch (const std::exception&)
     {
         removePart(store, *options.id);
-        throwIfInterrupted(); // Cancelled, or what the driver says of a read that was woken
+        throwIfInterrupted(); // Cancelled, or the driver's error for an interrupted read
         throw;
     }
 }
@@ -99,14 +99,14 @@ int put(const GlobalOptions& global, const FileCommand& command)
 {
     const bool isStandardInput = command.path == "-";
     if (isStandardInput && command.name.empty())
-        throw Failure(UsageError, "a file from standard input needs a name: give --name");
+        throw Failure(UsageError, "a file from standard input needs a name: use --name");
     const std::string name =
         command.name.empty() ? std::filesystem::path(command.path).filename().string() : command.name;
     std::ifstream file;
     if (!isStandardInput)
         file.open(command.path, std::ios::binary);
     std::istream& source = isStandardInput ? std::cin : file;
-    // A folder can be opened, but not read.
+    // A directory can be opened, but not read.
     if (name.empty() || !source || std::filesystem::is_directory(command.path))
         throw Failure(UsageError, "cannot read " + command.path);
     const auto client = connect(global.connection);
@@ -122,7 +122,7 @@ void copyTo(std::ostream& target, const GlobalOptions& global, const FileCommand
     const auto client = connect(global.connection);
     dbc::FileStore store = storeOf(*client, command);
     std::uint64_t length = 0;
-    if (Progress::isShown(global.connection.quiet)) // costs a query, so only if somebody sees it
+    if (Progress::isShown(global.connection.quiet)) // saves a query if there is no progress line
     {
         if (const auto info = store.find(command.name))
             length = info->length;
@@ -141,7 +141,7 @@ void copyTo(std::ostream& target, const GlobalOptions& global, const FileCommand
     catch (const std::runtime_error& error)
     {
         if (dbc::describe(error).kind == dbc::ErrorKind::NotFound)
-            throw Failure(NothingFound, "no file is named " + command.name);
+            throw Failure(NothingFound, "there is no file " + command.name);
         if (!target)
             throw Failure(UsageError, "the output cannot be written");
         throwIfInterrupted(); // Cancelled, or what the driver says of a read that was woken
@@ -151,7 +151,7 @@ void copyTo(std::ostream& target, const GlobalOptions& global, const FileCommand
         throw Failure(UsageError, "the output cannot be written");
 }
 
-// A copy that ends half-way leaves an older file as it was.
+// An older file is replaced only when the copy is complete.
 int get(const GlobalOptions& global, const FileCommand& command)
 {
     if (command.path == "-")
@@ -183,25 +183,25 @@ int list(const GlobalOptions& global, const FileCommand& command)
     return files.empty() ? NothingFound : Success;
 }
 
-// The files of the name, ignoring case. With --partial those that are not complete, of every name if none is given.
+// The files with this name, ignoring case. With --partial the incomplete files, with this name or all.
 bool isMeant(const FileCommand& command, const std::string& stored)
 {
     const std::string name = command.partial ? dbc::finalFileName(stored) : stored;
     return command.name.empty() ? !name.empty() : ::strcasecmp(name.c_str(), command.name.c_str()) == 0;
 }
 
-// By id and name: an upload that has got its final name in the meantime is not removed any more.
+// By id and name, so that an upload that has its final name by now is not removed.
 bool removeFile(dbc::FileStore& store, dbc::Collection& records, const dbc::FileInfo& file)
 {
     dbc::RemoveOptions options;
     options.writeConcern.emplace().nodes = 1;
     if (records.removeOne({{"_id", file.id}, {"filename", file.name}}, options).removed == 0)
         return false;
-    store.removeById(file.id); // its content
+    store.removeById(file.id); // removes its chunks
     return true;
 }
 
-// An upload that was killed has stored content, but no record.
+// A killed upload has stored chunks, but no file document.
 std::uint64_t removeContentWithoutRecord(dbc::FileStore& store, dbc::Collection& records, dbc::Collection& chunks)
 {
     dbc::FindOptions firstChunk;
@@ -224,7 +224,7 @@ std::uint64_t removeContentWithoutRecord(dbc::FileStore& store, dbc::Collection&
 int remove(const GlobalOptions& global, const FileCommand& command)
 {
     if (command.name.empty() && !command.partial)
-        throw Failure(UsageError, "give the name of a stored file, or --partial");
+        throw Failure(UsageError, "name a stored file, or use --partial");
     const auto client = connect(global.connection);
     dbc::FileStore store = storeOf(*client, command);
     dbc::Collection records(*client, command.database, command.store + ".files");
@@ -248,7 +248,7 @@ CLI::App* addCommand(CLI::App& files, const GlobalOptions& global, Work& work, c
 {
     CLI::App* app = files.add_subcommand(name, help);
     app->add_option("database", command->database, "Database")->required();
-    app->add_option("--store", command->store, "Store of the files; fs unless given");
+    app->add_option("--store", command->store, "Store of the files; default: fs");
     setWork(*app, global, work, command, action);
     return app;
 }
@@ -262,17 +262,18 @@ void addFileCommands(CLI::App& program, const GlobalOptions& global, Work& work)
     CLI::App* app =
         addCommand(*files, global, work, "put", "Store a local file, or - for standard input", command, put);
     app->add_option("path", command->path, "Local file")->required()->type_name("FILE");
-    app->add_option("--name", command->name, "Name on the server; the name of the local file unless given");
+    app->add_option("--name", command->name, "Name on the server; default: the name of the local file");
     app = addCommand(*files, global, work, "get", "Fetch a stored file", command, get);
     app->add_option("name", command->name, "Name on the server")->required();
-    app->add_option("path", command->path, "Local file, or - for standard output; the name unless given")
+    app->add_option("path", command->path, "Local file, or - for standard output; default: the name on the server")
         ->type_name("FILE");
-    app = addCommand(*files, global, work, "ls",
-                     "List the stored files; uploads that were cut short are marked (incomplete)", command, list);
+    app = addCommand(*files, global, work, "ls", "List the stored files; incomplete uploads are marked (incomplete)",
+                     command, list);
     app->get_option("database")->required(false);
-    app->add_flag("-l,--long", command->isLong, "With length in bytes, time of the upload (UTC) and id");
-    app = addCommand(*files, global, work, "rm", "Remove the stored files of a name, ignoring case", command, remove);
+    app->add_flag("-l,--long", command->isLong, "Show the length in bytes, the upload time (UTC) and the id");
+    app = addCommand(*files, global, work, "rm", "Remove the stored files with this name, ignoring case", command,
+                     remove);
     app->add_option("name", command->name, "Name on the server");
     app->add_flag("--partial", command->partial,
-                  "Remove incomplete uploads, of this name or of all; running ones fail");
+                  "Remove incomplete uploads with this name, or all; running uploads fail");
 }

@@ -34,7 +34,7 @@ using SocketHandle = std::unique_ptr<mongoc_socket_t, DestroySocket>;
 using StreamHandle = std::unique_ptr<mongoc_stream_t, DestroyStream>;
 using Addresses = std::unique_ptr<addrinfo, FreeAddresses>;
 
-// Reports the failure and returns null if the name cannot be resolved.
+// Returns null and reports the failure if the name does not resolve.
 Addresses resolve(const mongoc_host_list_t& host)
 {
     addrinfo hints = {};
@@ -44,10 +44,10 @@ Addresses resolve(const mongoc_host_list_t& host)
     const int status = ::getaddrinfo(host.host, std::to_string(host.port).c_str(), &hints, &found);
     if (status != 0)
     {
-        reportFailure("address", std::string(host.host) + ": " + ::gai_strerror(status), "check the name of the host");
+        reportFailure("address", std::string(host.host) + ": " + ::gai_strerror(status), "check the host name");
         return nullptr;
     }
-    reportSuccess("address", std::string(host.host) + " is known");
+    reportSuccess("address", std::string(host.host) + " resolves");
     return Addresses(found);
 }
 
@@ -76,7 +76,7 @@ StreamHandle connectToFirst(const addrinfo* addresses)
     return stream;
 }
 
-// The texts belong to the connection string.
+// The connection string owns the strings.
 mongoc_ssl_opt_t tlsOptionsOf(const mongoc_uri_t& uri)
 {
     const bool isInsecure = mongoc_uri_get_option_as_bool(&uri, MONGOC_URI_TLSINSECURE, false);
@@ -98,21 +98,21 @@ bool agreeOnTls(const mongoc_uri_t& uri, const mongoc_host_list_t& host, StreamH
     StreamHandle encrypted(mongoc_stream_tls_new_with_hostname(plain.get(), host.host, &options, 1));
     if (!encrypted)
     {
-        return reportFailure("tls", place + ": cannot be started",
+        return reportFailure("tls", place + ": TLS cannot be set up",
                              "check the files of tlsCAFile and tlsCertificateKeyFile");
     }
-    static_cast<void>(plain.release()); // belongs to the other now
+    static_cast<void>(plain.release()); // owned by the TLS stream now
     bson_error_t error{};
     if (mongoc_stream_tls_handshake_block(encrypted.get(), host.host, stepTimeout, &error))
     {
-        reportSuccess("tls", place + " agrees on it");
+        reportSuccess("tls", place + ": handshake succeeded");
         return true;
     }
     return reportFailure("tls", place + ": " + error.message,
-                         "check tlsCAFile, and that the certificate is for this host; or the server has no TLS");
+                         "check tlsCAFile, the host name in the certificate, and that the server supports TLS");
 }
 
-// With the TLS options of the connection string, but without credentials: hello needs none.
+// Has the TLS options of the connection string, but no credentials, because hello needs none.
 std::string uriOfOneHost(const mongoc_uri_t& uri, const mongoc_host_list_t& host)
 {
     std::string text = "mongodb://";
@@ -163,11 +163,11 @@ HostState lookAtHost(const mongoc_uri_t& uri, const mongoc_host_list_t& host)
         return HostState::Unresolved;
     if (!stream)
     {
-        reportFailure("port", std::string(host.host_and_port) + " refuses or does not answer",
-                      "check that the server runs and that no firewall stands between");
+        reportFailure("port", std::string(host.host_and_port) + " refuses connections or does not respond",
+                      "check that the server runs and that no firewall blocks the port");
         return HostState::Unreachable;
     }
-    reportSuccess("port", std::string(host.host_and_port) + " answers");
+    reportSuccess("port", std::string(host.host_and_port) + " accepts connections");
     return !mongoc_uri_get_tls(&uri) || agreeOnTls(uri, host, std::move(stream)) ? HostState::Good
                                                                                  : HostState::Unreachable;
 }
@@ -179,7 +179,7 @@ std::vector<std::string> membersNamedBy(const mongoc_uri_t& uri, const mongoc_ho
     {
         DataBaseClient client;
         client.connect(uriOfOneHost(uri, host));
-        // Servers of every age have isMaster.
+        // All server versions have isMaster.
         const dbc::Value hello = dbc::Database(client, "admin").command({{"isMaster", 1}});
         for (const char* const list : {"hosts", "passives", "arbiters"})
         {
@@ -187,7 +187,7 @@ std::vector<std::string> membersNamedBy(const mongoc_uri_t& uri, const mongoc_ho
             members.insert(members.end(), names.begin(), names.end());
         }
     }
-    catch (const std::runtime_error&) // the walk goes on without what this host knows
+    catch (const std::runtime_error&) // without the list, only the hosts of the connection string are checked
     {}
     return members;
 }

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-/// Print the result of one step of `dbc doctor`.
+/// Prints the result of one step of `dbc doctor`.
 void reportSuccess(const std::string& step, const std::string& text);
 /// @return false
 bool reportFailure(const std::string& step, const std::string& text, const std::string& advice);
@@ -13,13 +13,13 @@ bool reportFailure(const std::string& step, const std::string& text, const std::
 enum class HostState
 {
     Good,
-    Unresolved, ///< its name has no address
-    Unreachable ///< the port, or TLS
+    Unresolved, ///< the host name does not resolve
+    Unreachable ///< the port or TLS failed
 };
 
-/// Checks one host: name resolution, port, and TLS if the connection string asks for it. Prints a line for each step.
+/// Checks name resolution and port of a host, and TLS if the connection string has it. Prints a line for each step.
 HostState lookAtHost(const mongoc_uri_t& uri, const mongoc_host_list_t& host);
 
-/// The members of the replica set, as HOST:PORT, that a host names. Connects to this host only. Empty if it is not a
-/// member of a set or cannot be asked.
+/// Returns the members of the replica set, as HOST:PORT, that a host lists. Connects only to this host. Empty if the
+/// host is not a member of a replica set or does not respond.
 std::vector<std::string> membersNamedBy(const mongoc_uri_t& uri, const mongoc_host_list_t& host);

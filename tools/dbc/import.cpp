@@ -20,11 +20,11 @@
 
 namespace {
 
-/// How far an import came: the number of documents that are done, and the run that did them. As text "28", or "28:RUN"
-/// where documents behind these may be stored as well.
+/// The progress of an import: the number of documents that are done, and the run that did them. Written as "28", or as
+/// "28:RUN" if later documents may be stored as well.
 ///
-/// Documents without an "_id" get one made of the run and their number, so that one that is sent again meets its own
-/// key instead of being stored twice.
+/// Documents without an "_id" get an id made of the run and their number. If such a document is sent again, it causes a
+/// duplicate key instead of a second document.
 struct Mark
 {
     std::uint64_t done = 0;
@@ -40,7 +40,7 @@ struct Mark
         const bool isNumber =
             !digits.empty() && digits.size() < 19 && digits.find_first_not_of("0123456789") == std::string::npos;
         if (!isNumber || (colon != std::string::npos && !isObjectIdText(mark.run)))
-            throw Failure(UsageError, what + " is not what an import says when it stops: " + text);
+            throw Failure(UsageError, what + " is not the value that an import prints when it stops: " + text);
         mark.done = std::stoull(digits);
         return mark;
     }
@@ -48,7 +48,7 @@ struct Mark
     std::string text() const { return std::to_string(done) + (run.empty() ? "" : ":" + run); }
 };
 
-/// The file that keeps the mark while the import runs.
+/// The file that stores the progress while the import runs.
 class StateFile
 {
 public:
@@ -65,7 +65,7 @@ public:
         return Mark::parse(text, m_path);
     }
 
-    // Written beside and renamed, so that an interruption leaves the old or the new state.
+    // Written to another file and renamed, so that an interruption leaves either the old or the new state.
     void save(const Mark& mark) const
     {
         if (m_path.empty())
@@ -100,7 +100,7 @@ std::vector<std::string> splitFields(const std::string& text)
     return fields;
 }
 
-// The field at a path with dots.
+// Returns the field at a dotted path.
 const dbc::Value* findField(const dbc::Value& document, const std::string& path)
 {
     const dbc::Value* value = &document;
@@ -113,7 +113,7 @@ const dbc::Value* findField(const dbc::Value& document, const std::string& path)
     return value;
 }
 
-// A server moves the "_id" to the front, so it is put there.
+// The server stores the "_id" first anyway.
 dbc::Value withId(dbc::Value document, const dbc::ObjectId& id)
 {
     if (document.contains("_id"))
@@ -131,7 +131,7 @@ struct Counts
     std::uint64_t inserted = 0;
     std::uint64_t replaced = 0;
     std::uint64_t duplicates = 0;
-    std::uint64_t unacknowledged = 0; // sent with w=0: whether they were stored is not known
+    std::uint64_t unacknowledged = 0; // sent with w=0, so maybe not stored
 };
 
 class Import
@@ -164,11 +164,11 @@ private:
     struct Item
     {
         std::vector<std::uint8_t> bson;
-        dbc::Value filter; // of an upsert
+        dbc::Value filter; // for an upsert
         std::uint64_t line;
     };
 
-    // However few documents are in it: memory stays flat for documents of any size.
+    // Limits memory also for large documents.
     static constexpr std::size_t largestBatch = std::size_t{16} * 1024 * 1024;
 
     Mark beginning() const
@@ -200,7 +200,7 @@ private:
         {
             throw;
         }
-        catch (const Failure& failure) // of the input: what is before it is sent
+        catch (const Failure& failure) // in the input: the documents before it are still sent
         {
             const std::uint64_t line = reader.line();
             send();
@@ -210,7 +210,7 @@ private:
         show();
     }
 
-    /// A failure that says already how to go on.
+    /// A failure whose message already has the way to continue.
     class SendFailure : public Failure
     {
         using Failure::Failure;
@@ -236,7 +236,7 @@ private:
         return true;
     }
 
-    // The first digits are those of the run, the last eight the number.
+    // The first 16 digits are the run, the last 8 digits the number.
     dbc::ObjectId idOf(std::uint64_t number) const
     {
         std::array<char, 9> digits{};
@@ -252,7 +252,7 @@ private:
             const dbc::Value* const value = findField(document, field);
             if (!value)
                 throw Failure(UsageError, "line " + std::to_string(line) + ": the document has no field " + field);
-            filter.append(field, {{"$eq", *value}}); // a regular expression would match others
+            filter.append(field, {{"$eq", *value}}); // a regular expression would match other values
         }
         return filter;
     }
@@ -304,7 +304,8 @@ private:
 
     bool skipsDuplicates() const { return m_command.skipDuplicates || m_isResumed; }
 
-    // Otherwise the connection broke before the rest was sent, or the server refused a document for another reason.
+    // Otherwise the connection broke before all documents were sent, or the server rejected a document for another
+    // reason.
     bool refusesOnlyDuplicates(const dbc::BulkError& error) const
     {
         const auto& errors = error.errors();
@@ -326,14 +327,14 @@ private:
         m_counts.unacknowledged += result.acknowledged ? 0 : m_batch.size();
     }
 
-    // The documents in front of the one that the server refused are stored, if they were sent in order.
+    // In an ordered write, the documents before the rejected one are stored.
     std::string stopAt(const dbc::BulkError& error)
     {
         const bool isOrdered = !m_upsertFields.empty() || !skipsDuplicates();
         const bool isExact = isOrdered && !error.errors().empty() && error.errors()[0].index < m_batch.size();
         const std::size_t failed = isExact ? error.errors()[0].index : 0;
         m_mark.done += failed;
-        // A document that is put in place of its like a second time does no harm.
+        // Replacing a document twice does no harm.
         return stopText(m_batch[failed].line, isExact || !m_upsertFields.empty());
     }
 
@@ -341,8 +342,8 @@ private:
     {
         const Mark mark{m_mark.done, isExact && !m_isResumed ? "" : m_mark.run};
         m_state.save(mark);
-        std::string text = "stopped at line " + std::to_string(line) + ", " + (isExact ? "" : "at least ") +
-                           std::to_string(m_mark.done) + " documents in; go on with ";
+        std::string text = "stopped at line " + std::to_string(line) + ", after " + (isExact ? "" : "at least ") +
+                           std::to_string(m_mark.done) + " documents; continue with ";
         if (m_state.isUsed())
             return text + "the same command";
         return text + "--resume " + mark.text();
@@ -352,7 +353,7 @@ private:
     const std::vector<std::string> m_upsertFields;
     const StateFile m_state;
     Mark m_mark;
-    const bool m_isResumed; // documents behind the mark may be stored
+    const bool m_isResumed; // documents after the mark may be stored
     std::unique_ptr<DataBaseClient> m_client;
     dbc::Collection m_collection;
     LossCounter m_losses;
@@ -367,7 +368,7 @@ std::unique_ptr<DocumentReader> openReader(InputFile& input, const ImportCommand
 {
     const FileFormat format = command.format.value_or(formatOf(command.file));
     if (format == FileFormat::Json && !command.header.empty())
-        throw Failure(UsageError, "--header is for CSV and TSV");
+        throw Failure(UsageError, "--header is only for CSV and TSV");
     if (format == FileFormat::Json)
         return std::make_unique<JsonReader>(input);
     return std::make_unique<TableReader>(input, format == FileFormat::Csv ? ',' : '\t', command.header);

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <string>
 
-/// How documents stand in a file.
+/// File formats.
 enum class FileFormat
 {
     Json,
@@ -14,7 +14,7 @@ enum class FileFormat
     Tsv
 };
 
-/// The format that the end of a name stands for: ".csv", ".tsv"; JSON for any other.
+/// Returns the format for a file name extension: ".csv", ".tsv"; JSON for any other.
 FileFormat formatOf(const std::string& path);
 
 struct ImportCommand
@@ -23,7 +23,7 @@ struct ImportCommand
     std::string file; // empty for standard input
     std::optional<FileFormat> format;
     std::string header;
-    std::string upsert; // fields with commas between
+    std::string upsert; // fields separated by commas
     std::string resume;
     std::string state;
     std::uint64_t batch = 1000;
@@ -32,6 +32,6 @@ struct ImportCommand
     LossPolicy losses = LossPolicy::Count;
 };
 
-/// Reads the documents of a file and writes them to a collection, batch by batch.
-/// @throws Failure that says how to go on after an error
+/// Imports the documents of a file into a collection, in batches.
+/// @throws Failure whose message has the way to continue
 int importDocuments(const GlobalOptions& global, const ImportCommand& command);

@@ -25,7 +25,7 @@ struct IndexCommand
     std::optional<std::int64_t> expireAfter;
 };
 
-// As JSON writes them in the keys of an index.
+// The type of an index field as JSON.
 const std::map<std::string, dbc::IndexType> types{{"1", dbc::IndexType::Ascending},
                                                   {"-1", dbc::IndexType::Descending},
                                                   {"\"text\"", dbc::IndexType::Text},
@@ -40,7 +40,7 @@ std::vector<dbc::IndexKey> keysOfJson(const std::string& json)
     {
         const auto found = types.find(type.toJson());
         if (found == types.end())
-            throw Failure(UsageError, "a field of an index is 1, -1, \"text\", \"hashed\" or \"2dsphere\"");
+            throw Failure(UsageError, "the type of an index field is 1, -1, \"text\", \"hashed\" or \"2dsphere\"");
         keys.push_back({std::string(field), found->second});
     }
     return keys;
@@ -55,7 +55,7 @@ std::vector<dbc::IndexKey> keysOfWords(const std::string& words)
         const bool isDescending = !field.empty() && field.front() == '-';
         field.erase(0, isDescending ? 1 : 0);
         if (field.empty())
-            throw Failure(UsageError, "a field of the index has no name: " + words);
+            throw Failure(UsageError, "an index field has no name: " + words);
         keys.push_back({field, isDescending ? dbc::IndexType::Descending : dbc::IndexType::Ascending});
     }
     return keys;
@@ -123,13 +123,13 @@ void addIndexCommands(CLI::App& program, const GlobalOptions& global, Work& work
     CLI::App* index = program.add_subcommand("index", "Create or drop an index")->require_subcommand(1);
     CLI::App* app = addCommand(*index, global, work, "create", "Create an index and print its name", command, &create);
     app->add_option("keys", command->keys,
-                    R"(Fields with commas between, "-" in front of a descending one; or JSON: {"place": "2dsphere"})")
+                    R"(Fields separated by commas, with "-" before a descending one; or JSON: {"place": "2dsphere"})")
         ->required();
-    app->add_flag("--unique", command->unique, "No two documents with the same values");
+    app->add_flag("--unique", command->unique, "Reject a second document with the same values");
     app->add_flag("--sparse", command->sparse, "Leave out documents without the fields");
     addNumber(*app, "--expire-after", command->expireAfter,
               "Seconds after the time in the field at which the server removes a document");
-    app->add_option("--name", command->name, "Name of the index; made of the fields unless given");
+    app->add_option("--name", command->name, "Name of the index; default: made of the fields");
     app = addCommand(*index, global, work, "drop", "Drop an index", command, &drop);
-    app->add_option("name", command->name, "Name of the index, as indexes prints it")->required();
+    app->add_option("name", command->name, "Name of the index, as printed by indexes")->required();
 }

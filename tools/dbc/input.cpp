@@ -16,10 +16,10 @@
 
 namespace {
 
-// A document that a server takes is shorter, even in canonical JSON.
+// Longer than any document that a server accepts, even in canonical JSON.
 constexpr std::size_t longestDocument = std::size_t{128} * 1024 * 1024;
 
-// The reason without what the place says better: the library counts bytes.
+// The reason without the byte offset: line and column are better.
 std::string reasonOf(const dbc::FormatError& error)
 {
     static const std::string before = "JSON: ";
@@ -32,7 +32,7 @@ std::string reasonOf(const dbc::FormatError& error)
     return reason;
 }
 
-// Where and why the text is not JSON; "place" is where it begins.
+// Describes why the text is not JSON, with line and column. "place" is the start of the text.
 std::string faultOf(std::string_view text, const dbc::FormatError& error, Place place)
 {
     const std::optional<JsonFault> fault = findJsonFault(text);
@@ -51,7 +51,7 @@ void Place::pass(std::string_view text) noexcept
             ++line;
             column = 1;
         }
-        else if ((static_cast<unsigned char>(character) & 0xC0U) != 0x80U) // no further byte of a character
+        else if ((static_cast<unsigned char>(character) & 0xC0U) != 0x80U) // not a continuation byte
             ++column;
     }
 }
@@ -72,7 +72,7 @@ dbc::Value parseDocument(std::string_view text, const std::string& what)
 {
     dbc::Value document = parseJson(text, what);
     if (!document.isObject())
-        throw Failure(UsageError, what + " is not a JSON document: it begins with \"{\"");
+        throw Failure(UsageError, what + " is not a JSON document, which begins with \"{\"");
     return document;
 }
 
@@ -133,7 +133,7 @@ std::optional<dbc::Value> JsonReader::next()
     }
 }
 
-// Takes the text from a "{" at the top to the "}" that closes it. Braces in texts do not count.
+// Reads the text from a "{" to the matching "}". Ignores braces in strings.
 bool JsonReader::readText()
 {
     m_text.clear();
@@ -178,7 +178,7 @@ bool JsonReader::readText()
     return false;
 }
 
-// A wrong bracket lets a document go on to the end of the input, so the fault inside it is looked for first.
+// A wrong bracket can extend a document to the end of the input, so an error inside it is reported first.
 void JsonReader::throwUnfinished(const char* what) const
 {
     const std::optional<JsonFault> fault = findJsonFault(m_text);
@@ -191,7 +191,7 @@ void JsonReader::throwUnfinished(const char* what) const
     throw Failure(UsageError, m_input.name() + ": the document that begins at " + place.text() + " " + what);
 }
 
-// What may stand between documents.
+// Skips whitespace, commas and the brackets of an array between documents.
 void JsonReader::passOver(char between)
 {
     if (std::isspace(static_cast<unsigned char>(between)) || (m_inArray && between == ','))

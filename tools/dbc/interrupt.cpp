@@ -22,12 +22,12 @@ static_assert(std::atomic<bool>::is_always_lock_free && std::atomic<const char*>
                   std::atomic<timer_t>::is_always_lock_free,
               "a signal handler may only touch what has no lock");
 
-// A terminal may show a progress bar or the "^C" of its own: the line is cleared first.
+// Clears the line first, because the terminal may show a progress bar or "^C".
 constexpr const char* terminalNotice =
     "\r\x1b[Kdbc: stopping after the current step; press Ctrl-C again to stop at once\n";
 constexpr const char* notice = "dbc: stopping after the current step; press Ctrl-C again to stop at once\n";
 
-// Before a handler needs it: a handler may set a timer, but not create one.
+// Created early, because a signal handler may set a timer, but not create one.
 void createWakeTimer()
 {
     static bool isCreated = false;
@@ -45,10 +45,10 @@ void setWakeTimer(const itimerspec& time) noexcept
     ::timer_settime(wakeTimer, 0, &time, nullptr);
 }
 
-// Work that ends soon after the interrupt is not commented on.
+// No message if the work ends soon.
 constexpr itimerspec soonAndThenEverySecond{{1, 0}, {0, 300'000'000}};
 
-// A signal that comes just before a read would not end it, so the read is woken again and again.
+// A signal just before a read would not end it, so the signal is repeated.
 extern "C" void onWake(int /*signal*/)
 {
     const char* const text = unsaidNotice.exchange(nullptr);
@@ -71,7 +71,7 @@ extern "C" void endBy(int signal)
 
 extern "C" void onInterrupt(int signal)
 {
-    // The second Ctrl-C ends the program at once: a server that does not answer must not hold it.
+    // A second Ctrl-C ends the program at once, also if the server does not respond.
     if (interrupted)
         endBy(signal);
     interrupted = true;
@@ -89,7 +89,7 @@ InterruptWatch::InterruptWatch()
     sigaction(SIGINT, &action, &m_interrupt);
     sigaction(SIGTERM, &action, &m_terminate);
     action.sa_handler = onWake;
-    action.sa_flags = 0; // a read that waits is ended, not begun again
+    action.sa_flags = 0; // without SA_RESTART: a blocking read fails with EINTR
     sigaction(SIGALRM, &action, &m_wake);
 }
 
@@ -109,7 +109,7 @@ RemovalOnSignal::RemovalOnSignal(std::string path) : m_path(std::move(path))
     for (std::size_t index = 0; index < ends.size(); ++index)
     {
         sigaction(ends[index], &action, &m_before[index]);
-        if (m_before[index].sa_handler == SIG_IGN) // as nohup has it
+        if (m_before[index].sa_handler == SIG_IGN) // as set by nohup
             sigaction(ends[index], &m_before[index], nullptr);
     }
 }

@@ -4,9 +4,9 @@
 #include <csignal>
 #include <string>
 
-/// While one lives, Ctrl-C and SIGTERM are noted instead of ending the program: for work that looks at isInterrupted()
-/// again and again. If the work goes on for 0.3 seconds, standard error says so, and that a second Ctrl-C ends the
-/// program at once. All other work is ended by them at once. One at a time.
+/// While an object exists, Ctrl-C and SIGTERM do not end the program. The work must check isInterrupted() regularly.
+/// After 0.3 seconds, a message on standard error tells the user that a second Ctrl-C ends the program at once. Only
+/// one object may exist at a time.
 class InterruptWatch
 {
 public:
@@ -21,7 +21,7 @@ private:
     struct sigaction m_wake = {};
 };
 
-/// While one lives, a signal that ends the program removes a file first. One at a time.
+/// While an object exists, a signal that ends the program removes a file first. Only one object may exist at a time.
 class RemovalOnSignal
 {
 public:

@@ -14,7 +14,7 @@ bool isIn(std::string_view characters, char character)
     return characters.find(character) != std::string_view::npos;
 }
 
-/// Walks along a text and stops at the first fault. Levels are in a string, so depth costs no stack.
+/// Finds the first error. The open levels are stored in a string, so the depth is not limited by the stack.
 class SyntaxWalk
 {
 public:
@@ -38,12 +38,12 @@ private:
             m_fault = JsonFault{offset, reason};
         m_next = m_text.size();
     }
-    // What stands at the place where something else is expected.
+    // The character where another one is expected.
     std::string found() const { return m_next < m_text.size() ? quotedCharacter(m_text[m_next]) : "the end"; }
     bool isAt(char character) const { return m_next < m_text.size() && m_text[m_next] == character; }
     void skipSpaces() { m_next = std::min(m_text.find_first_not_of(spaces, m_next), m_text.size()); }
 
-    // Goes down into containers until a value is complete.
+    // Enters containers until a value is complete.
     void value()
     {
         while (!m_fault)
@@ -81,7 +81,7 @@ private:
         ++m_next;
     }
 
-    // A comma and the next value, or the end of the container.
+    // Reads a comma and the next value, or the end of the container.
     void afterValue()
     {
         skipSpaces();
@@ -97,7 +97,7 @@ private:
         const std::size_t comma = m_next++;
         skipSpaces();
         if (isAt(close))
-            return fail(comma, "no comma may stand before " + quotedCharacter(close));
+            return fail(comma, "no comma is allowed before " + quotedCharacter(close));
         if (close == '}')
             key();
         value();
@@ -139,16 +139,16 @@ private:
             return true;
         }
         fail(begin, isAt('u') ? "four hexadecimal digits are expected after \\u"
-                              : "a backslash and " + found() + " are no escape sequence");
+                              : "a backslash and " + found() + " are not an escape sequence");
         return false;
     }
 
-    // A number, or true, false and null.
+    // Reads a number, or true, false and null.
     void word()
     {
         const std::size_t begin = m_next;
         if (isAt('\''))
-            return fail(begin, "strings stand in double quotes, not in single ones");
+            return fail(begin, "strings need double quotes, not single quotes");
         m_next = std::min(m_text.find_first_of(" \t\r\n,:{}[]\"", begin), m_text.size());
         const std::string_view word = m_text.substr(begin, m_next - begin);
         if (word == "true" || word == "false" || word == "null" || isJsonNumber(word))
@@ -157,13 +157,13 @@ private:
         if (word.empty())
             return fail(begin, "a value is expected, not " + found());
         fail(begin, "\"" + std::string(word.substr(0, 40)) +
-                        (isIn("-+.0123456789", word.front()) ? "\" is no number"
-                                                             : "\" is no value; a string needs double quotes"));
+                        (isIn("-+.0123456789", word.front()) ? "\" is not a number"
+                                                             : "\" is not a value; a string needs double quotes"));
     }
 
     std::string_view m_text;
     std::size_t m_next = 0;
-    std::string m_open; // what closes each level
+    std::string m_open; // closing brackets of the open levels
     std::optional<JsonFault> m_fault;
 };
 
@@ -233,7 +233,7 @@ std::size_t validUtf8Length(std::string_view text) noexcept
             if ((static_cast<unsigned char>(text[place + next]) & 0xC0U) != 0x80U)
                 return place;
         }
-        // Longer than needed, surrogates, and beyond the last character.
+        // Rejects overlong forms, surrogates and values above U+10FFFF.
         const auto second = length > 1 ? static_cast<unsigned char>(text[place + 1]) : 0U;
         if ((first == 0xE0 && second < 0xA0) || (first == 0xED && second > 0x9F) || (first == 0xF0 && second < 0x90) ||
             (first == 0xF4 && second > 0x8F))

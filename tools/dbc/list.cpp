@@ -53,7 +53,7 @@ std::vector<Line> databases(DataBaseClient& client)
     return lines;
 }
 
-// A view has no documents of its own, and the server no numbers for it.
+// A view has no documents, so the server has no numbers for it.
 Line collectionLine(dbc::Database& database, const std::string& name)
 {
     try
@@ -94,7 +94,7 @@ void addListCommand(CLI::App& program, const GlobalOptions& global, Work& work)
     const auto command = std::make_shared<ListCommand>();
     CLI::App* app = program.add_subcommand("ls", "List the databases, or the collections of one");
     app->add_option("database", command->database,
-                    "Lists its collections, with documents and bytes of documents; unless given, the databases, with "
-                    "bytes on disk");
+                    "Database whose collections are listed, with number and bytes of documents; default: the "
+                    "databases, with bytes on disk");
     setWork(*app, global, work, command, &list);
 }

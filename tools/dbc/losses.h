@@ -9,15 +9,15 @@
 #include <ostream>
 #include <string>
 
-/// What to do with documents that hold what the document model of the library drops or changes.
+/// What to do with documents with fields that ObjectProperties drops or changes.
 enum class LossPolicy
 {
     Ignore,
-    Count, ///< Say at the end how many fields, of which sort.
-    Refuse ///< Stop at the first one.
+    Count, ///< Print the number of fields per loss at the end.
+    Refuse ///< Stop at the first loss.
 };
 
-/// Looks at documents as they pass.
+/// Finds the losses of documents.
 class LossCounter
 {
 public:

@@ -27,20 +27,21 @@ void addGlobalOptions(CLI::App& program, GlobalOptions& global)
         {"auto", ColorMode::Auto}, {"always", ColorMode::Always}, {"never", ColorMode::Never}};
     program
         .add_option("--uri", global.connection.uri,
-                    "Connection string, mongodb://HOST:PORT/DATABASE; unless given, the server on this machine")
+                    "Connection string, mongodb://HOST:PORT/DATABASE; default: the server on this machine")
         ->envname("DBC_URI");
-    program.add_option("--user", global.connection.user, "User; the password is asked for, or taken from DBC_PASSWORD");
+    program.add_option("--user", global.connection.user,
+                       "User name; the password comes from --password-file, DBC_PASSWORD or a prompt");
     program
         .add_option("--password-file", global.connection.passwordFile,
                     "File whose first line is the password of --user")
         ->type_name("FILE");
     addChoice(
         program, "--dialect", global.output.dialect, dialects,
-        "JSON that is written; unless given, export writes canonical, which keeps every type, and all else relaxed");
-    program.add_flag("--array", global.output.asArray, "Write one JSON array instead of a document on each line");
-    program.add_flag("--pretty", global.output.isPretty, "Write every field on a line of its own");
+        "JSON dialect of the output; default: canonical for export, because it keeps all types, otherwise relaxed");
+    program.add_flag("--array", global.output.asArray, "Write one JSON array instead of one document per line");
+    program.add_flag("--pretty", global.output.isPretty, "Write one field per line");
     addChoice(program, "--color", global.output.color, colors,
-              "Colours for keys, strings and numbers; auto unless given: on a terminal, unless NO_COLOR is set");
+              "Colours for keys, strings and numbers; default: auto, which means on a terminal unless NO_COLOR is set");
     program.add_flag("-q,--quiet", global.connection.quiet, "No progress and no summary");
     program.set_version_flag("-V,--version", versions, "Print the versions of the program, the library and the driver");
 }
@@ -66,7 +67,7 @@ int run(const Work& work)
     }
     catch (const std::exception& error)
     {
-        if (isInterrupted()) // a driver that was woken up tells of a broken connection
+        if (isInterrupted()) // an interrupted driver call reports a broken connection
         {
             std::cerr << "dbc: interrupted\n";
             return Interrupted;
@@ -76,7 +77,7 @@ int run(const Work& work)
     }
 }
 
-// For the completion of shells and for the manual page; not for people, so not in the help.
+// Options for shell completion and the manual page. They are not in the help.
 bool describesItself(const CLI::App& program, const std::string& option, const std::vector<std::string>& words)
 {
     if (option == "--complete")
@@ -91,9 +92,8 @@ bool describesItself(const CLI::App& program, const std::string& option, const s
 int start(int argumentCount, char** arguments)
 {
     CLI::App program("Documents, files and users of a MongoDB server, from the command line.", "dbc");
-    program.footer(
-        "Exit status: 0 done, 1 nothing found, 2 usage, 3 connection, 4 refused by the server or for losses, 130 "
-        "interrupted.");
+    program.footer("Exit status: 0 success, 1 nothing found, 2 usage error, 3 connection error, 4 rejected by the "
+                   "server or because of losses, 130 interrupted.");
     program.require_subcommand(1);
     program.fallthrough();
     GlobalOptions global;

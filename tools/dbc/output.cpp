@@ -11,7 +11,7 @@
 
 namespace {
 
-// Colours of the terminal's own palette, which its user has made readable.
+// Colours of the terminal's palette, so that they are readable in any theme.
 constexpr std::string_view keyColor = "\x1b[34;1m";
 constexpr std::string_view stringColor = "\x1b[32m";
 constexpr std::string_view numberColor = "\x1b[33m";
@@ -20,7 +20,7 @@ constexpr std::string_view noColor = "\x1b[0m";
 
 constexpr std::string_view spaces = " \t\r\n";
 
-/// Lays out JSON text that is known to be right.
+/// Formats valid JSON text.
 class JsonStyle
 {
 public:
@@ -52,7 +52,7 @@ public:
     }
 
 private:
-    // What a container holds begins a line of its own, unless there is nothing or the object stands for one value.
+    // Every item of a container starts a line, unless the container is empty or the object is one value such as $date.
     void open()
     {
         const std::size_t inside = std::min(m_json.find_first_not_of(spaces, m_next + 1), m_json.size() - 1);
@@ -112,7 +112,7 @@ private:
             m_result += noColor;
     }
 
-    // A string in front of a colon is a key.
+    // A string before a colon is a key.
     std::string_view colorOf(std::size_t begin) const
     {
         if (m_json[begin] == '"')
@@ -127,7 +127,7 @@ private:
     const bool m_isPretty;
     const bool m_isColored;
     std::size_t m_next = 0;
-    std::string m_open; // a letter for each level: "i" if it stays on its line
+    std::string m_open; // one letter per level: "i" if it stays on its line
     std::string m_result;
 };
 

@@ -7,10 +7,10 @@
 #include <string>
 #include <string_view>
 
-/// How documents are written as JSON.
+/// JSON dialect of the output.
 using Dialect = dbc::JsonFormat;
 
-/// Whether output has colours.
+/// When the output has colours.
 enum class ColorMode
 {
     Auto, ///< On a terminal, unless the environment has NO_COLOR or TERM=dumb.
@@ -18,38 +18,37 @@ enum class ColorMode
     Never
 };
 
-/// What the options in front of every command say of the output.
+/// Output options.
 struct OutputOptions
 {
-    std::optional<Dialect> dialect; ///< each command has one of its own
+    std::optional<Dialect> dialect; ///< every command has its own default
     bool asArray = false;
     bool isPretty = false;
     ColorMode color = ColorMode::Auto;
 
-    /// Whether what goes to standard output has colours.
+    /// True if standard output has colours.
     bool colorsStandardOutput() const;
 };
 
-/// @throws Failure if the value has no JSON form
+/// @throws Failure if the value cannot be written as JSON
 std::string toJson(const dbc::Value& value, Dialect dialect);
 
-/// The JSON text over several lines, with colours for a terminal, or both. Values such as {"$date": ...} stay on one
-/// line.
+/// Returns the JSON text with line breaks, with colours, or both. Values such as {"$date": ...} stay on one line.
 std::string styledJson(std::string_view json, bool isPretty, bool isColored);
 
-/// Writes documents one on a line, or as one array.
+/// Writes documents, one per line or as one array.
 class DocumentWriter
 {
 public:
-    /// @param dialect  unless the options name one
+    /// @param dialect  default dialect
     DocumentWriter(std::ostream& stream, const OutputOptions& options, Dialect dialect, bool isColored)
         : m_stream(stream), m_dialect(options.dialect.value_or(dialect)), m_asArray(options.asArray),
           m_isPretty(options.isPretty), m_isColored(isColored)
     {}
 
-    /// @throws Failure when something could not be written, now or before
+    /// @throws Failure if this or an earlier write failed
     void write(const dbc::Value& value);
-    /// Closes the array. @throws Failure when something could not be written
+    /// Closes the array. @throws Failure if a write failed
     void finish();
 
 private:

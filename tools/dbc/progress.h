@@ -4,32 +4,32 @@
 #include <cstdint>
 #include <string>
 
-/// A line on standard error that counts; silent when that is no terminal or the program is to be quiet.
+/// A progress line on standard error. Not shown with --quiet or if standard error is not a terminal.
 class Progress
 {
 public:
-    /// What is counted.
+    /// Unit of the count.
     enum class Unit
     {
         Documents,
         Bytes ///< shown in MiB
     };
 
-    /// @param total     0 when it is not known
-    /// @param isForced  also without a terminal: then a line of its own every second
+    /// @param total     0 if not known
+    /// @param isForced  also without a terminal: prints a line every second
     Progress(std::string what, std::uint64_t total, bool quiet, Unit unit = Unit::Documents, bool isForced = false);
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
-    /// Wipes the line.
+    /// Clears the line.
     ~Progress();
 
-    /// @param done  so many of the total
+    /// @param done  number so far
     void show(std::uint64_t done) { show(done, done); }
-    /// @param done  counts for the rate
-    /// @param part  so much of the total, which is counted in another unit
+    /// @param done  number so far, for the rate
+    /// @param part  part of the total, which has another unit
     void show(std::uint64_t done, std::uint64_t part);
 
-    /// Whether a line will be seen: a total that is costly to find out need not be, if not.
+    /// True if a progress line is shown. If not, a caller can save the query for the total.
     static bool isShown(bool quiet, bool isForced = false);
 
 private:

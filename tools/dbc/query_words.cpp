@@ -12,7 +12,7 @@
 #include <utility>
 
 const char* const queryHelp =
-    "The query: one JSON document, or words that must all hold:\n"
+    "Query: one JSON document, or conditions that must all match:\n"
     "field=value field!=value field>value field>=value field<value field<=value field~pattern field~/pattern/flags "
     "field? !field\n"
     "A value is JSON (5, true, null, [1, 2]), a time (2023-01-31, 2023-01-31T12:30Z) or else a string; quotes make it "
@@ -20,21 +20,21 @@ const char* const queryHelp =
     "string in any case: 'when=\"2023-01-31\"'";
 
 const char* const sortHelp =
-    R"(Order: name,-age for names upwards, then ages downwards; or JSON: {"name": 1, "age": -1})";
+    R"(Sort order: name,-age sorts by name ascending, then by age descending; or JSON: {"name": 1, "age": -1})";
 
 namespace {
 
 struct Comparison
 {
     std::string_view sign;
-    const char* operatorText; // empty where the value itself stands under the field
+    const char* operatorText; // empty if the field has the value itself
 };
 
-// Longer signs first: ">=" is no ">".
+// Longer signs first: ">=" must not be read as ">".
 constexpr std::array<Comparison, 7> comparisons{
     {{"!=", "$ne"}, {">=", "$gte"}, {"<=", "$lte"}, {"=", ""}, {">", "$gt"}, {"<", "$lt"}, {"~", "$regex"}}};
 
-// What is written as JSON must be JSON: as a string it would find nothing, without a word.
+// Invalid JSON is an error. As a string it would silently match nothing.
 bool isMeantAsJson(const std::string& text)
 {
     return !text.empty() && std::string_view("{[\"").find(text.front()) != std::string_view::npos;
@@ -50,8 +50,7 @@ dbc::Value valueOf(const std::string& field, const std::string& text)
         return *time;
     if (looksLikeTime(text))
     {
-        throw Failure(UsageError,
-                      "there is no time " + text + "; the string is written " + field + "=\"" + text + "\"");
+        throw Failure(UsageError, "invalid time " + text + "; write a string as " + field + "=\"" + text + "\"");
     }
     if (isMeantAsJson(text))
         return parseJson(text, "the value of " + field);
@@ -65,7 +64,7 @@ dbc::Value valueOf(const std::string& field, const std::string& text)
     }
 }
 
-// pattern, or /pattern/flags.
+// Parses pattern, or /pattern/flags.
 dbc::Value expressionOf(const std::string& field, const std::string& text)
 {
     if (validUtf8Length(text) < text.size())
@@ -74,15 +73,16 @@ dbc::Value expressionOf(const std::string& field, const std::string& text)
     if (text.empty() || text.front() != '/' || last == 0)
         return {{"$regex", text}};
     std::string flags = text.substr(last + 1);
-    std::sort(flags.begin(), flags.end()); // as the server wants them
+    std::sort(flags.begin(), flags.end()); // as the server requires
     flags.erase(std::unique(flags.begin(), flags.end()), flags.end());
     const std::size_t wrong = flags.find_first_not_of("imsx");
     if (wrong != std::string::npos)
     {
-        throw Failure(UsageError, field + "~" + text + ": " + quotedCharacter(flags[wrong]) +
-                                      " is no flag of a regular expression, which are i, m, s and x; a pattern that "
-                                      "begins with \"/\" is written " +
-                                      field + "~\\" + text);
+        throw Failure(
+            UsageError,
+            field + "~" + text + ": " + quotedCharacter(flags[wrong]) +
+                " is not a flag of a regular expression (i, m, s, x); write a pattern that begins with \"/\" as " +
+                field + "~\\" + text);
     }
     dbc::Value expression{{"$regex", text.substr(1, last - 1)}};
     if (!flags.empty())
@@ -110,7 +110,7 @@ dbc::Field conditionOf(const std::string& word)
             return {field, std::move(value)};
         return {field, {{operatorText, std::move(value)}}};
     }
-    throw Failure(UsageError, "not a condition: " + word + "; conditions are written field=value, field>value, field?");
+    throw Failure(UsageError, "not a condition: " + word + "; write conditions as field=value, field>value, field?");
 }
 
 bool isDocument(const std::string& text)
@@ -137,7 +137,7 @@ dbc::Sort sortOfJson(const std::string& text)
     {
         const std::optional<int> number = direction.get<int>();
         if (!number || (*number != 1 && *number != -1))
-            throw Failure(UsageError, "--sort: " + std::string(field) + " is sorted by 1 or -1");
+            throw Failure(UsageError, "--sort: " + std::string(field) + " must be 1 or -1");
         sort.push_back({std::string(field), *number > 0 ? dbc::Order::Ascending : dbc::Order::Descending});
     }
     return sort;
@@ -151,7 +151,7 @@ dbc::Value parseQuery(const std::vector<std::string>& words)
         return {};
     if (words.size() == 1)
         return isDocument(words[0]) ? parseJson(words[0], "the query") : dbc::Value{conditionOf(words[0])};
-    // As a list: two conditions may be on one field.
+    // As a list, because two conditions may have the same field.
     dbc::Value list = dbc::Value::array();
     for (const std::string& word : words)
         list.push({conditionOf(word)});
@@ -172,7 +172,7 @@ dbc::Sort parseSort(const std::string& text)
             break;
         rest.remove_prefix(comma + 1);
         if (rest.empty())
-            sortFieldOf(rest); // refuses a comma at the end
+            sortFieldOf(rest); // throws for a comma at the end
     }
     return sort;
 }
@@ -186,6 +186,6 @@ ObjectProperties toProperties(const dbc::Value& document, const std::string& wha
     catch (const dbc::LossError& error)
     {
         const dbc::LossAt& loss = error.losses().front();
-        throw Failure(UsageError, what + " is beyond what can be sent: " + loss.path + ": " + nameOf(loss.loss));
+        throw Failure(UsageError, what + " cannot be sent: " + loss.path + ": " + nameOf(loss.loss));
     }
 }

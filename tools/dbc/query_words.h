@@ -12,19 +12,18 @@ extern const char* const queryHelp;
 /// Help text for a sort order.
 extern const char* const sortHelp;
 
-/// A query from the command line: nothing, one JSON document, or conditions as words, all of which must hold:
+/// Parses a query of the command line: nothing, one JSON document, or conditions that must all match:
 ///
 ///     field=value  field!=value  field>value  field>=value  field<value  field<=value
 ///     field~pattern  field~/pattern/flags  field?  !field
 ///
-/// A value is JSON (5, true, "5", {"$oid": "..."}) or a time (2023-01-31, 2023-01-31T12:30:00Z); anything else is a
-/// string; 24 hexadecimal digits for a field named _id, or ending in it, are an object id. Keys may be paths with dots,
-/// as the server reads them.
+/// A value is JSON (5, true, "5", {"$oid": "..."}) or a time (2023-01-31, 2023-01-31T12:30:00Z). Anything else is a
+/// string. In fields whose name ends in "_id", 24 hexadecimal digits are an object id. A field may be a dotted path.
 dbc::Value parseQuery(const std::vector<std::string>& words);
 
-/// A sort order: fields with commas between, "-" in front of one that is sorted downwards; or JSON.
+/// Parses a sort order: fields separated by commas, with "-" before a descending one; or JSON.
 dbc::Sort parseSort(const std::string& text);
 
-/// A document of the command line for the library. @throws Failure that names what the document model would drop or
-/// bend: a condition that is dropped would match everything
+/// Parses a document of the command line for the library. @throws Failure with the fields that ObjectProperties would
+/// drop or change: a query without a condition would match everything
 ObjectProperties toProperties(const dbc::Value& document, const std::string& what);

@@ -19,14 +19,14 @@ namespace {
     throw Failure(UsageError, "cannot write " + path + ": " + std::generic_category().message(error));
 }
 
-// Another program may be writing the same file.
+// A random name, because another program may be writing the same file.
 std::string nameBeside(const std::string& path)
 {
     std::random_device random;
     return path + "." + std::to_string(random()) + ".part";
 }
 
-// The right to write the older file is asked for, and its mode taken over, though only its directory is written to.
+// Requires write permission for the older file and keeps its mode, although only the directory is written to.
 void createFor(const std::string& part, const std::string& path, const std::optional<mode_t>& mode)
 {
     if (mode && ::access(path.c_str(), W_OK) != 0)
@@ -39,7 +39,7 @@ void createFor(const std::string& part, const std::string& path, const std::opti
     ::close(file);
 }
 
-// What the system still holds is written out, so that even after a power failure the name stands for a whole file.
+// Flushes the file to disk before the rename, so that the file is complete also after a power failure.
 bool isOnDisk(const std::string& path)
 {
     const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);

@@ -7,13 +7,12 @@
 #include <ostream>
 #include <string>
 
-/// A local file that comes into being, or takes an older one's place, only when it is complete. What is written goes
-/// into a file beside it, which is gone when the work ends by an exception or a signal. What is no plain file, such as
-/// a pipe or a terminal, is written as it is.
+/// A local file that is created, or replaces an older one, only when it is complete. Output goes to a temporary file
+/// next to it, which is removed after an exception or a signal. A pipe or a terminal is written directly.
 class ReplacedFile
 {
 public:
-    /// @throws Failure when the file, or one beside it, cannot be written
+    /// @throws Failure if the file or the temporary file cannot be written
     explicit ReplacedFile(const std::string& path);
     ReplacedFile(const ReplacedFile&) = delete;
     ReplacedFile& operator=(const ReplacedFile&) = delete;
@@ -21,12 +20,12 @@ public:
 
     std::ostream& stream() noexcept { return m_stream; }
 
-    /// Puts what was written in the older file's place. @throws Failure when it could not all be written
+    /// Replaces the older file by the temporary one. @throws Failure if a write failed
     void commit();
 
 private:
-    std::string m_path; ///< behind links
-    std::string m_part; ///< empty when there is none
+    std::string m_path; ///< with links resolved
+    std::string m_part; ///< the temporary file; empty if there is none
     std::optional<RemovalOnSignal> m_removal;
     std::ofstream m_stream;
 };

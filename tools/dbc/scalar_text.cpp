@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::string_view digits = "0123456789";
 
-/// Takes a text apart from left to right.
+/// Parses a text from left to right.
 class Pieces
 {
 public:
@@ -25,7 +25,7 @@ public:
         m_rest.remove_prefix(isThere ? 1 : 0);
         return isThere;
     }
-    // Exactly so many digits.
+    // Reads exactly this number of digits.
     bool number(std::size_t width, int& result)
     {
         const std::string_view piece = m_rest.substr(0, width);
@@ -35,7 +35,7 @@ public:
         m_rest.remove_prefix(width);
         return true;
     }
-    // Milliseconds of a fraction of any length.
+    // Reads the milliseconds of a fraction of any length.
     bool fraction(int& result)
     {
         const std::size_t length = std::min(m_rest.find_first_not_of(digits), m_rest.size());
@@ -110,8 +110,8 @@ int daysOf(int year, int month)
     return monthDays.at(static_cast<std::size_t>(month - 1)) + (month == 2 && isLeap(year) ? 1 : 0);
 }
 
-// Days from 1970-01-01, in the calendar of today for all years. A year of this count begins in March, so that a leap
-// day is its last.
+// Days since 1970-01-01 in the Gregorian calendar, also for earlier years. A year of this count begins in March, so
+// that a leap day is its last day.
 std::int64_t dayNumber(int year, int month, int day)
 {
     const std::int64_t y = year - (month <= 2 ? 1 : 0) + 400; // not negative

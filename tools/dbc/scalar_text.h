@@ -6,25 +6,25 @@
 #include <string>
 #include <string_view>
 
-/// Whether the text has the form of a date, 2023-01-31, or of a date with a time: 2023-01-31T12:30, with a space
-/// instead of the T, seconds, a fraction of a second and a zone (Z, +01:00) as one likes.
+/// True if the text has the form of a date, 2023-01-31, or of a date with a time, 2023-01-31T12:30. A space may replace
+/// the T. Seconds, a fraction of a second and a time zone (Z, +01:00) are optional.
 bool looksLikeTime(std::string_view text);
 
-/// The time of a text of that form; UTC unless it has a zone, midnight unless it has a time. A fraction beyond
-/// milliseconds is cut off. Empty for any other text, and where there is no such day or hour.
+/// Returns the time of such a text. The default is UTC and midnight. A fraction is cut off after milliseconds. Empty
+/// for any other text, and for a day or hour that does not exist.
 std::optional<dbc::Time> parseTime(std::string_view text);
 
-/// 2023-01-31T00:00:00.000Z; empty for years that do not have four digits.
+/// Returns 2023-01-31T00:00:00.000Z. Empty for years without four digits.
 std::string timeText(dbc::Time time);
 
-/// Whether the text is 24 hexadecimal digits.
+/// True if the text is 24 hexadecimal digits.
 bool isObjectIdText(std::string_view text);
 
-/// Whether 24 hexadecimal digits in the field are an object id: it is named "_id", or ends in it.
+/// True if 24 hexadecimal digits in the field are an object id: its name ends in "_id".
 bool isIdField(std::string_view field);
 
-/// The double of a text such as "1.5", "-0", "1e300", "NaN", "Infinity"; empty for any other.
+/// Parses a double such as "1.5", "-0", "1e300", "NaN" or "Infinity". Empty for any other text.
 std::optional<double> parseDouble(std::string_view text);
 
-/// The shortest text from which parseDouble() makes the same number; with a ".0" or an exponent if it is whole.
+/// Returns the shortest text that parseDouble() converts to the same number. A whole number has ".0" or an exponent.
 std::string doubleText(double number);

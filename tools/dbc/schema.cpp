@@ -79,7 +79,7 @@ const char* nameOfType(dbc::Type type)
     return "unknown";
 }
 
-// What is known of one path in one type.
+// Statistics of one path and one type.
 struct Column
 {
     std::uint64_t count = 0;
@@ -95,13 +95,13 @@ struct Column
 
 using Schema = std::map<std::pair<std::string, std::string>, Column>;
 
-// Of texts and arrays it is the length.
+// The length for strings and arrays.
 std::optional<double> measure(const dbc::Value& value)
 {
     if (const auto number = value.get<double>())
         return number;
     if (const auto integer = value.get<std::int64_t>())
-        return static_cast<double>(*integer); // no double equals it
+        return static_cast<double>(*integer); // no double is equal to it
     if (const auto time = value.get<dbc::Time>())
         return static_cast<double>(dbc::millisecondsOf(*time));
     if (const auto text = value.get<std::string_view>())
@@ -111,7 +111,7 @@ std::optional<double> measure(const dbc::Value& value)
     return std::nullopt;
 }
 
-// A server refuses documents that are nested deeper than this, so the recursion is bounded.
+// Servers reject deeper documents, so the recursion is bounded.
 constexpr int deepestLevel = 200;
 
 void addValue(const dbc::Value& value, const std::string& path, int level, Schema& schema);
@@ -152,7 +152,7 @@ std::string rangeOf(const std::string& type, const Column& column)
     return text.str();
 }
 
-// False when the server does not choose documents at random, and why. Every failure of another sort is the caller's.
+// Returns false and the reason if the server does not support $sample. Passes on any other error.
 template <typename Visit>
 bool visitAtRandom(dbc::Collection& collection, const dbc::Value& query, std::int64_t size, const Visit& visit,
                    std::string& reason)
@@ -206,10 +206,10 @@ Sample takeSample(const GlobalOptions& global, const SchemaCommand& command)
         dbc::FindOptions options;
         options.limit = command.sample;
         forEachDocument([&] { return collection.find(query, options); }, visit);
-        result.choice = "the first ones, since the server does not choose at random: " + reason;
+        result.choice = "the first ones, because the server does not support $sample: " + reason;
     }
     if (command.sample == 0 || result.documents < static_cast<std::uint64_t>(command.sample))
-        result.choice = "all that there are";
+        result.choice = "all documents";
     return result;
 }
 
@@ -241,9 +241,8 @@ void addSchemaCommand(CLI::App& program, const GlobalOptions& global, Work& work
     CLI::App* app = program.add_subcommand("schema", "Print paths, types, counts and ranges of a sample of documents");
     app->add_option("collection", command->collection, collectionHelp)->required();
     app->add_option("query", command->query, queryHelp);
-    addNumber(
-        *app, "--sample", command->sample,
-        "Documents to look at, chosen at random where the server can do that ($sample), else the first ones; 1000 "
-        "unless given, 0 for all");
+    addNumber(*app, "--sample", command->sample,
+              "Number of documents: a random sample if the server supports $sample, otherwise the first ones; default: "
+              "1000; 0 for all");
     setWork(*app, global, work, command, &schema);
 }

@@ -65,7 +65,7 @@ std::string typeOf(const CLI::Option& option)
     return type.substr(0, type.find(':'));
 }
 
-// Up to the first detail: one line beside a word.
+// Returns the first part of a description, for one line of a completion list.
 std::string summaryOf(const std::string& description)
 {
     return description.substr(0, std::min(description.find_first_of(";\n"), description.find(": ")));
@@ -117,7 +117,7 @@ public:
 private:
     static bool isOption(const std::string& word) { return word.size() > 1 && word[0] == '-'; }
 
-    // The words behind "help" name a command.
+    // The words after "help" are the name of a command.
     void enter(const CLI::App& command)
     {
         if (m_isHelp)
@@ -224,8 +224,7 @@ void writeOption(const CLI::Option& option, std::ostream& stream)
         stream << " \\fI" << escaped(typeOf(option)) << "\\fR";
     const bool isQuery = option.get_description() == queryHelp; // too long for every command
     stream << '\n'
-           << (isQuery ? "The query: one JSON document, or words; QUERIES below says more"
-                       : escaped(option.get_description()));
+           << (isQuery ? "Query: one JSON document, or conditions; see QUERIES" : escaped(option.get_description()));
     const Words choices = choicesOf(option);
     for (std::size_t index = 0; index < choices.size(); ++index)
         stream << (index == 0 ? ". One of " : ", ") << escaped(choices[index]);
@@ -297,7 +296,7 @@ void writeCompletions(const CLI::App& program, const std::vector<std::string>& w
 
 void writeManual(const CLI::App& program, std::ostream& stream)
 {
-    stream << ".SH OPTIONS\nThese may stand in front of the command and behind it.\n";
+    stream << ".SH OPTIONS\nThese options may come before or after the command.\n";
     writeOptionsOf(program, stream);
     stream << ".SH COMMANDS\n";
     for (const CLI::App* command : commandsOf(program))

@@ -36,7 +36,7 @@ std::string_view nameOf(ColumnType type)
     return {};
 }
 
-// The type that takes the value without loss.
+// Returns the type that keeps the value without loss.
 ColumnType typeOf(const dbc::Value& value)
 {
     switch (value.type())
@@ -84,7 +84,7 @@ std::optional<Integer> parseInteger(std::string_view text)
     return isWhole && result.ec == std::errc() ? std::optional<Integer>(number) : std::nullopt;
 }
 
-// What a value without quotes in a column without a type is.
+// Converts a value without quotes in a column without a type.
 dbc::Value guessed(std::string_view field, const std::string& text)
 {
     if (text == "true" || text == "false")
@@ -108,7 +108,7 @@ dbc::Value guessed(std::string_view field, const std::string& text)
     return text;
 }
 
-// Whether a value is spread over columns of its own. Deeper levels than this are JSON, which bounds the recursion.
+// True if a value is split into columns. Deeper levels become JSON, which bounds the recursion.
 constexpr int deepestColumn = 16;
 
 bool isSpread(const dbc::Value& value, int level)
@@ -122,7 +122,7 @@ bool isSpread(const dbc::Value& value, int level)
     });
 }
 
-// Calls visit with the path of each field; one that returns false has the fields inside visited.
+// Calls visit with the path of each field. If visit returns false, the fields inside are visited too.
 template <typename Visit>
 void visitFields(const dbc::Value& object, const std::string& prefix, int level, const Visit& visit)
 {
@@ -175,18 +175,18 @@ bool isExact(const std::string& json, const dbc::Value& value)
     }
     catch (const dbc::FormatError& /*error*/)
     {
-        return false; // a time in the year 10000
+        return false; // the year 10000 or later
     }
 }
 
-// Relaxed JSON is easier to read, where it is the same value.
+// Uses relaxed JSON if it keeps the value, because it is easier to read.
 std::string exactJson(const dbc::Value& value, const std::string& what)
 {
     const std::string relaxed = jsonText(value, dbc::JsonFormat::Relaxed, what);
     return isExact(relaxed, value) ? relaxed : jsonText(value, dbc::JsonFormat::Canonical, what);
 }
 
-// Without a type: what guessed() reads as the same value is written without quotes.
+// In a column without a type, values that guessed() reads unchanged are written without quotes.
 Cell cellOfAny(const std::string& path, const dbc::Value& value, const std::string& what)
 {
     const ColumnType type = typeOf(value);
@@ -304,7 +304,7 @@ TableReader::TableReader(InputFile& input, char separator, const std::string& he
         m_columns = parseHeader(m_cells);
 }
 
-// An empty line is no record, unless it is the empty value of the only column.
+// An empty line is not a record, unless there is only one column.
 bool TableReader::skip()
 {
     do
@@ -383,7 +383,7 @@ dbc::Value TableReader::valueOf(const Column& column, const Cell& cell) const
     case ColumnType::Json:
         return parseJson(text, m_input.name() + ": line " + std::to_string(m_records.line()) + ": " + column.path);
     }
-    fail(column.path + ": \"" + text.substr(0, 40) + "\" is no " + std::string(nameOf(column.type)));
+    fail(column.path + ": \"" + text.substr(0, 40) + "\" is not of type " + std::string(nameOf(column.type)));
 }
 
 void TableReader::place(dbc::Value& document, const std::string& path, dbc::Value value) const
@@ -396,11 +396,11 @@ void TableReader::place(dbc::Value& document, const std::string& path, dbc::Valu
         dbc::Value* const inside = object->find(key);
         object = inside ? inside : &object->append(key, dbc::Value());
         if (!object->isObject())
-            fail(path + " lies inside " + path.substr(0, dot) + ", which has a value of its own");
+            fail(path + " is a field of " + path.substr(0, dot) + ", which has a value");
     }
     const std::string key = path.substr(begin);
     if (object->contains(key))
-        fail(path + " has a value of its own beside those of its fields");
+        fail(path + " has both a value and fields");
     object->append(key, std::move(value));
 }
 
@@ -415,7 +415,7 @@ void ColumnFinder::look(const dbc::Value& document, std::uint64_t number)
             fields.push_back({path, typeOf(value)});
         return !isSpread;
     });
-    // A new column stands in front of the next one of the document that is known.
+    // A new column is inserted before the next known column of the document.
     auto next = m_columns.end();
     for (auto field = fields.rbegin(); field != fields.rend(); ++field)
     {
@@ -461,9 +461,9 @@ void TableWriter::write(const dbc::Value& document, std::uint64_t number)
         const bool hasColumn = place != m_places.end() && !(m_format.isComplete && isSpread);
         if (!hasColumn && m_format.isComplete && !isSpread)
         {
-            throw Failure(ServerRefused, ::place(number) + " has the field " + path +
-                                             ", which no document had when the columns were looked for; name them "
-                                             "with --columns");
+            throw Failure(ServerRefused,
+                          ::place(number) + " has the field " + path +
+                              ", which no document had when the columns were determined; name them with --columns");
         }
         if (!hasColumn)
             return !isSpread;
@@ -472,9 +472,9 @@ void TableWriter::write(const dbc::Value& document, std::uint64_t number)
         const std::optional<Cell> cell = cellOf(column, value, what);
         if (!cell)
         {
-            throw Failure(ServerRefused, what + " is no " + std::string(nameOf(column.type)) + " but a " +
-                                             dbc::nameOf(value.type()) + "; a column " + path +
-                                             ":json takes every type");
+            throw Failure(ServerRefused, what + " is not of type " + std::string(nameOf(column.type)) +
+                                             " but of type " + dbc::nameOf(value.type()) + "; a column " + path +
+                                             ":json accepts every type");
         }
         m_cells[place->second] = *cell;
         return true;

@@ -12,12 +12,12 @@
 #include <unordered_map>
 #include <vector>
 
-// Documents as the rows of a table. A column is a field; "address.city" is the field "city" of the object "address".
+// Documents as rows of a table. A column is a field; "address.city" is the field "city" of the object "address".
 
-/// What the values of a column are.
+/// Type of the values of a column.
 enum class ColumnType
 {
-    Any, ///< What each value looks like; docs/guide/dbc.md has the rules.
+    Any, ///< Depends on the form of each value; docs/guide/dbc.md has the rules.
     String,
     Int,
     Long,
@@ -26,7 +26,7 @@ enum class ColumnType
     Bool,
     Date,
     ObjectId,
-    Json ///< JSON that keeps every type, for any value.
+    Json ///< JSON with all types, for any value.
 };
 
 struct Column
@@ -35,16 +35,16 @@ struct Column
     ColumnType type = ColumnType::Any;
 };
 
-/// The columns of a header: names, or "name:type". @throws Failure for an empty name, and one that is there twice
+/// Parses the columns of a header: names, or "name:type". @throws Failure for empty and duplicate names
 std::vector<Column> parseHeader(const std::vector<Cell>& header);
-/// The same, of a text such as "name,total:double,when:date".
+/// The same for a text such as "name,total:double,when:date".
 std::vector<Column> parseHeader(const std::string& header);
 
-/// Reads the rows of a file as documents. An empty value is a field that the document does not have.
+/// Reads the rows of a file as documents. An empty value is a missing field.
 class TableReader : public DocumentReader
 {
 public:
-    /// @param header  the columns; unless given, the first record names them
+    /// @param header  the columns; by default, those of the first record
     TableReader(InputFile& input, char separator, const std::string& header);
 
     std::optional<dbc::Value> next() override;
@@ -62,14 +62,14 @@ private:
     std::vector<Cell> m_cells;
 };
 
-/// Finds the columns that take documents without loss: objects are spread over columns, and a column of values of
-/// several types, or of such as have no type of their own, holds JSON.
+/// Finds columns for documents without loss. Objects are split into columns. A column is JSON if its values have
+/// several types, or a type without a column type.
 class ColumnFinder
 {
 public:
-    /// @throws Failure for a document that has no form as a row: a key with a dot in it, or twice
+    /// @throws Failure for a document that cannot be a row: a key with a dot, or a duplicate key
     void look(const dbc::Value& document, std::uint64_t number);
-    /// In an order that is that of the fields in the documents, as far as these agree.
+    /// The columns in the order of the fields, as far as the documents have the same order.
     std::vector<Column> columns() const { return {m_columns.begin(), m_columns.end()}; }
 
 private:
@@ -85,15 +85,15 @@ public:
     {
         char separator = ',';
         bool hasTypes = true;   ///< in the header
-        bool isComplete = true; ///< whether a field without a column is an error
+        bool isComplete = true; ///< true if a field without a column is an error
     };
 
     /// Writes the header.
     TableWriter(std::ostream& stream, const std::vector<Column>& columns, const Format& format);
 
-    /// @throws Failure when a value does not fit its column, and when something could not be written
+    /// @throws Failure if a value does not fit its column, or if a write failed
     void write(const dbc::Value& document, std::uint64_t number);
-    /// @throws Failure when something could not be written
+    /// @throws Failure if a write failed
     void finish();
 
 private:

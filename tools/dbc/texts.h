@@ -4,7 +4,7 @@
 
 #include <string>
 
-/// An object id as its 24 hexadecimal digits, as a query takes it; any other value as JSON.
+/// Returns the 24 hexadecimal digits of an object id, or the JSON of any other value.
 std::string idText(const dbc::Value& id);
 
 /// 2020-01-01T00:00:00Z. Fractions of a second are cut off.

@@ -49,7 +49,7 @@ public:
     {
         const FileFormat format = m_command.format.value_or(formatOf(m_command.file));
         if (format == FileFormat::Json && (!m_command.columns.empty() || m_command.hasPlainHeader))
-            throw Failure(UsageError, "--columns and --plain-header are for CSV and TSV");
+            throw Failure(UsageError, "--columns and --plain-header are only for CSV and TSV");
         std::optional<ReplacedFile> file;
         if (!m_command.file.empty())
             file.emplace(m_command.file);
@@ -91,7 +91,7 @@ private:
         return done;
     }
 
-    // The header comes first and depends on every document, so they are read twice unless the columns are given.
+    // The header depends on all documents, so they are read twice unless the columns are given.
     std::uint64_t writeTable(std::ostream& stream, char separator)
     {
         TableWriter::Format format;
@@ -151,12 +151,12 @@ int exportDocuments(const GlobalOptions& global, const ExportCommand& command)
 void addLossOption(CLI::App& app, LossPolicy& policy)
 {
     addChoice(app, "--losses", policy, policies,
-              "What to do about fields that the library's document model drops or changes; count unless given");
+              "What to do with fields that ObjectProperties drops or changes; default: count");
 }
 
 void addFormatOption(CLI::App& app, std::optional<FileFormat>& format)
 {
-    addChoice(app, "--format", format, formats, "Format; unless given, the end of the file's name says it, else JSON");
+    addChoice(app, "--format", format, formats, "Format; default: by the extension of the file name, otherwise JSON");
 }
 
 void addExport(CLI::App& program, const GlobalOptions& global, Work& work)
@@ -165,13 +165,12 @@ void addExport(CLI::App& program, const GlobalOptions& global, Work& work)
     CLI::App* app = program.add_subcommand("export", "Write documents to a file or to standard output");
     app->add_option("collection", command->collection, collectionHelp)->required();
     app->add_option("query", command->query, queryHelp);
-    app->add_option("--file,-f", command->file,
-                    "File to write, there only when it is complete; standard output unless given")
+    app->add_option("--file,-f", command->file, "File to write, created when it is complete; default: standard output")
         ->type_name("FILE");
     addFormatOption(*app, command->format);
     app->add_option("--columns", command->columns,
-                    "Fields of a CSV or TSV, with or without types: name,total:double,address.city; all fields unless "
-                    "given, for which the documents are read twice");
+                    "Fields of a CSV or TSV, with or without types: name,total:double,address.city; default: all "
+                    "fields, found by reading the documents twice");
     app->add_flag("--plain-header", command->hasPlainHeader, "No types in the header of a CSV or TSV");
     app->add_flag("--progress", command->showsProgress, "Show progress also if standard error is not a terminal");
     addLossOption(*app, command->losses);
@@ -184,21 +183,20 @@ void addImport(CLI::App& program, const GlobalOptions& global, Work& work)
     CLI::App* app = program.add_subcommand("import", "Insert documents from a file or from standard input");
     app->add_option("collection", command->collection, collectionHelp)->required();
     app->add_option("--file,-f", command->file,
-                    "JSON, a document on each line or one array; CSV or TSV; standard input unless given")
+                    "JSON, one document per line or one array; CSV or TSV; default: standard input")
         ->type_name("FILE");
     addFormatOption(*app, command->format);
     app->add_option("--header", command->header,
-                    "Columns of a CSV or TSV whose first line does not name them: name,total:double,when:date");
-    CLI::Option* upsert =
-        app->add_option("--upsert", command->upsert,
-                        "Fields, with commas between: replace the document with the same values in them, or insert");
-    app->add_option("--batch", command->batch, "Documents in one request; 1000 unless given")
-        ->check(CLI::Range(1, 100000));
+                    "Columns of a CSV or TSV without a header line: name,total:double,when:date");
+    CLI::Option* upsert = app->add_option(
+        "--upsert", command->upsert,
+        "Fields, separated by commas: replace the document with the same values in these fields, or insert");
+    app->add_option("--batch", command->batch, "Documents per request; default: 1000")->check(CLI::Range(1, 100000));
     app->add_flag("--skip-duplicates", command->skipDuplicates, "Skip documents with a duplicate key")
         ->excludes(upsert);
-    app->add_option("--resume", command->resume, "Go on where an import stopped: what it said then, such as 2000");
+    app->add_option("--resume", command->resume, "Continue a stopped import: the value that it printed, such as 2000");
     app->add_option("--state", command->state,
-                    "File that records how far the import came; the same command goes on there, even after kill -9")
+                    "File that records the progress; the same command then continues the import, even after kill -9")
         ->type_name("FILE");
     app->add_flag("--progress", command->showsProgress, "Show progress also if standard error is not a terminal");
     addLossOption(*app, command->losses);

@@ -19,7 +19,7 @@ struct UpdateArguments
     std::string collection;
     std::vector<std::string> query;
     std::string document;
-    std::optional<std::string> operatorText; // empty text: the document replaces the match
+    std::optional<std::string> operatorText; // empty string: the document replaces the match
     bool multiple = false;
     bool upsert = false;
 };
@@ -29,7 +29,7 @@ bool hasOperators(const dbc::Value& update)
     return update.isArray() || (!update.empty() && update.fields()[0].key().substr(0, 1) == "$");
 }
 
-// The update in the form in which the server takes it: operators, stages of a pipeline, or a whole document.
+// Returns the update for the server: operators, pipeline stages, or a whole document.
 dbc::Value updateOf(const UpdateArguments& command)
 {
     dbc::Value operand = parseJson(command.document, "the update");
@@ -53,7 +53,7 @@ dbc::UpdateResult send(dbc::Collection collection, const UpdateArguments& comman
                                 : collection.updateOne(query, update, options);
     }
     if (command.multiple)
-        throw Failure(UsageError, "a replacement is for one document: leave out --multi, or give operators");
+        throw Failure(UsageError, "a replacement changes one document: remove --multi, or use operators");
     dbc::ReplaceOptions options;
     options.upsert = command.upsert;
     return collection.replaceOne(query, update, options);
@@ -80,14 +80,14 @@ void addUpdateCommand(CLI::App& program, const GlobalOptions& global, Work& work
         {"replace", ""},   {"set", "$set"},         {"unset", "$unset"}, {"rename", "$rename"},    {"push", "$push"},
         {"pull", "$pull"}, {"pullAll", "$pullAll"}, {"pop", "$pop"},     {"addToSet", "$addToSet"}};
     const auto command = std::make_shared<UpdateArguments>();
-    CLI::App* app = program.add_subcommand("update", "Change the first document that matches a query");
+    CLI::App* app = program.add_subcommand("update", "Update the first document that matches a query");
     app->add_option("collection", command->collection, collectionHelp)->required();
     app->add_option("query", command->query, queryHelp)->required();
     app->add_option("--document,-d", command->document,
                     R"(Fields to set, or operators: {"$inc": {"n": 1}}, as JSON; with --operator, its operand)")
         ->required();
-    addChoice(*app, "--operator,-o", command->operatorText, operators, "What to do with the document");
-    CLI::Option* upsert = app->add_flag("--upsert", command->upsert, "Insert a document when none matches");
-    app->add_flag("--multi", command->multiple, "Change every document that matches")->excludes(upsert);
+    addChoice(*app, "--operator,-o", command->operatorText, operators, "Update operator");
+    CLI::Option* upsert = app->add_flag("--upsert", command->upsert, "Insert a document if none matches");
+    app->add_flag("--multi", command->multiple, "Update every document that matches")->excludes(upsert);
     setWork(*app, global, work, command, &update);
 }

@@ -29,12 +29,12 @@ std::string newPassword(const UserCommand& command)
     if (const char* password = std::getenv("DBC_NEW_PASSWORD"))
         return password;
     const std::string password = promptSecret("New password of " + command.name + ": ");
-    if (promptSecret("Once more: ") != password)
-        throw Failure(UsageError, "the two passwords differ");
+    if (promptSecret("Repeat the password: ") != password)
+        throw Failure(UsageError, "the passwords do not match");
     return password;
 }
 
-// "readWrite" for the user's own database, "readWrite@shop" for another.
+// Parses "readWrite" for the user's database, "readWrite@shop" for another one.
 ObjectProperties rolesOf(const UserCommand& command)
 {
     std::vector<dbc::Field> roles;
@@ -95,14 +95,14 @@ CLI::App* addCommand(CLI::App& users, const GlobalOptions& global, Work& work, c
 void addPasswordOption(CLI::App& app, UserCommand& command)
 {
     app.add_option("--new-password-file", command.newPasswordFile,
-                   "File whose first line is the new password; otherwise DBC_NEW_PASSWORD, otherwise it is asked for")
+                   "File whose first line is the new password; default: DBC_NEW_PASSWORD or a prompt")
         ->type_name("FILE");
 }
 
 void addRoleOptions(CLI::App& app, UserCommand& command)
 {
     app.add_option("--role", command.roles, "A role, or ROLE@DATABASE; may be given several times");
-    app.add_option("--data", command.customData, "Data that the server keeps with the user, as JSON");
+    app.add_option("--data", command.customData, "Custom data of the user, as JSON");
 }
 
 } // namespace
@@ -115,9 +115,10 @@ void addUserCommands(CLI::App& program, const GlobalOptions& global, Work& work)
     addPasswordOption(*app, *command);
     addRoleOptions(*app, *command);
     addPasswordOption(
-        *addCommand(*users, global, work, "passwd", "Give a user a new password", command, changePassword), *command);
-    addRoleOptions(
-        *addCommand(*users, global, work, "update", "Replace roles and data of a user, also by none", command, update),
+        *addCommand(*users, global, work, "passwd", "Change the password of a user", command, changePassword),
         *command);
+    addRoleOptions(*addCommand(*users, global, work, "update",
+                               "Replace the roles and the data of a user; removes what is not given", command, update),
+                   *command);
     addCommand(*users, global, work, "rm", "Remove a user", command, remove);
 }

@@ -80,8 +80,8 @@ TEST(ValueProperties, NameEveryFieldThatDoesNotFit)
                                             "code: code with scope is dropped",
                                             "uuid: binary loses its subtype",
                                             "bytes: binary without bytes is dropped",
-                                            "zero: text is cut at its zero byte",
-                                            "fits: key stands twice"};
+                                            "zero: string is cut at its zero byte",
+                                            "fits: duplicate key"};
     EXPECT_EQ(texts(dbc::findLosses(value)), expected);
     try
     {

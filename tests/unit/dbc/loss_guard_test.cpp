@@ -116,7 +116,7 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"Double", [](bson_t* bson) { BSON_APPEND_DOUBLE(bson, "f", 0.5); }, ""},
         Row{"String", [](bson_t* bson) { BSON_APPEND_UTF8(bson, "f", "x"); }, ""},
         Row{"StringWithZero", [](bson_t* bson) { bson_append_utf8(bson, "f", -1, "a\0b", 3); },
-            "f: text is cut at its zero byte\n"},
+            "f: string is cut at its zero byte\n"},
         Row{"Document", [](bson_t* bson) { appendGroup(bson); }, "f.n: null is dropped\n"},
         Row{"Array", [](bson_t* bson) { appendArray(bson, 10); }, ""},
         Row{"LongArray", [](bson_t* bson) { appendArray(bson, 11); },
@@ -136,7 +136,7 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"Code", [](bson_t* bson) { BSON_APPEND_CODE(bson, "f", "x"); }, "f: code is dropped\n"},
         Row{"Symbol", [](bson_t* bson) { BSON_APPEND_SYMBOL(bson, "f", "x"); }, "f: symbol becomes a string\n"},
         Row{"SymbolWithZero", [](bson_t* bson) { bson_append_symbol(bson, "f", -1, "a\0b", 3); },
-            "f: symbol becomes a string\nf: text is cut at its zero byte\n"},
+            "f: symbol becomes a string\nf: string is cut at its zero byte\n"},
         Row{"CodeWithScope", [](bson_t* bson) { appendScope(bson); }, "f: code with scope is dropped\n"},
         Row{"Int32", [](bson_t* bson) { BSON_APPEND_INT32(bson, "f", 1); }, ""},
         Row{"Timestamp", [](bson_t* bson) { BSON_APPEND_TIMESTAMP(bson, "f", 1, 2); }, "f: timestamp is dropped\n"},
@@ -145,15 +145,15 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"MinKey", [](bson_t* bson) { BSON_APPEND_MINKEY(bson, "f"); }, "f: min key is dropped\n"},
         Row{"MaxKey", [](bson_t* bson) { BSON_APPEND_MAXKEY(bson, "f"); }, "f: max key is dropped\n"},
         Row{"EmptyKey", [](bson_t* bson) { BSON_APPEND_INT32(bson, "", 1); },
-            ": empty key stands for the whole document\n"},
+            ": empty key is read as the whole document\n"},
         Row{"KeyWithSlash", [](bson_t* bson) { BSON_APPEND_INT32(bson, "a/b", 1); },
-            "a/b: key with \"/\" is taken as a path\n"},
+            "a/b: key with \"/\" is read as a path\n"},
         Row{"DuplicateKey",
             [](bson_t* bson) {
                 BSON_APPEND_INT32(bson, "f", 1);
                 BSON_APPEND_INT32(bson, "f", 2);
             },
-            "f: key stands twice\n"}),
+            "f: duplicate key\n"}),
     [](const auto& row) { return row.param.name; });
 
 TEST(LossGuard, JoinsThePathOfANestedField)
@@ -179,13 +179,13 @@ TEST(LossGuard, SaysWhereTheBytesStopBeingBson)
     bytes[15] = 0xff; // the length of the text
     bson_t corrupt;
     ASSERT_TRUE(bson_init_static(&corrupt, bytes.data(), bytes.size()));
-    EXPECT_EQ(textOf(findLosses(corrupt)), ": bytes are not BSON\n");
+    EXPECT_EQ(textOf(findLosses(corrupt)), ": bytes are not valid BSON\n");
 }
 
 TEST(LossGuard, TakesADocumentWithoutBytesForNoBson)
 {
     const bson_t nothing = {};
-    EXPECT_EQ(textOf(findLosses(nothing)), ": bytes are not BSON\n");
+    EXPECT_EQ(textOf(findLosses(nothing)), ": bytes are not valid BSON\n");
 }
 
 TEST(LossGuard, SurvivesAnyDepth)
