@@ -135,6 +135,8 @@ TEST(Layout, OnlyDocumentsAndFiltersAreCopied)
     EXPECT_TRUE(std::is_copy_assignable_v<ObjectFilter>);
     EXPECT_FALSE(std::is_copy_constructible_v<DataBaseClient>);
     EXPECT_FALSE(std::is_copy_assignable_v<DataBaseClient>);
+    EXPECT_FALSE(std::is_move_constructible_v<DataBaseClient>);
+    EXPECT_FALSE(std::is_move_assignable_v<DataBaseClient>);
     EXPECT_FALSE(std::is_copy_constructible_v<Property>);
     EXPECT_FALSE(std::is_copy_assignable_v<Property>);
 }

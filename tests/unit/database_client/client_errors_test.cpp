@@ -31,6 +31,7 @@ TEST_P(ErrorText, JoinsMessageDetailAndCode)
     try
     {
         DataBaseClientPrivate::throw_runtime_error(GetParam().message, GetParam().detail, GetParam().code);
+        FAIL() << "nothing was thrown";
     }
     catch (const std::runtime_error& error)
     {

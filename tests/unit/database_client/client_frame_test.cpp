@@ -7,7 +7,6 @@
 #include <set>
 #include <stdexcept>
 #include <string>
-#include <type_traits>
 
 namespace {
 
@@ -58,12 +57,6 @@ TEST(ConnectionString, WritesAnyPortWithItsSign)
 TEST(ConnectionString, EscapesNothing)
 {
     EXPECT_EQ(DataBaseClient::uri("h", 1, "u@/", "p:%", "d?"), "mongodb://u@/:p:%@h:1/d?");
-}
-
-TEST(Connection, IsNotThereAtFirst)
-{
-    const DataBaseClient client;
-    EXPECT_FALSE(client.isConnected());
 }
 
 TEST(Connection, ToAnUnreachableServerIsMadeAtOnce)
@@ -186,19 +179,6 @@ TEST(OwnedClient, IsAnotherOneEveryTime)
 
     first->connect(nowhere);
     EXPECT_FALSE(second->isConnected());
-}
-
-TEST(Client, CannotBeCopied)
-{
-    EXPECT_FALSE(std::is_copy_constructible_v<DataBaseClient>);
-    EXPECT_FALSE(std::is_copy_assignable_v<DataBaseClient>);
-    EXPECT_FALSE(std::is_move_constructible_v<DataBaseClient>);
-    EXPECT_FALSE(std::is_move_assignable_v<DataBaseClient>);
-}
-
-TEST(Client, IsDeletedThroughItsVirtualDestructor)
-{
-    EXPECT_TRUE(std::has_virtual_destructor_v<DataBaseClient>);
 }
 
 } // namespace

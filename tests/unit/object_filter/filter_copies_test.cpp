@@ -1,7 +1,9 @@
+#include "factories.h"
 #include "query_bytes.h"
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <random>
 #include <string>
 #include <vector>
@@ -267,4 +269,15 @@ TEST(FilterCopies, GiveTheSameQueryAsTheirSourceWhereverTheyAreTaken)
             randomCall(copy, randomOfCopy, openInCopy);
         ASSERT_EQ(query::of(copy), query::of(source));
     }
+}
+
+TEST(FilterFactory, ReturnsAnEmptyFilterThatTheCallerDeletes)
+{
+    const std::unique_ptr<ObjectFilter> filter(createObjectFilter());
+    ASSERT_TRUE(filter);
+    EXPECT_TRUE(filter->isEmpty());
+
+    filter->setFilterInt(OperationTypeEqual, "a", 1);
+
+    EXPECT_EQ(query::of(*filter), query::expected({query::int32("a", 1)}));
 }

@@ -290,23 +290,6 @@ TEST_P(PropertyValueOfKind, TheGetterWithAPathOnAnArrayAddsAnElementAndAnswersTh
 
 INSTANTIATE_TEST_SUITE_P(Kinds, PropertyValueOfKind, testing::ValuesIn(valueKinds()), RowName());
 
-TEST(PropertyType, NumbersAreFixed)
-{
-    EXPECT_EQ(None, 0);
-    EXPECT_EQ(Undefined, 1);
-    EXPECT_EQ(Group, 2);
-    EXPECT_EQ(Array, 3);
-    EXPECT_EQ(String, 4);
-    EXPECT_EQ(Bool, 5);
-    EXPECT_EQ(Int32, 6);
-    EXPECT_EQ(Int64, 7);
-    EXPECT_EQ(Double, 8);
-    EXPECT_EQ(Time, 9);
-    EXPECT_EQ(Id, 10);
-    EXPECT_EQ(Binary, 11);
-    EXPECT_EQ(Regex, 12);
-}
-
 TEST(PropertyValues, AFreshNodeIsUndefinedAndNoPredicateHolds)
 {
     const NodePointer node = Property::create();
@@ -332,37 +315,6 @@ TEST(PropertyValues, GroupAndArrayHaveTheirOwnPredicates)
         EXPECT_FALSE(((*group).*(kind.is))()) << kind;
         EXPECT_FALSE(((*array).*(kind.is))()) << kind;
     }
-}
-
-TEST(PropertyValues, AnInt32OnAGroupWithMembersLeavesANodeOfKind6WithoutChildren)
-{
-    const NodePointer group = groupWithMembers();
-
-    group->setValueInt32(5);
-
-    EXPECT_EQ(group->type(), 6);
-    EXPECT_EQ(group->childCount(), 0U);
-    EXPECT_EQ(group->currentValueAsInt32(0), 5);
-}
-
-TEST(PropertyValues, ATimeIsNoInt64)
-{
-    const NodePointer node = Property::create();
-
-    node->setValueTime(1500000000000L);
-
-    EXPECT_EQ(node->currentValueAsInt64(0), 0);
-    EXPECT_EQ(node->currentValueAsTime(0), 1500000000000L);
-}
-
-TEST(PropertyValues, AnIdIsNoString)
-{
-    const NodePointer node = Property::create();
-
-    node->setValueId("abc");
-
-    EXPECT_EQ(node->currentValueAsString("default"), "default");
-    EXPECT_EQ(node->currentValueAsId("default"), "abc");
 }
 
 TEST(PropertyValues, ATextIsKeptUpToItsFirstZeroByte)
