@@ -41,7 +41,7 @@ void cursor(DataBaseClient& client, const std::string& database)
     for (const dbc::Value& order : orders.find({}, options))
         std::cout << order << '\n';
 
-    // The type of the loop variable decides the form of the documents.
+    // The type of the loop variable selects the form of the documents.
     int sum = 0;
     for (const ObjectProperties& order : orders.find({{"state", "open"}}))
         sum += order.valueAsInt32("_id", 0);

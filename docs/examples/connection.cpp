@@ -19,7 +19,7 @@ void first()
     const std::string address = dbc::ConnectionString()
                                     .host("db.example")
                                     .user("ada", "p@ss/word")
-                                    .authSource("admin") // the database that knows the user
+                                    .authSource("admin") // the database to which the user belongs
                                     .database("shop")
                                     .text();
     std::cout << address << '\n';
@@ -34,7 +34,7 @@ void ping()
     section("ping");
     //! [ping]
     DataBaseClient client;
-    client.connect("mongodb://127.0.0.1:1/"); // no server is there
+    client.connect("mongodb://127.0.0.1:1/"); // no server uses port 1
     try
     {
         dbc::Database(client, "admin").command({{"ping", 1}});
@@ -80,7 +80,7 @@ void escaped()
     }
 
     client.connect("shop", "db.example", 27017, "ada", dbc::percentEncoded("p@ss/word"));
-    std::cout << client.isConnected() << '\n'; // the text is a connection string; no server was asked
+    std::cout << client.isConnected() << '\n'; // the connection string is valid; nothing was sent
     //! [escaped]
 }
 
@@ -97,7 +97,7 @@ void options()
                      .authSource("admin")
                      .database("shop")
                      .tlsCaFile("/etc/ssl/shop-ca.pem")
-                     .serverSelectionTimeout(seconds(5))
+                     .connectTimeout(seconds(5))
                      .socketTimeout(seconds(30))
                      .text()
               << '\n';

@@ -1,4 +1,4 @@
-// The driver beside the library. Needs a server: scripts/with-server.
+// Using the driver directly. Needs a server: scripts/with-server.
 #include "example.h"
 
 #include "test_server.h"
@@ -51,7 +51,7 @@ void count(const std::string& address, const std::string& databaseName)
         client.write(databaseName, "people", dbc::document({{"name", name}}));
     const char* const database = databaseName.c_str();
     //! [count]
-    const DriverClient driver(mongoc_client_new(address.c_str())); // a connection of its own
+    const DriverClient driver(mongoc_client_new(address.c_str())); // has its own connection
     if (!driver)
         throw std::runtime_error("invalid connection string");
     const DriverCollection people(mongoc_client_get_collection(driver.get(), database, "people"));
@@ -72,7 +72,7 @@ void command(const std::string& address, const std::string& databaseName)
     const DriverClient driver(mongoc_client_new(address.c_str()));
     const char* const database = databaseName.c_str();
     //! [command]
-    // Any command of the server, for example an index. The reply becomes a document.
+    // Runs any command of the server, for example to create an index. Converts the reply to a document.
     ObjectProperties create;
     JsonToProperties::convert(R"({"createIndexes": "people",
                                   "indexes": [{"name": "by_name", "key": {"name": 1}, "unique": true}]})",

@@ -66,7 +66,7 @@ void calls()
     {
         client.connect("127.0.0.1:27017"); // "mongodb://" is missing
     }
-    catch (const std::runtime_error& error) // not a connection string
+    catch (const std::runtime_error& error) // the connection string is invalid
     {
         std::cout << error.what() << '\n';
     }
@@ -74,7 +74,7 @@ void calls()
     {
         dbc::Collection(client, "shop", "orders").count({});
     }
-    catch (const std::invalid_argument& error) // a wrong call; nothing was sent
+    catch (const std::invalid_argument& error) // wrong call; nothing was sent
     {
         std::cout << error.what() << '\n';
     }
@@ -86,7 +86,7 @@ void retry(DataBaseClient& client, const std::string& database)
     section("retry");
     dbc::Collection orders(client, database, "orders");
     //! [retry]
-    // Setting a value may be repeated. Of an insert, choose the "_id" yourself and take a duplicate key for success.
+    // It is safe to repeat $set. To repeat an insert, choose the "_id" yourself, and treat a duplicate key as success.
     for (int attempt = 1;; ++attempt)
     {
         try

@@ -72,17 +72,17 @@ void progress(DataBaseClient& client, const std::string& database)
     dbc::FileStore files(client, database);
     std::istringstream source(std::string(1000000, 'x'));
     //! [progress]
-    constexpr std::uint64_t length = 1000000; // of the source
+    constexpr std::uint64_t length = 1000000; // length of the source
     dbc::UploadOptions upload;
     upload.progress = [&](std::uint64_t bytes) {
         std::cout << bytes * 100 / length << " % stored\n";
-        return true; // go on
+        return true; // continue
     };
     files.upload("report.txt", source, upload);
 
     std::ostringstream target;
     dbc::DownloadOptions download;
-    download.progress = [](std::uint64_t bytes) { return bytes < 500000; }; // enough after that
+    download.progress = [](std::uint64_t bytes) { return bytes < 500000; }; // false cancels
     try
     {
         files.download("report.txt", target, download);

@@ -19,7 +19,7 @@ void encoded()
                                 .database("shop")
                                 .authSource("admin")
                                 .appName("invoices")
-                                .serverSelectionTimeout(5s)
+                                .connectTimeout(5s)
                                 .text();
     std::cout << uri << '\n';
 

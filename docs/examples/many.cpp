@@ -20,7 +20,7 @@ void counting(DataBaseClient& client, const std::string& database)
     std::cout << orders.count({}) << " orders, " << orders.count({{"state", "open"}}) << " open\n";
 
     dbc::CountOptions atMost;
-    atMost.limit = 1; // enough to know whether there is one
+    atMost.limit = 1; // stop counting at the first match
     std::cout << (orders.count({{"state", "lost"}}, atMost) > 0 ? "some" : "none") << " lost\n";
 
     for (const dbc::Value& state : orders.distinct("state"))
@@ -37,7 +37,7 @@ void sorted(DataBaseClient& client, const std::string& database)
                        {{"_id", 3}, {"total", 30}, {"item", "pan"}}});
     //! [sorted]
     dbc::FindOptions options;
-    options.sort = {{"total", dbc::Order::Descending}, {"_id"}}; // of equal totals, the smaller "_id" first
+    options.sort = {{"total", dbc::Order::Descending}, {"_id"}}; // if totals are equal, the smaller "_id" first
     options.skip = 1;
     options.limit = 2;
     options.projection = {{"total", 1}};
@@ -56,7 +56,7 @@ void paging(DataBaseClient& client, const std::string& database)
     dbc::FindOptions page;
     page.sort = {{"_id"}};
     page.limit = 2;
-    dbc::Value filter; // the empty object: the first page begins with the first document
+    dbc::Value filter; // empty: the first page starts at the first document
     int received = 0;
     do
     {
@@ -73,7 +73,7 @@ void paging(DataBaseClient& client, const std::string& database)
 }
 
 //! [after]
-// Matches what follows the document last in the order {{"total", Descending}, {"_id"}}.
+// Matches the documents after `last` in the order {{"total", Descending}, {"_id"}}.
 dbc::Value after(const dbc::Value& last)
 {
     const dbc::Value& total = last.at("total");
@@ -127,7 +127,7 @@ void lines(DataBaseClient& client, const std::string& database)
     dbc::Collection orders(client, database, "lines");
     std::istringstream file("{\"item\": \"cup\"}\n\n{\"item\": \"jug\"}\n");
     //! [lines]
-    // file is a std::ifstream: one JSON document per line
+    // file is a std::ifstream with one JSON document per line
     int number = 0;
     const auto nextDocument = [&]() -> std::optional<dbc::Value> {
         std::string line;
@@ -140,7 +140,7 @@ void lines(DataBaseClient& client, const std::string& database)
         return std::nullopt; // the end
     };
     dbc::InsertManyOptions options;
-    options.returnIds = false; // millions of ids would need memory
+    options.returnIds = false; // a list of millions of ids would need much memory
     try
     {
         std::cout << orders.insertMany(nextDocument, options).inserted << " inserted\n";
@@ -172,7 +172,7 @@ void refused(DataBaseClient& client, const std::string& database)
     dbc::Collection orders(client, database, "refused");
     //! [refused]
     dbc::InsertManyOptions options;
-    options.ordered = false; // the documents after a refused one are inserted, too
+    options.ordered = false; // also insert the documents after a refused one
     try
     {
         orders.insertMany({{{"_id", 1}}, {{"_id", 1}}, {{"_id", 2}}}, options);
