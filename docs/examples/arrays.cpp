@@ -14,13 +14,13 @@ void write()
     ObjectProperties order;
     order.beginArray("tags");
     for (const char* const tag : {"new", "paid"})
-        order.setValueString("tag", tag); // on an array every call adds an element; equal keys keep their order
+        order.setValueString("tag", tag); // adds an element; equal keys keep their order
     order.endArray();
 
     order.beginArray("lines");
     for (const int count : {2, 1})
     {
-        order.beginGroup("line"); // here too: every call adds an element
+        order.beginGroup("line"); // adds an element, too
         order.setValueInt32("count", count);
         order.endGroup();
     }
@@ -45,7 +45,7 @@ void read()
     }
     order.endArray();
 
-    // The same without a cursor, without adding anything, and in one walk.
+    // The same without the cursor, visiting each element once.
     for (const auto& [key, tag] : dbc::children(order, "tags"))
         std::cout << key << ' ' << tag->currentValueAsString("") << '\n';
     //! [read]
@@ -58,7 +58,7 @@ void trap()
     ObjectProperties document;
     JsonToProperties::convert(R"({"n": [0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10]})", &document);
     for (const auto& [key, element] : dbc::children(document, "n"))
-        std::cout << element->currentValueAsInt32(-1) << ' '; // 10 stands behind 1, not behind 9
+        std::cout << element->currentValueAsInt32(-1) << ' '; // 10 comes after 1, not after 9
     std::cout << '\n';
     //! [trap]
 }
@@ -69,13 +69,12 @@ void wayOut()
     ObjectProperties document;
     JsonToProperties::convert(R"({"n": [0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10]})", &document);
     //! [way_out]
-    // Reading: by number, whatever the order of the keys.
+    // Reading: in the order of the numbers.
     for (const auto& element : dbc::elements(document, "n"))
         std::cout << element->currentValueAsInt32(-1) << ' ';
     std::cout << '\n';
 
-    // Writing: one key for all elements. Equal keys keep the order of the calls, and a server numbers the elements
-    // itself.
+    // Writing: use one key for all elements. Equal keys keep the order of the calls, and MongoDB numbers the elements.
     ObjectProperties written;
     written.beginArray("n");
     for (int value = 0; value <= 10; ++value)
@@ -83,7 +82,7 @@ void wayOut()
     written.endArray();
     std::cout << text(written) << '\n';
 
-    // The same with nested braces: the keys get leading zeros.
+    // The same with nested braces: dbc::array writes the keys with leading zeros.
     std::cout << text(dbc::document({{"n", dbc::array({8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18})}})) << '\n';
     //! [way_out]
 }

@@ -37,7 +37,7 @@ void factory(const std::string& address, const std::string& database)
 {
     section("factory");
     //! [factory]
-    const std::unique_ptr<DataBaseClient> client(createDataBaseClient()); // made with new: the caller deletes it
+    const std::unique_ptr<DataBaseClient> client(createDataBaseClient()); // created with new: the caller deletes it
     client->connect(address);
     client->remove(database, "people", ObjectProperties());
     //! [factory]
@@ -55,7 +55,7 @@ void shared(const std::string& address)
 }
 
 //! [owner]
-// Deletes what the client appended, on every way out.
+// Deletes the documents that the client appended, also after an exception.
 struct DeleteResults
 {
     void operator()(std::list<ObjectProperties*>* results) const
@@ -81,7 +81,7 @@ void results(DataBaseClient& client, const std::string& database)
     //! [results]
 
     //! [helpers_results]
-    dbc::Results people; // the same owner, ready made
+    dbc::Results people; // owns the documents, too
     client.read(database, "people", ObjectProperties(), people);
     for (const ObjectProperties& person : people)
         std::cout << person.valueAsString("name", "?") << '\n';
@@ -117,7 +117,7 @@ void update(DataBaseClient& client, const std::string& database)
     change.setValueInt32("age", 40);
     client.update(database, "people", query, change, UpdateFlagNone, UpdateCommandSet); // {"$set": {"age": 40}}
 
-    // Several operators at once: the document holds them, and no operator is put around it.
+    // Several operators: the document contains them, and UpdateCommandReplace adds no other operator.
     const ObjectProperties both = dbc::updateDocument({{"$set", {{"age", 41}}}, {"$push", {{"tags", "older"}}}});
     client.update(database, "people", query, both, UpdateFlagMultiUpdate, UpdateCommandReplace);
     //! [update]
@@ -152,7 +152,7 @@ void failure(DataBaseClient& client)
     {
         std::cout << error.what() << '\n';
     }
-    catch (const std::runtime_error& error) // the driver or the server refused
+    catch (const std::runtime_error& error) // the driver or the server rejected the operation
     {
         std::cout << error.what() << '\n';
     }

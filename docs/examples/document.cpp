@@ -62,10 +62,10 @@ void reading()
     section("reading");
     //! [reading]
     ObjectProperties document;
-    std::cout << document.valueAsInt32("missing", 7) << '\n'; // the default, and a new node of kind Undefined
+    std::cout << document.valueAsInt32("missing", 7) << '\n'; // returns the default, adds an Undefined
     std::cout << document.contains("missing") << ' ' << document.type("missing") << '\n';
 
-    std::cout << document.contains("other") << '\n'; // asking first adds nothing
+    std::cout << document.contains("other") << '\n'; // contains() adds nothing
     std::cout << dbc::getOr(document, "other", 7) << '\n';
     std::cout << document.contains("other") << '\n';
     //! [reading]
@@ -79,7 +79,7 @@ void scopes()
     {
         const dbc::GroupScope born(document, "born");
         document.setValueInt32("year", 1815);
-    } // the cursor is back where it was, also after an exception
+    } // moves the cursor back, also after an exception
     document.setValueString("name", "Ada");
     std::cout << text(document) << '\n';
     //! [scopes]
@@ -94,14 +94,14 @@ void combine()
 
     ObjectProperties person;
     person.setValueString("name", "Ada");
-    person.include("address", address); // a deep copy of the whole of address, as the group "address"
+    person.include("address", address); // a deep copy of address becomes the group "address"
     std::cout << text(person) << '\n';
 
     ObjectProperties taken;
-    person.exclude("address", taken); // moves it out again
+    person.exclude("address", taken); // moves the group out again
     std::cout << text(person) << ' ' << text(taken) << '\n';
 
-    const ObjectProperties copy = person; // deep; its cursor stands at the root
+    const ObjectProperties copy = person; // a deep copy; its cursor is at the root
     person.remove("name");
     std::cout << person.isEmpty() << ' ' << copy.isEmpty() << '\n';
     //! [combine]

@@ -33,7 +33,7 @@ void store(DataBaseClient& client, const std::string& database, const std::strin
     client.writeFile(database, "fs", "note.txt", path);
     client.writeFile(database, "fs", "Note.TXT", path);
 
-    std::list<std::string> names; // extended at its end, never cleared
+    std::list<std::string> names; // listFiles() appends and never clears
     client.listFiles(database, "fs", names);
     for (const std::string& name : names)
         std::cout << name << '\n';
@@ -54,7 +54,7 @@ void replace(DataBaseClient& client, const std::string& database, const std::str
 {
     section("replace");
     //! [replace]
-    client.removeFile(database, "fs", "note.txt"); // both of them: upper and lower case are taken as equal
+    client.removeFile(database, "fs", "note.txt"); // removes both files: ignores case
     client.writeFile(database, "fs", "note.txt", path);
 
     std::list<std::string> names;
@@ -67,7 +67,7 @@ void missing(DataBaseClient& client, const std::string& database)
 {
     section("missing");
     //! [missing]
-    client.removeFile(database, "fs", "other.txt"); // nothing to do is no error
+    client.removeFile(database, "fs", "other.txt"); // not an error, although the file does not exist
     try
     {
         std::stringstream content;

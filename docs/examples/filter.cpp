@@ -28,7 +28,7 @@ void range()
     //! [range]
     ObjectFilter filter;
     filter.setFilterInt(OperationTypeGreaterOrEqual, "age", 18);
-    filter.setFilterInt(OperationTypeLess, "age", 65); // conditions on one key merge
+    filter.setFilterInt(OperationTypeLess, "age", 65); // merged with the first condition
     show(filter);
     //! [range]
 }
@@ -72,8 +72,8 @@ void nested()
     section("nested");
     //! [nested]
     ObjectFilter filter;
-    filter.setFilterInt(OperationTypeGreater, "address.zip", 10000); // the server's "." looks into sub-documents
-    filter.beginGroup("size"); // a group asks for a sub-document that is exactly this one, order of fields included
+    filter.setFilterInt(OperationTypeGreater, "address.zip", 10000); // "." refers to a field of a sub-document
+    filter.beginGroup("size"); // a group matches only an equal sub-document, with the fields in this order
     filter.setFilterInt(OperationTypeEqual, "h", 2);
     filter.setFilterInt(OperationTypeEqual, "w", 3);
     filter.endGroup();
@@ -107,13 +107,13 @@ void parts()
 
     ObjectFilter filter;
     filter.start_or();
-    filter.include(grownUp); // the whole of another query, as one element of the list
+    filter.include(grownUp); // adds the other query as one element of the list
     filter.setFilterBool(OperationTypeEqual, "accompanied", true);
     filter.finish_or();
     show(filter);
 
     ObjectFilter taken;
-    filter.exclude("$or", taken); // what stood under the key is the content of the other filter now
+    filter.exclude("$or", taken); // moves the content of "$or" into the other filter
     std::cout << filter.isEmpty() << '\n';
     //! [parts]
 }

@@ -20,7 +20,7 @@ void unchanged()
     const std::string currency = dbc::getOr(order, "price/currency", "EUR");
     std::cout << *amount << ' ' << currency << '\n' << text(order) << '\n';
 
-    order.valueAsString("price/currency", "EUR"); // the document's own getter adds what it does not find
+    order.valueAsString("price/currency", "EUR"); // the getter of the document adds the missing keys
     std::cout << text(order) << '\n';
     //! [unchanged]
 }
@@ -33,7 +33,7 @@ void ordered()
     JsonToProperties::convert(R"({"readings": [0, 10, 20, 30, 40, 50, 60, 70, 80, 90, 100, 110]})", &week);
 
     for (const auto& [key, element] : dbc::children(week, "readings"))
-        std::cout << element->currentValueAsInt32(0) << ' '; // one walk, in key order
+        std::cout << element->currentValueAsInt32(0) << ' '; // in the order of the keys
     std::cout << '\n';
     for (const int reading : dbc::elementsAs<int>(week, "readings"))
         std::cout << reading << ' ';

@@ -1,4 +1,4 @@
-// Connection strings that escape what has to be escaped. Needs no server.
+// Connection strings with escaped parts. Needs no server.
 #include "example.h"
 
 #include <database_client.h>

@@ -22,7 +22,7 @@ void stream(DataBaseClient& client, const std::string& database)
     std::ostringstream target;
     dbc::Download download(target, [](std::uint64_t bytes) {
         std::cout << bytes << " bytes so far\n";
-        return true; // go on
+        return true; // continue
     });
     client.readFile(database, "fs", "digits", &download);
     std::cout << target.str() << " has the checksum " << std::hex << download.crc32() << std::dec << '\n';

@@ -22,7 +22,7 @@ void named()
 {
     section("named");
     //! [named]
-    OwnedBson bson; // a bson_t that is destroyed with its block
+    OwnedBson bson; // a bson_t that is destroyed at the end of its block
     BSON_APPEND_UTF8(bson.get(), "name", "Lisbon");
     BSON_APPEND_NULL(bson.get(), "mayor");
     BSON_APPEND_INT32(bson.get(), "km/h", 50);

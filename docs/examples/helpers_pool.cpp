@@ -17,15 +17,15 @@ void threads(const std::string& uri, const std::string& database)
 {
     section("threads");
     //! [threads]
-    dbc::ClientPool pool(uri, 2); // before the threads
+    dbc::ClientPool pool(uri, 2); // created before the threads
     std::vector<std::thread> threads;
     threads.reserve(4);
     for (int number = 0; number < 4; ++number)
     {
         threads.emplace_back([&pool, &database, number] {
-            const auto client = pool.lease(std::chrono::minutes(1)); // waits while two others have one
+            const auto client = pool.lease(std::chrono::minutes(1)); // waits while other threads lease both clients
             client->write(database, "numbers", dbc::document({{"n", number}}));
-        }); // the lease returns its client
+        }); // the destructor of the lease returns the client
     }
     for (std::thread& thread : threads)
         thread.join();

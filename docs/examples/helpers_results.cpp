@@ -20,7 +20,7 @@ void owned(DataBaseClient& client, const std::string& database)
     for (const ObjectProperties& city : found)
         std::cout << city.valueAsString("name", "?") << '\n';
 
-    const std::unique_ptr<ObjectProperties> first = found.takeFront(); // lives on without the list
+    const std::unique_ptr<ObjectProperties> first = found.takeFront(); // taken out of the list
     std::cout << found.size() << " left, " << first->valueAsString("name", "?") << " taken\n";
     //! [owned]
 }

@@ -26,12 +26,12 @@ void balanced()
         settings.setValueString("name", "main");
         const dbc::GroupScope listen(settings, "listen");
         settings.setValueString("address", "127.0.0.1");
-    } // both groups are left here, in the right order
+    } // leaves both groups
     std::cout << text(settings) << '\n';
 
     try
     {
-        readPort(settings); // two scopes deep when it throws
+        readPort(settings); // throws inside two scopes
     }
     catch (const std::runtime_error& error)
     {
@@ -46,7 +46,7 @@ void refused()
     //! [refused]
     ObjectProperties order;
     order.setValueString("buyer/name", "Ada");
-    const dbc::ArrayScope buyer(order, "buyer"); // a group, not an array
+    const dbc::ArrayScope buyer(order, "buyer"); // "buyer" is a group, not an array
     std::cout << (buyer ? "in the array" : "not in an array") << '\n';
     //! [refused]
 }

@@ -38,7 +38,7 @@ void adding()
     //! [adding]
     ObjectProperties order;
     order.setValueInt32("number", 17);
-    JsonToProperties::convert(R"({"paid": true})", &order); // added: clear() the document first if it is to be replaced
+    JsonToProperties::convert(R"({"paid": true})", &order); // keeps "number"
     std::cout << text(order) << '\n';
     //! [adding]
 }

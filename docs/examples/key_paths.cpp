@@ -10,7 +10,7 @@ void paths()
     section("paths");
     //! [paths]
     ObjectProperties document;
-    document.setValueInt32("a/b/c", 1);     // makes the groups a and b
+    document.setValueInt32("a/b/c", 1);     // creates the groups a and b
     document.setValueInt32("//a///b/d", 2); // empty segments are ignored
     document.beginGroup("a");
     document.setValueInt32("b/e", 3);  // below the cursor: a/b/e
@@ -25,11 +25,11 @@ void collision()
     //! [collision]
     ObjectProperties document;
     document.setValueString("size", "large");
-    document.setValueInt32("size/width", 3); // a value on the way gets a child and stays a value
+    document.setValueInt32("size/width", 3); // the value gets a child and stays a value
     std::cout << document.type("size") << ' ' << document.valueAsInt32("size/width", 0) << '\n';
-    std::cout << text(document) << '\n'; // which is why the child is not in the document that is sent
+    std::cout << text(document) << '\n'; // children of a value are not written
 
-    document.setValueString("size", "small"); // and setting a value takes all children away
+    document.setValueString("size", "small"); // setting a value removes all children
     std::cout << document.contains("size/width") << '\n';
     //! [collision]
 }
@@ -40,8 +40,8 @@ void literal()
     //! [literal]
     ObjectProperties document;
     document.setValueString("e.mail", "ada@example.org");                // "." is an ordinary character
-    document.root()->createSingleProperty("and/or")->setValueBool(true); // a key that holds a "/"
-    document.include("more", dbc::document({{"either/or", false}}));     // and with nested braces
+    document.root()->createSingleProperty("and/or")->setValueBool(true); // a key with "/"
+    document.include("more", dbc::document({{"either/or", false}}));     // the same with nested braces
     std::cout << text(document) << '\n';
     //! [literal]
 }

@@ -30,7 +30,7 @@ void exact()
     section("exact");
     //! [exact]
     ObjectProperties document;
-    document.setValueInt("n", 5); // Int and Int32 are one type; LongLong and Int64 are another
+    document.setValueInt("n", 5); // Int is the same type as Int32; LongLong is the same as Int64
     std::cout << document.valueAsInt32("n", -1) << ' ' << document.valueAsInt64("n", -1) << '\n';
     //! [exact]
 }
@@ -41,9 +41,9 @@ void losses()
     //! [losses]
     ObjectProperties document;
     JsonToProperties::convert(R"({"a": null, "b": {"$undefined": true}, "c": 1})", &document);
-    std::cout << text(document) << '\n'; // null and undefined have no place in a document
+    std::cout << text(document) << '\n'; // a document cannot hold null and undefined
 
-    document.setValueBinary("bytes", {}); // a value, but written as no field at all
+    document.setValueBinary("bytes", {}); // the key exists, but the field is not written
     document.setValueString("cut", std::string("ab\0cd", 5));
     std::cout << document.contains("bytes") << ' ' << text(document) << '\n';
     //! [losses]

@@ -43,7 +43,7 @@ void use()
 {
     std::cout << "== use\n";
     //! [use]
-    const Library library = load(); // first: it is closed after everything that it made is gone
+    const Library library = load(); // declared first, so closed last
     const auto person = make<ObjectProperties>(library, "createObjectProperties");
     person->setValueString("name", "Ada");
     std::cout << person->valueAsString("name", "?") << '\n';

@@ -19,7 +19,7 @@ void chrono()
     section("chrono");
     //! [chrono]
     const auto now = std::chrono::system_clock::now();
-    ObjectProperties visit = dbc::document({{"began", dbc::toTime(now)}}); // cut to whole milliseconds
+    ObjectProperties visit = dbc::document({{"began", dbc::toTime(now)}}); // truncated to milliseconds
     dbc::setTime(visit, "ended", dbc::toTime(now + std::chrono::minutes(20)));
 
     const dbc::Time began = *dbc::get<dbc::Time>(visit, "began");
@@ -33,7 +33,7 @@ void milliseconds()
     section("milliseconds");
     //! [milliseconds]
     ObjectProperties visit;
-    visit.setValueTime("began", 1500000000000LL); // not seconds, as std::time() has them
+    visit.setValueTime("began", 1500000000000LL); // milliseconds, not the seconds of std::time()
     std::cout << visit.valueAsTime("began", 0) << ' ' << text(visit) << '\n';
     //! [milliseconds]
 }
@@ -73,7 +73,7 @@ void any()
         std::cout << key << ' ' << dbc::getOr(account, key, -1.0) << '\n';
     std::cout << dbc::getOr(account, "visits", 0LL) << ' ' << dbc::getOr(account, "balance", 0LL) << '\n';
 
-    // 2.5 is no whole number, and 5,000,000,000 does not fit into an int: both give the fallback.
+    // 2.5 is not a whole number, and 5,000,000,000 does not fit into an int: getOr() returns the default.
     std::cout << dbc::getOr(account, "rate", 0) << ' ' << dbc::getOr(account, "balance", 0) << '\n';
     //! [any]
 }

@@ -14,7 +14,7 @@ void add(DataBaseClient& client, const std::string& database)
 {
     section("add");
     //! [add]
-    ObjectProperties roles; // array-shaped: the keys are the positions
+    ObjectProperties roles; // keys 0, 1, 2 ..., one role each
     roles.setValueString("0/role", "readWrite");
     roles.setValueString("0/db", database);
     ObjectProperties customData;
@@ -37,7 +37,7 @@ void replace(DataBaseClient& client, const std::string& database)
     ObjectProperties roles;
     roles.setValueString("0/role", "read");
     roles.setValueString("0/db", database);
-    client.updateUser(database, "ada", roles, ObjectProperties()); // both are replaced, custom data by none
+    client.updateUser(database, "ada", roles, ObjectProperties()); // also removes the custom data
     //! [replace]
 }
 
@@ -53,7 +53,7 @@ void remove(DataBaseClient& client, const std::string& database)
     catch (const std::runtime_error& error)
     {
         const std::string message = error.what();
-        std::cout << message.substr(0, message.find(':')) << '\n'; // the server's own words differ
+        std::cout << message.substr(0, message.find(':')) << '\n'; // the rest differs between servers
     }
     //! [remove]
 }
@@ -68,7 +68,7 @@ int main()
     client.connect(server.authUri());
     add(client, database.name());
     change(client, database.name());
-    if (!server.isFerretDb()) // which knows no roles: there would be nothing to replace
+    if (!server.isFerretDb()) // FerretDB rejects roles
         replace(client, database.name());
     remove(client, database.name());
 }
