@@ -83,11 +83,12 @@ public:
     ConnectionString& tlsCaFile(const std::string& path) { return option("tlsCAFile", path); }
     /// Sets a PEM file with the client's certificate and private key.
     ConnectionString& tlsCertificateKeyFile(const std::string& path) { return option("tlsCertificateKeyFile", path); }
-    /// Sets the connect timeout.
+    /// Sets the connect timeout: the longest wait for a connection to one host and for its first reply.
     ConnectionString& connectTimeout(Milliseconds limit) { return time("connectTimeoutMS", limit); }
     /// Sets the socket timeout: the longest wait for a reply.
     ConnectionString& socketTimeout(Milliseconds limit) { return time("socketTimeoutMS", limit); }
-    /// Sets the server selection timeout: the longest wait for a server that can run an operation.
+    /// Sets the server selection timeout: the longest wait for a server that can run an operation. Has no effect unless
+    /// the option "serverSelectionTryOnce" is "false": by default only connectTimeout() limits the wait.
     ConnectionString& serverSelectionTimeout(Milliseconds limit) { return time("serverSelectionTimeoutMS", limit); }
 
     /// Returns the connection string.
