@@ -11,12 +11,12 @@ set(revision 1)
 set(debian_version ${PROJECT_VERSION}-${revision})
 set(maintainer "database_client maintainers <maintainers@example.org>")
 
-set(short_description "typed documents, query filters and a client for MongoDB servers")
+set(short_description "library for documents and files in MongoDB servers")
 set(long_description
-  "A document is a tree of typed values with a cursor that walks through it.
-Query filters are built call by call. The client writes, updates, finds,
-aggregates and removes documents, administers users, and stores files in
-GridFS. Documents convert to BSON and JSON and back.
+  "A C++ library to insert, find, update and remove documents in a MongoDB
+server, with bulk writes, cursors, aggregation, indexes, users and files in
+GridFS. Values hold every BSON type and convert to and from JSON. An older
+interface with typed documents and query filters remains available.
 .
 ")
 
