@@ -35,7 +35,7 @@ void balanced()
     }
     catch (const std::runtime_error& error)
     {
-        std::cout << error.what() << ", and the cursor stands in \"" << settings.group() << "\"\n";
+        std::cout << error.what() << ", and the cursor is in \"" << settings.group() << "\"\n";
     }
     //! [balanced]
 }
