@@ -1,4 +1,4 @@
-// Imports JSON lines, and sends several writes in one go.
+// Imports JSON lines, and sends several writes in one call.
 #include "example.h"
 
 #include <dbc/collection.h>
@@ -9,13 +9,13 @@
 
 namespace {
 
-// As in a file of one JSON document per line.
+// The content of a file with one JSON document per line.
 const char* const lines = R"({"_id": 1, "item": "cup", "count": 3}
 {"_id": 2, "item": "jug", "count": 1}
 {"_id": 3, "item": "plate", "count": 12}
 )";
 
-// The next document, empty at the end: insertMany() calls it until then.
+// Returns the next document, or an empty optional at the end. insertMany() calls it until the end.
 std::optional<dbc::Value> nextDocument(std::istream& file)
 {
     std::string line;
@@ -33,11 +33,11 @@ try
     client.connect(uriFrom(argc, argv));
     dbc::Collection stock(client, databaseOf(client), "example_stock");
 
-    // Any number of documents: they are sent in batches, and memory holds one batch.
+    // Inserts any number of documents. Only one batch is in memory at a time.
     std::istringstream file(lines); // or std::ifstream file("stock.json");
     std::cout << stock.insertMany([&file] { return nextDocument(file); }).inserted << " inserted\n";
 
-    // Different operations, sent together and done in order.
+    // Different operations are sent together and executed in order.
     dbc::Bulk bulk;
     bulk.insertOne({{"_id", 4}, {"item", "bowl"}, {"count", 2}})
         .updateMany({{"count", {{"$lt", 3}}}}, {{"$inc", {{"count", 10}}}})
@@ -47,7 +47,7 @@ try
     std::cout << result.inserted << " inserted, " << result.matched << " matched, " << result.modified << " modified, "
               << result.removed << " removed\n";
 
-    // Not ordered: what is refused does not stop the others.
+    // Not ordered: a refused document does not stop the others.
     dbc::InsertManyOptions options;
     options.ordered = false;
     try

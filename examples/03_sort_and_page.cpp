@@ -8,8 +8,8 @@
 
 namespace {
 
-// The next three cities, the largest first, after the last one of the page before. Cities of the same size follow each
-// other by "_id": without it a page could begin in the middle of them and miss some.
+// Reads the next three cities, the largest first, after the last city of the previous page. Cities of the same size are
+// sorted by "_id", so that no city is missing if a page ends between them.
 std::vector<dbc::Value> pageAfter(dbc::Collection& cities, const dbc::Value& last)
 {
     dbc::FindOptions options;
@@ -24,7 +24,7 @@ std::vector<dbc::Value> pageAfter(dbc::Collection& cities, const dbc::Value& las
     }
     std::vector<dbc::Value> page;
     for (const dbc::Value& city : cities.find(filter, options))
-        page.push_back(city); // a copy: the document of the cursor changes at the next step
+        page.push_back(city); // a copy: the cursor reuses its document for the next one
     return page;
 }
 

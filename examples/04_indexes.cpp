@@ -1,4 +1,4 @@
-// Makes indexes, lets one refuse a duplicate, lists them and drops one.
+// Creates indexes, shows that a unique index rejects a duplicate, lists the indexes and drops one.
 #include "example.h"
 
 #include <dbc/collection.h>

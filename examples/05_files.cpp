@@ -10,7 +10,7 @@
 
 namespace {
 
-// A local file that is removed in the end.
+// A local file that is removed at the end.
 struct LocalFile
 {
     explicit LocalFile(const char* name) : path(name) {}

@@ -1,4 +1,4 @@
-// Tells a server that does not answer, a wrong password and a duplicate key apart. The server address names a user.
+// Distinguishes an unreachable server, a wrong password and a duplicate key. The connection string must contain a user.
 #include "example.h"
 
 #include <dbc/collection.h>
@@ -29,7 +29,7 @@ void insertOrder17(const std::string& uri)
 try
 {
     DataBaseClient client;
-    client.connect(uri); // sends nothing: the first operation reports a dead server and a wrong password
+    client.connect(uri); // sends nothing: the first operation reports an unreachable server or a wrong password
     dbc::Collection orders(client, databaseOf(client), "example_orders");
     orders.insertOne({{"_id", 17}, {"item", "cup"}});
     std::cout << "inserted\n";
@@ -38,7 +38,7 @@ catch (const dbc::ServerError& error)
 {
     std::cout << dbc::nameOf(error.kind()) << ": " << advice(error) << '\n';
 }
-catch (const std::exception& error) // a wrong call, or "Connection failed": not a connection string
+catch (const std::exception& error) // a wrong call, or an invalid connection string
 {
     std::cout << error.what() << '\n';
 }
@@ -58,7 +58,7 @@ std::string withPassword(std::string uri, const std::string& password)
 int main(int argc, char** argv)
 try
 {
-    dbc::setLogHandler({}); // the driver's log goes nowhere
+    dbc::setLogHandler({}); // turns the driver's log off
     const std::string uri = uriFrom(argc, argv);
     insertOrder17("mongodb://127.0.0.1:1/"); // no server uses port 1
     insertOrder17(withPassword(uri, "wrong"));

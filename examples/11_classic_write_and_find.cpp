@@ -28,7 +28,7 @@ ObjectProperties largestTowns()
 
 void print(const ObjectProperties& document)
 {
-    // "place/height" is the member "height" of the group "place". Reading so adds nothing to the document.
+    // "place/height" is the field "height" of the group "place". dbc::getOr adds nothing to the document.
     const auto visited = dbc::getOr(document, "visited", dbc::Time());
     std::cout << dbc::getOr(document, "name", "?") << ", " << dbc::getOr(document, "people", 0) << " people, "
               << dbc::getOr(document, "place/height", 0.0) << " m, visited at " << dbc::millisecondsOf(visited) << '\n';

@@ -22,13 +22,13 @@ void writePeople(DataBaseClient& client, const std::string& database)
         client.write(database, "people", dbc::document({{"name", person.name}, {"age", person.age}}));
 }
 
-// The name begins with "a", or the age lies between 60 and 80.
+// Matches if the name begins with "a", or the age is between 60 and 80.
 ObjectFilter someOfThem()
 {
     ObjectFilter filter;
     filter.start_or();
     filter.setFilterString(OperationTypeRegex, "name", "^a", "i");
-    filter.start_and(); // inside a list every condition is an element of its own
+    filter.start_and(); // inside a list, every condition is a separate element
     filter.setFilterInt(OperationTypeGreaterOrEqual, "age", 60);
     filter.setFilterInt(OperationTypeLess, "age", 80);
     filter.finish_and();

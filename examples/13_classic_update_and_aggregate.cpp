@@ -47,7 +47,7 @@ try
     // The document is the operand: {"$set": {"paid": true}}, and so on.
     update(R"({"fruit": "apple"})", R"({"paid": true})", UpdateFlagMultiUpdate, UpdateCommandSet);
     update(R"({"fruit": "pear"})", R"({"notes": "ripe"})", UpdateFlagNone, UpdateCommandPush);
-    update(R"({"fruit": "fig"})", R"({"kilos": 1})", UpdateFlagUpsert, UpdateCommandSet); // there is none: inserted
+    update(R"({"fruit": "fig"})", R"({"kilos": 1})", UpdateFlagUpsert, UpdateCommandSet); // no match: inserts
 
     dbc::Results sales;
     client.find(database, "sales", fromJson(R"({"$query": {}, "$orderby": {"kilos": 1}})"), fromJson(R"({"_id": 0})"),

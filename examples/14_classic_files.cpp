@@ -18,7 +18,7 @@ void printNames(DataBaseClient& client, const std::string& database)
     std::cout << '\n';
 }
 
-// A local file that is removed in the end.
+// A local file that is removed at the end.
 struct LocalFile
 {
     LocalFile() { std::ofstream(path) << "Dear reader,\nthis is a file.\n"; }
@@ -47,7 +47,7 @@ try
     client.readFile(database, "letters", "letter.txt", &content);
     std::cout << content.str();
 
-    client.removeFile(database, "letters", "LETTER.TXT"); // every stored file of that name, whatever the letter case
+    client.removeFile(database, "letters", "LETTER.TXT"); // removes every file of this name, ignoring case
     client.removeFile(database, "letters", "copy.txt");
     printNames(client, database);
 }

@@ -1,4 +1,4 @@
-// JSON text becomes a document, the document changes, and becomes JSON text again. Needs no server.
+// Reads JSON into a document, changes the document, and writes it as JSON. Needs no server.
 #include <json_to_properties.h>
 #include <object_properties.h>
 #include <properties_to_json.h>
@@ -22,11 +22,11 @@ int main()
 
     order.setValueDouble("total", 12.5);
     order.beginArray("items");
-    order.setValueString("2", "plums"); // a new element, as always in an array
+    order.setValueString("2", "plums"); // adds an element
     order.endArray();
 
     std::string json;
-    PropertiesToJson::convert(order, json); // fields in the order of their names
+    PropertiesToJson::convert(order, json); // fields in the order of their keys
     std::cout << json << '\n';
 
     ObjectProperties untouched;

@@ -20,7 +20,7 @@ struct CloseLibrary
 };
 using Library = std::unique_ptr<void, CloseLibrary>;
 
-// A new object from the factory of this name, owned.
+// Creates an object with the factory of this name.
 template <typename Object>
 std::unique_ptr<Object> make(const Library& library, const char* factory)
 {
@@ -65,7 +65,7 @@ try
     if (!library)
         throw std::runtime_error(dlerror());
     const char* const given = argc > 1 ? argv[1] : std::getenv("MONGODB_URI");
-    run(library, given != nullptr ? given : "mongodb://127.0.0.1:27017/"); // every object ends before the library
+    run(library, given != nullptr ? given : "mongodb://127.0.0.1:27017/"); // destroys its objects first
 }
 catch (const std::exception& problem)
 {
