@@ -1,52 +1,31 @@
 // The client when memory runs out. What the driver itself takes from malloc is not made to fail: it ends the process
 // then, by its own design.
 
+#include "allocation_failure.h"
 #include "database_client.h"
-#include "every_allocation_fails.h"
+#include "dbc/results.h"
 #include "factories.h"
 #include "object_properties.h"
-#include "test_server.h"
+#include "shared_client.h"
 
-#include <array>
 #include <fstream>
 #include <iostream>
 #include <list>
 #include <memory>
 #include <stdexcept>
-#include <streambuf>
 #include <string>
 
 namespace {
 
+using test_support::FixedBuffer;
 using test_support::ScratchDatabase;
+using test_support::sharedClient;
+using test_support::sharedScratch;
 using test_support::TestServer;
 
 const std::string longText = "a text that is too long for the small buffer of a string";
 
-// A target that needs no memory: a string stream would keep the failure to itself.
-class FixedBuffer : public std::streambuf
-{
-public:
-    FixedBuffer() { setp(m_space.data(), m_space.data() + m_space.size()); }
-
-private:
-    std::array<char, 8192> m_space{};
-};
-
-DataBaseClient& connectedClient()
-{
-    static DataBaseClient client;
-    if (!client.isConnected())
-        client.connect(TestServer::instance().uri());
-    return client;
-}
-
-ScratchDatabase& scratch()
-{
-    connectedClient(); // made first: the library ends the driver after everything that was made later is gone
-    static ScratchDatabase database;
-    return database;
-}
+;
 
 DataBaseClient& connectedUserClient()
 {
@@ -77,7 +56,7 @@ std::string inputFile()
 
 const std::string& database()
 {
-    static const std::string name = scratch().name();
+    static const std::string name = sharedScratch().name();
     return name;
 }
 
@@ -109,14 +88,6 @@ struct Setting
         query.setValueInt32("group/number", 1);
         change.setValueString("text", longText + longText);
     }
-    ~Setting()
-    {
-        for (ObjectProperties* result : results)
-            delete result;
-    }
-    Setting(const Setting&) = delete;
-    Setting& operator=(const Setting&) = delete;
-
     void use()
     {
         EXPECT_TRUE(client.isConnected());
@@ -125,19 +96,19 @@ struct Setting
         EXPECT_NO_THROW(client.read(database(), collection, nothing, results));
     }
 
-    DataBaseClient& client = connectedClient();
+    DataBaseClient& client = sharedClient();
     DataBaseClient& userClient = connectedUserClient();
     const ObjectProperties none;
     ObjectProperties document;
     ObjectProperties query;
     ObjectProperties change;
-    std::list<ObjectProperties*> results;
+    dbc::Results results;
     std::list<std::string> names;
     FixedBuffer buffer;
     std::iostream stream;
 };
 
-class ClientWithoutMemory : public testing::TestWithParam<AllocatingOperation<Setting>>
+class ClientOperationWithoutMemory : public testing::TestWithParam<test_support::AllocatingOperation<Setting>>
 {
 protected:
     static void SetUpTestSuite()
@@ -154,12 +125,12 @@ protected:
     }
 };
 
-TEST_P(ClientWithoutMemory, ThrowsAndStaysUsableWhicheverAllocationFails)
+TEST_P(ClientOperationWithoutMemory, ThrowsAndLeavesItsObjectUsable)
 {
-    everyAllocationFails<Setting>(GetParam().operate);
+    test_support::expectUsableAfterEveryFailure<Setting>(GetParam().operate);
 }
 
-const AllocatingOperation<Setting> operations[] = {
+const test_support::AllocatingOperation<Setting> operations[] = {
     {"construction", [](Setting&) { const DataBaseClient made; }},
     {"factory", [](Setting&) { const std::unique_ptr<DataBaseClient> made(createDataBaseClient()); }},
     {"uri", [](Setting&) { DataBaseClient::uri(longText, 1, longText, longText, longText); }},
@@ -256,7 +227,7 @@ const AllocatingOperation<Setting> operations[] = {
     {"removeUser", [](Setting& s) { s.userClient.removeUser(users().database, users().removed); }},
 };
 
-INSTANTIATE_TEST_SUITE_P(Client, ClientWithoutMemory, testing::ValuesIn(operations),
+INSTANTIATE_TEST_SUITE_P(Client, ClientOperationWithoutMemory, testing::ValuesIn(operations),
                          [](const auto& row) { return row.param.name; });
 
 } // namespace

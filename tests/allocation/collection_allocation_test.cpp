@@ -1,16 +1,15 @@
 // Operations on collections, databases and files when memory runs out. What the driver itself takes from malloc is not
 // made to fail: it ends the process then, by its own design.
 
+#include "allocation_failure.h"
 #include "dbc/collection.h"
 #include "dbc/database.h"
 #include "dbc/file_store.h"
-#include "every_allocation_fails.h"
-#include "test_server.h"
+#include "shared_client.h"
 
 #include <array>
 #include <memory>
 #include <ostream>
-#include <streambuf>
 #include <string>
 
 namespace {
@@ -20,39 +19,13 @@ using dbc::Collection;
 using dbc::Database;
 using dbc::FileStore;
 using dbc::Value;
-using test_support::ScratchDatabase;
-using test_support::TestServer;
+using test_support::FixedBuffer;
+using test_support::sharedClient;
+using test_support::sharedScratch;
 
 const std::string longText = "a text that is too long for the small buffer of a string";
 
-/// A source and a target that need no memory: a string stream would keep the failure to itself.
-class FixedBuffer : public std::streambuf
-{
-public:
-    FixedBuffer()
-    {
-        setg(m_space.data(), m_space.data(), m_space.data() + m_space.size());
-        setp(m_space.data(), m_space.data() + m_space.size());
-    }
-
-private:
-    std::array<char, 2500> m_space{};
-};
-
-DataBaseClient& connectedClient()
-{
-    static DataBaseClient client;
-    if (!client.isConnected())
-        client.connect(TestServer::instance().uri());
-    return client;
-}
-
-ScratchDatabase& scratch()
-{
-    connectedClient(); // made first: the library ends the driver after everything that was made later is gone
-    static ScratchDatabase database;
-    return database;
-}
+;
 
 // The way of a failure has allocations too: its text and its details.
 template <typename Call>
@@ -74,9 +47,9 @@ const Value storedId("an id that is too long for the small buffer of a string");
 struct Setting
 {
     Setting()
-        : database(connectedClient(), scratch().name()),
-          collection(connectedClient(), scratch().name(), collectionName), store(connectedClient(), scratch().name()),
-          stream(&buffer)
+        : database(sharedClient(), sharedScratch().name()),
+          collection(sharedClient(), sharedScratch().name(), collectionName),
+          store(sharedClient(), sharedScratch().name()), stream(&buffer)
     {
         upload.id = newId;
         upload.chunkSize = 1000;
@@ -124,7 +97,7 @@ struct Setting
     const Value change{{"$set", {{"text", longText}}}};
 };
 
-class LayerWithoutMemory : public testing::TestWithParam<AllocatingOperation<Setting>>
+class CollectionOperationWithoutMemory : public testing::TestWithParam<test_support::AllocatingOperation<Setting>>
 {
 protected:
     static void SetUpTestSuite()
@@ -142,17 +115,17 @@ protected:
     }
 };
 
-TEST_P(LayerWithoutMemory, ThrowsAndStaysUsableWhicheverAllocationFails)
+TEST_P(CollectionOperationWithoutMemory, ThrowsAndLeavesItsObjectUsable)
 {
-    everyAllocationFails<Setting>(GetParam().operate);
+    test_support::expectUsableAfterEveryFailure<Setting>(GetParam().operate);
 }
 
-const AllocatingOperation<Setting> operations[] = {
+const test_support::AllocatingOperation<Setting> operations[] = {
     {"construction",
      [](Setting& s) {
-         const Database database(connectedClient(), longText);
-         const Collection collection(connectedClient(), longText, longText);
-         const FileStore store(connectedClient(), longText, longText);
+         const Database database(sharedClient(), longText);
+         const Collection collection(sharedClient(), longText, longText);
+         const FileStore store(sharedClient(), longText, longText);
          const Collection other = s.database.collection(longText);
      }},
     {"insertOne", [](Setting& s) { s.collection.insertOne(s.document); }},
@@ -281,7 +254,7 @@ const AllocatingOperation<Setting> operations[] = {
          expectFailure([&] { missing.rename(longText); });
      }},
     {"collectionNames", [](Setting& s) { s.database.collectionNames(); }},
-    {"databaseNames", [](Setting&) { Database::names(connectedClient()); }},
+    {"databaseNames", [](Setting&) { Database::names(sharedClient()); }},
     {"command",
      [](Setting& s) {
          s.database.command({{"ping", 1}});
@@ -309,7 +282,7 @@ const AllocatingOperation<Setting> operations[] = {
     {"removeFile", [](Setting& s) { s.store.remove("no file has this long name"); }},
 };
 
-INSTANTIATE_TEST_SUITE_P(Layer, LayerWithoutMemory, testing::ValuesIn(operations),
+INSTANTIATE_TEST_SUITE_P(Layer, CollectionOperationWithoutMemory, testing::ValuesIn(operations),
                          [](const auto& row) { return row.param.name; });
 
 TEST(BulkWithoutMemory, StaysAsItWasWhicheverAllocationOfAnAddFails)

@@ -1,7 +1,7 @@
 // Document, filter and converters when memory runs out.
 
+#include "allocation_failure.h"
 #include "bson_to_properties.h"
-#include "every_allocation_fails.h"
 #include "factories.h"
 #include "json_to_properties.h"
 #include "object_filter.h"
@@ -62,15 +62,15 @@ struct Documents
     std::string json;
 };
 
-class DocumentWithoutMemory : public testing::TestWithParam<AllocatingOperation<Documents>>
+class DocumentOperationWithoutMemory : public testing::TestWithParam<test_support::AllocatingOperation<Documents>>
 {};
 
-TEST_P(DocumentWithoutMemory, ThrowsAndStaysUsableWhicheverAllocationFails)
+TEST_P(DocumentOperationWithoutMemory, ThrowsAndLeavesItsObjectUsable)
 {
-    everyAllocationFails<Documents>(GetParam().operate);
+    test_support::expectUsableAfterEveryFailure<Documents>(GetParam().operate);
 }
 
-const AllocatingOperation<Documents> documentOperations[] = {
+const test_support::AllocatingOperation<Documents> documentOperations[] = {
     {"construction", [](Documents&) { const ObjectProperties made; }},
     {"copyConstruction", [](Documents& d) { const ObjectProperties made(d.other); }},
     {"moveConstruction",
@@ -155,7 +155,7 @@ const AllocatingOperation<Documents> documentOperations[] = {
     {"jsonToProperties", [](Documents& d) { JsonToProperties::convert(d.json, &d.document); }},
 };
 
-INSTANTIATE_TEST_SUITE_P(Document, DocumentWithoutMemory, testing::ValuesIn(documentOperations),
+INSTANTIATE_TEST_SUITE_P(Document, DocumentOperationWithoutMemory, testing::ValuesIn(documentOperations),
                          [](const auto& row) { return row.param.name; });
 
 void fill(ObjectFilter& filter)
@@ -188,15 +188,15 @@ struct Filters
     ObjectFilter other;
 };
 
-class FilterWithoutMemory : public testing::TestWithParam<AllocatingOperation<Filters>>
+class FilterOperationWithoutMemory : public testing::TestWithParam<test_support::AllocatingOperation<Filters>>
 {};
 
-TEST_P(FilterWithoutMemory, ThrowsAndStaysUsableWhicheverAllocationFails)
+TEST_P(FilterOperationWithoutMemory, ThrowsAndLeavesItsObjectUsable)
 {
-    everyAllocationFails<Filters>(GetParam().operate);
+    test_support::expectUsableAfterEveryFailure<Filters>(GetParam().operate);
 }
 
-const AllocatingOperation<Filters> filterOperations[] = {
+const test_support::AllocatingOperation<Filters> filterOperations[] = {
     {"construction", [](Filters&) { const ObjectFilter made; }},
     {"copyConstruction", [](Filters& f) { const ObjectFilter made(f.other); }},
     {"factory", [](Filters&) { const std::unique_ptr<ObjectFilter> made(createObjectFilter()); }},
@@ -223,7 +223,7 @@ const AllocatingOperation<Filters> filterOperations[] = {
     {"assignment", [](Filters& f) { f.filter = std::as_const(f.other); }},
 };
 
-INSTANTIATE_TEST_SUITE_P(Filter, FilterWithoutMemory, testing::ValuesIn(filterOperations),
+INSTANTIATE_TEST_SUITE_P(Filter, FilterOperationWithoutMemory, testing::ValuesIn(filterOperations),
                          [](const auto& row) { return row.param.name; });
 
 } // namespace

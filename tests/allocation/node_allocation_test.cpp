@@ -1,6 +1,6 @@
 // The node when memory runs out.
 
-#include "every_allocation_fails.h"
+#include "allocation_failure.h"
 #include "property.h"
 
 #include <memory>
@@ -45,14 +45,14 @@ struct Nodes
     std::shared_ptr<Property> other;
 };
 
-using Operation = AllocatingOperation<Nodes>;
+using Operation = test_support::AllocatingOperation<Nodes>;
 
-class NodeWithoutMemory : public testing::TestWithParam<Operation>
+class NodeOperationWithoutMemory : public testing::TestWithParam<Operation>
 {};
 
-TEST_P(NodeWithoutMemory, ThrowsAndStaysUsableWhicheverAllocationFails)
+TEST_P(NodeOperationWithoutMemory, ThrowsAndLeavesItsObjectUsable)
 {
-    everyAllocationFails<Nodes>(GetParam().operate);
+    test_support::expectUsableAfterEveryFailure<Nodes>(GetParam().operate);
 }
 
 const Operation operations[] = {
@@ -113,61 +113,7 @@ const Operation operations[] = {
     {"copyOfAnAncestor", [](Nodes& n) { n.node->propertyByKey("group")->copy(*n.node); }},
 };
 
-INSTANTIATE_TEST_SUITE_P(Node, NodeWithoutMemory, testing::ValuesIn(operations),
+INSTANTIATE_TEST_SUITE_P(Node, NodeOperationWithoutMemory, testing::ValuesIn(operations),
                          [](const auto& row) { return row.param.name; });
-
-// A setter that fails leaves what was there.
-TEST(NodeWithoutMemory, KeepsItsValueAndItsChildrenWhenASetterFails)
-{
-    for (std::size_t number = 1;; ++number)
-    {
-        const Nodes nodes;
-        const auto target = nodes.node->propertyByKey("group");
-        bool happened = false;
-        try
-        {
-            const test_support::FailingAllocation failure(number);
-            target->setValueString(longText);
-        }
-        catch (const std::bad_alloc&)
-        {
-            happened = true;
-        }
-        if (!happened)
-        {
-            EXPECT_GT(number, 1U) << "the library's allocations are not seen";
-            return;
-        }
-        EXPECT_TRUE(target->isGroup());
-        EXPECT_EQ(target->childCount(), 3U);
-    }
-}
-
-TEST(NodeWithoutMemory, StaysAsItWasWhenACopyFails)
-{
-    for (std::size_t number = 1;; ++number)
-    {
-        const Nodes nodes;
-        nodes.other->clear();
-        nodes.other->setValueString("only", longText);
-        bool happened = false;
-        try
-        {
-            const test_support::FailingAllocation failure(number);
-            nodes.node->copy(*nodes.other);
-        }
-        catch (const std::bad_alloc&)
-        {
-            happened = true;
-        }
-        if (!happened)
-        {
-            EXPECT_GT(number, 1U) << "the library's allocations are not seen";
-            return;
-        }
-        EXPECT_TRUE(nodes.node->contains("group/inner/text"));
-        EXPECT_FALSE(nodes.node->contains("only"));
-    }
-}
 
 } // namespace

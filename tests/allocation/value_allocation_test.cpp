@@ -1,7 +1,7 @@
 // Values when memory runs out.
 
+#include "allocation_failure.h"
 #include "dbc/build.h"
-#include "every_allocation_fails.h"
 
 #include <cstdint>
 #include <string>
@@ -49,15 +49,15 @@ struct Values
     std::vector<dbc::LossAt> losses;
 };
 
-class ValueWithoutMemory : public testing::TestWithParam<AllocatingOperation<Values>>
+class ValueOperationWithoutMemory : public testing::TestWithParam<test_support::AllocatingOperation<Values>>
 {};
 
-TEST_P(ValueWithoutMemory, ThrowsAndStaysUsableWhicheverAllocationFails)
+TEST_P(ValueOperationWithoutMemory, ThrowsAndLeavesItsObjectUsable)
 {
-    everyAllocationFails<Values>(GetParam().operate);
+    test_support::expectUsableAfterEveryFailure<Values>(GetParam().operate);
 }
 
-const AllocatingOperation<Values> operations[] = {
+const test_support::AllocatingOperation<Values> operations[] = {
     {"building", [](Values&) { const Value made = sample(); }},
     {"buildingOfAVector", [](Values&) { const Value made = std::vector<std::string>(5, longText); }},
     {"copyConstruction", [](Values& v) { const Value made = v.other; }},
@@ -89,7 +89,7 @@ const AllocatingOperation<Values> operations[] = {
      }},
 };
 
-INSTANTIATE_TEST_SUITE_P(All, ValueWithoutMemory, testing::ValuesIn(operations),
+INSTANTIATE_TEST_SUITE_P(All, ValueOperationWithoutMemory, testing::ValuesIn(operations),
                          [](const auto& row) { return std::string(row.param.name); });
 
 TEST(ValueSearch, NeedsNoMemory)

@@ -14,11 +14,11 @@ public:
             scratch().insert("c", R"({"_id": )" + std::to_string(index) + R"(, "a": )" + std::to_string(-index) + "}");
     }
 
-    static Numbers ids(const ResultList& results)
+    static Numbers ids(const dbc::Results& results)
     {
         Numbers numbers;
-        for (const ObjectProperties* const document : results)
-            numbers.push_back(document->valueAsInt32("/_id", -1));
+        for (const ObjectProperties& document : results)
+            numbers.push_back(document.valueAsInt32("/_id", -1));
         return numbers;
     }
 
@@ -35,8 +35,8 @@ public:
 
     Numbers found(const ObjectProperties& query, int limit, int skip)
     {
-        ResultList results;
-        client().find(database(), "c", query, ObjectProperties(), results.get(), limit, skip);
+        dbc::Results results;
+        client().find(database(), "c", query, ObjectProperties(), results, limit, skip);
         return ids(results);
     }
 };
@@ -91,9 +91,9 @@ TEST_F(DocumentFind, ReturnsMoreThanOneBatch)
 TEST_F(DocumentFind, ReturnsOnlyTheFieldsOfTheProjection)
 {
     scratch().insert("c", R"({"_id": 1, "a": 1, "b": 2})");
-    ResultList results;
+    dbc::Results results;
 
-    client().find(database(), "c", ObjectProperties(), number("b", 1), results.get(), 0, 0);
+    client().find(database(), "c", ObjectProperties(), number("b", 1), results, 0, 0);
 
     ASSERT_EQ(results.size(), 1U);
     EXPECT_FALSE(results.front().contains("a"));
@@ -108,9 +108,9 @@ TEST_F(DocumentFind, LeavesOutDocumentsThatComeBackEmpty)
     ObjectProperties projection;
     projection.setValueInt32("_id", 0);
     projection.setValueInt32("a", 1);
-    ResultList results;
+    dbc::Results results;
 
-    client().find(database(), "c", ObjectProperties(), projection, results.get(), 0, 0);
+    client().find(database(), "c", ObjectProperties(), projection, results, 0, 0);
 
     ASSERT_EQ(results.size(), 1U);
     EXPECT_EQ(results.front().valueAsInt32("a", 0), 5);
@@ -119,25 +119,25 @@ TEST_F(DocumentFind, LeavesOutDocumentsThatComeBackEmpty)
 TEST_F(DocumentFind, AppendsToWhatTheListHolds)
 {
     insertNumbers(2);
-    ResultList results;
+    dbc::Results results;
     auto* const first = new ObjectProperties;
     auto* const second = new ObjectProperties;
-    results.get() = {first, second};
+    static_cast<std::list<ObjectProperties*>&>(results) = {first, second};
 
-    client().read(database(), "c", ObjectProperties(), results.get());
+    client().read(database(), "c", ObjectProperties(), results);
 
     ASSERT_EQ(results.size(), 4U);
-    EXPECT_EQ(results.get().front(), first);
-    EXPECT_EQ(*std::next(results.get().begin()), second);
+    EXPECT_EQ(&results.front(), first);
+    EXPECT_EQ(&*std::next(results.begin()), second);
 }
 
 TEST_F(DocumentFind, InItsShortFormsReturnsEveryMatch)
 {
     insertNumbers(3);
-    ResultList results;
+    dbc::Results results;
 
-    client().read(database(), "c", ObjectProperties(), results.get());
-    client().read(database() + ".c", number("_id", 1), results.get());
+    client().read(database(), "c", ObjectProperties(), results);
+    client().read(database() + ".c", number("_id", 1), results);
 
     EXPECT_EQ(results.size(), 4U);
 }
@@ -145,9 +145,9 @@ TEST_F(DocumentFind, InItsShortFormsReturnsEveryMatch)
 TEST_F(DocumentFind, LeavesTheCursorOfEveryResultAtTheRoot)
 {
     scratch().insert("c", R"({"_id": 1, "g": {"h": {"v": 1}}, "l": [1, {"m": [2]}]})");
-    ResultList results;
+    dbc::Results results;
 
-    client().read(database(), "c", ObjectProperties(), results.get());
+    client().read(database(), "c", ObjectProperties(), results);
 
     ASSERT_EQ(results.size(), 1U);
     EXPECT_EQ(results.front().group(), "");
@@ -156,8 +156,8 @@ TEST_F(DocumentFind, LeavesTheCursorOfEveryResultAtTheRoot)
 
 TEST_F(DocumentFind, InACollectionThatIsMissingReturnsNothing)
 {
-    ResultList results;
-    client().read(database(), "missing", ObjectProperties(), results.get());
+    dbc::Results results;
+    client().read(database(), "missing", ObjectProperties(), results);
     EXPECT_EQ(results.size(), 0U);
 }
 
@@ -186,9 +186,9 @@ TEST_F(DocumentFind, GivesBackWhatWasWritten)
     document.setValueRegex("regex", "^a", "i");
     std::string id;
     client().write(database(), "c", document, id);
-    ResultList results;
+    dbc::Results results;
 
-    client().read(database(), "c", ObjectProperties(), results.get());
+    client().read(database(), "c", ObjectProperties(), results);
 
     ASSERT_EQ(results.size(), 1U);
     const ObjectProperties& back = results.front();
@@ -222,9 +222,9 @@ ObjectProperties matchSorted(bool asDocumentOfStages)
 TEST_F(DocumentAggregate, RunsAPipelineUnderItsKey)
 {
     insertNumbers(4);
-    ResultList results;
+    dbc::Results results;
 
-    client().aggregate(database(), "c", matchSorted(false), results.get());
+    client().aggregate(database(), "c", matchSorted(false), results);
 
     EXPECT_EQ(ids(results), (Numbers{3, 2}));
 }
@@ -232,9 +232,9 @@ TEST_F(DocumentAggregate, RunsAPipelineUnderItsKey)
 TEST_F(DocumentAggregate, RunsAPipelineOfNumberedStages)
 {
     insertNumbers(4);
-    ResultList results;
+    dbc::Results results;
 
-    client().aggregate(database(), "c", matchSorted(true), results.get());
+    client().aggregate(database(), "c", matchSorted(true), results);
 
     EXPECT_EQ(ids(results), (Numbers{3, 2}));
 }
@@ -243,31 +243,30 @@ TEST_F(DocumentAggregate, AppendsToWhatTheListHoldsAndLeavesOutEmptyDocuments)
 {
     scratch().insert("c", R"({"_id": 1, "a": null})");
     scratch().insert("c", R"({"_id": 2, "a": 5})");
-    ResultList results;
+    dbc::Results results;
     auto* const first = new ObjectProperties;
-    results.get() = {first};
+    static_cast<std::list<ObjectProperties*>&>(results) = {first};
 
     client().aggregate(database(), "c", pipeline([](ObjectProperties& stage) {
                            stage.beginGroup("$project");
                            stage.setValueInt32("_id", 0);
                            stage.setValueInt32("a", 1);
                        }),
-                       results.get());
+                       results);
 
     ASSERT_EQ(results.size(), 2U);
-    EXPECT_EQ(results.get().front(), first);
-    EXPECT_EQ(results.get().back()->valueAsInt32("a", 0), 5);
+    EXPECT_EQ(&results.front(), first);
+    EXPECT_EQ(results.back().valueAsInt32("a", 0), 5);
 }
 
 TEST_F(DocumentAggregate, ThatTheServerRefusesThrowsItsTextAndCode)
 {
     insertNumbers(1);
-    ResultList results;
+    dbc::Results results;
 
     const std::string text = thrownText([&] {
         client().aggregate(database(), "c",
-                           pipeline([](ObjectProperties& stage) { stage.setValueInt32("$noSuchStage", 1); }),
-                           results.get());
+                           pipeline([](ObjectProperties& stage) { stage.setValueInt32("$noSuchStage", 1); }), results);
     });
 
     EXPECT_EQ(text.rfind("runtime_error: Aggregation error.: ", 0), 0U) << text;

@@ -1,6 +1,6 @@
 #include "database_client.h"
+#include "dbc/results.h"
 #include "object_properties.h"
-#include "result_list.h"
 #include "test_server.h"
 #include "thrown_text.h"
 
@@ -32,8 +32,8 @@ public:
     {
         DataBaseClient other;
         other.connect(database(), "127.0.0.1", TestServer::instance().authGateway().port(), user, password);
-        ResultList results;
-        return thrownText([&] { other.read(database(), "c", ObjectProperties(), results.get()); });
+        dbc::Results results;
+        return thrownText([&] { other.read(database(), "c", ObjectProperties(), results); });
     }
 
     static constexpr const char* refused = "runtime_error: Find error.: Authentication failed.(code: 11)";
@@ -125,8 +125,8 @@ TEST_F(UserAdministration, NameAndPasswordOfReservedCharactersLogInEscaped)
     DataBaseClient other;
     other.connect("mongodb://" + userName("u") + "%40%3A%2F:p%25%3F%23@127.0.0.1:" +
                   std::to_string(TestServer::instance().authGateway().port()) + "/" + database());
-    ResultList results;
-    EXPECT_NE(thrownText([&] { other.read(database(), "c", ObjectProperties(), results.get()); }), refused);
+    dbc::Results results;
+    EXPECT_NE(thrownText([&] { other.read(database(), "c", ObjectProperties(), results); }), refused);
 }
 
 } // namespace

@@ -4,8 +4,8 @@
 #include "certificates.h"
 #include "connection_options.h"
 #include "database_client.h"
+#include "dbc/results.h"
 #include "object_properties.h"
-#include "result_list.h"
 #include "test_server.h"
 
 #include <gtest/gtest.h>
@@ -43,10 +43,10 @@ public:
     // Empty if the server replies, else the text of the exception.
     std::string find()
     {
-        ResultList results;
+        dbc::Results results;
         try
         {
-            m_client.read("parity", "c", ObjectProperties(), results.get());
+            m_client.read("parity", "c", ObjectProperties(), results);
         }
         catch (const std::runtime_error& error)
         {

@@ -2,6 +2,7 @@
 // what is found at the end, and the memory of the process must not grow with the number of operations.
 
 #include "database_client.h"
+#include "dbc/results.h"
 #include "object_properties.h"
 #include "test_server.h"
 
@@ -15,7 +16,6 @@
 #include <exception>
 #include <fstream>
 #include <iostream>
-#include <list>
 #include <map>
 #include <memory>
 #include <random>
@@ -89,9 +89,9 @@ public:
         require(found.size() == m_stored.size(), m_collection + ": not as many documents as were written");
         for (const auto& document : found)
         {
-            const auto entry = m_stored.find(document->valueAsId("_id", ""));
+            const auto entry = m_stored.find(document.valueAsId("_id", ""));
             require(entry != m_stored.end(), m_collection + ": a document that is not known");
-            require(document->valueAsLongLong("value", -1) == entry->second, m_collection + ": another value");
+            require(document.valueAsLongLong("value", -1) == entry->second, m_collection + ": another value");
         }
     }
 
@@ -99,17 +99,13 @@ public:
     std::size_t stored() const { return m_stored.size(); }
 
 private:
-    using Documents = std::vector<std::unique_ptr<ObjectProperties>>;
     using Stored = std::map<std::string, long long>;
 
-    Documents read(const ObjectProperties& query)
+    dbc::Results read(const ObjectProperties& query)
     {
-        std::list<ObjectProperties*> results;
+        dbc::Results results;
         m_client.read(m_database, m_collection, query, results);
-        Documents documents;
-        for (ObjectProperties* result : results)
-            documents.emplace_back(result);
-        return documents;
+        return results;
     }
 
     Stored::iterator any()
@@ -141,7 +137,7 @@ private:
         const auto entry = any();
         const auto found = read(byId(entry->first));
         require(found.size() == 1, m_collection + ": a document that was written is not found");
-        require(found.front()->valueAsLongLong("value", -1) == entry->second, m_collection + ": not the last value");
+        require(found.begin()->valueAsLongLong("value", -1) == entry->second, m_collection + ": not the last value");
         ++m_counts.finds;
     }
 

@@ -7,7 +7,7 @@
 #include "dbc/collection.h"
 #include "environment_number.h"
 #include "sequences.h"
-#include "test_server.h"
+#include "shared_client.h"
 
 #include <gtest/gtest.h>
 
@@ -25,7 +25,8 @@ namespace {
 using dbc::Bulk;
 using dbc::Collection;
 using dbc::Value;
-using test_support::ScratchDatabase;
+using test_support::sharedClient;
+using test_support::sharedScratch;
 using test_support::TestServer;
 
 constexpr std::size_t ids = 8;
@@ -54,22 +55,13 @@ struct Step
     void (*take)(State&, const Operation&);
 };
 
-DataBaseClient& client()
+Collection collection()
 {
-    static DataBaseClient connected;
-    if (!connected.isConnected())
-        connected.connect(TestServer::instance().directUri());
-    return connected;
+    DataBaseClient& client = sharedClient(TestServer::instance().directUri());
+    return {client, sharedScratch().name(), "c"};
 }
 
-ScratchDatabase& scratch()
-{
-    client(); // made first: the library ends the driver after everything that was made later is gone
-    static ScratchDatabase database(TestServer::instance().directUri());
-    return database;
-}
-
-State::State() : library(client(), scratch().name(), "c") {}
+State::State() : library(collection()) {}
 
 std::string textOf(int id, const Fields& fields)
 {

@@ -1,6 +1,7 @@
 // Documents near and beyond what a server takes, and many results.
 
 #include "database_client.h"
+#include "dbc/results.h"
 #include "object_properties.h"
 #include "owned_bson.h"
 #include "properties_to_bson.h"
@@ -9,7 +10,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <list>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -21,19 +21,6 @@ using test_support::ScratchDatabase;
 using test_support::TestServer;
 
 constexpr std::size_t limit = std::size_t{16} << 20U; // bytes of one document
-
-class Results : public std::list<ObjectProperties*>
-{
-public:
-    Results() = default;
-    ~Results()
-    {
-        for (ObjectProperties* result : *this)
-            delete result;
-    }
-    Results(const Results&) = delete;
-    Results& operator=(const Results&) = delete;
-};
 
 // A document that is @p bytes long with the "_id" that it gets.
 ObjectProperties documentOf(std::size_t bytes)
@@ -72,11 +59,11 @@ TEST_F(LargeDocument, IsWrittenAndFoundJustBelowTheLimit)
     const ObjectProperties document = documentOf(limit - 1024);
     std::string id;
     m_client.write(m_database.name(), "c", document, id);
-    Results results;
+    dbc::Results results;
     m_client.read(m_database.name(), "c", ObjectProperties(), results);
     ASSERT_EQ(results.size(), 1U);
-    EXPECT_EQ(results.front()->valueAsId("_id", ""), id);
-    EXPECT_EQ(results.front()->valueAsBinary("b", {}), document.valueAsBinary("b", {}));
+    EXPECT_EQ(results.front().valueAsId("_id", ""), id);
+    EXPECT_EQ(results.front().valueAsBinary("b", {}), document.valueAsBinary("b", {}));
 }
 
 TEST_F(LargeDocument, IsRefusedBeyondTheLimitAndNothingIsWritten)
@@ -107,7 +94,7 @@ TEST_F(LargeDocument, IsRefusedAsAQueryAndNothingIsFoundOrRemoved)
 {
     m_client.write(m_database.name(), "c", ObjectProperties());
     const ObjectProperties query = documentOf(4 * limit);
-    Results results;
+    dbc::Results results;
     EXPECT_THROW(m_client.read(m_database.name(), "c", query, results), std::runtime_error);
     EXPECT_TRUE(results.empty());
     EXPECT_THROW(m_client.remove(m_database.name(), "c", query), std::runtime_error);
@@ -140,13 +127,13 @@ TEST_F(LargeDocument, AHundredThousandResultsAllArriveOnce)
 {
     constexpr int count = 100000;
     insertMany(m_database, "many", count);
-    Results results;
+    dbc::Results results;
     m_client.read(m_database.name(), "many", ObjectProperties(), results);
     ASSERT_EQ(results.size(), static_cast<std::size_t>(count));
     std::vector<bool> seen(count);
-    for (ObjectProperties* result : results)
+    for (const ObjectProperties& result : results)
     {
-        const int n = result->valueAsInt32("n", -1);
+        const int n = result.valueAsInt32("n", -1);
         ASSERT_TRUE(n >= 0 && n < count && !seen[static_cast<std::size_t>(n)]) << n;
         seen[static_cast<std::size_t>(n)] = true;
     }

@@ -107,8 +107,8 @@ protected:
     {
         DataBaseClient client;
         client.connect(uri);
-        ResultList results;
-        return thrownText([&] { client.read("d", "c", ObjectProperties(), results.get()); });
+        dbc::Results results;
+        return thrownText([&] { client.read("d", "c", ObjectProperties(), results); });
     }
 };
 

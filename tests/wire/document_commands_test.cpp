@@ -15,8 +15,8 @@ public:
                          int skip = 0)
     {
         gateway().clear();
-        ResultList results;
-        thrownText([&] { client().find(database(), "c", query, projection, results.get(), limit, skip); });
+        dbc::Results results;
+        thrownText([&] { client().find(database(), "c", query, projection, results, limit, skip); });
         return sent("find");
     }
 };
@@ -91,17 +91,17 @@ TEST_F(DocumentCommand, OfAFindTakesTheWrittenOutFormApart)
 
 TEST_F(DocumentCommand, OfAReadIsThatOfAFindWithoutProjectionLimitAndSkip)
 {
-    ResultList results;
-    client().read(database(), "c", number("a", 1), results.get());
+    dbc::Results results;
+    client().read(database(), "c", number("a", 1), results);
 
     EXPECT_EQ(sent("find"), R"({ "find" : "c", "filter" : { "a" : 1 } })");
 }
 
 TEST_F(DocumentCommand, OfAnAggregationCarriesThePipeline)
 {
-    ResultList results;
+    dbc::Results results;
     client().aggregate(database(), "c", pipeline([](ObjectProperties& stage) { stage.setValueInt32("$limit", 1); }),
-                       results.get());
+                       results);
 
     EXPECT_EQ(sent("aggregate"), R"({ "aggregate" : "c", "pipeline" : [ { "$limit" : 1 } ], "cursor" : {  } })");
 }
@@ -112,8 +112,8 @@ TEST_F(DocumentCommand, OfAnAggregationTakesNumberedStagesAsThePipeline)
     stages.beginGroup("0");
     stages.setValueInt32("$limit", 1);
     stages.endGroup();
-    ResultList results;
-    client().aggregate(database(), "c", stages, results.get());
+    dbc::Results results;
+    client().aggregate(database(), "c", stages, results);
 
     EXPECT_EQ(sent("aggregate"), R"({ "aggregate" : "c", "pipeline" : [ { "$limit" : 1 } ], "cursor" : {  } })");
 }
@@ -126,10 +126,10 @@ TEST_F(DocumentCommand, OfAnAggregationIsFollowedByOthersOfItsSession)
     gateway().inject(Fault::answer(R"({"ok": 1, "cursor": {"id": {"$numberLong": "0"}, "ns": ")" + database() +
                                    R"(.c", "nextBatch": [{"n": 2}]}})")
                          .onCommand("getMore"));
-    ResultList results;
+    dbc::Results results;
 
     client().aggregate(database(), "c", pipeline([](ObjectProperties& stage) { stage.setValueInt32("$limit", 2); }),
-                       results.get());
+                       results);
 
     EXPECT_EQ(results.size(), 2U);
     EXPECT_EQ(gateway().names(), (std::vector<std::string>{"aggregate", "getMore"}));
@@ -144,9 +144,9 @@ TEST_F(DocumentCommand, OfAnAggregationCarriesTheConcernThatItsLastStageTakes)
     const auto sentWith = [&](const char* stage, const auto& setValue) {
         gateway().clear();
         gateway().inject(Fault::answer(reply).onCommand("aggregate"));
-        ResultList results;
+        dbc::Results results;
         client().aggregate(database(), "c", pipeline([&](ObjectProperties& document) { setValue(document, stage); }),
-                           results.get());
+                           results);
         return gateway().commands("aggregate").at(0);
     };
     const auto setText = [](ObjectProperties& document, const char* stage) { document.setValueString(stage, "t"); };
@@ -165,11 +165,11 @@ TEST_F(DocumentCommand, OfAnAggregationCarriesTheConcernThatItsLastStageTakes)
 TEST_F(DocumentCommand, OfAnAggregationThatTheServerRefusesIsAnError)
 {
     gateway().inject(Fault::answer(R"({"ok": 0, "errmsg": "no such stage", "code": 40324})").onCommand("aggregate"));
-    ResultList results;
+    dbc::Results results;
 
     const std::string error = thrownText([&] {
         client().aggregate(database(), "c", pipeline([](ObjectProperties& stage) { stage.setValueInt32("$none", 1); }),
-                           results.get());
+                           results);
     });
 
     EXPECT_EQ(error, "runtime_error: Aggregation error.: no such stage(code: 40324)");
@@ -189,9 +189,9 @@ TEST_F(DocumentCommand, IsNotSentWhenAnArgumentIsRefused)
 {
     ObjectProperties query;
     query.setValueInt32("$query", 1);
-    ResultList results;
+    dbc::Results results;
 
-    thrownText([&] { client().read(database(), "c", query, results.get()); });
+    thrownText([&] { client().read(database(), "c", query, results); });
     thrownText([&] { client().write("", "c", query); });
     thrownText([&] { client().update(database(), "c", query, query, UpdateFlagNone, static_cast<UpdateCommand>(10)); });
 

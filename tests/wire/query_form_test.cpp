@@ -62,11 +62,10 @@ TEST_P(QueryOnTheWire, BecomesTheCommandOnRecord)
         Fault::answer(R"({"ok": 1, "cursor": {"id": {"$numberLong": "0"}, "ns": "d.c", "firstBatch": []}})")
             .onCommand("find")
             .andLater());
-    ResultList results;
+    dbc::Results results;
 
     const std::string error = thrownText([&] {
-        client().find(database(), "c", documentOf(row.query), documentOf(row.projection), results.get(), row.limit,
-                      row.skip);
+        client().find(database(), "c", documentOf(row.query), documentOf(row.projection), results, row.limit, row.skip);
     });
 
     const std::vector<RecordedCommand> commands = gateway().commands("find");

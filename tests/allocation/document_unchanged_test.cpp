@@ -8,6 +8,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 
 namespace {
 
@@ -100,13 +101,14 @@ TEST(DocumentWithoutMemory, KeepsItsMembersWhenItIncludesItself)
 
 TEST(DocumentWithoutMemory, LeavesBothDocumentsWhenASubtreeIsExcluded)
 {
-    ObjectProperties target = sample();
-    const std::size_t failures = failEveryAllocation(
-        sample, [&](ObjectProperties& document) { document.exclude("/b", target); },
-        [&](const ObjectProperties& document) {
-            expectUntouched(document);
-            expectUntouched(target);
-        });
+    using Documents = std::pair<ObjectProperties, ObjectProperties>;
+    const std::size_t failures =
+        failEveryAllocation([] { return Documents(sample(), sample()); },
+                            [](Documents& documents) { documents.first.exclude("/b", documents.second); },
+                            [](const Documents& documents) {
+                                expectUntouched(documents.first);
+                                expectUntouched(documents.second);
+                            });
     EXPECT_GT(failures, 0U);
 }
 

@@ -74,16 +74,16 @@ const OperationRow operations[] = {
     {"Find",
      {"Find error.: injected(code: 7)"},
      [](DataBaseClient& client, const std::string& database, const std::string&) {
-         ResultList results;
-         client.find(database, "c", ObjectProperties(), ConnectedClient::number("a", 1), results.get(), 2, 0);
+         dbc::Results results;
+         client.find(database, "c", ObjectProperties(), ConnectedClient::number("a", 1), results, 2, 0);
      }},
     {"Aggregate",
      {"Aggregation error.: injected(code: 7)"},
      [](DataBaseClient& client, const std::string& database, const std::string&) {
-         ResultList results;
+         dbc::Results results;
          client.aggregate(database, "c",
                           ConnectedClient::pipeline([](ObjectProperties& stage) { stage.setValueInt32("$limit", 2); }),
-                          results.get());
+                          results);
      }},
     {"AddUser",
      {"Error occurred while adding user: injected(code: 7)"},
@@ -222,16 +222,16 @@ public:
     void expectOneResult(Call call)
     {
         const long before = counted_driver::liveObjects();
-        ResultList results;
+        dbc::Results results;
         {
             const counted_driver::BrokenResult broken(2);
-            EXPECT_EQ(thrownText([&] { call(results.get()); }), "invalid_argument: Bad results");
+            EXPECT_EQ(thrownText([&] { call(results); }), "invalid_argument: Bad results");
         }
         ASSERT_EQ(results.size(), 1U);
         EXPECT_EQ(results.front().valueAsInt32("_id", -1), 0);
         EXPECT_EQ(counted_driver::liveObjects(), before);
 
-        EXPECT_EQ(thrownText([&] { call(results.get()); }), "");
+        EXPECT_EQ(thrownText([&] { call(results); }), "");
         EXPECT_EQ(results.size(), 4U);
     }
 };
@@ -260,13 +260,13 @@ TEST_F(ImplementationOfAClient, ReadsAllThatMatchesTheQuery)
     DataBaseClientPrivate implementation;
     implementation.connect(TestServer::instance().uri());
 
-    ResultList some;
-    implementation.read(database(), "c", number("a", 1), some.get());
+    dbc::Results some;
+    implementation.read(database(), "c", number("a", 1), some);
     ASSERT_EQ(some.size(), 2U);
     EXPECT_EQ(some.front().valueAsInt32("_id", 0), 1);
 
-    ResultList all;
-    implementation.read(database(), "c", ObjectProperties(), all.get());
+    dbc::Results all;
+    implementation.read(database(), "c", ObjectProperties(), all);
     EXPECT_EQ(all.size(), 3U);
 }
 

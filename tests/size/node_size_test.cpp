@@ -1,7 +1,6 @@
 #include "captured_output.h"
 #include "property.h"
-#include "row_name.h"
-#include "small_stack.h"
+#include "stacks.h"
 
 #include <gtest/gtest.h>
 
@@ -13,21 +12,10 @@ namespace {
 
 using NodePointer = std::shared_ptr<Property>;
 
-struct StackRow
-{
-    std::string name;
-    std::size_t bytes;
-};
-
-std::ostream& operator<<(std::ostream& stream, const StackRow& row)
-{
-    return stream << row.bytes << " bytes";
-}
-
 class DeepTree : public testing::TestWithParam<StackRow>
 {};
 
-constexpr int depth = 100000;
+const int depth = many();
 
 NodePointer nested(int levels)
 {
@@ -143,15 +131,14 @@ TEST_P(DeepTree, IsPrinted)
         // From so far outside that no level is indented: the text would be longer than the memory.
         root->print(root.get(), -depth - 1);
         const std::string text = output.text();
-        EXPECT_EQ(text.size(), (sizeof("\"g\": {\n") - 1 + sizeof("},\n") - 1) * depth +
+        EXPECT_EQ(text.size(), (sizeof("\"g\": {\n") - 1 + sizeof("},\n") - 1) * static_cast<std::size_t>(depth) +
                                    sizeof("\"text\": \"at the bottom\",\n") - 1);
         EXPECT_EQ(text.substr(0, 14), "\"g\": {\n\"a\": [\n");
         EXPECT_EQ(text.substr(text.size() - 6), "],\n},\n");
     });
 }
 
-INSTANTIATE_TEST_SUITE_P(Stacks, DeepTree,
-                         testing::Values(StackRow{"Of8MiB", 8U << 20U}, StackRow{"Of256KiB", 256U << 10U}), RowName());
+INSTANTIATE_TEST_SUITE_P(Stacks, DeepTree, stackRows(), RowName());
 
 TEST(WideTree, OfAMillionMembersIsBuiltReadCopiedAndFreed)
 {

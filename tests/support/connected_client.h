@@ -1,8 +1,8 @@
 #pragma once
 
 #include "database_client.h"
+#include "dbc/results.h"
 #include "object_properties.h"
-#include "result_list.h"
 #include "test_server.h"
 #include "thrown_text.h"
 

@@ -1,8 +1,7 @@
 #include "conversions.h"
 #include "json_to_properties.h"
 #include "properties_to_json.h"
-#include "row_name.h"
-#include "small_stack.h"
+#include "stacks.h"
 
 #include <gtest/gtest.h>
 
@@ -13,21 +12,10 @@
 
 namespace {
 
-struct StackRow
-{
-    std::string name;
-    std::size_t bytes;
-};
-
-std::ostream& operator<<(std::ostream& stream, const StackRow& row)
-{
-    return stream << row.bytes << " bytes";
-}
-
 class DeepConversion : public testing::TestWithParam<StackRow>
 {};
 
-constexpr int depth = 100000;
+const int depth = many();
 
 // Groups and arrays in turn, each in a field of eight bytes: type, key, length, end.
 std::vector<std::uint8_t> nestedBytes(int levels)
@@ -83,7 +71,7 @@ TEST_P(DeepConversion, FromJsonDeeperThanTheDriverReadsIsRefused)
         std::string json;
         for (int level = 0; level < depth; ++level)
             json += "{\"g\":";
-        json += "1" + std::string(depth, '}');
+        json += "1" + std::string(static_cast<std::size_t>(depth), '}');
         ObjectProperties document;
 
         EXPECT_FALSE(JsonToProperties::convert(json, &document));
@@ -92,8 +80,7 @@ TEST_P(DeepConversion, FromJsonDeeperThanTheDriverReadsIsRefused)
     });
 }
 
-INSTANTIATE_TEST_SUITE_P(Stacks, DeepConversion,
-                         testing::Values(StackRow{"Of8MiB", 8U << 20U}, StackRow{"Of256KiB", 256U << 10U}), RowName());
+INSTANTIATE_TEST_SUITE_P(Stacks, DeepConversion, stackRows(), RowName());
 
 TEST(WideConversion, OfAMillionFieldsGoesBothWays)
 {

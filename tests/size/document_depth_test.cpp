@@ -1,6 +1,5 @@
 #include "object_properties.h"
-#include "row_name.h"
-#include "small_stack.h"
+#include "stacks.h"
 
 #include <gtest/gtest.h>
 
@@ -10,21 +9,10 @@
 
 namespace {
 
-struct StackRow
-{
-    std::string name;
-    std::size_t bytes;
-};
-
-std::ostream& operator<<(std::ostream& stream, const StackRow& row)
-{
-    return stream << row.bytes << " bytes";
-}
-
 class DeepDocument : public testing::TestWithParam<StackRow>
 {};
 
-constexpr int depth = 100000;
+const int depth = many();
 
 ObjectProperties nested()
 {
@@ -102,5 +90,4 @@ TEST_P(DeepDocument, IsFreedWhileTheCursorStandsAtItsBottom)
     });
 }
 
-INSTANTIATE_TEST_SUITE_P(Stacks, DeepDocument,
-                         testing::Values(StackRow{"Of8MiB", 8U << 20U}, StackRow{"Of256KiB", 256U << 10U}), RowName());
+INSTANTIATE_TEST_SUITE_P(Stacks, DeepDocument, stackRows(), RowName());

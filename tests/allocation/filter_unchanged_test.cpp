@@ -42,7 +42,7 @@ void checkEveryFailure(Work work)
 
 } // namespace
 
-TEST(FilterShortOfMemory, CanBeAssignedAfterAFailedCondition)
+TEST(FilterWithoutMemory, CanBeAssignedAfterAFailedCondition)
 {
     checkEveryFailure([](auto& f) { f->setFilterString(OperationTypeRegex, longKey, longText, longText); });
     checkEveryFailure([](auto& f) { f->setFilterString(OperationTypeUnknown, longKey, longText, longText); });
@@ -50,19 +50,19 @@ TEST(FilterShortOfMemory, CanBeAssignedAfterAFailedCondition)
     checkEveryFailure([](auto& f) { f->setFilterBool(OperationTypeExists, longKey, true); });
 }
 
-TEST(FilterShortOfMemory, CanBeAssignedAfterAFailedList)
+TEST(FilterWithoutMemory, CanBeAssignedAfterAFailedList)
 {
     checkEveryFailure([](auto& f) { f->start_or(); });
     checkEveryFailure([](auto& f) { f->beginGroup(longKey); });
 }
 
-TEST(FilterShortOfMemory, CanBeAssignedAfterPartsFailedToMove)
+TEST(FilterWithoutMemory, CanBeAssignedAfterPartsFailedToMove)
 {
     checkEveryFailure([](auto& f) { f->include(*f); });
     checkEveryFailure([](auto& f) { f->exclude("/$or", *f); });
 }
 
-TEST(FilterShortOfMemory, IsUntouchedByAFailedAssignment)
+TEST(FilterWithoutMemory, IsUntouchedByAFailedAssignment)
 {
     const auto source = makeFilter();
     const auto makeOther = [] {
@@ -86,7 +86,7 @@ TEST(FilterShortOfMemory, IsUntouchedByAFailedAssignment)
     EXPECT_GT(failEveryAllocation(makeOther, takeOver, checkUntouched), 0U);
 }
 
-TEST(FilterShortOfMemory, LeavesTheSourceOfAFailedCopyAlone)
+TEST(FilterWithoutMemory, LeavesTheSourceOfAFailedCopyAlone)
 {
     const auto before = query::of(*makeFilter());
 

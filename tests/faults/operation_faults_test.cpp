@@ -37,15 +37,15 @@ const OperationRow operations[] = {
      [](DataBaseClient& client, const std::string& database) { client.remove(database, "c", ObjectProperties()); }},
     {"Find", "find", "Find error.", true,
      [](DataBaseClient& client, const std::string& database) {
-         ResultList results;
-         client.read(database, "c", ObjectProperties(), results.get());
+         dbc::Results results;
+         client.read(database, "c", ObjectProperties(), results);
      }},
     {"Aggregate", "aggregate", "Aggregation error.", true,
      [](DataBaseClient& client, const std::string& database) {
-         ResultList results;
+         dbc::Results results;
          client.aggregate(database, "c",
                           ConnectedClient::pipeline([](ObjectProperties& stage) { stage.setValueInt32("$limit", 1); }),
-                          results.get());
+                          results);
      }},
     {"AddUser", "createUser", "Error occurred while adding user", false,
      [](DataBaseClient& client, const std::string& database) {
@@ -108,11 +108,11 @@ public:
     void expectRecovery()
     {
         gateway().clearFaults();
-        ResultList results;
+        dbc::Results results;
         std::string text;
         for (int attempt = 0; attempt < 50; ++attempt)
         {
-            text = thrownText([&] { client().read(database(), "c", ObjectProperties(), results.get()); });
+            text = thrownText([&] { client().read(database(), "c", ObjectProperties(), results); });
             if (text.empty())
                 break;
         }
@@ -187,7 +187,7 @@ public:
     }
     ~IterationFault() override { gateway().clearFaults(); }
 
-    void expectResultsBeforeTheFault(const char* message, const std::function<void(ResultList&)>& run)
+    void expectResultsBeforeTheFault(const char* message, const std::function<void(dbc::Results&)>& run)
     {
         const auto fault = [this](Fault injected) { gateway().inject(std::move(injected).onCommand("getMore")); };
         for (int kind = 0; kind < 3; ++kind)
@@ -196,7 +196,7 @@ public:
                 fault(Fault::answer(R"({"ok": 0, "errmsg": "cursor id 1 not found", "code": 43})"));
             else
                 fault(kind == 1 ? Fault::dropBeforeForwarding() : Fault::cutReply(100));
-            ResultList results;
+            dbc::Results results;
             const std::string text = thrownText([&] { run(results); });
 
             EXPECT_EQ(text.rfind(std::string("runtime_error: ") + message + ": ", 0), 0U) << text;
@@ -204,10 +204,10 @@ public:
             EXPECT_GT(results.size(), 0U);
             EXPECT_LT(results.size(), 250U);
             int expected = 0;
-            for (const ObjectProperties* const document : results)
-                EXPECT_EQ(document->valueAsInt32("_id", -1), expected++);
+            for (const ObjectProperties& document : results)
+                EXPECT_EQ(document.valueAsInt32("_id", -1), expected++);
         }
-        ResultList results;
+        dbc::Results results;
         run(results);
         EXPECT_EQ(results.size(), 250U);
     }
@@ -215,19 +215,18 @@ public:
 
 TEST_F(IterationFault, OfAFindKeepsTheResultsBeforeIt)
 {
-    expectResultsBeforeTheFault("Find error.", [this](ResultList& results) {
-        client().read(database(), "c", ObjectProperties(), results.get());
-    });
+    expectResultsBeforeTheFault(
+        "Find error.", [this](dbc::Results& results) { client().read(database(), "c", ObjectProperties(), results); });
 }
 
 TEST_F(IterationFault, OfAnAggregationKeepsTheResultsBeforeIt)
 {
-    expectResultsBeforeTheFault("Aggregation error.", [this](ResultList& results) {
+    expectResultsBeforeTheFault("Aggregation error.", [this](dbc::Results& results) {
         client().aggregate(database(), "c", pipeline([](ObjectProperties& stage) {
                                stage.beginGroup("$sort");
                                stage.setValueInt32("_id", 1);
                            }),
-                           results.get());
+                           results);
     });
 }
 
@@ -288,11 +287,11 @@ TEST(ServerFault, OfAServerThatEndsAndStartsAgainIsReportedAndPasses)
     EXPECT_NE(thrownText([&] { client.write("restart", "c", ObjectProperties()); }), "");
     server.start();
 
-    ResultList results;
+    dbc::Results results;
     std::string text;
     for (int attempt = 0; attempt < 10; ++attempt) // the first ones may meet connections of the old server
     {
-        text = thrownText([&] { client.read("restart", "c", ObjectProperties(), results.get()); });
+        text = thrownText([&] { client.read("restart", "c", ObjectProperties(), results); });
         if (text.empty())
             break;
     }

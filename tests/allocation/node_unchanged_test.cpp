@@ -35,18 +35,18 @@ void expectGroupWithMembers(const NodePointer& node)
     EXPECT_EQ(node->valueAsInt32("b/c", 0), 1);
 }
 
-class ValueWithoutMemory : public testing::TestWithParam<ValueKind>
+class NodeValueWithoutMemory : public testing::TestWithParam<ValueKind>
 {};
 
 } // namespace
 
-TEST_P(ValueWithoutMemory, SetOnAGroupLeavesTheGroup)
+TEST_P(NodeValueWithoutMemory, SetOnAGroupLeavesTheGroup)
 {
     failEveryAllocation(
         groupWithMembers, [](const NodePointer& node) { GetParam().set(*node); }, expectGroupWithMembers);
 }
 
-TEST_P(ValueWithoutMemory, SetOverAnyValueLeavesThatValue)
+TEST_P(NodeValueWithoutMemory, SetOverAnyValueLeavesThatValue)
 {
     for (const ValueKind& before : valueKinds())
     {
@@ -65,7 +65,7 @@ TEST_P(ValueWithoutMemory, SetOverAnyValueLeavesThatValue)
     }
 }
 
-TEST_P(ValueWithoutMemory, SetByPathLeavesEveryOtherNode)
+TEST_P(NodeValueWithoutMemory, SetByPathLeavesEveryOtherNode)
 {
     const auto expectRestUnchanged = [](const NodePointer& node) {
         EXPECT_EQ(node->valueAsString("a", ""), longText);
@@ -81,7 +81,7 @@ TEST_P(ValueWithoutMemory, SetByPathLeavesEveryOtherNode)
     EXPECT_GT(failures, 0U);
 }
 
-TEST_P(ValueWithoutMemory, CopiedLeavesTheTarget)
+TEST_P(NodeValueWithoutMemory, CopiedLeavesTheTarget)
 {
     const NodePointer source = Property::create();
     GetParam().set(*source);
@@ -90,7 +90,7 @@ TEST_P(ValueWithoutMemory, CopiedLeavesTheTarget)
         groupWithMembers, [&](const NodePointer& node) { node->copy(*source); }, expectGroupWithMembers);
 }
 
-TEST_P(ValueWithoutMemory, AsAnItemLeavesTheTargetItem)
+TEST_P(NodeValueWithoutMemory, AsAnItemLeavesTheTargetItem)
 {
     const auto prepare = [] { return std::make_unique<Property::PropertyItem>(); };
     const auto work = [](const std::unique_ptr<Property::PropertyItem>& item) {
@@ -103,7 +103,7 @@ TEST_P(ValueWithoutMemory, AsAnItemLeavesTheTargetItem)
     EXPECT_GT(failEveryAllocation(prepare, work, [](const auto&) {}), 0U);
 }
 
-INSTANTIATE_TEST_SUITE_P(Kinds, ValueWithoutMemory, testing::ValuesIn(valueKinds()), RowName());
+INSTANTIATE_TEST_SUITE_P(Kinds, NodeValueWithoutMemory, testing::ValuesIn(valueKinds()), RowName());
 
 TEST(TreeWithoutMemory, ACopyOfATreeLeavesTheTarget)
 {
