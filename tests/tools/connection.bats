@@ -27,6 +27,7 @@ load helper
 @test "an unreachable server or an invalid connection string ends with status 3" {
     dbc --uri 'mongodb://127.0.0.1:1/?serverSelectionTimeoutMS=100' find a.b
     expect_status 3
+    expect_err "dbc: run 'dbc doctor' to find the reason; --uri or DBC_URI names the server"
     dbc --uri 'nonsense' find a.b
     expect_status 3
     expect_err "its format is mongodb://"
@@ -45,6 +46,9 @@ load helper
     echo "s3cret/@:" >"$folder/password"
     dbc users add "$database" "$name" --new-password-file "$folder/password"
     expect_status 0
+    dbc users ls "$database"
+    expect_status 0
+    [[ $out == "$name"* ]] || fail "$out"
     DBC_URI="mongodb://${place%%/*}/?authSource=$database" dbc --user "$name" --password-file "$folder/password" doctor
     expect_status 0
     DBC_NEW_PASSWORD=other dbc users passwd "$database" "$name"
@@ -56,6 +60,9 @@ load helper
     expect_status 0
     dbc users rm "$database" "$name"
     expect_status 1
+    dbc users ls "$database"
+    expect_status 1
+    expect_out ""
 }
 
 # Runs dbc on a terminal as the user root, and types the password that it asks for.

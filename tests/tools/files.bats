@@ -27,9 +27,7 @@ load helper
     dbc files get "$database" photo "$folder/none"
     expect_status 1
     expect_err "there is no file photo"
-    dbc files put "$database" "$folder/missing"
-    expect_status 2
-    expect_err "cannot read"
+    expect_usage_error "cannot read $folder/missing: No such file or directory" files put "$database" "$folder/missing"
     dbc files put "$database" - </dev/null
     expect_status 2
     expect_err "--name"

@@ -52,6 +52,7 @@ load helper
     dbc insert "$database.c" '{"_id": 1}'
     dbc import "$database.c" -f "$folder/lines"
     expect_status 4
+    expect_err "; --skip-duplicates skips such documents"
     dbc import "$database.c" -f "$folder/lines" --skip-duplicates
     expect_status 0
     expect_err "imported 1"

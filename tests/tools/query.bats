@@ -85,6 +85,30 @@ load helper
     expect_err 'name~\/usr/lib'
 }
 
+@test "signs of other languages are usage errors that suggest the right sign" {
+    expect_usage_error 'not a condition: n==1; did you mean n=1? Write a string as n="=1"' find "$database.c" n==1
+    expect_usage_error 'not a condition: n=>1; did you mean n>=1? Write a string as n=">1"' find "$database.c" 'n=>1'
+    expect_usage_error 'not a condition: n=<1; did you mean n<=1? Write a string as n="<1"' count "$database.c" 'n=<1'
+    expect_usage_error 'not a condition: n=~a; did you mean n~a? Write a string as n="~a"' count "$database.c" 'n=~a'
+    expect_usage_error 'not a condition: n<>1; did you mean n!=1? Write a string as n<">1"' count "$database.c" 'n<>1'
+    dbc insert "$database.c" '{"_id": 1, "n": "=1"}'
+    dbc count "$database.c" 'n="=1"'
+    expect_out 1
+}
+
+@test "--fields takes names with commas between, or JSON" {
+    dbc insert "$database.c" '{"_id": 1, "a": 1, "b": {"c": 2, "d": 3}}'
+    dbc find "$database.c" --fields a,b.c
+    expect_out '{ "_id" : 1, "a" : 1, "b" : { "c" : 2 } }'
+    dbc find "$database.c" --fields b.d,-_id
+    expect_out '{ "b" : { "d" : 3 } }'
+    dbc find "$database.c" --fields -b
+    expect_out '{ "_id" : 1, "a" : 1 }'
+    dbc find "$database.c" --fields '{"a": 1}'
+    expect_out '{ "_id" : 1, "a" : 1 }'
+    expect_usage_error '--fields: a field is missing; write name,-age' find "$database.c" --fields a,
+}
+
 @test "conditions compare fields with times" {
     dbc insert "$database.c" '{"_id": 1, "when": {"$date": "2023-06-01T10:30:00Z"}}' '{"_id": 2, "when": {"$date": "2022-06-01T00:00:00Z"}}' \
         '{"_id": 3, "when": "2023-06-01"}'

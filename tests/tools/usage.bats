@@ -13,8 +13,17 @@ load helper
     expect_usage_error "unknown option '--limt'; did you mean '--limit'?" find "$database.c" --limt 5
     expect_usage_error "unknown option '--quite'; did you mean '--quiet'?" find "$database.c" --quite
     expect_usage_error "unknown option '--frobnicate'" find "$database.c" --frobnicate
-    expect_usage_error "unknown command 'users frobnicate'; there are: add passwd update rm" users frobnicate
+    expect_usage_error "unknown command 'users frobnicate'; there are: add passwd update rm ls" users frobnicate
     expect_usage_error "unexpected argument 'more'" ls "$database" more
+}
+
+@test "an unexpected argument of a command that reads or writes a file suggests -f" {
+    expect_usage_error "unexpected argument 'data.json'; use -f for a file" import "$database.c" data.json
+}
+
+@test "files without a database asks for a database, not for a collection" {
+    expect_usage_error "no database: write DATABASE after the command, or add the database to the connection string: mongodb://HOST/DATABASE" \
+        files ls
 }
 
 @test "a negative number is a usage error" {

@@ -147,7 +147,10 @@ std::string describe(const CLI::App& program, const CLI::ParseError& error)
     const std::string& first = unexpected.front();
     if (first.size() > 1 && first[0] == '-')
         return unknownOption(command, first);
-    return wantsCommand ? unknownCommand(*command, words, first) : "unexpected argument '" + first + "'";
+    if (wantsCommand)
+        return unknownCommand(*command, words, first);
+    const bool takesFile = command->get_option_no_throw("--file") != nullptr;
+    return "unexpected argument '" + first + "'" + (takesFile ? "; use -f for a file" : "");
 }
 
 void addHelpCommand(CLI::App& program, const GlobalOptions& /*global*/, Work& work)

@@ -123,14 +123,14 @@ std::unique_ptr<DataBaseClient> connect(const ConnectionOptions& options)
     return connect(connectionString(options));
 }
 
-std::string defaultDatabase(DataBaseClient& client)
+std::string defaultDatabase(DataBaseClient& client, const std::string& form)
 {
     std::string database;
     client.getDatabaseName(database);
     if (database.empty())
     {
-        throw Failure(UsageError, "no database: write DATABASE.COLLECTION, or add the database to the connection "
-                                  "string: mongodb://HOST/DATABASE");
+        throw Failure(UsageError, "no database: write " + form +
+                                      ", or add the database to the connection string: mongodb://HOST/DATABASE");
     }
     return database;
 }
@@ -143,7 +143,7 @@ dbc::Collection collectionOf(DataBaseClient& client, const std::string& name)
     if (name.empty() || dot == 0 || dot == name.size() - 1)
         throw Failure(UsageError, "a collection is written DATABASE.COLLECTION");
     if (dot == std::string::npos)
-        return {client, defaultDatabase(client), name};
+        return {client, defaultDatabase(client, "DATABASE.COLLECTION"), name};
     return {client, name.substr(0, dot), name.substr(dot + 1)};
 }
 

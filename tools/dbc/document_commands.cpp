@@ -77,8 +77,7 @@ int find(const GlobalOptions& global, const FindCommand& command)
     const dbc::Value query = parseQuery(command.query);
     dbc::FindOptions options;
     options.sort = parseSort(command.sort);
-    if (!command.projection.empty())
-        options.projection = parseDocument(command.projection, "--fields");
+    options.projection = parseFields(command.projection);
     options.limit = command.limit;
     options.skip = command.skip;
     const auto client = connect(global.connection);
@@ -199,7 +198,7 @@ void addDocumentCommands(CLI::App& program, const GlobalOptions& global, Work& w
     CLI::App* app = addCommand(program, global, work, "find", "Print the documents that match a query", finding, &find);
     app->add_option("query", finding->query, queryHelp);
     app->add_option("--sort", finding->sort, sortHelp);
-    app->add_option("--fields", finding->projection, R"(Fields to print, as JSON: {"name": 1})");
+    app->add_option("--fields", finding->projection, fieldsHelp);
     addNumber(*app, "--limit", finding->limit, "Maximum number of documents to print; 0 for all");
     addNumber(*app, "--skip", finding->skip, "Documents to skip first");
 

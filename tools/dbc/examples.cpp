@@ -53,6 +53,7 @@ const std::vector<Examples>& allExamples()
         {"users passwd", {"dbc users passwd shop ada --new-password-file secret"}},
         {"users update", {"dbc users update shop ada --role read"}},
         {"users rm", {"dbc users rm shop ada"}},
+        {"users ls", {"dbc users ls shop"}},
         {"check", {"dbc check shop.orders"}},
         {"schema", {"dbc schema shop.orders", "dbc schema shop.orders 'state=new' --sample 0"}},
         {"doctor", {"dbc --uri 'mongodb://one.example,two.example/?replicaSet=shop' doctor"}},

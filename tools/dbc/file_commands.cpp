@@ -12,6 +12,7 @@
 
 #include <strings.h>
 
+#include <cerrno>
 #include <cstdint>
 #include <cstdio>
 #include <exception>
@@ -39,7 +40,8 @@ struct FileCommand
 
 dbc::FileStore storeOf(DataBaseClient& client, const FileCommand& command)
 {
-    const std::string database = command.database.empty() ? defaultDatabase(client) : command.database;
+    const std::string database =
+        command.database.empty() ? defaultDatabase(client, "DATABASE after the command") : command.database;
     // In "DATABASE.STORE.files" a dot in the database name would change the meaning.
     if (database.find('.') != std::string::npos)
         throw Failure(UsageError, "the name of a database must not contain a dot");
@@ -106,8 +108,10 @@ int put(const GlobalOptions& global, const FileCommand& command)
     if (!isStandardInput)
         file.open(command.path, std::ios::binary);
     std::istream& source = isStandardInput ? std::cin : file;
+    if (!source)
+        throw Failure(UsageError, "cannot read " + command.path + ": " + std::generic_category().message(errno));
     // A directory can be opened, but not read.
-    if (name.empty() || !source || std::filesystem::is_directory(command.path))
+    if (name.empty() || std::filesystem::is_directory(command.path))
         throw Failure(UsageError, "cannot read " + command.path);
     const auto client = connect(global.connection);
     dbc::FileStore store = storeOf(*client, command);

@@ -267,7 +267,9 @@ private:
         }
         catch (const dbc::BulkError& error)
         {
-            throw SendFailure(statusOf(error), error.what() + ("; " + stopAt(error)));
+            const bool isDuplicate = m_upsertFields.empty() && error.kind() == dbc::ErrorKind::DuplicateKey;
+            throw SendFailure(statusOf(error), error.what() + ("; " + stopAt(error)) +
+                                                   (isDuplicate ? "; --skip-duplicates skips such documents" : ""));
         }
         m_mark.done += m_batch.size();
         m_batch.clear();

@@ -73,7 +73,10 @@ int run(const Work& work)
             return Interrupted;
         }
         std::cerr << "dbc: " << error.what() << '\n';
-        return statusOf(error);
+        const ExitStatus status = statusOf(error);
+        if (status == ConnectionError)
+            std::cerr << "dbc: run 'dbc doctor' to find the reason; --uri or DBC_URI names the server\n";
+        return status;
     }
 }
 

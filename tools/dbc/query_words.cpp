@@ -22,6 +22,8 @@ const char* const queryHelp =
 const char* const sortHelp =
     R"(Sort order: name,-age sorts by name ascending, then by age descending; or JSON: {"name": 1, "age": -1})";
 
+const char* const fieldsHelp = R"(Fields to print: name,-_id prints names without ids; or JSON: {"name": 1, "_id": 0})";
+
 namespace {
 
 struct Comparison
@@ -33,6 +35,14 @@ struct Comparison
 // Longer signs first: ">=" must not be read as ">".
 constexpr std::array<Comparison, 7> comparisons{
     {{"!=", "$ne"}, {">=", "$gte"}, {"<=", "$lte"}, {"=", ""}, {">", "$gt"}, {"<", "$lt"}, {"~", "$regex"}}};
+
+struct WrongSign
+{
+    std::string_view wrong;
+    const char* right;
+};
+
+constexpr std::array<WrongSign, 5> wrongSigns{{{"==", "="}, {"=>", ">="}, {"=<", "<="}, {"=~", "~"}, {"<>", "!="}}};
 
 // Invalid JSON is an error. As a string it would silently match nothing.
 bool isMeantAsJson(const std::string& text)
@@ -90,6 +100,20 @@ dbc::Value expressionOf(const std::string& field, const std::string& text)
     return expression;
 }
 
+// Signs of other languages. Read as a sign and a string, they would silently match nothing.
+void rejectWrongSign(const std::string& word, std::size_t place)
+{
+    for (const auto& [wrong, right] : wrongSigns)
+    {
+        if (word.compare(place, wrong.size(), wrong) != 0)
+            continue;
+        const std::string field = word.substr(0, place);
+        throw Failure(UsageError, "not a condition: " + word + "; did you mean " + field + right +
+                                      word.substr(place + wrong.size()) + "? Write a string as " + field + word[place] +
+                                      '"' + word.substr(place + 1) + '"');
+    }
+}
+
 dbc::Field conditionOf(const std::string& word)
 {
     if (word.size() > 1 && word.front() == '!')
@@ -97,6 +121,8 @@ dbc::Field conditionOf(const std::string& word)
     const std::size_t place = word.find_first_of("!=<>~");
     if (place == std::string::npos && word.size() > 1 && word.back() == '?')
         return {word.substr(0, word.size() - 1), {{"$exists", true}}};
+    if (place != std::string::npos)
+        rejectWrongSign(word, place);
     for (const auto& [sign, operatorText] : comparisons)
     {
         if (place == std::string::npos || place == 0 || word.compare(place, sign.size(), sign) != 0)
@@ -119,14 +145,32 @@ bool isDocument(const std::string& text)
     return begin != std::string::npos && text[begin] == '{';
 }
 
-dbc::SortField sortFieldOf(std::string_view word)
+dbc::SortField sortFieldOf(std::string_view word, const std::string& option)
 {
     const bool isDescending = !word.empty() && word.front() == '-';
     if (isDescending || (!word.empty() && word.front() == '+'))
         word.remove_prefix(1);
     if (word.empty())
-        throw Failure(UsageError, "--sort: a field is missing; write name,-age");
+        throw Failure(UsageError, option + ": a field is missing; write name,-age");
     return {std::string(word), isDescending ? dbc::Order::Descending : dbc::Order::Ascending};
+}
+
+// name,-age
+dbc::Sort sortOfWords(const std::string& text, const std::string& option)
+{
+    dbc::Sort sort;
+    std::string_view rest = text;
+    while (!rest.empty())
+    {
+        const std::size_t comma = rest.find(',');
+        sort.push_back(sortFieldOf(rest.substr(0, comma), option));
+        if (comma == std::string_view::npos)
+            break;
+        rest.remove_prefix(comma + 1);
+        if (rest.empty())
+            sortFieldOf(rest, option); // throws for a comma at the end
+    }
+    return sort;
 }
 
 dbc::Sort sortOfJson(const std::string& text)
@@ -160,21 +204,17 @@ dbc::Value parseQuery(const std::vector<std::string>& words)
 
 dbc::Sort parseSort(const std::string& text)
 {
+    return isDocument(text) ? sortOfJson(text) : sortOfWords(text, "--sort");
+}
+
+dbc::Value parseFields(const std::string& text)
+{
     if (isDocument(text))
-        return sortOfJson(text);
-    dbc::Sort sort;
-    std::string_view rest = text;
-    while (!rest.empty())
-    {
-        const std::size_t comma = rest.find(',');
-        sort.push_back(sortFieldOf(rest.substr(0, comma)));
-        if (comma == std::string_view::npos)
-            break;
-        rest.remove_prefix(comma + 1);
-        if (rest.empty())
-            sortFieldOf(rest); // throws for a comma at the end
-    }
-    return sort;
+        return parseJson(text, "--fields");
+    dbc::Value projection;
+    for (const dbc::SortField& field : sortOfWords(text, "--fields"))
+        projection.append(field.field, field.order == dbc::Order::Ascending ? 1 : 0);
+    return projection;
 }
 
 ObjectProperties toProperties(const dbc::Value& document, const std::string& what)

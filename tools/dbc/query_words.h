@@ -11,6 +11,8 @@
 extern const char* const queryHelp;
 /// Help text for a sort order.
 extern const char* const sortHelp;
+/// Help text for the fields to print.
+extern const char* const fieldsHelp;
 
 /// Parses a query of the command line: nothing, one JSON document, or conditions that must all match:
 ///
@@ -23,6 +25,9 @@ dbc::Value parseQuery(const std::vector<std::string>& words);
 
 /// Parses a sort order: fields separated by commas, with "-" before a descending one; or JSON.
 dbc::Sort parseSort(const std::string& text);
+
+/// Parses the fields to print: fields separated by commas, with "-" before one to leave out; or JSON.
+dbc::Value parseFields(const std::string& text);
 
 /// Parses a document of the command line for the library. @throws Failure with the fields that ObjectProperties would
 /// drop or change: a query without a condition would match everything

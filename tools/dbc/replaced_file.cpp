@@ -33,7 +33,7 @@ void createFor(const std::string& part, const std::string& path, const std::opti
         throwCannotWrite(path, errno);
     const int file = ::open(part.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
     if (file < 0)
-        throwCannotWrite(part, errno);
+        throwCannotWrite(path, errno);
     if (mode)
         ::fchmod(file, *mode);
     ::close(file);

@@ -1,11 +1,13 @@
 #include "commands.h"
 
 #include "dbc/build.h"
+#include "dbc/database.h"
 #include "failure.h"
 #include "input.h"
 #include "query_words.h"
 
 #include <cstdlib>
+#include <iostream>
 #include <memory>
 #include <string>
 #include <utility>
@@ -80,6 +82,20 @@ int remove(const GlobalOptions& global, const UserCommand& command)
     return Success;
 }
 
+int list(const GlobalOptions& global, const UserCommand& command)
+{
+    const auto client = connect(global.connection);
+    const auto users = dbc::Database(*client, command.database).users();
+    for (const dbc::UserInfo& user : users)
+    {
+        std::cout << user.name;
+        for (const dbc::Role& role : user.roles) // as --role takes them
+            std::cout << "  " << role.name << (role.database == user.database ? "" : "@" + role.database);
+        std::cout << '\n';
+    }
+    return users.empty() ? NothingFound : Success;
+}
+
 using Action = int (*)(const GlobalOptions&, const UserCommand&);
 
 CLI::App* addCommand(CLI::App& users, const GlobalOptions& global, Work& work, const char* name, const char* help,
@@ -87,7 +103,8 @@ CLI::App* addCommand(CLI::App& users, const GlobalOptions& global, Work& work, c
 {
     CLI::App* app = users.add_subcommand(name, help);
     app->add_option("database", command->database, "Database of the user")->required();
-    app->add_option("name", command->name, "Name of the user")->required();
+    if (action != &list)
+        app->add_option("name", command->name, "Name of the user")->required();
     setWork(*app, global, work, command, action);
     return app;
 }
@@ -121,4 +138,5 @@ void addUserCommands(CLI::App& program, const GlobalOptions& global, Work& work)
                                "Replace the roles and the data of a user; removes what is not given", command, update),
                    *command);
     addCommand(*users, global, work, "rm", "Remove a user", command, remove);
+    addCommand(*users, global, work, "ls", "List the users of a database with their roles", command, list);
 }
