@@ -7,6 +7,8 @@
 #include "collection/outgoing.h"
 #include "require.h"
 
+#include <mongoc/mongoc.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
