@@ -157,8 +157,10 @@ private:
         else if (mongoc_uri_get_replica_set(uri))
             reportFailure("server", text, "check that replicaSet is the name of the replica set");
         else if (mongoc_uri_get_hosts(uri) && mongoc_uri_get_hosts(uri)->next)
+        {
             reportFailure("server", text,
                           "several hosts must be members of one replica set, or mongos; otherwise use one host");
+        }
         else
         {
             reportFailure("server", text,
