@@ -296,7 +296,7 @@ public:
         BSON_APPEND_BINARY(&set, "data", BSON_SUBTYPE_BINARY, reinterpret_cast<const std::uint8_t*>(part.data()),
                            static_cast<std::uint32_t>(part.size()));
         bson_append_document_end(change.get(), &set);
-        const DriverCollection chunks(
+        const CollectionHandle chunks(
             mongoc_client_get_collection(scratch().client(), database().c_str(), "fs.chunks"));
         bson_error_t error{};
         ASSERT_TRUE(mongoc_collection_update_one(chunks.get(), selector.get(), change.get(), nullptr, nullptr, &error))
@@ -477,7 +477,7 @@ TEST_F(StoredFile, OfSixtyFourMebibytesComesBackByteForByte)
     const std::string text = patternText(64U * 1024 * 1024);
     scratch().insert("fs.files", R"({"_id": 1, "filename": "large", "chunkSize": 261120, "length": )" +
                                      std::to_string(text.size()) + "}");
-    const DriverCollection chunks(mongoc_client_get_collection(scratch().client(), database().c_str(), "fs.chunks"));
+    const CollectionHandle chunks(mongoc_client_get_collection(scratch().client(), database().c_str(), "fs.chunks"));
     for (std::size_t number = 0; number * chunkSize < text.size(); ++number)
     {
         const std::string part = text.substr(number * chunkSize, chunkSize);

@@ -2,7 +2,7 @@
 //
 // Runs CMD with one more argument, the address of a database of its own on the server of scripts/with-server, which is
 // dropped with its users when CMD has ended. Ends with CMD's status.
-#include "driver_handles.h"
+#include "mongoc_handles.h"
 #include "test_server.h"
 
 #include <spawn.h>
@@ -30,7 +30,7 @@ std::string variable(const char* name)
 // The address with another database in it. A user is known to the database that the address named before.
 std::string withDatabase(const std::string& address, const std::string& database)
 {
-    const test_support::DriverUri uri(mongoc_uri_new(address.c_str()));
+    const UriHandle uri(mongoc_uri_new(address.c_str()));
     if (!uri)
         throw std::runtime_error("not a connection string: " + address);
     const std::size_t host = address.find("://") + 3;

@@ -73,9 +73,9 @@ public:
     // As OurClient::find, with the text that the library makes of the driver's error.
     std::string find()
     {
-        const DriverCollection collection(mongoc_client_get_collection(m_client.get(), "parity", "c"));
+        const CollectionHandle collection(mongoc_client_get_collection(m_client.get(), "parity", "c"));
         const bson_t everything = BSON_INITIALIZER;
-        const DriverCursor cursor(mongoc_collection_find_with_opts(collection.get(), &everything, nullptr, nullptr));
+        const CursorHandle cursor(mongoc_collection_find_with_opts(collection.get(), &everything, nullptr, nullptr));
         const bson_t* document = nullptr;
         while (mongoc_cursor_next(cursor.get(), &document))
         {}
@@ -86,7 +86,7 @@ public:
     }
 
 private:
-    DriverClient m_client;
+    ClientHandle m_client;
 };
 
 struct Outcomes

@@ -104,7 +104,7 @@ TEST_F(LargeDocument, IsRefusedAsAQueryAndNothingIsFoundOrRemoved)
 // A second insert of the driver's own, many documents at a time: writing them one by one would take minutes.
 void insertMany(ScratchDatabase& database, const std::string& collection, int count)
 {
-    const test_support::DriverCollection target(
+    const CollectionHandle target(
         mongoc_client_get_collection(database.client(), database.name().c_str(), collection.c_str()));
     constexpr int batch = 1000;
     for (int first = 0; first < count; first += batch)

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "driver_handles.h"
+#include "mongoc_handles.h"
 #include "owned_bson.h"
 
 #include <algorithm>
@@ -52,7 +52,7 @@ inline std::string withSortedOptions(const std::string& command)
         return command;
     OwnedBson sorted;
     appendSorted(parsed.get(), 1, sorted.get());
-    return DriverText(bson_as_relaxed_extended_json(sorted.get(), nullptr)).get();
+    return BsonText(bson_as_relaxed_extended_json(sorted.get(), nullptr)).get();
 }
 
 /// Whether two commands, as RecordedCommand::json() has them, differ in no more than the order of their options behind

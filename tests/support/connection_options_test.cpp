@@ -1,6 +1,6 @@
 #include "connection_options.h"
 
-#include "driver_handles.h"
+#include "mongoc_handles.h"
 #include "row_name.h"
 
 #include <gtest/gtest.h>
@@ -34,7 +34,7 @@ TEST_P(ConnectionOptions, AreAddedToTheConnectionString)
 TEST_P(ConnectionOptions, AreReadByTheDriver)
 {
     bson_error_t error{};
-    const DriverUri uri(
+    const UriHandle uri(
         mongoc_uri_new_with_error(withOptions(GetParam().uri, "socketTimeoutMS=7&appname=a").c_str(), &error));
     ASSERT_TRUE(uri) << error.message;
     EXPECT_EQ(mongoc_uri_get_option_as_int32(uri.get(), MONGOC_URI_SOCKETTIMEOUTMS, 0), 7);

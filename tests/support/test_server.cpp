@@ -46,18 +46,18 @@ void parse(OwnedBson& document, const std::string& json)
 
 std::string relaxed(const bson_t* document)
 {
-    const DriverText text(bson_as_relaxed_extended_json(document, nullptr));
+    const BsonText text(bson_as_relaxed_extended_json(document, nullptr));
     return text ? text.get() : "";
 }
 
-DriverClient openClient(const std::string& address)
+ClientHandle openClient(const std::string& address)
 {
     mongoc_init();
     bson_error_t error{};
-    const DriverUri uri(mongoc_uri_new_with_error(address.c_str(), &error));
+    const UriHandle uri(mongoc_uri_new_with_error(address.c_str(), &error));
     if (!uri)
         fail("not a connection string: " + address, error);
-    return DriverClient(mongoc_client_new_from_uri(uri.get()));
+    return ClientHandle(mongoc_client_new_from_uri(uri.get()));
 }
 
 /// @p address is that of the servers which DATABASE_CLIENT_TEST_SERVER describes.
@@ -83,7 +83,7 @@ std::string uniqueName()
 
 ServerKind serverKindAt(const std::string& uri)
 {
-    const DriverClient client = openClient(uri);
+    const ClientHandle client = openClient(uri);
     OwnedBson command;
     OwnedBson reply;
     bson_error_t error{};
@@ -125,7 +125,7 @@ ScratchDatabase::ScratchDatabase(const std::string& uri) : m_client(openClient(u
 
 ScratchDatabase::~ScratchDatabase()
 {
-    const DriverDatabase database(mongoc_client_get_database(m_client.get(), m_name.c_str()));
+    const DatabaseHandle database(mongoc_client_get_database(m_client.get(), m_name.c_str()));
     // Users do not go with their database. A server without authentication may not know the commands.
     for (const std::string& user : m_users)
         mongoc_database_remove_user(database.get(), user.c_str(), nullptr);
@@ -146,7 +146,7 @@ void ScratchDatabase::insert(const std::string& collection, const std::string& d
 {
     OwnedBson parsed;
     parse(parsed, document);
-    const DriverCollection target(mongoc_client_get_collection(m_client.get(), m_name.c_str(), collection.c_str()));
+    const CollectionHandle target(mongoc_client_get_collection(m_client.get(), m_name.c_str(), collection.c_str()));
     bson_error_t error{};
     if (!mongoc_collection_insert_one(target.get(), parsed.get(), nullptr, nullptr, &error))
         fail("insert", error);
@@ -162,8 +162,8 @@ void visitDocuments(mongoc_client_t* client, const std::string& database, const 
     OwnedBson parsedOptions;
     parse(parsedFilter, filter);
     parse(parsedOptions, options);
-    const DriverCollection source(mongoc_client_get_collection(client, database.c_str(), collection.c_str()));
-    const DriverCursor cursor(
+    const CollectionHandle source(mongoc_client_get_collection(client, database.c_str(), collection.c_str()));
+    const CursorHandle cursor(
         mongoc_collection_find_with_opts(source.get(), parsedFilter.get(), parsedOptions.get(), nullptr));
     const bson_t* document = nullptr;
     while (mongoc_cursor_next(cursor.get(), &document))
@@ -205,9 +205,10 @@ std::size_t ScratchDatabase::count(const std::string& collection, const std::str
 
 std::vector<std::string> ScratchDatabase::collections() const
 {
-    const DriverDatabase database(mongoc_client_get_database(m_client.get(), m_name.c_str()));
+    const DatabaseHandle database(mongoc_client_get_database(m_client.get(), m_name.c_str()));
     bson_error_t error{};
-    const DriverTexts names(mongoc_database_get_collection_names_with_opts(database.get(), nullptr, &error));
+    const std::unique_ptr<char*, DestroyWith<bson_strfreev>> names(
+        mongoc_database_get_collection_names_with_opts(database.get(), nullptr, &error));
     if (!names)
         fail("listCollections", error);
     std::vector<std::string> result;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "driver_handles.h"
+#include "mongoc_handles.h"
 #include "server_kind.h"
 #include "wire_gateway.h"
 #include "wire_socket.h"
@@ -81,7 +81,7 @@ public:
     std::string run(const std::string& command) const;
 
 private:
-    DriverClient m_client;
+    ClientHandle m_client;
     std::string m_name;
     std::vector<std::string> m_users;
 };

@@ -1,6 +1,5 @@
 #include "test_server.h"
 
-#include "group_scope.h"
 #include "owned_bson.h"
 
 #include <gtest/gtest.h>
@@ -40,7 +39,7 @@ TEST(ScratchDatabase, IsGoneAtTheEndOfItsBlock)
     EXPECT_NE(other.name(), name);
     EXPECT_EQ(other.run(R"({"listCollections": 1})").find("things"), std::string::npos);
 
-    const DriverDatabase gone(mongoc_client_get_database(other.client(), name.c_str()));
+    const DatabaseHandle gone(mongoc_client_get_database(other.client(), name.c_str()));
     EXPECT_FALSE(mongoc_database_has_collection(gone.get(), "things", nullptr));
 }
 
@@ -77,7 +76,7 @@ TEST(TestServerAuthentication, IsAskedForOnOneServerAndNotOnTheOther)
     const std::string& root = server.directAuthUri();
     const std::string nobody = "mongodb://" + root.substr(root.rfind('@') + 1);
     mongoc_init();
-    const DriverClient client(mongoc_client_new(nobody.c_str()));
+    const ClientHandle client(mongoc_client_new(nobody.c_str()));
     OwnedBson command;
     BSON_APPEND_INT32(command.get(), "listDatabases", 1);
 
@@ -100,31 +99,10 @@ TEST(ServerProcess, KeepsItsDataAndItsPortWhenItIsStartedAgain)
 
     EXPECT_EQ(process.uri(), uri);
     const ScratchDatabase after(uri);
-    const DriverCollection things(mongoc_client_get_collection(after.client(), before.name().c_str(), "things"));
-    const DriverCursor cursor(mongoc_collection_find_with_opts(things.get(), OwnedBson().get(), nullptr, nullptr));
+    const CollectionHandle things(mongoc_client_get_collection(after.client(), before.name().c_str(), "things"));
+    const CursorHandle cursor(mongoc_collection_find_with_opts(things.get(), OwnedBson().get(), nullptr, nullptr));
     const bson_t* document = nullptr;
     EXPECT_TRUE(mongoc_cursor_next(cursor.get(), &document));
-}
-
-/// Notes what is done to it.
-struct Walked
-{
-    std::string steps;
-    void beginGroup(const std::string& key) { steps += "+" + key; }
-    void endGroup() { steps += "-"; }
-};
-
-TEST(GroupScope, EntersAtOnceAndLeavesAtTheEndOfTheBlock)
-{
-    Walked document;
-    {
-        const GroupScope outer(document, "a");
-        {
-            const GroupScope inner(document, "b");
-        }
-        document.steps += ".";
-    }
-    EXPECT_EQ(document.steps, "+a+b-.-");
 }
 
 } // namespace

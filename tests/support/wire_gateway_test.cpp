@@ -2,7 +2,7 @@
 
 #include "connection_options.h"
 #include "driver.h"
-#include "driver_handles.h"
+#include "mongoc_handles.h"
 #include "owned_bson.h"
 #include "test_server.h"
 #include "wire_message.h"
@@ -51,7 +51,7 @@ public:
 
     std::string insert(const std::string& database, const bson_t* document, const bson_t* options = nullptr)
     {
-        const DriverCollection things = collection(database);
+        const CollectionHandle things = collection(database);
         bson_error_t error{};
         return outcome(mongoc_collection_insert_one(things.get(), document, options, nullptr, &error), error);
     }
@@ -63,8 +63,8 @@ public:
     }
     std::string find(const std::string& database, const bson_t* filter, std::size_t& found)
     {
-        const DriverCollection things = collection(database);
-        const DriverCursor cursor(mongoc_collection_find_with_opts(things.get(), filter, nullptr, nullptr));
+        const CollectionHandle things = collection(database);
+        const CursorHandle cursor(mongoc_collection_find_with_opts(things.get(), filter, nullptr, nullptr));
         const bson_t* document = nullptr;
         for (found = 0; mongoc_cursor_next(cursor.get(), &document);)
             ++found;
@@ -87,9 +87,9 @@ public:
     }
     std::string ping() { return command("admin", R"({"ping": 1})"); }
 
-    DriverCollection collection(const std::string& database) const
+    CollectionHandle collection(const std::string& database) const
     {
-        return DriverCollection(mongoc_client_get_collection(m_client.get(), database.c_str(), "things"));
+        return CollectionHandle(mongoc_client_get_collection(m_client.get(), database.c_str(), "things"));
     }
 
 private:
@@ -98,7 +98,7 @@ private:
         return success ? std::string() : std::string("failed: ") + error.message;
     }
 
-    DriverClient m_client;
+    ClientHandle m_client;
 };
 
 /// A gateway of the test's own, so that the records and faults of one test are not another's.
@@ -205,8 +205,8 @@ TEST_F(Gateway, NamesTheCollectionOfAGetMore)
     Client client(gateway.uri());
     OwnedBson options;
     parse(options, R"({"batchSize": 1})");
-    const DriverCollection things = client.collection(scratch.name());
-    const DriverCursor cursor(
+    const CollectionHandle things = client.collection(scratch.name());
+    const CursorHandle cursor(
         mongoc_collection_find_with_opts(things.get(), OwnedBson().get(), options.get(), nullptr));
     const bson_t* document = nullptr;
     while (mongoc_cursor_next(cursor.get(), &document))
@@ -356,7 +356,7 @@ TEST_F(Gateway, RewritesFiltersUpdatesAndPipelinesToo)
     BSON_APPEND_INT32(&list, "1", 9);
     bson_append_array_end(&set, &list);
     bson_append_document_end(update.get(), &set);
-    const DriverCollection things = client.collection(scratch.name());
+    const CollectionHandle things = client.collection(scratch.name());
     EXPECT_TRUE(mongoc_collection_update_one(things.get(), filter.get(), update.get(), nullptr, nullptr, &error))
         << error.message;
     EXPECT_EQ(scratch.documents("things"), Texts{R"({ "_id" : 1, "a" : [ 9 ] })"});

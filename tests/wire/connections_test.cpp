@@ -172,7 +172,7 @@ TEST_F(Connections, KeepTheLogHandlerThatTheProgramHasSet)
     client.connect(gateway().uri());
     EXPECT_EQ(log, "");
     client.connect(withOptions(gateway().uri(), "unknown=1")); // the driver warns of the option
-    const DriverUri uri(mongoc_uri_new("mongodb://host/?missing=1"));
+    const UriHandle uri(mongoc_uri_new("mongodb://host/?missing=1"));
 
     mongoc_log_set_handler(mongoc_log_default_handler, nullptr);
     EXPECT_NE(log.find("unknown"), std::string::npos) << log;

@@ -3,9 +3,9 @@
 
 #include "connected_client.h"
 
-#include "driver_handles.h"
 #include "driver_texts.h"
 #include "json_to_properties.h"
+#include "mongoc_handles.h"
 #include "owned_bson.h"
 #include "row_name.h"
 
@@ -32,7 +32,7 @@ std::string canonicalText(const RecordedCommand& command)
         return "not BSON";
     OwnedBson kept;
     bson_copy_to_excluding_noinit(&all, kept.get(), "lsid", "$db", "$clusterTime", nullptr);
-    return inWordsOf123(DriverText(bson_as_canonical_extended_json(kept.get(), nullptr)).get());
+    return inWordsOf123(BsonText(bson_as_canonical_extended_json(kept.get(), nullptr)).get());
 }
 
 struct QueryRow

@@ -1,5 +1,5 @@
+#include "dbc/scopes.h"
 #include "document_kinds.h"
-#include "group_scope.h"
 #include "object_properties.h"
 
 #include <gtest/gtest.h>
@@ -11,7 +11,6 @@
 namespace {
 
 using Keys = std::list<std::string>;
-using GroupScope = test_support::GroupScope<const ObjectProperties>;
 
 // Keys from the cursor out to the root, slash-separated. Leaves the cursor at the root.
 std::string wayOut(const ObjectProperties& document)
@@ -307,7 +306,7 @@ TEST(Cursor, OnAnArrayBeginGroupAddsAnElementWhateverTheKey)
 
     for (const char* key : {"e", "e", "f"})
     {
-        const GroupScope element(document, key);
+        const dbc::GroupScope element(document, key);
         EXPECT_EQ(document.group(), key);
         EXPECT_EQ(document.type(), static_cast<int>(Group));
         EXPECT_EQ(document.childCount(), 0U);
