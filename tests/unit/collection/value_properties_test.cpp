@@ -1,7 +1,7 @@
 #include "every_type.h"
 
+#include "json_text.h"
 #include "properties_to_bson.h"
-#include "properties_to_json.h"
 
 #include <gtest/gtest.h>
 
@@ -12,13 +12,7 @@
 namespace {
 
 using dbc::Value;
-
-std::string jsonOf(const ObjectProperties& properties)
-{
-    std::string json;
-    PropertiesToJson::convert(properties, json);
-    return json;
-}
+using test_support::jsonOf;
 
 std::vector<std::string> texts(const std::vector<dbc::LossAt>& losses)
 {

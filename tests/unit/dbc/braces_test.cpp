@@ -1,8 +1,7 @@
 // Built with C++17 and with C++20: what braces mean depends on rules that changed between them.
 #include "dbc/filter.h"
 
-#include "driver_texts.h"
-#include "properties_to_json.h"
+#include "json_text.h"
 
 #include <gtest/gtest.h>
 
@@ -18,13 +17,7 @@ using dbc::document;
 using dbc::Field;
 using dbc::object;
 using dbc::Value;
-
-std::string jsonOf(const ObjectProperties& properties)
-{
-    std::string json;
-    PropertiesToJson::convert(properties, json);
-    return test_support::inWordsOf123(json);
-}
+using test_support::jsonOf;
 
 TEST(Braces, OfFieldsBuildAnObject)
 {

@@ -1,7 +1,6 @@
 #include "dbc/build.h"
 
-#include "driver_texts.h"
-#include "properties_to_json.h"
+#include "json_text.h"
 
 #include <gtest/gtest.h>
 
@@ -14,13 +13,7 @@ namespace {
 using dbc::array;
 using dbc::document;
 using dbc::object;
-
-std::string jsonOf(const ObjectProperties& properties)
-{
-    std::string json;
-    PropertiesToJson::convert(properties, json);
-    return test_support::inWordsOf123(json);
-}
+using test_support::jsonOf;
 
 TEST(Build, WritesEveryKind)
 {

@@ -1,6 +1,6 @@
 #include "dbc/filter.h"
 
-#include "properties_to_json.h"
+#include "json_text.h"
 
 #include <gtest/gtest.h>
 
@@ -9,13 +9,7 @@
 namespace {
 
 using dbc::object;
-
-std::string jsonOf(const ObjectProperties& properties)
-{
-    std::string json;
-    PropertiesToJson::convert(properties, json);
-    return json;
-}
+using test_support::jsonOf;
 
 struct Row
 {

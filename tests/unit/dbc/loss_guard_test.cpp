@@ -1,5 +1,6 @@
 #include "dbc/loss_guard.h"
 
+#include "bson_handles.h"
 #include "bson_to_properties.h"
 #include "driver.h"
 #include "object_properties.h"
@@ -16,19 +17,6 @@ namespace {
 using dbc::findLosses;
 using dbc::Loss;
 
-class Bson
-{
-public:
-    Bson() = default;
-    Bson(const Bson&) = delete;
-    Bson& operator=(const Bson&) = delete;
-    ~Bson() { bson_destroy(&m_bson); }
-    bson_t* get() { return &m_bson; }
-
-private:
-    bson_t m_bson = BSON_INITIALIZER;
-};
-
 std::string textOf(const std::vector<dbc::LossAt>& losses)
 {
     std::string text;
@@ -40,7 +28,7 @@ std::string textOf(const std::vector<dbc::LossAt>& losses)
 bool comesBackAsItWas(bson_t* bson)
 {
     ObjectProperties document;
-    Bson back;
+    OwnedBson back;
     return BsonToProperties::convert(bson, &document) && PropertiesToBson::convert(document, back.get()) &&
            bson_equal(bson, back.get());
 }
@@ -57,7 +45,7 @@ class EveryType : public testing::TestWithParam<Row>
 
 TEST_P(EveryType, IsNamedExactlyWhenItDoesNotComeBack)
 {
-    Bson bson;
+    OwnedBson bson;
     GetParam().append(bson.get());
     EXPECT_EQ(textOf(findLosses(*bson.get())), GetParam().expected);
     EXPECT_EQ(comesBackAsItWas(bson.get()), std::string(GetParam().expected).empty());
@@ -86,7 +74,7 @@ void appendDbPointer(bson_t* bson)
 
 void appendScope(bson_t* bson)
 {
-    Bson scope;
+    OwnedBson scope;
     BSON_APPEND_INT32(scope.get(), "x", 1);
     BSON_APPEND_CODE_WITH_SCOPE(bson, "f", "x", scope.get());
 }
@@ -158,7 +146,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(LossGuard, JoinsThePathOfANestedField)
 {
-    Bson bson;
+    OwnedBson bson;
     bson_t outer;
     bson_t inner;
     BSON_APPEND_DOCUMENT_BEGIN(bson.get(), "a", &outer);
@@ -172,7 +160,7 @@ TEST(LossGuard, JoinsThePathOfANestedField)
 
 TEST(LossGuard, SaysWhereTheBytesStopBeingBson)
 {
-    Bson bson;
+    OwnedBson bson;
     BSON_APPEND_INT32(bson.get(), "a", 1);
     BSON_APPEND_UTF8(bson.get(), "b", "text");
     std::vector<std::uint8_t> bytes(bson_get_data(bson.get()), bson_get_data(bson.get()) + bson.get()->len);
