@@ -91,14 +91,14 @@ struct ItemKindField
 };
 template struct RevealMember<ItemKindField, &Property::PropertyItem::m_type>;
 
-TEST(Layout, AFacadeIsItsTableAndOnePointer)
+TEST(Layout, PublicClassesHaveATableAndOnePointer)
 {
     EXPECT_EQ(sizeof(ObjectProperties), 16U);
     EXPECT_EQ(sizeof(ObjectFilter), 16U);
     EXPECT_EQ(sizeof(DataBaseClient), 16U);
 }
 
-TEST(Layout, OfANode)
+TEST(Layout, NodesHaveTheirSizes)
 {
     EXPECT_EQ(sizeof(Property::PropertyItem::PropertyValue), 8U);
     EXPECT_EQ(sizeof(Property::PropertyItem), 136U);
@@ -115,7 +115,7 @@ TEST(Layout, TheFieldsOfANodeAreItemChildrenAndParent)
     EXPECT_EQ(offsetOf(*node, revealed(PropertyParentField())), 208U);
 }
 
-TEST(Layout, TheFieldsOfAnItemAreValueBytesPatternOptionsKeyAndKind)
+TEST(Layout, TheFieldsOfAnItemAreValueBytesPatternOptionsKeyAndType)
 {
     const Property::PropertyItem item;
 
@@ -149,7 +149,7 @@ TEST(Layout, EnumerationsHave32Bits)
     EXPECT_EQ(sizeof(UpdateCommand), 4U);
 }
 
-TEST(Layout, KindsHaveTheirNumbers)
+TEST(Layout, PropertyTypesHaveTheirNumbers)
 {
     EXPECT_EQ(None, 0);
     EXPECT_EQ(Undefined, 1);

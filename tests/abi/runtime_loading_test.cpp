@@ -69,7 +69,7 @@ const std::string notConnected = "Connection is not established. Run connect bef
 
 } // namespace
 
-TEST_F(LoadedLibrary, EveryFactoryGivesAnObjectOfItsOwn)
+TEST_F(LoadedLibrary, EveryFactoryCallReturnsANewObject)
 {
     EXPECT_NE(document, create<ObjectProperties>("createObjectProperties"));
     EXPECT_NE(filter, create<ObjectFilter>("createObjectFilter"));
@@ -143,7 +143,7 @@ TEST_F(LoadedLibrary, DocumentsAreAssignedIncludedExcludedAndCut)
     EXPECT_EQ(document->valueAsInt("moved", 0), 3);
 }
 
-TEST_F(LoadedLibrary, AFilterIsBuiltAndItsQueryTakenOut)
+TEST_F(LoadedLibrary, AFilterIsBuiltAndReturnsItsQuery)
 {
     const auto copy = create<ObjectFilter>("createObjectFilter");
     filter->start_or();

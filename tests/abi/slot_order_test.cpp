@@ -75,7 +75,7 @@ using Results = std::list<ObjectProperties*>;
 
 } // namespace
 
-TEST(SlotOrder, OfPropertyHasNoDestructor)
+TEST(SlotOrder, OfPropertyIsFixedAndHasNoDestructor)
 {
     using P = Property;
     EXPECT_FALSE(std::has_virtual_destructor_v<P>);
@@ -85,7 +85,7 @@ TEST(SlotOrder, OfPropertyHasNoDestructor)
                 0);
 }
 
-TEST(SlotOrder, OfObjectProperties)
+TEST(SlotOrder, OfObjectPropertiesIsFixed)
 {
     using D = ObjectProperties;
     EXPECT_TRUE(std::has_virtual_destructor_v<D>);
@@ -166,7 +166,7 @@ TEST(SlotOrder, OfObjectProperties)
     expectTable("_ZTV16ObjectProperties", operations, behindTheDestructor);
 }
 
-TEST(SlotOrder, OfObjectFilter)
+TEST(SlotOrder, OfObjectFilterIsFixed)
 {
     using F = ObjectFilter;
     using Op = OperationType;
@@ -195,7 +195,7 @@ TEST(SlotOrder, OfObjectFilter)
     expectTable("_ZTV12ObjectFilter", operations, behindTheDestructor);
 }
 
-TEST(SlotOrder, OfDataBaseClient)
+TEST(SlotOrder, OfDataBaseClientIsFixed)
 {
     using C = DataBaseClient;
     using Document = ObjectProperties;

@@ -282,10 +282,10 @@ const test_support::AllocatingOperation<Setting> operations[] = {
     {"removeFile", [](Setting& s) { s.store.remove("no file has this long name"); }},
 };
 
-INSTANTIATE_TEST_SUITE_P(Layer, CollectionOperationWithoutMemory, testing::ValuesIn(operations),
+INSTANTIATE_TEST_SUITE_P(Collections, CollectionOperationWithoutMemory, testing::ValuesIn(operations),
                          [](const auto& row) { return row.param.name; });
 
-TEST(BulkWithoutMemory, StaysAsItWasWhicheverAllocationOfAnAddFails)
+TEST(BulkWithoutMemory, KeepsItsOperationsIfAnAllocationOfAnAddFails)
 {
     const Value document{{"text", longText}};
     const auto untouched = [](const Bulk& bulk) { EXPECT_EQ(bulk.size(), 1U); };

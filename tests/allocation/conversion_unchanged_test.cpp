@@ -45,7 +45,7 @@ TEST(WritingWithoutMemory, LeavesATargetThatCanBeDestroyed)
     EXPECT_GT(failures, 0U);
 }
 
-TEST(WritingWithoutMemory, OfADepthThatServersAcceptNeedsNone)
+TEST(WritingWithoutMemory, NeedsNoMemoryForADepthThatServersAccept)
 {
     const ObjectProperties document = nested(100);
 
@@ -57,7 +57,7 @@ TEST(WritingWithoutMemory, OfADepthThatServersAcceptNeedsNone)
     EXPECT_EQ(failures, 0U);
 }
 
-TEST(WritingWithoutMemory, OfJsonKeepsTheTextThatWasThere)
+TEST(WritingWithoutMemory, OfJsonKeepsTheStringOfTheCaller)
 {
     const ObjectProperties document = nested(20);
 
@@ -88,7 +88,7 @@ TEST(ReadingWithoutMemory, KeepsWhatWasReadBefore)
     EXPECT_GT(failures, 100U);
 }
 
-TEST(ReadingWithoutMemory, OfJsonReleasesWhatTheDriverMade)
+TEST(ReadingWithoutMemory, OfJsonReleasesTheObjectsOfTheDriver)
 {
     std::string json;
     ASSERT_TRUE(PropertiesToJson::convert(nested(5), json));

@@ -52,7 +52,7 @@ ObjectProperties other()
 
 } // namespace
 
-TEST(DocumentWithoutMemory, IsNotMade)
+TEST(DocumentWithoutMemory, IsNotConstructed)
 {
     const std::size_t failures = failEveryAllocation([] { return 0; }, [](int) { ObjectProperties(); }, [](int) {});
     EXPECT_EQ(failures, 2U);

@@ -86,7 +86,7 @@ TEST(FilterWithoutMemory, IsUntouchedByAFailedAssignment)
     EXPECT_GT(failEveryAllocation(makeOther, takeOver, checkUntouched), 0U);
 }
 
-TEST(FilterWithoutMemory, LeavesTheSourceOfAFailedCopyAlone)
+TEST(FilterWithoutMemory, DoesNotChangeTheSourceOfAFailedCopy)
 {
     const auto before = query::of(*makeFilter());
 

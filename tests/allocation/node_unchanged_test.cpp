@@ -136,7 +136,7 @@ TEST(TreeWithoutMemory, ACopyIntoItsOwnSubtreeLeavesTheTree)
         expectGroupWithMembers);
 }
 
-TEST(TreeWithoutMemory, ANewChildIsThereInFullOrNotAtAll)
+TEST(TreeWithoutMemory, ANewChildIsAddedCompletelyOrNotAtAll)
 {
     const std::string longKey = "a key that is long enough for the heap";
     using Create = std::function<void(Property&)>;

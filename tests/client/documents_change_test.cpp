@@ -113,7 +113,7 @@ TEST_F(DocumentUpdate, WithoutAMatchChangesNothing)
     EXPECT_EQ(scratch().documents("c"), Documents{R"({ "_id" : 1 })"});
 }
 
-TEST_F(DocumentUpdate, ThatTheServerRefusesThrowsItsTextAndCode)
+TEST_F(DocumentUpdate, RejectedByTheServerThrowsItsTextAndCode)
 {
     scratch().insert("c", R"({"_id": 1, "a": 1})");
 
@@ -126,7 +126,7 @@ TEST_F(DocumentUpdate, ThatTheServerRefusesThrowsItsTextAndCode)
     EXPECT_EQ(scratch().documents("c"), Documents{R"({ "_id" : 1, "a" : 1 })"});
 }
 
-TEST_F(DocumentRemove, TakesEveryMatchAndNothingElse)
+TEST_F(DocumentRemove, RemovesEveryMatchAndNothingElse)
 {
     scratch().insert("c", R"({"_id": 1, "k": 1})");
     scratch().insert("c", R"({"_id": 2, "k": 1})");
@@ -137,7 +137,7 @@ TEST_F(DocumentRemove, TakesEveryMatchAndNothingElse)
     EXPECT_EQ(scratch().documents("c"), Documents{R"({ "_id" : 3, "k" : 2 })"});
 }
 
-TEST_F(DocumentRemove, WithAnEmptyQueryTakesAll)
+TEST_F(DocumentRemove, WithAnEmptyQueryRemovesAllDocuments)
 {
     scratch().insert("c", R"({"_id": 1})");
     scratch().insert("c", R"({"_id": 2})");
@@ -147,7 +147,7 @@ TEST_F(DocumentRemove, WithAnEmptyQueryTakesAll)
     EXPECT_EQ(scratch().count("c"), 0U);
 }
 
-TEST_F(DocumentRemove, ThatTheServerRefusesThrowsItsTextAndCode)
+TEST_F(DocumentRemove, RejectedByTheServerThrowsItsTextAndCode)
 {
     scratch().insert("c", R"({"_id": 1})");
     ObjectProperties query;

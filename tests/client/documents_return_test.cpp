@@ -52,7 +52,7 @@ TEST_F(DocumentFind, WithoutLimitAndSkipReturnsEveryMatch)
     EXPECT_EQ(found(number("a", 99), 0, 0), Numbers{});
 }
 
-TEST_F(DocumentFind, TakesTheOrderFromTheWrittenOutForm)
+TEST_F(DocumentFind, SortsByOrderbyOfTheQuery)
 {
     insertNumbers(3);
 
@@ -101,7 +101,7 @@ TEST_F(DocumentFind, ReturnsOnlyTheFieldsOfTheProjection)
     EXPECT_EQ(results.front().valueAsInt32("_id", 0), 1);
 }
 
-TEST_F(DocumentFind, LeavesOutDocumentsThatComeBackEmpty)
+TEST_F(DocumentFind, OmitsDocumentsThatTheProjectionLeavesEmpty)
 {
     scratch().insert("c", R"({"_id": 1, "a": null})");
     scratch().insert("c", R"({"_id": 2, "a": 5})");
@@ -116,7 +116,7 @@ TEST_F(DocumentFind, LeavesOutDocumentsThatComeBackEmpty)
     EXPECT_EQ(results.front().valueAsInt32("a", 0), 5);
 }
 
-TEST_F(DocumentFind, AppendsToWhatTheListHolds)
+TEST_F(DocumentFind, AppendsToTheResultsInTheList)
 {
     insertNumbers(2);
     dbc::Results results;
@@ -131,7 +131,7 @@ TEST_F(DocumentFind, AppendsToWhatTheListHolds)
     EXPECT_EQ(&*std::next(results.begin()), second);
 }
 
-TEST_F(DocumentFind, InItsShortFormsReturnsEveryMatch)
+TEST_F(DocumentFind, ReadReturnsEveryMatch)
 {
     insertNumbers(3);
     dbc::Results results;
@@ -154,14 +154,14 @@ TEST_F(DocumentFind, LeavesTheCursorOfEveryResultAtTheRoot)
     EXPECT_EQ(results.front().valueAsInt32("g/h/v", 0), 1);
 }
 
-TEST_F(DocumentFind, InACollectionThatIsMissingReturnsNothing)
+TEST_F(DocumentFind, InAMissingCollectionReturnsNothing)
 {
     dbc::Results results;
     client().read(database(), "missing", ObjectProperties(), results);
     EXPECT_EQ(results.size(), 0U);
 }
 
-TEST_F(DocumentFind, ThatTheServerRefusesThrowsItsTextAndCode)
+TEST_F(DocumentFind, RejectedByTheServerThrowsItsTextAndCode)
 {
     ObjectProperties query;
     query.beginGroup("a");
@@ -175,7 +175,7 @@ TEST_F(DocumentFind, ThatTheServerRefusesThrowsItsTextAndCode)
     EXPECT_EQ(text.substr(text.size() - 9), "(code: 2)") << text;
 }
 
-TEST_F(DocumentFind, GivesBackWhatWasWritten)
+TEST_F(DocumentFind, ReturnsWhatWasWritten)
 {
     ObjectProperties document;
     document.setValueString("string", "text");
@@ -239,7 +239,7 @@ TEST_F(DocumentAggregate, RunsAPipelineOfNumberedStages)
     EXPECT_EQ(ids(results), (Numbers{3, 2}));
 }
 
-TEST_F(DocumentAggregate, AppendsToWhatTheListHoldsAndLeavesOutEmptyDocuments)
+TEST_F(DocumentAggregate, AppendsToTheResultsInTheListAndOmitsEmptyDocuments)
 {
     scratch().insert("c", R"({"_id": 1, "a": null})");
     scratch().insert("c", R"({"_id": 2, "a": 5})");
@@ -259,7 +259,7 @@ TEST_F(DocumentAggregate, AppendsToWhatTheListHoldsAndLeavesOutEmptyDocuments)
     EXPECT_EQ(results.back().valueAsInt32("a", 0), 5);
 }
 
-TEST_F(DocumentAggregate, ThatTheServerRefusesThrowsItsTextAndCode)
+TEST_F(DocumentAggregate, RejectedByTheServerThrowsItsTextAndCode)
 {
     insertNumbers(1);
     dbc::Results results;

@@ -7,7 +7,7 @@ namespace {
 
 using DocumentWrite = ConnectedClient;
 
-TEST_F(DocumentWrite, StoresTheDocumentWithTheIdItGivesBack)
+TEST_F(DocumentWrite, StoresTheDocumentWithTheIdThatItReturns)
 {
     std::string id = "replaced";
     client().write(database(), "c", number("a", 1), id);
@@ -47,7 +47,7 @@ TEST_F(DocumentWrite, GivesEveryDocumentItsOwnId)
     EXPECT_EQ(scratch().count("c"), 50U);
 }
 
-TEST_F(DocumentWrite, KeepsEveryKindOfValue)
+TEST_F(DocumentWrite, KeepsValuesOfEveryType)
 {
     ObjectProperties document;
     document.setValueString("string", "text");
@@ -80,7 +80,7 @@ TEST_F(DocumentWrite, WithNamesOfSeveralPartsGoesToThatCollection)
     EXPECT_EQ(scratch().collections(), std::vector<std::string>{"a.b"});
 }
 
-TEST_F(DocumentWrite, ThatIsRefusedThrowsTheTextAndTheCodeAndLeavesTheNewId)
+TEST_F(DocumentWrite, RejectedByTheServerThrowsItsTextAndCodeAndKeepsTheNewId)
 {
     scratch().run(R"({"createIndexes": "c", "indexes": [{"key": {"a": 1}, "name": "a", "unique": true}]})");
     client().write(database(), "c", number("a", 1));
@@ -98,7 +98,7 @@ TEST_F(DocumentWrite, ThatIsRefusedThrowsTheTextAndTheCodeAndLeavesTheNewId)
     EXPECT_EQ(scratch().count("c"), 2U);
 }
 
-TEST_F(DocumentWrite, OfMoreThanTheServerTakesIsRefusedBeforeAnythingIsSent)
+TEST_F(DocumentWrite, OfATooLargeDocumentFailsBeforeAnythingIsSent)
 {
     ObjectProperties document;
     document.setValueString("text", std::string(17 * 1024 * 1024, 'x'));

@@ -146,7 +146,7 @@ TEST_F(StoredFile, IsAppendedAtTheWritePositionOfTheStream)
     EXPECT_EQ(stream.tellg(), std::streampos(0));
 }
 
-TEST_F(StoredFile, GoesNowhereWithoutAnErrorWhenTheStreamHasFailed)
+TEST_F(StoredFile, IsNotCopiedToAFailedStreamAndThrowsNothing)
 {
     store("file", "text");
     std::stringstream stream;
@@ -168,7 +168,7 @@ TEST_F(StoredFile, IsFoundByItsExactName)
               "runtime_error: Error occurred while mongoc_gridfs_find_one_by_filename operation");
 }
 
-TEST_F(StoredFile, OfTheSameNameStaysBesideTheFirst)
+TEST_F(StoredFile, OfTheSameNameIsStoredBesideTheFirst)
 {
     store("file", "first");
     store("file", "second");
@@ -197,7 +197,7 @@ TEST_F(StoredFile, HasItsNameAndNoMoreThanWhatTheDriverAdds)
         EXPECT_EQ(record.find(absent), std::string::npos) << record;
 }
 
-TEST_F(StoredFile, LivesInTheStoreItWasWrittenTo)
+TEST_F(StoredFile, IsFoundOnlyInTheStoreItWasWrittenTo)
 {
     client().writeFile(database(), "other", "file", source("text"));
 
@@ -304,7 +304,7 @@ public:
     }
 };
 
-TEST_P(CutChunk, EndsTheReadingWithAnErrorInsteadOfForEver)
+TEST_P(CutChunk, EndsTheReadingWithAnErrorInsteadOfLooping)
 {
     const std::string text = patternText(2 * chunkSize + 100);
     store("file", text);
@@ -320,7 +320,7 @@ TEST_P(CutChunk, EndsTheReadingWithAnErrorInsteadOfForEver)
 
 INSTANTIATE_TEST_SUITE_P(Chunks, CutChunk, testing::Values(0, 1, 2), testing::PrintToStringParamName());
 
-TEST_F(CutChunk, LongerThanTheFileIsReadNoFurtherThanTheFilesLength)
+TEST_F(CutChunk, LongerThanTheFileIsReadUpToTheLengthOfTheFile)
 {
     const std::string text = patternText(4096);
     store("file", text);
@@ -329,7 +329,7 @@ TEST_F(CutChunk, LongerThanTheFileIsReadNoFurtherThanTheFilesLength)
     EXPECT_TRUE(stored("file") == text.substr(0, 4000));
 }
 
-TEST_F(CutChunk, LongerThanTheFileIsReadNoFurtherThanTheFilesLengthAlsoInALaterPiece)
+TEST_F(CutChunk, LongerThanTheFileIsReadUpToTheLengthOfTheFileInALaterPiece)
 {
     const std::string text = patternText(10'000);
     store("file", text);
@@ -378,7 +378,7 @@ TEST_F(StoredFile, WhoseRecordNamesNoLengthReadsAsEmpty)
 
 using FileList = StoredFile;
 
-TEST_F(FileList, OfAnEmptyStoreLeavesTheNamesAlone)
+TEST_F(FileList, OfAnEmptyStoreDoesNotChangeTheNames)
 {
     Names names{"before"};
     client().listFiles(database(), "fs", names);
@@ -396,7 +396,7 @@ TEST_F(FileList, IsSortedByNameAndAppended)
     EXPECT_EQ(names, (Names{"before", "C", "a", "a", "b"}));
 }
 
-TEST_F(FileList, LeavesOutFilesWithoutAName)
+TEST_F(FileList, OmitsFilesWithoutAName)
 {
     store("b", "text");
     scratch().insert("fs.files", R"({"_id": 1, "length": 0, "chunkSize": 10})");
@@ -444,7 +444,7 @@ TEST_F(FileList, ReportsARecordThatTheDriverCannotReadInsteadOfEndingThere)
 
 using FileRemoval = StoredFile;
 
-TEST_F(FileRemoval, TakesEveryFileOfTheNameWhateverTheCase)
+TEST_F(FileRemoval, RemovesEveryFileOfTheNameIgnoringCase)
 {
     for (const char* const name : {"readme.txt", "README.TXT", "readme.txt", "readme"})
         store(name, "text");
@@ -462,7 +462,7 @@ TEST_F(FileRemoval, OfANameThatIsNotStoredDoesNothing)
     EXPECT_EQ(listed(), Names{"file"});
 }
 
-TEST_F(FileRemoval, LeavesFilesWithoutANameAlone)
+TEST_F(FileRemoval, DoesNotRemoveFilesWithoutAName)
 {
     scratch().insert("fs.files", R"({"_id": 1, "length": 0, "chunkSize": 10})");
     store("file", "text");

@@ -348,7 +348,7 @@ TEST_P(FilterOnServer, RemovesTheDocumentsOfAPlainLoop)
     EXPECT_EQ(numbersFound(ObjectProperties()), expected(false));
 }
 
-TEST(FilterRows, TakeSomeDocumentsAndLeaveOthers)
+TEST(FilterRows, MatchSomeDocumentsButNotAll)
 {
     Records records = makeRecords();
     for (Record& record : records)

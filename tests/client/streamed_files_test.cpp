@@ -57,7 +57,7 @@ TEST_F(StreamedFile, MayBeEmpty)
     EXPECT_EQ(listed(), std::list<std::string>{"name"});
 }
 
-TEST_F(StreamedFile, OfAStoredNameStaysBesideTheOlderFile)
+TEST_F(StreamedFile, OfAStoredNameIsStoredBesideTheOlderFile)
 {
     store("name", "older");
     store("name", "newer");
@@ -94,7 +94,7 @@ TEST_F(StreamedFile, IsRemovedWhenTheConnectionBreaksInTheMiddle)
     }
 }
 
-TEST_F(StreamedFile, IsRemovedWhenTheServerDoesNotGiveTheFinalName)
+TEST_F(StreamedFile, IsRemovedIfTheServerDoesNotSetTheFinalName)
 {
     gateway().clear();
     store("name", "text");

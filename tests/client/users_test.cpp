@@ -92,7 +92,7 @@ TEST_F(UserAdministration, SecondUserOfANameIsRefusedWithTheServersTextAndCode)
     EXPECT_EQ(text.find("secret"), std::string::npos) << text;
 }
 
-TEST_F(UserAdministration, UserWithoutAPasswordIsLeftToTheServerToRefuse)
+TEST_F(UserAdministration, UserWithoutAPasswordIsSentToTheServer)
 {
     const std::string reader = userName("reader");
     const std::string text =

@@ -218,10 +218,10 @@ const OperationRow operations[] = {
      [](Subject& s) { return s.store.find("g").has_value(); }, PassesOn::Labels},
 };
 
-class LayerFault : public ConnectedClient, public testing::WithParamInterface<OperationRow>
+class CollectionFault : public ConnectedClient, public testing::WithParamInterface<OperationRow>
 {
 public:
-    ~LayerFault() override { gateway().clearFaults(); }
+    ~CollectionFault() override { gateway().clearFaults(); }
 
     /// Runs the operation of this row on objects of their own and hands the error that comes out to @p check.
     void expectError(const char* trace, Fault fault, bool reachesServer,
@@ -256,7 +256,7 @@ private:
     int m_subjects = 0;
 };
 
-TEST_P(LayerFault, OfTheConnectionIsOfTheKindNetworkAndMayBeRetried)
+TEST_P(CollectionFault, OfTheConnectionIsANetworkErrorThatMayBeRetried)
 {
     const auto isNetwork = [](const ServerError& error) {
         EXPECT_EQ(error.kind(), ErrorKind::Network) << error.what();
@@ -268,7 +268,7 @@ TEST_P(LayerFault, OfTheConnectionIsOfTheKindNetworkAndMayBeRetried)
     expectError("dropped inside the reply", Fault::cutReply(20), true, isNetwork);
 }
 
-TEST_P(LayerFault, OfAMalformedReplyIsAServerError)
+TEST_P(CollectionFault, OfAMalformedReplyIsAServerError)
 {
     expectError("no message", Fault::rawReply(Bytes(64, 0xFF)), true, [](const ServerError&) {});
 }
@@ -291,7 +291,7 @@ const Refusal refusals[] = {
     {14031, "OutOfDiskSpace", "[]", ErrorKind::Other, false},
 };
 
-TEST_P(LayerFault, OfTheServerHasItsTextCodeAndKind)
+TEST_P(CollectionFault, OfTheServerHasItsTextCodeAndKind)
 {
     const OperationRow& row = GetParam();
     for (const Refusal& refusal : refusals)
@@ -317,7 +317,7 @@ TEST_P(LayerFault, OfTheServerHasItsTextCodeAndKind)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Operations, LayerFault, testing::ValuesIn(operations), RowName());
+INSTANTIATE_TEST_SUITE_P(Operations, CollectionFault, testing::ValuesIn(operations), RowName());
 
 std::vector<OperationRow> writes()
 {
@@ -330,10 +330,10 @@ std::vector<OperationRow> writes()
     return found;
 }
 
-class LayerWriteFault : public LayerFault
+class CollectionWriteFault : public CollectionFault
 {};
 
-TEST_P(LayerWriteFault, OfConfirmationIsATimeoutAlthoughTheWriteWasDone)
+TEST_P(CollectionWriteFault, OfTheWriteConcernIsATimeoutAlthoughTheWriteWasDone)
 {
     const char* const reply =
         R"({"ok": 1, "n": 1, "nModified": 1, "value": null,
@@ -345,7 +345,7 @@ TEST_P(LayerWriteFault, OfConfirmationIsATimeoutAlthoughTheWriteWasDone)
     });
 }
 
-INSTANTIATE_TEST_SUITE_P(Operations, LayerWriteFault, testing::ValuesIn(writes()), RowName());
+INSTANTIATE_TEST_SUITE_P(Operations, CollectionWriteFault, testing::ValuesIn(writes()), RowName());
 
 } // namespace
 } // namespace test_support

@@ -167,7 +167,7 @@ private:
     std::string m_source;
 };
 
-TEST_P(DriverFailure, OfAnyCallThrowsAndLeavesNothingBehind)
+TEST_P(DriverFailure, OfAnyCallThrowsAndLeaksNothing)
 {
     // Connections and the objects of the test itself: what must be there again after each failure.
     const long before = counted_driver::liveObjects();
@@ -196,7 +196,7 @@ TEST_P(DriverFailure, OfAnyCallThrowsAndLeavesNothingBehind)
     EXPECT_GT(number, 1U) << "no call failed";
 }
 
-TEST_P(DriverFailure, ToAllocateIsReportedAndLeavesNothingBehind)
+TEST_P(DriverFailure, ToAllocateThrowsAndLeaksNothing)
 {
     const long before = counted_driver::liveObjects();
 
@@ -236,14 +236,14 @@ public:
     }
 };
 
-TEST_F(BrokenResult, OfAFindIsABadResultAndThoseBeforeItStay)
+TEST_F(BrokenResult, FromAFindThrowsBadResultsAndKeepsTheResultsBeforeIt)
 {
     expectOneResult([this](std::list<ObjectProperties*>& results) {
         client().find(database(), "c", ObjectProperties(), ObjectProperties(), results, 0, 0);
     });
 }
 
-TEST_F(BrokenResult, OfAnAggregationIsABadResultAndThoseBeforeItStay)
+TEST_F(BrokenResult, FromAnAggregationThrowsBadResultsAndKeepsTheResultsBeforeIt)
 {
     expectOneResult([this](std::list<ObjectProperties*>& results) {
         client().aggregate(database(), "c", pipeline([](ObjectProperties& stage) { stage.setValueInt32("$skip", 0); }),
@@ -270,7 +270,7 @@ TEST_F(ImplementationOfAClient, ReadsAllThatMatchesTheQuery)
     EXPECT_EQ(all.size(), 3U);
 }
 
-TEST(DriverObjects, AreAllGoneWithTheClient)
+TEST(DriverObjects, AreDestroyedWithTheClient)
 {
     const long before = counted_driver::liveObjects();
     {

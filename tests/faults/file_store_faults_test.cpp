@@ -131,7 +131,7 @@ public:
 class UploadFault : public FileStoreFault
 {};
 
-TEST_P(UploadFault, LeavesNothingAndTheSameStoreTakesTheFileAfterwards)
+TEST_P(UploadFault, StoresNothingAndTheSameStoreAcceptsTheFileAfterwards)
 {
     const std::string content = largeContent();
     int number = 0;

@@ -244,7 +244,7 @@ private:
     std::stringstream m_stream;
 };
 
-TEST(HostileArguments, EndInAResultOrAnExceptionNeverInTheEndOfTheProcess)
+TEST(HostileArguments, ReturnOrThrowButNeverEndTheProcess)
 {
     ScratchDatabase database;
     TestServer::instance().gateway().record(false);

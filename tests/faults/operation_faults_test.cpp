@@ -121,7 +121,7 @@ public:
     }
 };
 
-TEST_P(OperationFault, ConnectionDroppedBeforeTheServerSawTheCommand)
+TEST_P(OperationFault, ThrowsIfTheConnectionDropsBeforeTheServerGetsTheCommand)
 {
     inject(Fault::dropBeforeForwarding());
     EXPECT_PRED1([this](const std::string& text) { return isOwn(text); }, failure());
@@ -129,7 +129,7 @@ TEST_P(OperationFault, ConnectionDroppedBeforeTheServerSawTheCommand)
     expectRecovery();
 }
 
-TEST_P(OperationFault, ConnectionDroppedAfterTheServerCarriedTheCommandOut)
+TEST_P(OperationFault, ThrowsIfTheConnectionDropsAfterTheServerRanTheCommand)
 {
     inject(Fault::dropAfterForwarding());
     EXPECT_PRED1([this](const std::string& text) { return isOwn(text); }, failure());
@@ -137,7 +137,7 @@ TEST_P(OperationFault, ConnectionDroppedAfterTheServerCarriedTheCommandOut)
     expectRecovery();
 }
 
-TEST_P(OperationFault, ConnectionDroppedInsideTheReply)
+TEST_P(OperationFault, ThrowsIfTheConnectionDropsInsideTheReply)
 {
     inject(Fault::cutReply(20));
     EXPECT_PRED1([this](const std::string& text) { return isOwn(text); }, failure());
@@ -145,21 +145,21 @@ TEST_P(OperationFault, ConnectionDroppedInsideTheReply)
     expectRecovery();
 }
 
-TEST_P(OperationFault, ReplyWhoseHeaderIsNone)
+TEST_P(OperationFault, ThrowsForAReplyWithAMalformedHeader)
 {
     inject(Fault::rawReply(Bytes(64, 0xFF)));
     EXPECT_PRED1([this](const std::string& text) { return isOwn(text); }, failure());
     expectRecovery();
 }
 
-TEST_P(OperationFault, ErrorOfTheServerArrivesWithTextAndCode)
+TEST_P(OperationFault, ThrowsTheTextAndCodeOfTheServer)
 {
     inject(Fault::answer(R"({"ok": 0, "errmsg": "refused for a test", "code": 13})"));
     EXPECT_EQ(failure(), std::string("runtime_error: ") + GetParam().message + ": refused for a test(code: 13)");
     expectRecovery();
 }
 
-TEST_P(OperationFault, ServerThatIsNotPrimaryArrivesWithTextAndCode)
+TEST_P(OperationFault, ThrowsTheTextAndCodeOfAServerThatIsNotPrimary)
 {
     inject(Fault::answer(R"({"ok": 0, "errmsg": "not master", "code": 10107})"));
     const std::string text = failure();
@@ -167,7 +167,7 @@ TEST_P(OperationFault, ServerThatIsNotPrimaryArrivesWithTextAndCode)
     expectRecovery();
 }
 
-TEST_P(OperationFault, ReplyLaterThanTheSocketTimeoutAllows)
+TEST_P(OperationFault, ThrowsIfTheReplyIsLaterThanTheSocketTimeout)
 {
     client().connect(withOptions(gateway().uri(), "socketTimeoutMS=200"));
     inject(Fault::holdReply());
@@ -230,7 +230,7 @@ TEST_F(IterationFault, OfAnAggregationKeepsTheResultsBeforeIt)
     });
 }
 
-TEST(WriteFault, LeavesTheNewIdWhateverBecameOfTheDocument)
+TEST(WriteFault, KeepsTheNewIdEvenIfTheDocumentWasNotStored)
 {
     ScratchDatabase scratch;
     WireGateway& gateway = TestServer::instance().gateway();
@@ -258,7 +258,7 @@ TEST(WriteFault, WithAWriteErrorInTheReplyThrowsItsTextAndCode)
               "runtime_error: Error occurred while insert operation: not valid(code: 121)");
 }
 
-TEST(WriteFault, ThatTheDriverGivesNoRecordOfThrowsTheMessageAlone)
+TEST(WriteFault, WithoutAnErrorOfTheDriverThrowsTheMessageAlone)
 {
     ScratchDatabase scratch;
     WireGateway& gateway = TestServer::instance().gateway();
@@ -271,7 +271,7 @@ TEST(WriteFault, ThatTheDriverGivesNoRecordOfThrowsTheMessageAlone)
               "runtime_error: Error occurred while insert operation");
 }
 
-TEST(ServerFault, OfAServerThatEndsAndStartsAgainIsReportedAndPasses)
+TEST(ServerFault, OfARestartIsReportedAndTheClientRecovers)
 {
     if (!ServerProcess::available())
         GTEST_SKIP() << "the server given by MONGODB_URI cannot be stopped";

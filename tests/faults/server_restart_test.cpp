@@ -193,7 +193,7 @@ TEST_F(ServerRestart, KeepsTheResultsDeliveredBeforeAndTheNextReadDeliversAll)
     EXPECT_EQ(idsOf(client, "c").size(), count) << "the same client works again";
 }
 
-TEST_F(ServerRestart, LeavesEveryOperationWithItsOwnExceptionWhileTheServerIsAway)
+TEST_F(ServerRestart, MakesEveryOperationThrowItsOwnExceptionWhileTheServerIsDown)
 {
     DataBaseClient client;
     client.connect(withOptions(m_server->uri(), "serverSelectionTimeoutMS=200&connectTimeoutMS=200"));
@@ -231,7 +231,7 @@ TEST_F(ServerRestart, LeavesEveryOperationWithItsOwnExceptionWhileTheServerIsAwa
 }
 
 // No clock is read: the server never answers, so only the limit of the connection string can end the operation.
-TEST_F(ServerRestart, EndsAnOperationAtTheSocketTimeLimitWhenTheServerNeverAnswers)
+TEST_F(ServerRestart, EndsAnOperationAtTheSocketTimeoutIfTheServerNeverReplies)
 {
     WireGateway gateway(m_server->uri(), m_server->rewrite());
     DataBaseClient client;
@@ -244,7 +244,7 @@ TEST_F(ServerRestart, EndsAnOperationAtTheSocketTimeLimitWhenTheServerNeverAnswe
     EXPECT_NO_THROW(client.write("restart", "c", ObjectProperties())) << "the same client works again";
 }
 
-TEST_F(ServerRestart, EndsAnOperationAtTheSelectionTimeLimitWhenNobodyAccepts)
+TEST_F(ServerRestart, EndsAnOperationAtTheServerSelectionTimeoutIfNothingAccepts)
 {
     WireGateway gateway(m_server->uri(), m_server->rewrite());
     gateway.refuseConnections();

@@ -111,7 +111,7 @@ TEST_F(Tls, WorksWithoutTheRevocationOfCertificates)
     }
 }
 
-TEST_F(Tls, IsNotLeftOutByTheClientOrTheServer)
+TEST_F(Tls, IsRequiredIfOnlyTheClientOrTheServerUsesIt)
 {
     const ServerProcess server(serverCertificate("here"));
     EXPECT_NE(writeThrough(withOptions(server.uri(), "tls=false")), "");

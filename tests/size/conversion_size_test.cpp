@@ -39,7 +39,7 @@ std::vector<std::uint8_t> nestedBytes(int levels)
 
 } // namespace
 
-TEST_P(DeepConversion, FromBsonAndBackGivesTheSameBytes)
+TEST_P(DeepConversion, FromBsonAndBackReturnsTheSameBytes)
 {
     test_support::runWithStack(GetParam().bytes, [] {
         const std::vector<std::uint8_t> bytes = nestedBytes(depth);

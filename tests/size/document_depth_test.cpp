@@ -79,7 +79,7 @@ TEST_P(DeepDocument, IsIncludedAndExcluded)
     });
 }
 
-TEST_P(DeepDocument, IsFreedWhileTheCursorStandsAtItsBottom)
+TEST_P(DeepDocument, IsFreedWhileTheCursorIsAtTheLastLevel)
 {
     test_support::runWithStack(GetParam().bytes, [] {
         ObjectProperties document = nested();

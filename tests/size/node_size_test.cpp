@@ -97,7 +97,7 @@ TEST_P(DeepTree, IsFreedByEveryOperationThatDropsChildren)
     });
 }
 
-TEST_P(DeepTree, FreedLeavesAliveWhatIsHeldElsewhere)
+TEST_P(DeepTree, IsFreedExceptForNodesThatAreOwnedElsewhere)
 {
     test_support::runWithStack(GetParam().bytes, [] {
         NodePointer root = nested(depth);
@@ -109,7 +109,7 @@ TEST_P(DeepTree, FreedLeavesAliveWhatIsHeldElsewhere)
     });
 }
 
-TEST_P(DeepTree, IsFollowedCreatedAndReadByItsPath)
+TEST_P(DeepTree, IsCreatedAndFoundByItsPath)
 {
     test_support::runWithStack(GetParam().bytes, [] {
         std::string path;

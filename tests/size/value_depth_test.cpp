@@ -67,7 +67,7 @@ TEST(ValueDepth, OfScopesIsLimitedByMemoryOnly)
     });
 }
 
-TEST(ValueDepth, OfBytesThatAreRefusedNeedsNoStack)
+TEST(ValueDepth, OfMalformedBytesNeedsNoStack)
 {
     test_support::runWithStack(stackSize, [] {
         std::vector<std::uint8_t> bytes = deep(100001).toBson();

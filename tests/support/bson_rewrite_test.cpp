@@ -77,7 +77,7 @@ void PrintTo(const Row& row, std::ostream* out)
 class BsonRewriteOf : public testing::TestWithParam<Row>
 {};
 
-TEST_P(BsonRewriteOf, GivesTheServerWhatItTakes)
+TEST_P(BsonRewriteOf, ReturnsADocumentThatTheServerAccepts)
 {
     EXPECT_EQ(forwarded(GetParam().before), GetParam().after);
 }
@@ -114,7 +114,7 @@ INSTANTIATE_TEST_SUITE_P(
             document(group("g", number("1", 1) + number("0", 2)))}),
     [](const auto& tested) { return tested.param.name; });
 
-TEST(BsonRewrite, LeavesEveryOtherKindOfValueAlone)
+TEST(BsonRewrite, LeavesValuesOfEveryOtherTypeUnchanged)
 {
     const std::string eight(8, '\x01');
     const std::string values =
@@ -160,7 +160,7 @@ TEST(BsonRewrite, OfUserDataAloneLeavesArraysAndUndefinedUntouched)
     EXPECT_FALSE(needsRewriting(document(rest), BsonRewrite::UserData));
 }
 
-TEST(BsonRewrite, LeavesBytesThatAreNoDocumentUntouched)
+TEST(BsonRewrite, LeavesBytesThatAreNotADocumentUnchanged)
 {
     const std::string good = document(undefined("u") + array("a", number("1", 1)));
     ASSERT_TRUE(needsRewriting(good));

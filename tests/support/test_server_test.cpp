@@ -11,7 +11,7 @@
 namespace test_support {
 namespace {
 
-TEST(ScratchDatabase, GivesBackWhatWasInserted)
+TEST(ScratchDatabase, ReturnsWhatWasInserted)
 {
     ScratchDatabase database;
 
@@ -27,7 +27,7 @@ TEST(ScratchDatabase, GivesBackWhatWasInserted)
     EXPECT_EQ(database.collections(), std::vector<std::string>{"things"});
 }
 
-TEST(ScratchDatabase, IsGoneAtTheEndOfItsBlock)
+TEST(ScratchDatabase, IsDroppedAtTheEndOfItsBlock)
 {
     std::string name;
     {
@@ -57,7 +57,7 @@ TEST(ScratchDatabase, OnTheServerWithAuthenticationKnowsUsersAndDropsThem)
     EXPECT_EQ(other.run(R"({"usersInfo": {"forAllDBs": true}})").find(name), std::string::npos);
 }
 
-TEST(ScratchDatabase, ThrowsTheServersRefusal)
+TEST(ScratchDatabase, ThrowsTheErrorOfTheServer)
 {
     ScratchDatabase database;
     database.insert("things", R"({"_id": 1})");
@@ -68,7 +68,7 @@ TEST(ScratchDatabase, ThrowsTheServersRefusal)
     EXPECT_THROW(database.insert("things", "{"), std::runtime_error);
 }
 
-TEST(TestServerAuthentication, IsAskedForOnOneServerAndNotOnTheOther)
+TEST(TestServerAuthentication, IsRequiredOnOneServerAndNotOnTheOther)
 {
     TestServer& server = TestServer::instance();
     if (server.directUri() == server.directAuthUri())

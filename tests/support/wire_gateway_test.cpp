@@ -767,7 +767,7 @@ TEST_F(Gateway, EndsTheClientsConnectionWhenTheServerIsGoneAndFollowsItToANewAdd
     EXPECT_EQ(Client(moving.uri()).ping(), "");
 }
 
-TEST(GatewayUri, KeepsWhatTheDriverNeedsAndLeavesOutWhatCannotWork)
+TEST(GatewayUri, KeepsOptionsOfTheDriverAndOmitsThoseThatCannotWork)
 {
     const auto behind = [](const std::string& uri) {
         const WireGateway gateway(uri, WireGateway::Rewrite::Nothing);

@@ -33,7 +33,7 @@ protected:
     static std::string place() { return "127.0.0.1:" + std::to_string(gateway().port()); }
 };
 
-TEST_F(Doctor, ReportsADeadHostThoughTheOthersServe)
+TEST_F(Doctor, ReportsAnUnreachableHostAlthoughTheOthersWork)
 {
     pretendSetWith("127.0.0.1:1");
     ToolProcess tool({"--uri", setUri(",127.0.0.1:1"), "doctor"});
@@ -47,7 +47,7 @@ TEST_F(Doctor, ReportsADeadHostThoughTheOthersServe)
     EXPECT_EQ(output.find(" lists "), std::string::npos) << output;
 }
 
-TEST_F(Doctor, ReportsADeadMemberThatTheStringDoesNotName)
+TEST_F(Doctor, ReportsAnUnreachableMemberThatTheConnectionStringDoesNotName)
 {
     pretendSetWith("127.0.0.1:1");
     ToolProcess tool({"--uri", setUri(), "doctor"});
@@ -75,7 +75,7 @@ TEST_F(Doctor, ReportsAMemberWhoseNameCannotBeResolved)
     EXPECT_EQ(output.find("ok    login: ") != std::string::npos, !wouldHang) << output;
 }
 
-TEST_F(Doctor, AsksForNoMembersWhereTheDriverTakesOneHostAlone)
+TEST_F(Doctor, DoesNotAskForMembersIfTheDriverUsesOnlyOneHost)
 {
     pretendSetWith("no-such-host.invalid:27017");
     for (const std::string& uri : {gateway().uri(), withOptions(setUri(), "directConnection=true")})

@@ -39,7 +39,7 @@ protected:
     ScratchFolder m_folder;
 };
 
-TEST_F(Export, TakesTheOlderFilesPlaceWhenItIsComplete)
+TEST_F(Export, ReplacesTheOlderFileWhenItIsComplete)
 {
     ToolProcess tool(line());
 

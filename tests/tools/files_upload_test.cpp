@@ -117,7 +117,7 @@ TEST_F(FilesUpload, LeavesNothingWhenTheConnectionBreaks)
     }
 }
 
-TEST_F(FilesUpload, SaysWhatStaysWhenItCannotBeRemoved)
+TEST_F(FilesUpload, ReportsWhatRemainsIfItCannotBeRemoved)
 {
     gateway().inject(Fault::answer(R"({"ok": 0, "errmsg": "full", "code": 14031})")
                          .onCommand("insert")
@@ -134,7 +134,7 @@ TEST_F(FilesUpload, SaysWhatStaysWhenItCannotBeRemoved)
     EXPECT_GT(chunks(), 0U);
 }
 
-TEST_F(FilesUpload, ThatWasKilledIsNoFileAndItsContentIsRemoved)
+TEST_F(FilesUpload, ThatWasKilledStoresNoFileAndItsContentIsRemoved)
 {
     ASSERT_EQ(run("put", {m_folder.path("large"), "--name", "whole"}), 0);
     leavePartOfAFile();

@@ -42,7 +42,7 @@ protected:
     ScratchFolder m_folder;
 };
 
-TEST_F(ImportCutOff, GoesOnWithoutStoringADocumentTwice)
+TEST_F(ImportCutOff, ContinuesWithoutStoringADocumentTwice)
 {
     gateway().inject(Fault::dropAfterForwarding().onCommand("insert").number(2));
     ToolProcess first(line({}));
@@ -59,7 +59,7 @@ TEST_F(ImportCutOff, GoesOnWithoutStoringADocumentTwice)
     EXPECT_EQ(m_database.count("c"), 20U);
 }
 
-TEST_F(ImportCutOff, GoesOnWithWhatWasNotStored)
+TEST_F(ImportCutOff, ContinuesWithTheDocumentsThatWereNotStored)
 {
     gateway().inject(Fault::dropBeforeForwarding().onCommand("insert").number(2));
     ToolProcess first(line({}));

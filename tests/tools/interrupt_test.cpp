@@ -26,7 +26,7 @@ protected:
     ScratchDatabase m_database;
 };
 
-TEST_F(SlowQuery, InterruptedSaysWhatHappensAndEndsAtTheSecondInterrupt)
+TEST_F(SlowQuery, InterruptedPrintsAMessageAndEndsAtTheSecondInterrupt)
 {
     gateway().inject(Fault::holdReply().onCommand("find"));
     ToolProcess tool(line(), ToolProcess::Messages::OnATerminal);
@@ -39,7 +39,7 @@ TEST_F(SlowQuery, InterruptedSaysWhatHappensAndEndsAtTheSecondInterrupt)
     EXPECT_EQ(tool.wait(), 128 + SIGINT) << tool.messages();
 }
 
-TEST_F(SlowQuery, InterruptedOnceEndsWithTheReplyAndHasSaidItOnce)
+TEST_F(SlowQuery, InterruptedOnceEndsWithTheReplyAndReportsItOnce)
 {
     gateway().inject(Fault::holdReply().onCommand("find"));
     ToolProcess tool(line(), ToolProcess::Messages::OnATerminal);

@@ -55,7 +55,7 @@ TEST_F(SchemaSample, IsChosenByTheServerAmongTheDocumentsThatMatch)
     EXPECT_EQ(gateway().commands("find").size(), 0U);
 }
 
-TEST_F(SchemaSample, IsTheFirstDocumentsWhereTheServerDoesNotChoose)
+TEST_F(SchemaSample, IsTheFirstDocumentsIfTheServerCannotChoose)
 {
     gateway().inject(refused(40324, "Unrecognized pipeline stage name: '$sample'"));
     ToolProcess tool(line({"--sample", "1"}));
@@ -67,7 +67,7 @@ TEST_F(SchemaSample, IsTheFirstDocumentsWhereTheServerDoesNotChoose)
                                "failed: Unrecognized pipeline stage name: '$sample'\n");
 }
 
-TEST_F(SchemaSample, IsNotReadInAnotherWayWhenTheUserMayNotReadAtAll)
+TEST_F(SchemaSample, IsNotReadInAnotherWayWithoutTheRightToRead)
 {
     gateway().inject(refused(13, "not authorized"));
     ToolProcess tool(line({}));
@@ -78,7 +78,7 @@ TEST_F(SchemaSample, IsNotReadInAnotherWayWhenTheUserMayNotReadAtAll)
     EXPECT_EQ(gateway().commands("find").size(), 0U);
 }
 
-TEST_F(SchemaSample, OfAllDocumentsNeedsNoChoice)
+TEST_F(SchemaSample, OfAllDocumentsIsNotChosenByTheServer)
 {
     ToolProcess tool(line({"--sample", "0"}));
 
@@ -88,7 +88,7 @@ TEST_F(SchemaSample, OfAllDocumentsNeedsNoChoice)
     EXPECT_EQ(gateway().commands("aggregate").size(), 0U);
 }
 
-TEST_F(SchemaSample, IsNotSpokenOfWhenQuiet)
+TEST_F(SchemaSample, IsNotMentionedIfQuiet)
 {
     gateway().inject(chosen());
     ToolProcess tool(line({"--quiet", "--sample", "1"}));

@@ -205,7 +205,7 @@ TEST(Table, ReturnsRandomTextsUnchanged)
     expectRoundTrip(documents);
 }
 
-TEST(Table, RefusesTopLevelKeysThatAreNoColumn)
+TEST(Table, RejectsTopLevelKeysThatCannotBeColumns)
 {
     for (const dbc::Value& document : {dbc::Value{{"a.b", 1}}, dbc::Value{{"", 1}}, dbc::Value{{"a", 1}, {"a", 2}}})
         EXPECT_THROW(ColumnFinder().look(document, 1), Failure) << document;
@@ -227,7 +227,7 @@ TEST(ScalarText, TimesAreReadInEveryForm)
         EXPECT_EQ(parseTime(text), dbc::timeFromMilliseconds(milliseconds)) << text;
 }
 
-TEST(ScalarText, WhatIsNoTimeIsEmpty)
+TEST(ScalarText, InvalidTimesAreRejected)
 {
     for (const char* text :
          {"", "2023", "2023-1-1", "2023-01-01T", "2023-01-01T00", "2023-01-01x", "2023-01-01T00:00:00.", "2023-02-29",
@@ -235,7 +235,7 @@ TEST(ScalarText, WhatIsNoTimeIsEmpty)
         EXPECT_FALSE(parseTime(text)) << text;
 }
 
-TEST(ScalarText, EveryDayHasATextThatIsReadAsTheSameDay)
+TEST(ScalarText, EveryDayIsWrittenAndReadAsTheSameDay)
 {
     for (long day = -719'528; day <= 2'932'896; day += 97)
     {

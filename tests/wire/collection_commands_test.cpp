@@ -39,7 +39,7 @@ TEST_F(CollectionCommand, InsertOneSendsTheFieldsOfAValueInTheirOrderAndANewIdFi
     EXPECT_TRUE(result.acknowledged);
 }
 
-TEST_F(CollectionCommand, InsertOneSendsTheWholeObjectPropertiesWhereverItsCursorStands)
+TEST_F(CollectionCommand, InsertOneSendsTheWholeObjectPropertiesWhereverItsCursorIs)
 {
     ObjectProperties document = number("b", 2);
     document.setValueInt32("_id", 7);
@@ -174,7 +174,7 @@ TEST_F(CollectionCommand, ReplaceAndRemoveCarryTheirOptions)
         R"("collation" : { "locale" : "de" }, "hint" : "i" } ] })");
 }
 
-TEST_F(CollectionCommand, RemoveManyTakesEveryMatch)
+TEST_F(CollectionCommand, RemoveManyRemovesEveryMatch)
 {
     collection().removeMany({{"a", 1}});
 
@@ -273,7 +273,7 @@ TEST_F(CollectionCommand, IsNotSentWithAnUpdateThatTheDriverRefuses)
     EXPECT_EQ(gateway().names(), std::vector<std::string>{});
 }
 
-TEST_F(CollectionCommand, OfAnUnacknowledgedWriteSaysSoInItsResult)
+TEST_F(CollectionCommand, OfAnUnacknowledgedWriteReturnsAnUnacknowledgedResult)
 {
     dbc::RemoveOptions options;
     options.writeConcern = dbc::WriteConcern{0, "", std::nullopt, std::nullopt};
@@ -375,7 +375,7 @@ TEST_F(CollectionCommand, UnorderedInsertManyInsertsTheRest)
     EXPECT_EQ(scratch().count("c"), 3U);
 }
 
-TEST_F(CollectionCommand, UnorderedInsertManyGoesOnWithTheNextBatchAfterARefusal)
+TEST_F(CollectionCommand, UnorderedInsertManyContinuesWithTheNextBatchAfterARejection)
 {
     scratch().insert("c", R"({"_id": 2})");
     dbc::InsertManyOptions options;

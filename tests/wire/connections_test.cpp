@@ -112,12 +112,12 @@ protected:
     }
 };
 
-TEST_F(Connections, AreMadeToAName)
+TEST_F(Connections, SucceedToAHostName)
 {
     expectReached(withOptions(replaced(gateway().uri(), "127.0.0.1", "localhost"), patience));
 }
 
-TEST_F(Connections, AreMadeToASocketInTheFileSystem)
+TEST_F(Connections, SucceedToAUnixSocket)
 {
     const LocalSocket local(gateway().port());
     std::string path = local.path();
@@ -127,7 +127,7 @@ TEST_F(Connections, AreMadeToASocketInTheFileSystem)
         withOptions(replaced(gateway().uri(), "127.0.0.1:" + std::to_string(gateway().port()), path), patience));
 }
 
-TEST_F(Connections, ToNobodyAreRefusedWithTheAddress)
+TEST_F(Connections, ToAClosedPortFailWithTheAddressInTheError)
 {
     std::uint16_t port = 0;
     const FileDescriptor reservation = reservePort(port);
@@ -136,20 +136,20 @@ TEST_F(Connections, ToNobodyAreRefusedWithTheAddress)
     EXPECT_NE(text.find("connection refused calling hello on '" + address + "'"), std::string::npos) << text;
 }
 
-TEST_F(Connections, ToANameThatIsNoneAreRefusedWithTheName)
+TEST_F(Connections, ToAnUnknownHostFailWithItsNameInTheError)
 {
     const std::string text = failureAt("mongodb://nobody.invalid/");
     EXPECT_NE(text.find("Failed to resolve 'nobody.invalid'"), std::string::npos) << text;
 }
 
-TEST_F(Connections, ToASocketThatIsNoneAreRefusedWithTheReason)
+TEST_F(Connections, ToAMissingSocketFailWithTheReason)
 {
     const std::string text = failureAt("mongodb://%2Ftmp%2Fno-such-directory%2Fserver.sock/");
     EXPECT_NE(text.find("Failed to connect to UNIX domain socket: No such file or directory"), std::string::npos)
         << text;
 }
 
-TEST_F(Connections, AreMadeWithoutAWordOnStandardOutput)
+TEST_F(Connections, PrintNothingOnStandardOutput)
 {
     CapturedOutput output;
     expectReached(gateway().uri());

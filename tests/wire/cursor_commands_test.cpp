@@ -127,7 +127,7 @@ TEST_F(CursorCommand, FetchesTheNextBatchWhenTheLastIsUsedUp)
     EXPECT_EQ(gateway().names(), (std::vector<std::string>{"find", "getMore", "getMore"}));
 }
 
-TEST_F(CursorCommand, HasADocumentInEachForm)
+TEST_F(CursorCommand, ReturnsTheDocumentInEveryForm)
 {
     Cursor cursor = openInBatchesOf(0);
     ASSERT_TRUE(cursor.next());
@@ -167,7 +167,7 @@ TEST_F(CursorCommand, KeepsOnlyTheFieldsOfTheCurrentDocumentInItsObjectPropertie
     EXPECT_FALSE(cursor.properties().contains("/text"));
 }
 
-TEST_F(CursorCommand, IsOnNoDocumentBeforeTheFirstAndAfterTheLast)
+TEST_F(CursorCommand, HasNoDocumentBeforeTheFirstAndAfterTheLast)
 {
     dbc::FindOptions options;
     options.limit = 1;
@@ -204,7 +204,7 @@ TEST_F(CursorCommand, IsClosedOnTheServerWhenItEndsEarly)
     EXPECT_EQ(gateway().names(), (std::vector<std::string>{"find", "find", "killCursors"}));
 }
 
-TEST_F(CursorCommand, GoesOnAfterADisconnect)
+TEST_F(CursorCommand, ContinuesAfterADisconnect)
 {
     Cursor cursor = openInBatchesOf(2);
     client().disconnect();
@@ -314,7 +314,7 @@ TEST_F(CursorCommand, KilledOnTheServerIsNotFoundAfterTheDocumentsBefore)
     EXPECT_EQ(collection().count({}), 10);
 }
 
-TEST_F(CursorCommand, ThrowsForAMalformedDocumentAndGoesOnWithTheNext)
+TEST_F(CursorCommand, ThrowsForAMalformedDocumentAndContinuesWithTheNext)
 {
     gateway().inject(Fault::changeReply([](Bytes& reply) {
                          const std::string field("\x02text\0", 6);

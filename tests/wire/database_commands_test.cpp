@@ -58,7 +58,7 @@ TEST_F(DatabaseCommand, OfACollectionWithRulesCarriesThem)
         R"("validationLevel" : "moderate", "validationAction" : "warn", "capped" : true, "size" : 4096, "max" : 10 })");
 }
 
-TEST_F(DatabaseCommand, IsAnyCommandAndReturnsTheReply)
+TEST_F(DatabaseCommand, RunsAnyCommandAndReturnsTheReply)
 {
     reply("ping", R"({"ok": 1, "b": 2, "a": "x"})");
 

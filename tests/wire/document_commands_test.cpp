@@ -47,7 +47,7 @@ TEST_F(DocumentCommand, OfAWriteCarriesAnIdOfTheDocumentBesideTheNewOne)
                   R"(" } } ] })");
 }
 
-TEST_F(DocumentCommand, OfARemoveTakesEveryMatch)
+TEST_F(DocumentCommand, OfARemoveSelectsEveryMatch)
 {
     client().remove(database(), "c", number("a", 1));
 
@@ -76,7 +76,7 @@ TEST_F(DocumentCommand, OfAFindCarriesTheProjection)
               R"({ "find" : "c", "filter" : {  }, "projection" : { "a" : 1 } })");
 }
 
-TEST_F(DocumentCommand, OfAFindTakesTheWrittenOutFormApart)
+TEST_F(DocumentCommand, OfAFindSplitsAQueryThatHasDollarQueryAndOrderby)
 {
     ObjectProperties query;
     query.beginGroup("$orderby");
@@ -176,7 +176,7 @@ TEST_F(DocumentCommand, OfAnAggregationThatTheServerRefusesIsAnError)
     EXPECT_EQ(gateway().names(), std::vector<std::string>{"aggregate"});
 }
 
-TEST_F(DocumentCommand, AlwaysHoldsTheWholeDocumentWhereverItsCursorStands)
+TEST_F(DocumentCommand, ContainsTheWholeDocumentWhereverItsCursorIs)
 {
     ObjectProperties document = number("a", 1);
     document.beginGroup("g");
@@ -215,7 +215,7 @@ void PrintTo(const UpdateRow& row, std::ostream* out)
 class UpdateOnTheWire : public DocumentCommand, public testing::WithParamInterface<UpdateRow>
 {};
 
-TEST_P(UpdateOnTheWire, CarriesConditionOperatorAndFlags)
+TEST_P(UpdateOnTheWire, CarriesQueryOperatorAndFlags)
 {
     thrownText(
         [&] { client().update(database(), "c", number("k", 1), number("a", 2), GetParam().flag, GetParam().command); });

@@ -383,7 +383,7 @@ TEST_F(FileStoreOnServer, ArgumentsAreRefusedBeforeAnythingIsSent)
     }
 }
 
-TEST_F(FileStoreOnServer, UploadIsAcknowledgedThoughTheConnectionStringAsksForNone)
+TEST_F(FileStoreOnServer, UploadIsAcknowledgedDespiteAnUnacknowledgedWriteConcern)
 {
     DataBaseClient careless;
     const std::string uri = TestServer::instance().uri();

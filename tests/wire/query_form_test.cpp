@@ -54,7 +54,7 @@ void PrintTo(const QueryRow& row, std::ostream* out)
 class QueryOnTheWire : public ConnectedClient, public testing::WithParamInterface<QueryRow>
 {};
 
-TEST_P(QueryOnTheWire, BecomesTheCommandOnRecord)
+TEST_P(QueryOnTheWire, IsSentAsTheRecordedCommand)
 {
     const QueryRow& row = GetParam();
     gateway().clear();

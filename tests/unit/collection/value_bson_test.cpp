@@ -159,7 +159,7 @@ void PrintTo(const Wrong& wrong, std::ostream* stream)
 class ValueBsonFault : public testing::TestWithParam<Wrong>
 {};
 
-TEST_P(ValueBsonFault, IsRefusedWithItsPlaceAndReason)
+TEST_P(ValueBsonFault, IsRejectedWithItsPositionAndReason)
 {
     try
     {
@@ -248,7 +248,7 @@ TEST(ValueBson, IsRefusedWithBytesBehindTheDocument)
     EXPECT_EQ(read({5, 0, 0, 0, 0}), Value());
 }
 
-TEST(ValueBson, NumbersTheElementsOfAnArrayAnew)
+TEST(ValueBson, RenumbersTheElementsOfAnArray)
 {
     const Bytes other = documentOf("04 6100 13000000 10 3700 01000000 10 7800 02000000 00");
     const Bytes numbered = documentOf("04 6100 13000000 10 3000 01000000 10 3100 02000000 00");

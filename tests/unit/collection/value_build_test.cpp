@@ -113,14 +113,14 @@ TEST(ValueBuild, RefusesKeysAndExpressionsWithAZeroByte)
     EXPECT_EQ(Value(zero).get<std::string>(), zero);
 }
 
-TEST(ValueBuild, RefusesAnObjectIdThatIsNone)
+TEST(ValueBuild, ThrowsForAnInvalidObjectId)
 {
     EXPECT_THROW(Value(dbc::ObjectId{"507f1f77bcf86cd79943901"}), std::invalid_argument);
     EXPECT_THROW(Value(dbc::ObjectId{"507f1f77bcf86cd79943901g"}), std::invalid_argument);
     EXPECT_EQ(Value(dbc::ObjectId{"507F1F77BCF86CD799439011"}).get<dbc::ObjectId>()->text, "507f1f77bcf86cd799439011");
 }
 
-TEST(ValueBuild, RefusesAScopeThatIsNoObject)
+TEST(ValueBuild, ThrowsForAScopeThatIsNotAnObject)
 {
     EXPECT_THROW(Value(dbc::CodeWithScope{"f()", 1}), std::logic_error);
 }

@@ -17,7 +17,7 @@ TEST(ValueChange, SetReplacesTheFirstFieldOrAppends)
     EXPECT_EQ(value, Value({{"a", "x"}, {"b", 2}, {"a", 3}, {"c", 4}}));
 }
 
-TEST(ValueChange, SetReturnsTheValueInItsPlace)
+TEST(ValueChange, SetReturnsTheStoredValue)
 {
     Value value;
     Value& inner = value.set("inner", Value());

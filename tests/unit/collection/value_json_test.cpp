@@ -56,7 +56,7 @@ void PrintTo(const Fault& fault, std::ostream* stream)
 class ValueJsonFault : public testing::TestWithParam<Fault>
 {};
 
-TEST_P(ValueJsonFault, IsRefusedWithItsPlaceAndReason)
+TEST_P(ValueJsonFault, IsRejectedWithItsPositionAndReason)
 {
     try
     {
@@ -120,7 +120,7 @@ TEST(ValueJson, RefusesAStringThatIsNotUtf8)
     EXPECT_EQ(stream.str(), "<object> <string>");
 }
 
-TEST(ValueJson, IsWhatAStreamShows)
+TEST(ValueJson, IsWrittenToAStream)
 {
     std::ostringstream stream;
     stream << Value({{"a", dbc::array({1, nullptr})}}) << Value("x") << Value(0.5);

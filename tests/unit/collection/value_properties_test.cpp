@@ -95,7 +95,7 @@ TEST(ValueProperties, NameEveryFieldThatDoesNotFit)
     EXPECT_FALSE(document.contains("null"));
 }
 
-TEST(ValueProperties, RefuseEveryTypeThatTheyCannotHold)
+TEST(ValueProperties, ThrowForEveryTypeThatTheyCannotRepresent)
 {
     for (const Value& value :
          {Value(nullptr), Value(dbc::Timestamp{1, 2}), Value(dbc::Decimal128()), Value(dbc::Code{"c"}),
@@ -115,7 +115,7 @@ TEST(ValueProperties, AreMadeOfAnObjectOnly)
     EXPECT_THROW(static_cast<void>(dbc::array().toProperties()), std::logic_error);
 }
 
-TEST(ValueProperties, AreReadWhereverTheirCursorStands)
+TEST(ValueProperties, AreReadWhereverTheirCursorIs)
 {
     ObjectProperties document;
     document.setValueInt32("group/x", 1);
@@ -124,7 +124,7 @@ TEST(ValueProperties, AreReadWhereverTheirCursorStands)
     EXPECT_EQ(document.group(), "group");
 }
 
-TEST(ValueProperties, RefuseAnIdThatIsNone)
+TEST(ValueProperties, ThrowForAnInvalidId)
 {
     ObjectProperties document;
     document.setValueId("id", "not an id");

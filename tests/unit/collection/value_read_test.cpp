@@ -114,7 +114,7 @@ TEST(ValueRead, TakesKeysLiterally)
     EXPECT_EQ(Value(5).find("a"), nullptr);
 }
 
-TEST(ValueRead, ThrowsWhereThereIsNoItem)
+TEST(ValueRead, ThrowsForAMissingItem)
 {
     const Value value = {{"a", dbc::array({1})}};
     EXPECT_EQ(value.at("a").at(0), Value(1));
@@ -280,7 +280,7 @@ TEST(ValueRead, OfABareValueHasNoFieldsAndNoElements)
     EXPECT_EQ(number.size(), 0U);
 }
 
-TEST(Decimal128, RefusesATextThatIsNoNumber)
+TEST(Decimal128, ThrowsForAStringThatIsNotANumber)
 {
     EXPECT_THROW(dbc::Decimal128::parse("1.5x"), std::invalid_argument);
     EXPECT_THROW(dbc::Decimal128::parse(""), std::invalid_argument);

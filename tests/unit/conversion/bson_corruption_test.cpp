@@ -159,7 +159,7 @@ Bytes sampleBytes()
 
 } // namespace
 
-TEST(CorruptBson, TheSoundSampleIsReadInFull)
+TEST(CorruptBson, UnchangedIsReadInFull)
 {
     const Bytes bytes = sampleBytes();
     const BorrowedBson bson(bytes);
@@ -172,7 +172,7 @@ TEST(CorruptBson, TheSoundSampleIsReadInFull)
     expectReadAsFarAsTheDriverGoes(bytes);
 }
 
-TEST(CorruptBson, CutAtEveryByteKeepsWhatStandsBeforeTheCut)
+TEST(CorruptBson, CutAtEveryByteKeepsTheFieldsBeforeTheCut)
 {
     const Bytes whole = sampleBytes();
     for (std::size_t length = 5; length < whole.size(); ++length)
@@ -242,7 +242,7 @@ TEST(CorruptBson, WithEveryTypeCodeInTurnIsReadAsFarAsTheDriverGoes)
     }
 }
 
-TEST(CorruptBson, AKeyWithoutEndStopsTheReading)
+TEST(CorruptBson, WithAnUnterminatedKeyStopsTheReading)
 {
     OwnedBson bson;
     bson_append_int32(bson.get(), "a", -1, 1);

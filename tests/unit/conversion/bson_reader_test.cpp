@@ -187,7 +187,7 @@ TEST(BsonReader, AnEmptyBsonLeavesTheTargetUnchanged)
     EXPECT_EQ(document.group(), "g");
 }
 
-TEST(BsonReader, NullPointersAreRefused)
+TEST(BsonReader, RejectsNullPointers)
 {
     OwnedBson bson;
     bson_append_int32(bson.get(), "a", -1, 1);
@@ -200,7 +200,7 @@ TEST(BsonReader, NullPointersAreRefused)
     EXPECT_TRUE(document.isEmpty());
 }
 
-TEST(BsonReader, AHeaderTooShortForADocumentIsRefusedAndTheTargetUntouched)
+TEST(BsonReader, RejectsATooShortHeaderAndLeavesTheTargetUnchanged)
 {
     bson_t bson = BSON_INITIALIZER;
     ObjectProperties document;
@@ -222,7 +222,7 @@ TEST(BsonReader, OnlySkippedElementsAddNothing)
     EXPECT_TRUE(readBuilt(allSkipped).isEmpty());
 }
 
-TEST(BsonReader, NullAndAnInt32GiveOnlyTheInt32)
+TEST(BsonReader, SkipsNullBesideAnInt32)
 {
     const ObjectProperties document = readBuilt([](bson_t* b) {
         bson_append_null(b, "a", -1);
@@ -233,7 +233,7 @@ TEST(BsonReader, NullAndAnInt32GiveOnlyTheInt32)
     EXPECT_EQ(document.type("b"), static_cast<int>(Int32));
 }
 
-TEST(BsonReader, FieldsAreAddedAtTheCursorWhichStaysThere)
+TEST(BsonReader, AddsFieldsAtTheCursorWithoutMovingIt)
 {
     ObjectProperties document;
     document.setValueInt32("g/old", 1);
@@ -248,7 +248,7 @@ TEST(BsonReader, FieldsAreAddedAtTheCursorWhichStaysThere)
     EXPECT_EQ(document.group(), "g");
 }
 
-TEST(BsonReader, AFieldThatIsThereIsReplacedAndAGroupThatIsThereIsFilledUp)
+TEST(BsonReader, ReplacesAnExistingFieldAndAddsToAnExistingGroup)
 {
     ObjectProperties document;
     document.setValueString("v", "old");
@@ -262,7 +262,7 @@ TEST(BsonReader, AFieldThatIsThereIsReplacedAndAGroupThatIsThereIsFilledUp)
     EXPECT_EQ(treeText(document), "Group{\"g\":Group{\"new\":Int32=3,\"old\":Int32=1},\"v\":Int32=2}");
 }
 
-TEST(BsonReader, ElementsAreAddedToAnArrayThatIsThere)
+TEST(BsonReader, AddsElementsToAnExistingArray)
 {
     ObjectProperties document;
     OwnedBson bson;
@@ -274,7 +274,7 @@ TEST(BsonReader, ElementsAreAddedToAnArrayThatIsThere)
     EXPECT_EQ(treeText(document), "Group{\"list\":Array{\"0\":Int32=1,\"0\":Int32=1}}");
 }
 
-TEST(BsonReader, IntoAnArrayEveryFieldIsANewElement)
+TEST(BsonReader, AddsEveryFieldToAnArrayAsANewElement)
 {
     ObjectProperties document;
     document.beginArray("list");
@@ -346,7 +346,7 @@ TEST(BsonReader, AnArrayUnderTheKeyOfAValueLeavesTheValue)
     EXPECT_EQ(document.group(), "");
 }
 
-TEST(BsonReader, ParseReadsAnIteratorFromWhereItStands)
+TEST(BsonReader, ParseReadsFromTheCurrentElementOfTheIterator)
 {
     OwnedBson bson;
     bson_append_int32(bson.get(), "a", -1, 1);

@@ -174,7 +174,7 @@ const WriterRow writerRows[] = {
 
 } // namespace
 
-TEST_P(WrittenDocument, IsWhatTheDriverBuildsByteForByte)
+TEST_P(WrittenDocument, EqualsTheBsonOfTheDriverByteForByte)
 {
     ObjectProperties document;
     GetParam().fill(document);
@@ -189,12 +189,12 @@ TEST(BsonWriter, AnEmptyDocumentIsFiveBytes)
     EXPECT_EQ(written(ObjectProperties()).bytes(), (std::vector<std::uint8_t>{5, 0, 0, 0, 0}));
 }
 
-TEST(BsonWriter, ANullTargetIsRefused)
+TEST(BsonWriter, RejectsANullTarget)
 {
     EXPECT_FALSE(PropertiesToBson::convert(ObjectProperties(), nullptr));
 }
 
-TEST(BsonWriter, StartsAtTheRootWhereverTheCursorStands)
+TEST(BsonWriter, StartsAtTheRootWhereverTheCursorIs)
 {
     ObjectProperties document;
     document.setValueInt32("a/b", 1);
@@ -206,7 +206,7 @@ TEST(BsonWriter, StartsAtTheRootWhereverTheCursorStands)
     EXPECT_EQ(document.group(), "a");
 }
 
-TEST(BsonWriter, InitialisesStorageThatHeldNothing)
+TEST(BsonWriter, InitialisesUninitialisedStorage)
 {
     ObjectProperties document;
     document.setValueInt32("a", 1);
@@ -219,7 +219,7 @@ TEST(BsonWriter, InitialisesStorageThatHeldNothing)
     bson_destroy(&bson);
 }
 
-TEST(BsonWriter, ParseAppendsTheChildrenOfANodeToWhatIsThere)
+TEST(BsonWriter, ParseAppendsTheChildrenOfANodeToAnExistingDocument)
 {
     ObjectProperties document;
     document.setValueInt32("g/a", 1);
@@ -244,7 +244,7 @@ TEST(BsonWriter, ParseOfANodeWithoutChildrenAppendsNothing)
     EXPECT_EQ(BsonBytes(bson.get()), built(appendNothing));
 }
 
-TEST(BsonWriter, ParseOfNoNodeAppendsNothing)
+TEST(BsonWriter, ParseOfANullNodeAppendsNothing)
 {
     OwnedBson bson;
 
@@ -253,7 +253,7 @@ TEST(BsonWriter, ParseOfNoNodeAppendsNothing)
     EXPECT_EQ(BsonBytes(bson.get()), built(appendNothing));
 }
 
-TEST(BsonWriter, ParseKeepsTheNodeAliveThatNothingElseHolds)
+TEST(BsonWriter, ParseKeepsANodeAliveThatNothingElseOwns)
 {
     OwnedBson bson;
     auto node = Property::create();
@@ -268,7 +268,7 @@ TEST(BsonWriter, ParseKeepsTheNodeAliveThatNothingElseHolds)
               }));
 }
 
-TEST(BsonWriter, LeavesTheDocumentAsItIs)
+TEST(BsonWriter, DoesNotChangeTheDocument)
 {
     ObjectProperties document;
     document.setValueString("a/b", "x");
@@ -280,7 +280,7 @@ TEST(BsonWriter, LeavesTheDocumentAsItIs)
     EXPECT_EQ(treeText(document), before);
 }
 
-TEST(BsonWriter, AKeyIsCutAtAZeroByteButFieldsOfBytesAndRegexAreLeftOut)
+TEST(BsonWriter, CutsKeysAtAZeroByteButOmitsSuchBinaryAndRegexFields)
 {
     ObjectProperties document;
     const std::string key = withZero("key", "behind");
@@ -323,7 +323,7 @@ TEST(BsonWriter, AGroupAndAnArrayHaveTheirKeyCutAtAZeroByte)
               }));
 }
 
-TEST(BsonWriter, AnIdTextOfAnyLengthIsReadAsTheDriverReads24CharactersPaddedWithZeros)
+TEST(BsonWriter, ReadsAnIdOfAnyLengthAs24CharactersPaddedWithZeros)
 {
     const std::string digits = "0123456789abcdefABCDEF0123456789";
     for (std::size_t length = 0; length <= 30; ++length)
@@ -413,7 +413,7 @@ private:
 
 } // namespace
 
-TEST(BsonWriter, ADocumentThatOutgrowsTheDriverTakesWhatFitsAndIsStillTrue)
+TEST(BsonWriter, WritesWhatFitsAndReturnsTrueIfADocumentIsTooLarge)
 {
     ObjectProperties document;
     document.setValueString("a too long", std::string(1000, 'x'));

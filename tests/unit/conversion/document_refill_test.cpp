@@ -93,7 +93,7 @@ const std::vector<std::string>& documents()
     return all;
 }
 
-TEST(DocumentRefill, MakesOfEveryDocumentAfterEveryOtherWhatAConversionMakes)
+TEST(DocumentRefill, EqualsANewConversionForEveryPairOfDocuments)
 {
     for (const std::string& first : documents())
     {
@@ -108,7 +108,7 @@ TEST(DocumentRefill, MakesOfEveryDocumentAfterEveryOtherWhatAConversionMakes)
     }
 }
 
-TEST(DocumentRefill, GoesOnWhenManyDocumentsDiffer)
+TEST(DocumentRefill, WorksIfManyDocumentsDiffer)
 {
     RefilledDocument refilled;
     for (int round = 0; round < 3; ++round)
@@ -146,7 +146,7 @@ TEST(DocumentRefill, UsesNodesAgainAfterADocumentWithOtherFields)
     EXPECT_FALSE(node.expired());
 }
 
-TEST(DocumentRefill, LeavesANodeThatTheCallerHoldsAsItIs)
+TEST(DocumentRefill, DoesNotChangeANodeThatTheCallerOwns)
 {
     RefilledDocument refilled;
     refilled(R"({"a": 1, "g": {"b": 1}})");
@@ -198,7 +198,7 @@ TEST(DocumentRefill, UndoesWhatTheCallerChanged)
     }
 }
 
-TEST(DocumentRefill, OfBytesThatCannotBeReadFails)
+TEST(DocumentRefill, FailsForMalformedBson)
 {
     RefilledDocument refilled;
     refilled(R"({"a": 1})");

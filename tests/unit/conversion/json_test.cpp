@@ -144,7 +144,7 @@ const InvalidRow invalidRows[] = {
 
 } // namespace
 
-TEST_P(WrittenJson, IsTheDriversLegacyForm)
+TEST_P(WrittenJson, HasTheLegacyFormatOfTheDriver)
 {
     ObjectProperties document;
     GetParam().fill(document);
@@ -154,7 +154,7 @@ TEST_P(WrittenJson, IsTheDriversLegacyForm)
 
 INSTANTIATE_TEST_SUITE_P(Rows, WrittenJson, testing::ValuesIn(writerRows), RowName());
 
-TEST_P(ReadJson, HasTheFieldsOfTheText)
+TEST_P(ReadJson, HasTheFieldsOfTheString)
 {
     ObjectProperties document;
 
@@ -166,7 +166,7 @@ TEST_P(ReadJson, HasTheFieldsOfTheText)
 
 INSTANTIATE_TEST_SUITE_P(Rows, ReadJson, testing::ValuesIn(readerRows), RowName());
 
-TEST_P(InvalidJson, IsRefusedAndTheTargetUntouched)
+TEST_P(InvalidJson, IsRejectedAndLeavesTheTargetUnchanged)
 {
     ObjectProperties document;
     document.setValueInt32("g/kept", 1);
@@ -180,7 +180,7 @@ TEST_P(InvalidJson, IsRefusedAndTheTargetUntouched)
 
 INSTANTIATE_TEST_SUITE_P(Rows, InvalidJson, testing::ValuesIn(invalidRows), RowName());
 
-TEST(JsonWriter, StartsAtTheRootWhereverTheCursorStands)
+TEST(JsonWriter, StartsAtTheRootWhereverTheCursorIs)
 {
     ObjectProperties document;
     document.setValueInt32("g/a", 1);
@@ -199,7 +199,7 @@ TEST(JsonWriter, ReplacesALongerTextInFull)
     EXPECT_EQ(json, "{ }");
 }
 
-TEST(JsonWriter, TheWorkerDoesTheSame)
+TEST(JsonWriter, WorkerFunctionWritesAsConvertDoes)
 {
     ObjectProperties document;
     document.setValueInt32("a", 1);
@@ -210,13 +210,13 @@ TEST(JsonWriter, TheWorkerDoesTheSame)
     EXPECT_EQ(json, R"({ "a" : 1 })");
 }
 
-TEST(JsonReader, ANullTargetIsRefused)
+TEST(JsonReader, RejectsANullTarget)
 {
     EXPECT_FALSE(JsonToProperties::convert("{}", nullptr));
     EXPECT_FALSE(JsonToProperties::convert("not json", nullptr));
 }
 
-TEST(JsonReader, FieldsAreAddedAtTheCursorNextToWhatIsThere)
+TEST(JsonReader, AddsFieldsAtTheCursorBesideExistingOnes)
 {
     ObjectProperties document;
     document.setValueInt32("g/old", 1);
@@ -228,7 +228,7 @@ TEST(JsonReader, FieldsAreAddedAtTheCursorNextToWhatIsThere)
     EXPECT_EQ(document.group(), "g");
 }
 
-TEST(JsonReader, TheWorkerDoesTheSame)
+TEST(JsonReader, WorkerFunctionReadsAsConvertDoes)
 {
     ObjectProperties document;
 
@@ -237,7 +237,7 @@ TEST(JsonReader, TheWorkerDoesTheSame)
     EXPECT_EQ(treeText(document), "Group{\"a\":Int32=1}");
 }
 
-TEST(JsonReader, ATextCutAtEveryByteIsRefusedOrReadAsTheDriverReadsIt)
+TEST(JsonReader, RejectsOrReadsJsonCutAtEveryByteAsTheDriverDoes)
 {
     const std::string whole = R"({ "a" : [ 1, { "$oid" : "507f1f77bcf86cd799439011" } ], "g" : { "$date" : 0 } })";
     for (std::size_t length = 0; length <= whole.size(); ++length)
@@ -255,7 +255,7 @@ TEST(JsonReader, ATextCutAtEveryByteIsRefusedOrReadAsTheDriverReadsIt)
     }
 }
 
-TEST(JsonRoundTrip, KeepsEveryKindButShortNumbersLoseTheirWidth)
+TEST(JsonRoundTrip, KeepsEveryTypeExceptTheWidthOfSmallNumbers)
 {
     ObjectProperties document;
     document.setValueString("string", "text");

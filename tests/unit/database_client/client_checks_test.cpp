@@ -118,7 +118,7 @@ std::string refusal(const Operation& operation, DataBaseClient& client, const Te
 class ClientOperation : public testing::TestWithParam<Operation>
 {};
 
-TEST_P(ClientOperation, WantsAConnectionBeforeItLooksAtAnyArgument)
+TEST_P(ClientOperation, RequiresAConnectionBeforeItChecksAnyArgument)
 {
     DataBaseClient client;
     const Texts names(GetParam().argumentNames.size(), "");
@@ -126,7 +126,7 @@ TEST_P(ClientOperation, WantsAConnectionBeforeItLooksAtAnyArgument)
     EXPECT_EQ(refusal(GetParam(), client, names), "Connection is not established. Run connect before");
 }
 
-TEST_P(ClientOperation, WantsAConnectionAgainAfterDisconnect)
+TEST_P(ClientOperation, RequiresAConnectionAgainAfterDisconnect)
 {
     DataBaseClient client;
     client.connect("mongodb://127.0.0.1:1/");
@@ -151,7 +151,7 @@ TEST_P(ClientOperation, NamesTheFirstArgumentThatIsEmpty)
     }
 }
 
-TEST_P(ClientOperation, TakesANameThatBeginsWithAZeroByteForEmpty)
+TEST_P(ClientOperation, TreatsANameThatBeginsWithAZeroByteAsEmpty)
 {
     DataBaseClient client;
     client.connect("mongodb://127.0.0.1:1/");
@@ -167,7 +167,7 @@ TEST_P(ClientOperation, TakesANameThatBeginsWithAZeroByteForEmpty)
 
 INSTANTIATE_TEST_SUITE_P(Operations, ClientOperation, testing::ValuesIn(operations), RowName());
 
-TEST(FullCollectionName, EmptyOneMeetsTheConnectionCheckFirst)
+TEST(FullCollectionName, IsCheckedAfterTheConnectionIfItIsEmpty)
 {
     DataBaseClient client;
     EXPECT_THROW(client.write("", empty()), std::invalid_argument);

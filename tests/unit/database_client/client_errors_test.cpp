@@ -48,7 +48,7 @@ INSTANTIATE_TEST_SUITE_P(
                     Row{"EmptyMessage", "", "d", 1, ": d(code: 1)"}),
     RowName());
 
-TEST(ArgumentCheck, NamesWhatIsEmpty)
+TEST(ArgumentCheck, NamesTheEmptyArgument)
 {
     try
     {
@@ -61,13 +61,13 @@ TEST(ArgumentCheck, NamesWhatIsEmpty)
     }
 }
 
-TEST(ArgumentCheck, TakesEverythingElse)
+TEST(ArgumentCheck, AcceptsEveryOtherName)
 {
     EXPECT_NO_THROW(DataBaseClientPrivate::check_argument(" ", "Database name"));
     EXPECT_NO_THROW(DataBaseClientPrivate::check_argument("$", "Database name"));
 }
 
-TEST(ArgumentCheck, TakesANameThatBeginsWithAZeroByteForEmptyAsTheDriverWould)
+TEST(ArgumentCheck, TreatsANameThatBeginsWithAZeroByteAsEmpty)
 {
     EXPECT_THROW(DataBaseClientPrivate::check_argument(std::string("\0name", 5), "Collection name"),
                  std::invalid_argument);

@@ -36,7 +36,7 @@ TEST(ConnectionString, CarriesUserAndPassword)
     EXPECT_EQ(DataBaseClient::uri("dbhost", 27017, "u", "p", "test"), "mongodb://u:p@dbhost:27017/test");
 }
 
-TEST(ConnectionString, CarriesCredentialsOnlyAsAPair)
+TEST(ConnectionString, ContainsCredentialsOnlyIfUserAndPasswordAreSet)
 {
     EXPECT_EQ(DataBaseClient::uri("h", 1, "", "p", "d"), "mongodb://h:1/d");
     EXPECT_EQ(DataBaseClient::uri("h", 1, "u", "", "d"), "mongodb://h:1/d");
@@ -59,7 +59,7 @@ TEST(ConnectionString, EscapesNothing)
     EXPECT_EQ(DataBaseClient::uri("h", 1, "u@/", "p:%", "d?"), "mongodb://u@/:p:%@h:1/d?");
 }
 
-TEST(Connection, ToAnUnreachableServerIsMadeAtOnce)
+TEST(Connection, ToAnUnreachableServerSucceedsAtOnce)
 {
     DataBaseClient client;
     client.connect(nowhere);
@@ -87,7 +87,7 @@ TEST(Connection, IsReplacedByTheNextOne)
     EXPECT_EQ(name, "second");
 }
 
-TEST(Connection, FailsForATextThatIsNoConnectionString)
+TEST(Connection, FailsForAnInvalidConnectionString)
 {
     for (const char* text : {"", "dbhost", "http://dbhost/", "mongodb://", "mongodb://h:99999/", "mongodb://u%@h/"})
     {
@@ -105,7 +105,7 @@ TEST(Connection, IsLostWhenTheNextOneFails)
     EXPECT_FALSE(client.isConnected());
 }
 
-TEST(Connection, CanBeMadeAfterAFailedOne)
+TEST(Connection, SucceedsAfterAFailedOne)
 {
     DataBaseClient client;
     failureOf(client, "no connection string");
@@ -113,7 +113,7 @@ TEST(Connection, CanBeMadeAfterAFailedOne)
     EXPECT_TRUE(client.isConnected());
 }
 
-TEST(Connection, OfReservedCharactersFailsAndTakesThemEscaped)
+TEST(Connection, FailsForReservedCharactersUnlessTheyAreEscaped)
 {
     DataBaseClient client;
     EXPECT_EQ(failureOf(client, DataBaseClient::uri("127.0.0.1", 1, "u", "p@:/%", "d")), "Connection failed");
@@ -130,7 +130,7 @@ TEST(DatabaseName, IsThatOfTheConnectionString)
     EXPECT_EQ(name, "test");
 }
 
-TEST(DatabaseName, IsEmptyWhenTheConnectionStringNamesNone)
+TEST(DatabaseName, IsEmptyIfTheConnectionStringHasNoDatabase)
 {
     DataBaseClient client;
     client.connect("127.0.0.1", 1);
@@ -170,7 +170,7 @@ TEST(SharedClient, IsAlwaysTheSame)
     EXPECT_EQ(DataBaseClient::instance(), DataBaseClient::instance());
 }
 
-TEST(OwnedClient, IsAnotherOneEveryTime)
+TEST(OwnedClient, IsANewClientEveryTime)
 {
     const std::unique_ptr<DataBaseClient> first(createDataBaseClient());
     const std::unique_ptr<DataBaseClient> second(createDataBaseClient());

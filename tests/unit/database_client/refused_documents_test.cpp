@@ -80,7 +80,7 @@ void PrintTo(const QueryRow& row, std::ostream* out)
 class QueryOfKind : public RefusedDocument, public testing::WithParamInterface<QueryRow>
 {};
 
-TEST_P(QueryOfKind, UnderTheKeyOfTheWrittenOutFormIsABadCondition)
+TEST_P(QueryOfKind, AsTheValueOfDollarQueryIsABadCondition)
 {
     ObjectProperties query;
     GetParam().fill(query);
@@ -111,7 +111,7 @@ INSTANTIATE_TEST_SUITE_P(
                     QueryRow{"Regex", [](ObjectProperties& query) { query.setValueRegex("$query", "^a", "i"); }}),
     RowName());
 
-TEST_F(RefusedDocument, QueryInTheWrittenOutFormGoesToTheDriver)
+TEST_F(RefusedDocument, QueryWithDollarQueryGoesToTheDriver)
 {
     ObjectProperties query;
     query.beginGroup("$query");
@@ -121,7 +121,7 @@ TEST_F(RefusedDocument, QueryInTheWrittenOutFormGoesToTheDriver)
     EXPECT_TRUE(reachesTheDriver(findRefusal(query)));
 }
 
-TEST_F(RefusedDocument, NestedKeyOfTheWrittenOutFormIsTheServersBusiness)
+TEST_F(RefusedDocument, NestedDollarQueryGoesToTheServer)
 {
     ObjectProperties query;
     query.beginGroup("a");
@@ -291,7 +291,7 @@ TEST_F(RefusedDocument, OneDeepBranchIsEnough)
     EXPECT_EQ(findRefusal(document), "Bad condition");
 }
 
-TEST_F(RefusedDocument, WhatWasWrittenOfItIsWellFormed)
+TEST_F(RefusedDocument, PartThatWasWrittenIsWellFormed)
 {
     ObjectProperties document = nested(1001);
     document.setValueInt32("/z", 1);
@@ -304,7 +304,7 @@ TEST_F(RefusedDocument, WhatWasWrittenOfItIsWellFormed)
     EXPECT_TRUE(canBeSent(bson.get()));
 }
 
-TEST_F(RefusedDocument, BytesAreMeasuredAlike)
+TEST_F(RefusedDocument, DepthOfBytesHasTheSameLimit)
 {
     for (const int levels : {1, 1000, 1001, 100'000})
     {

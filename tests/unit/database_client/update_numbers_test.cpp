@@ -23,7 +23,7 @@ void PrintTo(const CommandRow& row, std::ostream* out)
 class UpdateCommandNumber : public testing::TestWithParam<CommandRow>
 {};
 
-TEST_P(UpdateCommandNumber, GivesItsOperator)
+TEST_P(UpdateCommandNumber, MapsToItsOperator)
 {
     const DataBaseClientPrivate client;
     std::string text = "replaced";
@@ -60,7 +60,7 @@ void PrintTo(const FlagRow& row, std::ostream* out)
 class UpdateFlagNumber : public testing::TestWithParam<FlagRow>
 {};
 
-TEST_P(UpdateFlagNumber, GivesTheDriversFlag)
+TEST_P(UpdateFlagNumber, MapsToTheFlagOfTheDriver)
 {
     const DataBaseClientPrivate client;
     mongoc_update_flags_t flag = MONGOC_UPDATE_NONE;

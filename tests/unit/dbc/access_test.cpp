@@ -28,7 +28,7 @@ ObjectProperties sample()
     return document;
 }
 
-TEST(Get, ReadsEveryKind)
+TEST(Get, ReadsEveryType)
 {
     const ObjectProperties document = sample();
     EXPECT_EQ(get<std::string>(document, "text"), "t");
@@ -44,7 +44,7 @@ TEST(Get, ReadsEveryKind)
     EXPECT_EQ(get<int>(document, "group/inner"), 1);
 }
 
-TEST(Get, GivesNothingForAnotherKind)
+TEST(Get, ReturnsNothingForAnotherType)
 {
     const ObjectProperties document = sample();
     EXPECT_FALSE(get<std::string>(document, "id"));
@@ -177,7 +177,7 @@ TEST(Get, AddsNothingWhereTheDocumentsOwnGetterAddsTheKey)
     EXPECT_EQ(document.childCount(), 1U);
 }
 
-TEST(Get, AddsNothingWhileTheCursorStandsOnAnArray)
+TEST(Get, AddsNothingWhileTheCursorIsOnAnArray)
 {
     ObjectProperties document;
     document.beginArray("list");
@@ -199,7 +199,7 @@ TEST(Get, ResolvesKeysLikeTheDocument)
     EXPECT_EQ(dbc::findNode(document, "/"), document.root());
 }
 
-TEST(GetOr, GivesTheFallbackOnlyWhereThereIsNoValue)
+TEST(GetOr, ReturnsTheFallbackOnlyIfThereIsNoValue)
 {
     const ObjectProperties document = sample();
     EXPECT_EQ(getOr(document, "small", 1), 7);
@@ -245,7 +245,7 @@ TEST(Children, AreVisitedInKeyOrder)
     EXPECT_EQ(sum, 3);
 }
 
-TEST(Children, OfAMissingKeyAreNone)
+TEST(Children, OfAMissingKeyAreEmpty)
 {
     const ObjectProperties document;
     EXPECT_TRUE(dbc::children(document, "missing").empty());
@@ -299,7 +299,7 @@ TEST(Elements, WithOtherKeysKeepTheOrderOfTheDocument)
     EXPECT_EQ(dbc::elementsAs<int>(document, "list").front(), 0);
 }
 
-TEST(Values, LeaveOutElementsOfAnotherKind)
+TEST(Values, OmitElementsOfAnotherType)
 {
     ObjectProperties document;
     document.beginArray("list");

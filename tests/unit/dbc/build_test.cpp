@@ -15,7 +15,7 @@ using dbc::document;
 using dbc::object;
 using test_support::jsonOf;
 
-TEST(Build, WritesEveryKind)
+TEST(Build, WritesEveryType)
 {
     ObjectProperties built = document({{"text", "t"},
                                        {"flag", true},

@@ -21,7 +21,7 @@ TEST(PercentEncoding, LeavesOnlyUnreservedCharacters)
     EXPECT_EQ(percentEncoded(std::string("\0", 1)), "%00");
 }
 
-TEST(ConnectionString, WithoutAnyCallIsTheLocalServer)
+TEST(ConnectionString, NamesTheLocalServerByDefault)
 {
     EXPECT_EQ(ConnectionString().text(), "mongodb://localhost/");
 }
@@ -47,14 +47,14 @@ TEST(ConnectionString, HoldsItsPartsInOrder)
         "pem&appName=me&connectTimeoutMS=2000&socketTimeoutMS=300&serverSelectionTimeoutMS=60000");
 }
 
-TEST(ConnectionString, BracketsAnAddressWithColons)
+TEST(ConnectionString, PutsAnAddressWithColonsIntoBrackets)
 {
     EXPECT_EQ(ConnectionString().host("::1", 5).text(), "mongodb://[::1]:5/");
     EXPECT_EQ(ConnectionString().host("[::1]", 5).text(), "mongodb://[::1]:5/");
 }
 
 // The driver, not a second reading of ours, says what the parts were.
-TEST(ConnectionString, GivesTheDriverTheVeryPartsThatWereGiven)
+TEST(ConnectionString, IsParsedByTheDriverIntoTheSameParts)
 {
     const std::string user = "u:@/?#[]%é";
     const std::string password = "p:@/?#[]% é";

@@ -23,7 +23,7 @@ struct Row
 class RuntimeErrors : public testing::TestWithParam<Row>
 {};
 
-TEST_P(RuntimeErrors, AreToldApart)
+TEST_P(RuntimeErrors, HaveTheKindAndCodeOfTheirText)
 {
     const auto info = describe(std::runtime_error(GetParam().text));
     EXPECT_EQ(info.kind, GetParam().kind) << nameOf(info.kind);
@@ -71,7 +71,7 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"Empty", "", ErrorKind::Other, std::nullopt}),
     [](const auto& row) { return row.param.name; });
 
-TEST(Errors, OfArgumentsAreToldFromAMissingConnection)
+TEST(Errors, OfArgumentsDifferFromAMissingConnection)
 {
     EXPECT_EQ(describe(std::invalid_argument("Connection is not established. Run connect before")).kind,
               ErrorKind::NotConnected);
@@ -79,13 +79,13 @@ TEST(Errors, OfArgumentsAreToldFromAMissingConnection)
     EXPECT_EQ(describe(std::invalid_argument("Uncknown command")).kind, ErrorKind::BadArgument);
 }
 
-TEST(Errors, TextIsGivenWithoutItsCode)
+TEST(Errors, TextDoesNotContainTheCode)
 {
     EXPECT_EQ(describe(std::runtime_error("Updating failed: D(code: 7)")).text, "Updating failed: D");
     EXPECT_EQ(describe(std::runtime_error("Updating failed: D(code: x)")).text, "Updating failed: D(code: x)");
 }
 
-TEST(ErrorKinds, HaveNamesThatTellThemApart)
+TEST(ErrorKinds, HaveDifferentNames)
 {
     std::set<std::string> names;
     for (const ErrorKind kind : {ErrorKind::NotConnected, ErrorKind::BadArgument, ErrorKind::DuplicateKey,

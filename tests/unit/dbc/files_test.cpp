@@ -91,7 +91,7 @@ public:
     bool removeFails = false;
 };
 
-TEST(Crc32, GivesTheCheckValueOfItsDefinition)
+TEST(Crc32, ReturnsTheCheckValueOfItsDefinition)
 {
     Crc32 checksum;
     EXPECT_EQ(checksum.value(), 0U);
@@ -100,7 +100,7 @@ TEST(Crc32, GivesTheCheckValueOfItsDefinition)
     EXPECT_EQ(checksum.value(), 0xcbf43926U);
 }
 
-TEST(Download, HandsOnCountsAndChecksWhatArrives)
+TEST(Download, ForwardsCountsAndChecksItsBytes)
 {
     LocalFiles client;
     client.content.assign(10000, 'x');
@@ -150,7 +150,7 @@ TEST(Download, EndsTheCopyWhenItsTargetFails)
     EXPECT_EQ(download.bytes(), 0U);
 }
 
-TEST(Download, TakesSingleCharactersToo)
+TEST(Download, AcceptsSingleCharacters)
 {
     std::ostringstream target;
     Download download(target);
@@ -167,7 +167,7 @@ TEST(PartialFileName, EndsInAMarkAndAnObjectId)
     EXPECT_EQ(dbc::finalFileName(dbc::partialFileName(name, DataBaseClient().createId())), name);
 }
 
-TEST(PartialFileName, IsNotMistakenInOtherNames)
+TEST(PartialFileName, IsNotRecognisedInOtherNames)
 {
     for (const char* const name :
          {"", "photo.jpg", ".partial-507f1f77bcf86cd799439011", "a.partial-", "a.partial-507f1f77bcf86cd79943901",
@@ -176,7 +176,7 @@ TEST(PartialFileName, IsNotMistakenInOtherNames)
         EXPECT_EQ(dbc::finalFileName(name), "") << name;
 }
 
-TEST(StoringAStream, GivesTheFinalNameWhenEverythingIsStored)
+TEST(StoringAStream, SetsTheFinalNameWhenEverythingIsStored)
 {
     LocalFiles client;
     std::istringstream source("text");
@@ -240,7 +240,7 @@ TEST(StoringAStream, ReportsTheFirstFailureWhenTheRemovalFailsToo)
     }
 }
 
-TEST(StoringAStream, LeavesTheRefusalOfAnEmptyNameToTheClient)
+TEST(StoringAStream, PassesAnEmptyNameToTheClient)
 {
     DataBaseClient client;
     client.connect("mongodb://127.0.0.1:1/");
@@ -285,7 +285,7 @@ TEST(StoringAStream, StoresItFromItsReadPositionOn)
     EXPECT_EQ(client.content, text);
 }
 
-TEST(StoringAGenerator, StoresWhatItGivesUntilItGivesNothing)
+TEST(StoringAGenerator, StoresItsBytesUntilItReturnsNothing)
 {
     LocalFiles client;
     int calls = 0;

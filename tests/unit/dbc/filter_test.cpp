@@ -120,7 +120,7 @@ TEST(Conditions, OnOneKeyMergeOutsideAList)
     EXPECT_EQ(jsonOf(filter.toObjectProeprties()), R"({ "a" : { "$gt" : 1, "$in" : [ 5, 6 ], "$lt" : 9 } })");
 }
 
-TEST(Conditions, OfAQueryGoToItsCursor)
+TEST(Conditions, AreAddedAtTheCursorOfAQuery)
 {
     ObjectProperties query;
     query.beginGroup("sub");

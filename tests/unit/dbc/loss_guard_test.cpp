@@ -43,7 +43,7 @@ struct Row
 class EveryType : public testing::TestWithParam<Row>
 {};
 
-TEST_P(EveryType, IsNamedExactlyWhenItDoesNotComeBack)
+TEST_P(EveryType, IsReportedAsALossIfAndOnlyIfItDoesNotComeBack)
 {
     OwnedBson bson;
     GetParam().append(bson.get());
@@ -158,7 +158,7 @@ TEST(LossGuard, JoinsThePathOfANestedField)
     EXPECT_EQ(textOf(findLosses(*bson.get())), "a.b.0: null is dropped\n");
 }
 
-TEST(LossGuard, SaysWhereTheBytesStopBeingBson)
+TEST(LossGuard, ReportsMalformedBson)
 {
     OwnedBson bson;
     BSON_APPEND_INT32(bson.get(), "a", 1);
@@ -170,7 +170,7 @@ TEST(LossGuard, SaysWhereTheBytesStopBeingBson)
     EXPECT_EQ(textOf(findLosses(corrupt)), ": bytes are not valid BSON\n");
 }
 
-TEST(LossGuard, TakesADocumentWithoutBytesForNoBson)
+TEST(LossGuard, ReportsADocumentWithoutBytesAsMalformed)
 {
     const bson_t nothing = {};
     EXPECT_EQ(textOf(findLosses(nothing)), ": bytes are not valid BSON\n");

@@ -20,7 +20,7 @@ using std::chrono::milliseconds;
 // A connection string is enough: connecting sends nothing.
 const char* const nowhere = "mongodb://127.0.0.1:1/test?serverSelectionTimeoutMS=1";
 
-TEST(ClientPool, HandsOutConnectedClients)
+TEST(ClientPool, ReturnsConnectedClients)
 {
     ClientPool pool(nowhere, 2);
     const auto lease = pool.lease(milliseconds(0));
@@ -124,7 +124,7 @@ TEST(ClientPool, RefusesToLeaseInAChildProcess)
     EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
 }
 
-TEST(ClientPool, SaysAtOnceThatAConnectionStringIsNone)
+TEST(ClientPool, ThrowsForAnInvalidConnectionStringWhenItIsConstructed)
 {
     EXPECT_THROW(ClientPool("nonsense", 1), std::runtime_error);
 }

@@ -34,7 +34,7 @@ private:
     int& m_live;
 };
 
-TEST(Results, DeletesWhatItHoldsWhereAPlainListDoesNot)
+TEST(Results, DeletesItsDocumentsUnlikeAPlainList)
 {
     int live = 0;
     {
@@ -53,7 +53,7 @@ TEST(Results, DeletesWhatItHoldsWhereAPlainListDoesNot)
     EXPECT_EQ(live, 0);
 }
 
-TEST(Results, CanBeHandedToWhatTakesAListAndKeepsWhatItHeld)
+TEST(Results, ConvertsToAListAndKeepsItsDocuments)
 {
     Results results;
     append(results, 2);
@@ -78,7 +78,7 @@ TEST(Results, IsIteratedInOrderAsDocuments)
     EXPECT_EQ(second->valueAsInt("n", -1), 1);
 }
 
-TEST(Results, HandsDocumentsOutFromTheFront)
+TEST(Results, TakeFrontMovesTheFirstDocumentOut)
 {
     Results results;
     append(results, 2);
@@ -91,7 +91,7 @@ TEST(Results, HandsDocumentsOutFromTheFront)
     EXPECT_EQ(results.takeFront(), nullptr);
 }
 
-TEST(Results, MovesAndDropsWhatItHeldBefore)
+TEST(Results, MoveAssignmentDeletesTheDocumentsBefore)
 {
     int live = 0;
     Results target;

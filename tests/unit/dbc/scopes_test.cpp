@@ -11,7 +11,7 @@ using dbc::CursorScope;
 using dbc::GroupScope;
 using dbc::ObjectScope;
 
-TEST(GroupScope, StandsInTheGroupAndLeavesAtItsEnd)
+TEST(GroupScope, EntersTheGroupAndLeavesItAtTheEndOfTheBlock)
 {
     ObjectProperties document;
     {
@@ -38,7 +38,7 @@ TEST(GroupScope, LeavesAPathOfSeveralSegmentsWhereOneEndGroupStaysInside)
     EXPECT_EQ(document.current(), document.root());
 }
 
-TEST(GroupScope, ComesBackFromAKeyThatBeginsAtTheRoot)
+TEST(GroupScope, ReturnsFromAKeyThatBeginsAtTheRoot)
 {
     ObjectProperties document;
     document.beginGroup("a/b");
@@ -95,7 +95,7 @@ TEST(GroupScope, GoesToTheRootWhenItsOriginHasLeftTheDocument)
     EXPECT_EQ(document.current(), document.root());
 }
 
-TEST(ArrayScope, StandsInTheArrayAndLeavesAtItsEnd)
+TEST(ArrayScope, EntersTheArrayAndLeavesItAtTheEndOfTheBlock)
 {
     ObjectProperties document;
     {
@@ -143,7 +143,7 @@ TEST(ArrayScope, IsFalseOnTheKeyOfAValueInsideAnArrayOfTheSameDocument)
     EXPECT_EQ(document.current(), list);
 }
 
-TEST(ObjectScope, StandsOnTheChildAndLeavesAtItsEnd)
+TEST(ObjectScope, EntersTheChildAndLeavesItAtTheEndOfTheBlock)
 {
     ObjectProperties document;
     document.setValueInt("a", 1);

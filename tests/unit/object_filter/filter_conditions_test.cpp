@@ -112,7 +112,7 @@ void forEveryOperationAndKind(Check check)
 
 } // namespace
 
-TEST_P(FilterCondition, StandsUnderItsKey)
+TEST_P(FilterCondition, IsWrittenUnderItsKey)
 {
     const auto& [operation, kind] = GetParam();
     ObjectFilter filter;
@@ -126,7 +126,7 @@ TEST_P(FilterCondition, StandsUnderItsKey)
 INSTANTIATE_TEST_SUITE_P(EveryOperationAndKind, FilterCondition,
                          testing::Combine(testing::ValuesIn(operations), testing::ValuesIn(kinds)), nameOf);
 
-TEST(FilterConditions, LoseNothingOfTheQueryAndAreFollowedByOthers)
+TEST(FilterConditions, KeepTheConditionsBeforeAndAfterThem)
 {
     forEveryOperationAndKind([](auto set, const Bytes& condition) {
         ObjectFilter filter;
@@ -159,7 +159,7 @@ TEST(FilterConditions, AreElementsOfTheirOwnInsideAList)
     });
 }
 
-TEST(FilterConditions, StandInsideASubDocument)
+TEST(FilterConditions, AreWrittenInsideASubDocument)
 {
     forEveryOperationAndKind([](auto set, const Bytes& condition) {
         ObjectFilter filter;
@@ -185,7 +185,7 @@ TEST(FilterConditions, ReplaceTheSameConditionOnTheSameKey)
     });
 }
 
-TEST(FilterOptions, StandBesideARegularExpression)
+TEST(FilterOptions, AreWrittenBesideARegularExpression)
 {
     ObjectFilter filter;
 
@@ -195,7 +195,7 @@ TEST(FilterOptions, StandBesideARegularExpression)
               expected({query::group("a", {query::text("$options", "im"), query::text("$regex", "^x")})}));
 }
 
-TEST(FilterOptions, AreLeftOutWhenEmpty)
+TEST(FilterOptions, AreOmittedIfTheyAreEmpty)
 {
     ObjectFilter filter;
 
@@ -265,7 +265,7 @@ TEST(FilterConditions, AreWrittenInKeyOrder)
     EXPECT_EQ(query::of(filter), expected({query::int32("B", 3), query::int32("a", 2), query::int32("b", 1)}));
 }
 
-TEST(FilterConditions, OfEqualityReplaceWhatStoodUnderTheKey)
+TEST(FilterConditions, OfEqualityReplaceTheConditionOfTheKey)
 {
     ObjectFilter filter;
     filter.setFilterInt(OperationTypeGreater, "n", 1);
@@ -296,7 +296,7 @@ TEST(FilterConditions, KeepADotInTheKey)
     EXPECT_EQ(query::of(filter), expected({query::group("a.b", {query::int32("$lt", 1)})}));
 }
 
-TEST(FilterConditions, TakeASlashInTheKeyAsAPath)
+TEST(FilterConditions, TreatASlashInTheKeyAsAPath)
 {
     ObjectFilter filter;
 
@@ -307,7 +307,7 @@ TEST(FilterConditions, TakeASlashInTheKeyAsAPath)
 }
 
 // One group is entered by the condition and one is left, whatever the key: callers depend on it.
-TEST(FilterConditions, LeaveOnlyTheLastGroupOfAPath)
+TEST(FilterConditions, OnAPathLeaveTheCursorInTheGroupBeforeTheLast)
 {
     ObjectFilter filter;
 
@@ -342,7 +342,7 @@ TEST(FilterConditions, OfEqualityWithAnEmptyKeyReplaceTheWholeQuery)
     EXPECT_EQ(filter.toObjectProeprties().currentValueAsInt32(0), 2);
 }
 
-TEST(FilterConditions, OfOtherOperationsWithAnEmptyKeyStandAtTheTopLevel)
+TEST(FilterConditions, OfOtherOperationsWithAnEmptyKeyAreWrittenAtTheTopLevel)
 {
     ObjectFilter filter;
     filter.setFilterInt(OperationTypeEqual, "a", 1);
@@ -355,7 +355,7 @@ TEST(FilterConditions, OfOtherOperationsWithAnEmptyKeyStandAtTheTopLevel)
               expected({query::int32("", 3), query::int32("$gt", 2), query::int32("a", 1), query::int32("b", 4)}));
 }
 
-TEST(FilterConditions, WithAnEmptyKeyInsideListsLeaveAFilterThatCanGoOn)
+TEST(FilterConditions, WithAnEmptyKeyInsideListsLeaveTheFilterUsable)
 {
     forEveryOperationAndKind([](auto set, const Bytes& /*condition*/) {
         ObjectFilter filter;
@@ -373,7 +373,7 @@ TEST(FilterConditions, WithAnEmptyKeyInsideListsLeaveAFilterThatCanGoOn)
     });
 }
 
-TEST(FilterConditions, EnterAnArrayThatStandsUnderTheirKey)
+TEST(FilterConditions, AreAddedToAnArrayUnderTheirKey)
 {
     ObjectFilter filter;
     ObjectProperties document;

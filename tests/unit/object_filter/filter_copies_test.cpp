@@ -42,7 +42,7 @@ TEST(FilterCopies, AreIndependentWithoutOpenLists)
     EXPECT_EQ(query::of(copy), expected({query::int32("copy", 2), query::int32("k", 1)}));
 }
 
-TEST(FilterCopies, GoOnInTheOpenList)
+TEST(FilterCopies, ContinueInTheOpenList)
 {
     ObjectFilter source;
     source.start_or();
@@ -57,7 +57,7 @@ TEST(FilterCopies, GoOnInTheOpenList)
     EXPECT_EQ(query::of(source), expected({orList({1})}));
 }
 
-TEST(FilterCopies, LeaveTheOpenListsOfTheSourceAlone)
+TEST(FilterCopies, DoNotCloseTheListsOfTheSource)
 {
     ObjectFilter source;
     source.start_or();
@@ -74,7 +74,7 @@ TEST(FilterCopies, LeaveTheOpenListsOfTheSourceAlone)
     EXPECT_EQ(query::of(copy), expected({orList({1}), query::int32("copy", 9)}));
 }
 
-TEST(FilterCopies, MadeByAssignmentGoOnInTheOpenList)
+TEST(FilterCopies, MadeByAssignmentContinueInTheOpenList)
 {
     ObjectFilter source;
     source.start_or();
@@ -94,7 +94,7 @@ TEST(FilterCopies, MadeByAssignmentGoOnInTheOpenList)
     EXPECT_EQ(query::of(source), expected({orList({1})}));
 }
 
-TEST(FilterCopies, ForgetTheirOwnOpenListsWhenTheSourceHasNone)
+TEST(FilterCopies, CloseTheirListsIfTheSourceHasNoOpenList)
 {
     ObjectFilter source;
     add(source, 1);
@@ -108,7 +108,7 @@ TEST(FilterCopies, ForgetTheirOwnOpenListsWhenTheSourceHasNone)
 }
 
 // A copied document stands at its root; only open lists call for more.
-TEST(FilterCopies, StandAtTheTopLevelWithoutOpenLists)
+TEST(FilterCopies, ContinueAtTheTopLevelWithoutOpenLists)
 {
     ObjectFilter source;
     source.beginGroup("sub");
@@ -195,7 +195,7 @@ TEST(FilterCopies, OfADocumentKeepTheCountOfOpenLists)
     EXPECT_EQ(query::of(filter), expected({query::group("$and", {query::int32("a", 1)}), query::int32("b", 2)}));
 }
 
-TEST(FilterCopies, AreMadeOfAFilterWhoseCursorLostItsPlace)
+TEST(FilterCopies, WorkIfTheListOfTheCursorWasRemoved)
 {
     ObjectFilter filter;
     filter.start_or();
@@ -246,7 +246,7 @@ void randomCall(ObjectFilter& filter, std::mt19937& random, std::vector<char>& o
 
 } // namespace
 
-TEST(FilterCopies, GiveTheSameQueryAsTheirSourceWhereverTheyAreTaken)
+TEST(FilterCopies, HaveTheQueryOfTheirSourceAtEveryStep)
 {
     for (unsigned seed = 0; seed < 500; ++seed)
     {

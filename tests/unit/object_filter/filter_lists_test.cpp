@@ -9,7 +9,7 @@
 using query::Bytes;
 using query::expected;
 
-TEST(FilterLists, GiveTheQueryOfAWorkedExample)
+TEST(FilterLists, BuildTheQueryOfAnExample)
 {
     ObjectFilter filter;
 
@@ -48,7 +48,7 @@ TEST(FilterLists, KeepTheOrderOfTheCalls)
     EXPECT_EQ(query::of(filter), expected({query::list("$or", elements)}));
 }
 
-TEST(FilterLists, StandBesideEachOtherInTheListAroundThem)
+TEST(FilterLists, AreSiblingsInTheEnclosingList)
 {
     ObjectFilter filter;
 
@@ -112,7 +112,7 @@ TEST(FilterLists, AreEmptyArraysWithoutConditions)
     EXPECT_EQ(query::of(filter), expected({query::list("$and", {}), query::int32("a", 1)}));
 }
 
-TEST(FilterLists, AreClosedByTheEndOfEitherKind)
+TEST(FilterLists, AreClosedByEitherFinishCall)
 {
     ObjectFilter filter;
 
@@ -129,7 +129,7 @@ TEST(FilterLists, AreClosedByTheEndOfEitherKind)
     EXPECT_EQ(query::of(filter), expected({outer, query::int32("c", 3)}));
 }
 
-TEST(FilterLists, AreShownWhileTheyAreOpen)
+TEST(FilterLists, AreInTheQueryWhileTheyAreOpen)
 {
     ObjectFilter filter;
     filter.start_or();
@@ -142,7 +142,7 @@ TEST(FilterLists, AreShownWhileTheyAreOpen)
                                                                query::group("$or", {query::int32("b", 2)})})}));
 }
 
-TEST(FilterLists, IgnoreAnEndTooMany)
+TEST(FilterLists, IgnoreAnExtraFinish)
 {
     ObjectFilter filter;
 
@@ -160,7 +160,7 @@ TEST(FilterLists, IgnoreAnEndTooMany)
               expected({query::list("$or", {query::group("$or", {query::int32("a", 1)})}), query::int32("b", 2)}));
 }
 
-TEST(FilterLists, LeaveAnOpenSubDocumentAloneWhenNoneIsOpen)
+TEST(FilterLists, FinishLeavesASubDocumentOpenIfNoListIsOpen)
 {
     ObjectFilter filter;
     filter.beginGroup("sub");
@@ -171,7 +171,7 @@ TEST(FilterLists, LeaveAnOpenSubDocumentAloneWhenNoneIsOpen)
     EXPECT_EQ(query::of(filter), expected({query::group("sub", {query::int32("a", 1)})}));
 }
 
-TEST(FilterLists, StandInsideASubDocument)
+TEST(FilterLists, AreWrittenInsideASubDocument)
 {
     ObjectFilter filter;
 

@@ -68,7 +68,7 @@ TEST(FilterInclude, AddsToTheInnermostListUnderItsName)
     EXPECT_EQ(query::of(filter), expected({query::list("$or", {query::group("$or", {inner}), orElement("b", 2)})}));
 }
 
-TEST(FilterInclude, TakesAWholeQueryAsOneElement)
+TEST(FilterInclude, AddsAWholeQueryAsOneElement)
 {
     ObjectFilter other;
     other.start_and();
@@ -96,7 +96,7 @@ TEST(FilterInclude, AddsAnEmptyElementForAnEmptyQuery)
     EXPECT_EQ(query::of(filter), expected({query::list("$or", {query::group("$or", {})})}));
 }
 
-TEST(FilterInclude, LeavesTheOtherFilterAlone)
+TEST(FilterInclude, DoesNotChangeTheOtherFilter)
 {
     ObjectFilter other;
     other.start_or();
@@ -114,7 +114,7 @@ TEST(FilterInclude, LeavesTheOtherFilterAlone)
                                              query::group("$and", {query::int32("b", 2)})})}));
 }
 
-TEST(FilterInclude, TakesTheFilterItself)
+TEST(FilterInclude, AcceptsTheFilterItself)
 {
     ObjectFilter filter;
     filter.start_or();
@@ -152,7 +152,7 @@ TEST(FilterInclude, WithoutAListReplacesTheQuery)
     EXPECT_EQ(query::of(filter), expected({query::int32("b", 2), query::int32("c", 3)}));
 }
 
-TEST(FilterInclude, WithoutAListGoesOnAtTheTopLevel)
+TEST(FilterInclude, WithoutAListContinuesAtTheTopLevel)
 {
     ObjectFilter filter;
     filter.beginGroup("x");
@@ -206,7 +206,7 @@ TEST(FilterExclude, OverwritesTheTargetAndItsOpenLists)
     EXPECT_EQ(query::of(target), expected({query::int32("$gt", 2), query::int32("z", 3)}));
 }
 
-TEST(FilterExclude, EmptiesTheTargetWhenTheKeyNamesNothing)
+TEST(FilterExclude, EmptiesTheTargetIfTheKeyIsMissing)
 {
     ObjectFilter filter = filterOn("a", 1);
     ObjectFilter target = filterOn("old", 2);
@@ -220,7 +220,7 @@ TEST(FilterExclude, EmptiesTheTargetWhenTheKeyNamesNothing)
     EXPECT_EQ(query::of(target), expected({query::int32("z", 3)}));
 }
 
-TEST(FilterExclude, TakesTheFilterItselfAsTarget)
+TEST(FilterExclude, AcceptsTheFilterItselfAsTarget)
 {
     ObjectFilter filter;
     filter.setFilterInt(OperationTypeEqual, "a", 1);
@@ -247,7 +247,7 @@ TEST(FilterExclude, KeepsTheOpenListsOfTheSource)
     EXPECT_EQ(query::of(target), expected({query::int32("$gt", 2)}));
 }
 
-TEST(FilterExclude, TakesTheListThatIsOpen)
+TEST(FilterExclude, MovesTheOpenList)
 {
     ObjectFilter filter;
     filter.start_or();
@@ -272,7 +272,7 @@ TEST(FilterEmptiness, HoldsForANewFilterOnly)
     EXPECT_FALSE(filter.isEmpty());
 }
 
-TEST(FilterEmptiness, IsThatOfTheWholeQueryWhereverTheFilterStands)
+TEST(FilterEmptiness, IsThatOfTheWholeQueryWhereverTheCursorIs)
 {
     ObjectFilter filter;
     filter.beginGroup("a");

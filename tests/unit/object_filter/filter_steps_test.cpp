@@ -144,7 +144,7 @@ TEST(FilterSteps, KeepTheirSlotOrder)
         EXPECT_EQ(entry.slot, next++) << entry.name;
 }
 
-TEST(FilterSteps, StandOnADocumentAHundredListsAndTheirNumber)
+TEST(FilterSteps, StoreADocumentAHundredListsAndTheirNumber)
 {
     EXPECT_EQ(sizeof(ObjectFilterPrivate::ArrayOperationType), 4U);
     EXPECT_EQ(ObjectFilterPrivate::ArrayOperationTypeAnd, 0);
@@ -190,7 +190,7 @@ TEST(FilterSteps, RunForEveryConditionOutsideAList)
     EXPECT_EQ(filter.calls, (Calls{"begin_operation", "operationTypeName", "end_operation"}));
 }
 
-TEST(FilterSteps, RunForEveryKindOfCondition)
+TEST(FilterSteps, RunForEveryTypeOfCondition)
 {
     RecordingFilter filter;
     filter.setFilterString(OperationTypeNotEqual, "a", "x", "");
@@ -260,7 +260,7 @@ TEST(FilterSteps, CanBeGivenOtherNames)
               expected({query::list("$nor", {query::group("$nor", {above}), query::group("$nor", {})})}));
 }
 
-TEST(FilterSteps, LoseNothingWhenAnOperationIsGivenTheEmptyName)
+TEST(FilterSteps, KeepTheQueryIfAnOperationHasTheEmptyName)
 {
     RenamingFilter filter;
     filter.name.clear();

@@ -30,7 +30,7 @@ Keys visitedKeys(const ObjectProperties& document)
 
 } // namespace
 
-TEST(ChildVisitor, SeesEveryChildInIndexOrderWithTheCursorOnIt)
+TEST(ChildVisitor, VisitsEveryChildInIndexOrderWithTheCursorOnIt)
 {
     const ObjectProperties document = threeMembers();
 
@@ -41,7 +41,7 @@ TEST(ChildVisitor, SeesEveryChildInIndexOrderWithTheCursorOnIt)
     EXPECT_EQ(visitedKeys(document), (Keys{"a", "b", "c"}));
 }
 
-TEST(ChildVisitor, LeavesTheCursorWhereItStood)
+TEST(ChildVisitor, DoesNotMoveTheCursorOfTheCaller)
 {
     const ObjectProperties document = threeMembers();
 
@@ -59,7 +59,7 @@ TEST(ChildVisitor, IsNotCalledOnANodeWithoutChildren)
     EXPECT_EQ(visitedKeys(document), Keys());
 }
 
-TEST(ChildVisitor, SeesTheElementsOfAListThatShareAKeyInTheOrderOfTheirInsertion)
+TEST(ChildVisitor, VisitsElementsWithOneKeyInTheOrderOfInsertion)
 {
     ObjectProperties document;
     document.beginArray("list");
@@ -136,7 +136,7 @@ TEST(ChildVisitor, SetsValuesOfTheChildrenItVisits)
     EXPECT_EQ(document.valueAsInt32("c", 0), 30);
 }
 
-TEST(ChildVisitor, StillSeesChildrenThatItRemovesAndNoneThatItAdds)
+TEST(ChildVisitor, VisitsChildrenThatItRemovesButNotThoseThatItAdds)
 {
     ObjectProperties document = threeMembers();
 
@@ -153,7 +153,7 @@ TEST(ChildVisitor, StillSeesChildrenThatItRemovesAndNoneThatItAdds)
     EXPECT_EQ(visitedKeys(document), (Keys{"d"}));
 }
 
-TEST(ChildVisitor, MayBeAnObjectThatKeepsCount)
+TEST(ChildVisitor, MayBeAFunctionObjectWithState)
 {
     struct Counter
     {

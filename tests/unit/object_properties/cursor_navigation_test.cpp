@@ -26,7 +26,7 @@ std::string wayOut(const ObjectProperties& document)
 
 } // namespace
 
-TEST(Cursor, OfANewDocumentStandsAtTheRootGroup)
+TEST(Cursor, OfANewDocumentIsAtTheRootGroup)
 {
     const ObjectProperties document;
 
@@ -51,7 +51,7 @@ TEST(Cursor, EndCallsAtTheRootLeaveItAtTheRoot)
     EXPECT_TRUE(document.contains("a"));
 }
 
-TEST(Cursor, BeginGroupCreatesEveryGroupOfThePathAndStandsOnTheLast)
+TEST(Cursor, BeginGroupCreatesEveryGroupOfThePathAndEntersTheLast)
 {
     const ObjectProperties document;
 
@@ -68,7 +68,7 @@ TEST(Cursor, BeginGroupCreatesEveryGroupOfThePathAndStandsOnTheLast)
     EXPECT_EQ(document.childGroups(), Keys{"a"});
 }
 
-TEST(Cursor, TheTwoFormsOfBeginGroupDoTheSame)
+TEST(Cursor, BothOverloadsOfBeginGroupDoTheSame)
 {
     ObjectProperties document;
     const ObjectProperties& readOnly = document;
@@ -84,7 +84,7 @@ TEST(Cursor, TheTwoFormsOfBeginGroupDoTheSame)
     EXPECT_EQ(wayOut(document), "new/b/a////////");
 }
 
-TEST(Cursor, BeginGroupEntersAGroupThatIsThere)
+TEST(Cursor, BeginGroupEntersAnExistingGroup)
 {
     ObjectProperties document;
     document.setValueInt32("a/v", 1);
@@ -98,7 +98,7 @@ TEST(Cursor, BeginGroupEntersAGroupThatIsThere)
     EXPECT_EQ(document.group(), "a");
 }
 
-TEST(Cursor, BeginGroupOnAValueStandsOnItAndKeepsKindAndValue)
+TEST(Cursor, BeginGroupOnAValueEntersItAndKeepsTypeAndValue)
 {
     for (const DocumentKind& kind : documentKinds())
     {
@@ -115,7 +115,7 @@ TEST(Cursor, BeginGroupOnAValueStandsOnItAndKeepsKindAndValue)
     }
 }
 
-TEST(Cursor, BeginGroupOnAnUndefinedNodeStandsOnItAndKeepsItUndefined)
+TEST(Cursor, BeginGroupOnAnUndefinedNodeEntersItAndKeepsItUndefined)
 {
     ObjectProperties document;
     document.valueAsInt32("u", 0);
@@ -125,7 +125,7 @@ TEST(Cursor, BeginGroupOnAnUndefinedNodeStandsOnItAndKeepsItUndefined)
     EXPECT_EQ(document.type(), static_cast<int>(Undefined));
 }
 
-TEST(Cursor, BeginGroupOnAnArrayByKeyStandsOnTheArray)
+TEST(Cursor, BeginGroupWithTheKeyOfAnArrayEntersTheArray)
 {
     ObjectProperties document;
     document.beginArray("list");
@@ -138,7 +138,7 @@ TEST(Cursor, BeginGroupOnAnArrayByKeyStandsOnTheArray)
     EXPECT_EQ(document.childCount(), 1U);
 }
 
-TEST(Cursor, BeginGroupThroughAValueGivesTheValueAChild)
+TEST(Cursor, BeginGroupThroughAValueAddsAChildToTheValue)
 {
     ObjectProperties document;
     document.setValueString("s", "text");
@@ -258,7 +258,7 @@ TEST(Cursor, BeginArrayWithTheEmptyKeyOrOneSlashGoesToTheRoot)
     }
 }
 
-TEST(Cursor, BeginArrayOnAGroupGoesToTheRootAndLeavesTheGroupAlone)
+TEST(Cursor, BeginArrayOnAGroupGoesToTheRootAndDoesNotChangeTheGroup)
 {
     ObjectProperties document;
     document.setValueInt32("a/g/kept", 1);
@@ -377,7 +377,7 @@ TEST(Cursor, AKeyWithALeadingSlashInAnArrayStartsAtTheRootAndAddsNoElement)
     EXPECT_EQ(wayOut(document), "list//////////");
 }
 
-TEST(Cursor, APathThroughAnArrayEntersAGroupThatIsThere)
+TEST(Cursor, APathThroughAnArrayEntersAnExistingGroup)
 {
     ObjectProperties document;
     document.beginArray("list");
@@ -453,7 +453,7 @@ TEST(Cursor, BeginObjectWalksTheChildrenInKeyOrder)
     EXPECT_EQ(document.key(), "");
 }
 
-TEST(Cursor, BeginObjectOutsideTheChildrenAnswersFalseAndDoesNotMove)
+TEST(Cursor, BeginObjectOutsideTheChildrenReturnsFalseAndDoesNotMove)
 {
     ObjectProperties document;
     document.setValueInt32("g/a", 1);
@@ -467,7 +467,7 @@ TEST(Cursor, BeginObjectOutsideTheChildrenAnswersFalseAndDoesNotMove)
     }
 }
 
-TEST(Cursor, BeginObjectOnAnEmptyNodeAnswersFalse)
+TEST(Cursor, BeginObjectOnAnEmptyNodeReturnsFalse)
 {
     const ObjectProperties document;
 
@@ -513,7 +513,7 @@ TEST(Cursor, EveryEndCallLeavesOneLevelWhateverOpenedIt)
     }
 }
 
-TEST(Cursor, TheWayBackIsTheShapeOfTheTree)
+TEST(Cursor, EndGroupGoesToTheParentInTheTree)
 {
     ObjectProperties document;
     document.beginGroup("x");
@@ -524,7 +524,7 @@ TEST(Cursor, TheWayBackIsTheShapeOfTheTree)
     EXPECT_EQ(document.group(), "a");
 }
 
-TEST(Cursor, ListsAndCountAreThoseOfTheCurrentNode)
+TEST(Cursor, ChildListsAndCountAreThoseOfTheCurrentNode)
 {
     ObjectProperties document;
     document.setValueInt32("outside", 1);
@@ -544,7 +544,7 @@ TEST(Cursor, ListsAndCountAreThoseOfTheCurrentNode)
     EXPECT_TRUE(document.childKeys().empty());
 }
 
-TEST(Cursor, IsEmptyAsksTheRootWhereverTheCursorStands)
+TEST(Cursor, IsEmptyChecksTheRootWhereverTheCursorIs)
 {
     ObjectProperties document;
     document.beginGroup("g");
@@ -573,7 +573,7 @@ TEST(Cursor, InsideARemovedSubtreeWalksTheRemovedNodesUntilItReturnsToTheRoot)
     EXPECT_EQ(document.childCount(), 0U);
 }
 
-TEST(Cursor, OnARemovedNodeWhoseParentLivesStillFindsItsWayOut)
+TEST(Cursor, OnARemovedNodeWhoseParentLivesReturnsToTheParent)
 {
     ObjectProperties document;
     document.beginGroup("a");
@@ -585,7 +585,7 @@ TEST(Cursor, OnARemovedNodeWhoseParentLivesStillFindsItsWayOut)
     EXPECT_TRUE(document.isEmpty());
 }
 
-TEST(Cursor, OnANodeWhoseParentIsGoneStaysThere)
+TEST(Cursor, StaysOnANodeWhoseParentWasDeleted)
 {
     ObjectProperties document;
     document.beginGroup("a/b/c");

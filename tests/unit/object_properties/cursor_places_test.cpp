@@ -30,7 +30,7 @@ ObjectProperties sample()
 
 } // namespace
 
-TEST(CurrentNode, IsTheRootOfANewDocumentAndThenWhereTheCursorStands)
+TEST(CurrentNode, IsTheRootOfANewDocumentAndThenTheNodeAtTheCursor)
 {
     const ObjectProperties document = sample();
     EXPECT_EQ(document.current(), document.root());
@@ -40,7 +40,7 @@ TEST(CurrentNode, IsTheRootOfANewDocumentAndThenWhereTheCursorStands)
     EXPECT_EQ(document.current(), document.root()->propertyByKey("a/b"));
 }
 
-TEST(MoveTo, StandsOnAnyNodeOfTheTree)
+TEST(MoveTo, MovesToAnyNodeOfTheTree)
 {
     const ObjectProperties document = sample();
     const NodePointer list = document.root()->propertyByKey("list");
@@ -54,7 +54,7 @@ TEST(MoveTo, StandsOnAnyNodeOfTheTree)
     EXPECT_EQ(document.group(), "");
 }
 
-TEST(MoveTo, RefusesWhatIsNotInTheTreeAndStaysWhereItIs)
+TEST(MoveTo, RefusesANodeOutsideTheTreeAndDoesNotMove)
 {
     const ObjectProperties document = sample();
     document.beginGroup("a");
@@ -91,7 +91,7 @@ TEST(MoveTo, FindsANodeWhoseOwnKeyIsNotThatOfItsEntry)
     EXPECT_EQ(document.group(), "own");
 }
 
-TEST(MoveTo, BringsACursorBackFromARemovedSubtree)
+TEST(MoveTo, MovesACursorBackFromARemovedSubtree)
 {
     const ObjectProperties document = sample();
     document.beginGroup("a/b");
@@ -102,7 +102,7 @@ TEST(MoveTo, BringsACursorBackFromARemovedSubtree)
     EXPECT_EQ(document.childCount(), 3U);
 }
 
-TEST(CopyWithCursor, KeepsThePlaceOfTheCursorInTheCopy)
+TEST(CopyWithCursor, PutsTheCursorOfTheCopyOnTheSameNode)
 {
     const ObjectProperties source = sample();
     source.moveTo(source.root()->propertyByKey("list")->childByIndex(1));
@@ -115,7 +115,7 @@ TEST(CopyWithCursor, KeepsThePlaceOfTheCursorInTheCopy)
     EXPECT_EQ(source.group(), "e");
 }
 
-TEST(CopyWithCursor, OfADocumentWithItsCursorAtTheRootHasItThere)
+TEST(CopyWithCursor, KeepsACursorAtTheRoot)
 {
     ObjectProperties copy;
     copy.beginGroup("old");
@@ -125,7 +125,7 @@ TEST(CopyWithCursor, OfADocumentWithItsCursorAtTheRootHasItThere)
     EXPECT_EQ(copy.current(), copy.root());
 }
 
-TEST(CopyWithCursor, OfACursorOutsideTheTreeHasItAtTheRoot)
+TEST(CopyWithCursor, PutsACursorOutsideTheTreeAtTheRoot)
 {
     const ObjectProperties source = sample();
     source.beginGroup("a/b");

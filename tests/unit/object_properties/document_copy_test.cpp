@@ -62,7 +62,7 @@ TEST(DocumentCopy, HasTheContentOfTheSourceAndItsCursorAtTheRoot)
     EXPECT_EQ(source.group(), "inside");
 }
 
-TEST(DocumentCopy, ChangedItLeavesTheSourceAlone)
+TEST(DocumentCopy, IsChangedWithoutChangingTheSource)
 {
     const ObjectProperties source = sample();
     const std::string before = textOf(source);
@@ -128,7 +128,7 @@ TEST(DocumentCopy, OfADocumentWhoseRootIsAValueIsThatValue)
     }
 }
 
-TEST(DocumentCopy, KeepsAliveNoNodeOfTheTargetButThoseHeldElsewhere)
+TEST(DocumentCopy, ReleasesTheNodesOfTheTargetExceptThoseOwnedElsewhere)
 {
     ObjectProperties target;
     target.setValueInt32("held/v", 1);
@@ -214,7 +214,7 @@ TEST(DocumentMove, ThrowsNothing)
     EXPECT_TRUE(std::is_nothrow_move_assignable_v<ObjectProperties>);
 }
 
-TEST(DocumentDestruction, LeavesAliveTheNodesThatAreHeldElsewhere)
+TEST(DocumentDestruction, KeepsNodesAliveThatAreOwnedElsewhere)
 {
     auto document = std::make_unique<ObjectProperties>(sample());
     const std::shared_ptr<Property> root = document->root();
@@ -224,7 +224,7 @@ TEST(DocumentDestruction, LeavesAliveTheNodesThatAreHeldElsewhere)
     EXPECT_TRUE(root->contains("values/String"));
 }
 
-TEST(DocumentFactory, GivesANewEmptyDocumentOfTheCaller)
+TEST(DocumentFactory, ReturnsANewEmptyDocumentThatTheCallerOwns)
 {
     const std::unique_ptr<ObjectProperties> first(createObjectProperties());
     const std::unique_ptr<ObjectProperties> second(createObjectProperties());
@@ -236,7 +236,7 @@ TEST(DocumentFactory, GivesANewEmptyDocumentOfTheCaller)
     EXPECT_EQ(second->type(), static_cast<int>(Group));
 }
 
-TEST(DocumentPrint, WritesTheWholeDocumentWhereverTheCursorStands)
+TEST(DocumentPrint, PrintsTheWholeDocumentWhereverTheCursorIs)
 {
     ObjectProperties document;
     document.setValueInt32("a", 1);
@@ -252,7 +252,7 @@ TEST(DocumentPrint, WritesTheWholeDocumentWhereverTheCursorStands)
     EXPECT_EQ(document.group(), "b");
 }
 
-TEST(DocumentPrint, OfAnEmptyDocumentIsTwoBraces)
+TEST(DocumentPrint, PrintsAnEmptyDocumentAsTwoBraces)
 {
     EXPECT_EQ(dump(ObjectProperties()), "{\n}\n");
 }

@@ -8,7 +8,7 @@
 #include <memory>
 #include <type_traits>
 
-TEST(DocumentImplementation, HoldsTheRootAndTheCursorAndNothingElse)
+TEST(DocumentImplementation, HasOnlyTheRootAndTheCursorAsMembers)
 {
     EXPECT_TRUE((std::is_same_v<decltype(ObjectPropertiesPrivate::root), std::shared_ptr<Property>>));
     EXPECT_TRUE((std::is_same_v<decltype(ObjectPropertiesPrivate::current), std::shared_ptr<Property>>));

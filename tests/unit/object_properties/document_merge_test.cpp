@@ -78,7 +78,7 @@ TEST(DocumentInclude, KeepsTheKeyOfTheGroup)
     EXPECT_EQ(document.group(), "sub");
 }
 
-TEST(DocumentInclude, LeavesTheOtherDocumentAlone)
+TEST(DocumentInclude, DoesNotChangeTheOtherDocument)
 {
     ObjectProperties document;
     ObjectProperties other = members();
@@ -118,7 +118,7 @@ TEST(DocumentInclude, WithTheEmptyKeyReplacesTheWholeDocument)
     }
 }
 
-TEST(DocumentInclude, MakesAGroupOfAValueOfAnyKind)
+TEST(DocumentInclude, ReplacesAValueOfAnyTypeByAGroup)
 {
     for (const DocumentKind& kind : documentKinds())
     {
@@ -246,7 +246,7 @@ TEST(DocumentInclude, OfItselfAtTheRootChangesNothing)
     EXPECT_EQ(textOf(document), membersText);
 }
 
-TEST(DocumentInclude, OfItselfUnderAValueKeepsATreeThatIsSound)
+TEST(DocumentInclude, OfItselfUnderAValueKeepsTheTreeConsistent)
 {
     ObjectProperties document = members();
 
@@ -350,7 +350,7 @@ TEST(DocumentExclude, OfAnArrayMakesTheRootOfTheOtherDocumentAnArray)
     EXPECT_TRUE(document.isEmpty());
 }
 
-TEST(DocumentExclude, OfEqualKeysTakesTheFirst)
+TEST(DocumentExclude, MovesTheFirstOfEqualKeys)
 {
     ObjectProperties document;
     document.beginArray("list");
@@ -366,7 +366,7 @@ TEST(DocumentExclude, OfEqualKeysTakesTheFirst)
     EXPECT_EQ(document.currentValueAsInt32(0), 2);
 }
 
-TEST(DocumentExclude, TakesACursorInsideTheSubtreeToTheRoot)
+TEST(DocumentExclude, MovesACursorInsideTheSubtreeToTheRoot)
 {
     for (const char* inside : {"y", "y/z"})
     {
@@ -417,7 +417,7 @@ TEST(DocumentExclude, WithItselfAndTheKeyOfAValueIsThatValue)
     }
 }
 
-TEST(DocumentExclude, TakesTheEntryThatTheKeyNamesAlsoWhenItsNodeHasAnotherKey)
+TEST(DocumentExclude, MovesTheEntryOfTheKeyEvenIfItsNodeHasAnotherKey)
 {
     ObjectProperties document;
     document.setValueInt32("a", 1);

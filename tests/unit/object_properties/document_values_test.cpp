@@ -15,7 +15,7 @@ class DocumentValue : public testing::TestWithParam<DocumentKind>
 
 } // namespace
 
-TEST_P(DocumentValue, SetByKeyHasItsKindAndIsReadByKey)
+TEST_P(DocumentValue, SetByKeyHasItsTypeAndIsReadByKey)
 {
     ObjectProperties document;
 
@@ -27,7 +27,7 @@ TEST_P(DocumentValue, SetByKeyHasItsKindAndIsReadByKey)
     EXPECT_TRUE(GetParam().hasSampleAt(document, "//a//b/"));
 }
 
-TEST_P(DocumentValue, SetAtTheCursorHasItsKindAndIsReadThere)
+TEST_P(DocumentValue, SetAtTheCursorHasItsTypeAndIsReadThere)
 {
     ObjectProperties document;
     document.beginGroup("a");
@@ -42,7 +42,7 @@ TEST_P(DocumentValue, SetAtTheCursorHasItsKindAndIsReadThere)
     EXPECT_TRUE(GetParam().hasSampleAt(document, "/a"));
 }
 
-TEST_P(DocumentValue, IsReadOnlyByTheGettersOfItsKind)
+TEST_P(DocumentValue, IsReadOnlyByTheGettersOfItsType)
 {
     ObjectProperties document;
     GetParam().setAt(document, "v");
@@ -59,7 +59,7 @@ TEST_P(DocumentValue, IsReadOnlyByTheGettersOfItsKind)
     EXPECT_TRUE(GetParam().hasSample(document));
 }
 
-TEST_P(DocumentValue, ThatIsMissingIsTheDefaultAndIsThereUndefinedAfterwards)
+TEST_P(DocumentValue, MissingReturnsTheDefaultAndAddsAnUndefinedNode)
 {
     const ObjectProperties document;
 
@@ -140,7 +140,7 @@ TEST_P(DocumentValue, ReadWithTheCursorOnAnArrayAddsAnElementAndIsTheDefault)
     EXPECT_EQ(document.childCount(), 2U);
 }
 
-TEST_P(DocumentValue, ReplacesWhateverStandsUnderItsKey)
+TEST_P(DocumentValue, ReplacesAnyValueOfItsKey)
 {
     for (const DocumentKind& before : documentKinds())
     {
@@ -204,7 +204,7 @@ TEST(DocumentValues, ExtremeDefaultsComeBackUnchanged)
     EXPECT_EQ(document.currentValueAsTime(LLONG_MIN), LLONG_MIN);
 }
 
-TEST(DocumentValues, AMissingTextGivesTheDefaultAndIsThereUndefinedAfterwards)
+TEST(DocumentValues, AMissingStringReturnsTheDefaultAndAddsAnUndefinedNode)
 {
     const ObjectProperties document;
 
@@ -214,7 +214,7 @@ TEST(DocumentValues, AMissingTextGivesTheDefaultAndIsThereUndefinedAfterwards)
     EXPECT_EQ(document.type("missing"), 1);
 }
 
-TEST(DocumentValues, TypeAndContainsAnswerNothingForTheEmptyKey)
+TEST(DocumentValues, TypeIsZeroAndContainsIsFalseForTheEmptyKey)
 {
     ObjectProperties document;
     document.setValueInt32("a", 1);
@@ -249,7 +249,7 @@ TEST(DocumentValues, TypeAndContainsStartAtTheCursorOrAtTheRoot)
     EXPECT_FALSE(document.contains("a/x"));
 }
 
-TEST(DocumentValues, ASequenceOfKindsAtOneKeyEndsWithTheLast)
+TEST(DocumentValues, ASequenceOfTypesAtOneKeyEndsWithTheLast)
 {
     ObjectProperties document;
 
@@ -260,7 +260,7 @@ TEST(DocumentValues, ASequenceOfKindsAtOneKeyEndsWithTheLast)
     EXPECT_EQ(document.childCount(), 1U);
 }
 
-TEST(DocumentRemoval, ByIndexTakesTheFirstInKeyOrderNotTheFirstInserted)
+TEST(DocumentRemoval, ByIndexRemovesTheFirstInKeyOrderNotTheFirstInserted)
 {
     ObjectProperties document;
     document.setValueInt32("b", 1);
@@ -271,7 +271,7 @@ TEST(DocumentRemoval, ByIndexTakesTheFirstInKeyOrderNotTheFirstInserted)
     EXPECT_EQ(document.childKeys(), std::list<std::string>{"b"});
 }
 
-TEST(DocumentRemoval, ByIndexTakesAChildOfTheCurrentNode)
+TEST(DocumentRemoval, ByIndexRemovesAChildOfTheCurrentNode)
 {
     ObjectProperties document;
     document.setValueInt32("g/a", 1);
@@ -287,7 +287,7 @@ TEST(DocumentRemoval, ByIndexTakesAChildOfTheCurrentNode)
     EXPECT_EQ(document.childCount(), 1U);
 }
 
-TEST(DocumentRemoval, ByKeyTakesAChildOfTheCursorLiterally)
+TEST(DocumentRemoval, ByKeyRemovesAChildOfTheCursorLiterally)
 {
     ObjectProperties document;
     document.setValueInt32("g/a", 1);
@@ -302,7 +302,7 @@ TEST(DocumentRemoval, ByKeyTakesAChildOfTheCursorLiterally)
     EXPECT_TRUE(document.contains("/a"));
 }
 
-TEST(DocumentRemoval, ByKeyWithALeadingSlashAsksTheRootForThatVeryKey)
+TEST(DocumentRemoval, ByKeyWithALeadingSlashRemovesThatVeryKeyFromTheRoot)
 {
     ObjectProperties document;
     document.setValueInt32("a", 1);
@@ -326,7 +326,7 @@ TEST(DocumentRemoval, OfAMissingKeyDoesNothing)
     EXPECT_EQ(document.childCount(), 1U);
 }
 
-TEST(DocumentRemoval, OfEqualKeysTakesTheFirst)
+TEST(DocumentRemoval, RemovesTheFirstOfEqualKeys)
 {
     ObjectProperties document;
     document.beginArray("list");
@@ -341,7 +341,7 @@ TEST(DocumentRemoval, OfEqualKeysTakesTheFirst)
     EXPECT_EQ(document.childCount(), 1U);
 }
 
-TEST(DocumentRemoval, OfTheNodeTheCursorStandsOnLeavesTheCursorOnIt)
+TEST(DocumentRemoval, OfTheNodeAtTheCursorLeavesTheCursorOnIt)
 {
     ObjectProperties document;
     document.beginGroup("a");

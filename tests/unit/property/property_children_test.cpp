@@ -43,7 +43,7 @@ std::vector<int> valuesOf(const Property& node)
 
 } // namespace
 
-TEST(PropertyNode, CreateGivesANodeWithoutKeyParentKindAndChildren)
+TEST(PropertyNode, CreateReturnsANodeWithoutKeyParentTypeAndChildren)
 {
     const NodePointer node = Property::create();
 
@@ -75,7 +75,7 @@ TEST(PropertyNode, InitAndGetPtrNeedASharedOwner)
     EXPECT_THROW(unowned.getPtr(), std::bad_weak_ptr);
 }
 
-TEST(PropertyNode, WithoutASharedOwnerTakesNoChildren)
+TEST(PropertyNode, WithoutASharedOwnerThrowsForChildren)
 {
     Property unowned("key", nullptr);
     const NodePointer source = Property::create();
@@ -88,7 +88,7 @@ TEST(PropertyNode, WithoutASharedOwnerTakesNoChildren)
     EXPECT_EQ(unowned.key(), "key");
 }
 
-TEST(PropertyNode, InitTakesAndDropsAShare)
+TEST(PropertyNode, InitDoesNotAddAnOwner)
 {
     const NodePointer node = Property::create();
 
@@ -110,7 +110,7 @@ TEST(PropertyNode, ParentThrowsOnARootAndOnAnOrphan)
     EXPECT_THROW(child->parent(), std::bad_weak_ptr);
 }
 
-TEST(PropertyNode, AChildHeldElsewhereOutlivesItsTreeWithItsSubtree)
+TEST(PropertyNode, AChildOwnedElsewhereOutlivesItsTreeWithItsSubtree)
 {
     NodePointer root = Property::create();
     const NodePointer child = root->createGroup("a/b");
@@ -156,7 +156,7 @@ TEST(PropertySingleKey, TheEmptyKeyIsAKeyLikeAnyOther)
     EXPECT_FALSE(node->contains(""));
 }
 
-TEST(PropertySingleKey, AMissingKeyGivesAnEmptyPointer)
+TEST(PropertySingleKey, AMissingKeyReturnsAnEmptyPointer)
 {
     const NodePointer node = newGroup();
     node->createSingleProperty("b");
@@ -178,7 +178,7 @@ TEST(PropertySingleKey, KeysWithZeroBytesAreComparedInFull)
     EXPECT_FALSE(node->containsSingleKey("a"));
 }
 
-TEST(PropertySingleCreation, MakesAChildOfTheKindAskedFor)
+TEST(PropertySingleCreation, CreatesAChildOfTheRequestedType)
 {
     const NodePointer node = newGroup();
 
@@ -192,7 +192,7 @@ TEST(PropertySingleCreation, MakesAChildOfTheKindAskedFor)
     }
 }
 
-TEST(PropertySingleCreation, ANodeOfAnyKindCanHaveChildren)
+TEST(PropertySingleCreation, ANodeOfAnyTypeCanHaveChildren)
 {
     const NodePointer node = Property::create();
     node->setValueInt32(5);
@@ -203,7 +203,7 @@ TEST(PropertySingleCreation, ANodeOfAnyKindCanHaveChildren)
     EXPECT_EQ(node->currentValueAsInt32(0), 5);
 }
 
-TEST(PropertySingleCreation, GroupAndPropertyGiveTheChildThatIsThereWhateverItsKind)
+TEST(PropertySingleCreation, GroupAndPropertyReturnAnExistingChildOfAnyType)
 {
     const NodePointer node = newGroup();
     const NodePointer group = node->createSingleGroup("group");
@@ -224,7 +224,7 @@ TEST(PropertySingleCreation, GroupAndPropertyGiveTheChildThatIsThereWhateverItsK
     }
 }
 
-TEST(PropertySingleCreation, ArrayGivesAnArrayThatIsThereAndNothingForAnyOtherKind)
+TEST(PropertySingleCreation, ArrayReturnsAnExistingArrayAndNullForAnyOtherType)
 {
     const NodePointer node = newGroup();
     const NodePointer array = node->createSingleArray("array");
@@ -246,7 +246,7 @@ TEST(PropertySingleCreation, ArrayGivesAnArrayThatIsThereAndNothingForAnyOtherKi
     EXPECT_EQ(node->childCount(), 3U + valueKinds().size());
 }
 
-TEST(PropertySingleCreation, OnAnArrayEveryCallAddsAnElementUnderTheKeyAsGiven)
+TEST(PropertySingleCreation, OnAnArrayEveryCallAddsAnElementUnderTheLiteralKey)
 {
     const NodePointer array = newArray();
 
@@ -308,7 +308,7 @@ TEST(PropertyOrder, IndexAndIterationAgree)
     EXPECT_EQ(std::distance(readOnly.begin(), readOnly.end()), 5);
 }
 
-TEST(PropertyIndex, OutsideTheChildrenGivesAnEmptyPointer)
+TEST(PropertyIndex, OutsideTheChildrenReturnsAnEmptyPointer)
 {
     const NodePointer node = newGroup();
     EXPECT_EQ(node->childByIndex(0), nullptr);
@@ -319,7 +319,7 @@ TEST(PropertyIndex, OutsideTheChildrenGivesAnEmptyPointer)
         EXPECT_EQ(node->childByIndex(index), nullptr) << index;
 }
 
-TEST(PropertyRemoval, ByKeyTakesTheFirstOfEqualKeys)
+TEST(PropertyRemoval, ByKeyRemovesTheFirstOfEqualKeys)
 {
     const NodePointer array = newArray();
     for (const int value : {1, 2, 3})
@@ -331,7 +331,7 @@ TEST(PropertyRemoval, ByKeyTakesTheFirstOfEqualKeys)
     EXPECT_EQ(array->childCount(), 2U);
 }
 
-TEST(PropertyRemoval, RemoveAllTakesEveryChildWithTheKey)
+TEST(PropertyRemoval, RemoveAllRemovesEveryChildWithTheKey)
 {
     const NodePointer array = newArray();
     array->setValueInt32("k", 1);
@@ -344,7 +344,7 @@ TEST(PropertyRemoval, RemoveAllTakesEveryChildWithTheKey)
     EXPECT_EQ(array->childCount(), 1U);
 }
 
-TEST(PropertyRemoval, ByIndexTakesThatChildAndRenumbersNoKey)
+TEST(PropertyRemoval, ByIndexRemovesThatChildAndRenumbersNoKey)
 {
     for (int index = 0; index < 5; ++index)
     {
@@ -393,7 +393,7 @@ TEST(PropertyRemoval, ARemovedChildKeepsItsParentLinkAndItsSubtree)
     EXPECT_EQ(child.use_count(), 1);
 }
 
-TEST(PropertyRemoval, ByTheKeyOfTheChildItself)
+TEST(PropertyRemoval, AcceptsTheKeyOfTheChildItself)
 {
     const NodePointer node = newGroup();
     const Property& first = *node->createSingleProperty("a key that is long enough for the heap");
@@ -405,7 +405,7 @@ TEST(PropertyRemoval, ByTheKeyOfTheChildItself)
     EXPECT_EQ(node->childCount(), 0U);
 }
 
-TEST(PropertyRemoval, ClearChildsReleasesEveryChildAndKeepsKindAndKey)
+TEST(PropertyRemoval, ClearChildsReleasesEveryChildAndKeepsTypeAndKey)
 {
     const NodePointer node = newGroup();
     const std::weak_ptr<Property> child = node->createGroup("a/b");
@@ -447,7 +447,7 @@ void addOneChildOfEachKind(Property& node)
 
 } // namespace
 
-TEST(PropertyChildLists, SortTheChildrenOfAGroupByTheirKind)
+TEST(PropertyChildLists, SortTheChildrenOfAGroupByTheirType)
 {
     const NodePointer group = newGroup();
     addOneChildOfEachKind(*group);
@@ -458,7 +458,7 @@ TEST(PropertyChildLists, SortTheChildrenOfAGroupByTheirKind)
               (Keys{"Binary", "Bool", "Double", "Id", "Int32", "Int64", "Regex", "String", "Time", "undefined"}));
 }
 
-TEST(PropertyChildLists, SortTheElementsOfAnArrayByTheirKindWithDuplicatesKept)
+TEST(PropertyChildLists, SortTheElementsOfAnArrayByTheirTypeAndKeepDuplicates)
 {
     const NodePointer array = newArray();
     for (int count = 0; count < 2; ++count)
@@ -493,7 +493,7 @@ TEST(PropertyChildLists, AreEmptyUnlessTheNodeIsAGroupOrAnArray)
     }
 }
 
-TEST(PropertyChildLists, GiveTheEntryKeyOfValuesAndGroupsAndTheOwnKeyOfArrays)
+TEST(PropertyChildLists, ReturnTheEntryKeyOfValuesAndGroupsAndTheOwnKeyOfArrays)
 {
     const NodePointer group = newGroup();
     const NodePointer source = Property::create();

@@ -126,7 +126,7 @@ TEST(PropertyCopy, OfAnEmptyNodeEmptiesTheTarget)
     EXPECT_EQ(target->key(), "");
 }
 
-TEST(PropertyCopy, TakesTheKeyOfTheSourceWhileItsEntryKeepsTheOldOne)
+TEST(PropertyCopy, CopiesTheKeyOfTheSourceButKeepsTheKeyOfTheEntry)
 {
     const NodePointer parent = Property::create();
     const NodePointer target = parent->createGroup("entry");
@@ -203,7 +203,7 @@ TEST(PropertyCopy, OfADescendantBecomesThatSubtree)
     expectParentLinksBelow(root);
 }
 
-TEST(PropertyCopy, OfADeepDescendantThatNothingElseHolds)
+TEST(PropertyCopy, OfADeepDescendantThatNothingElseOwnsBecomesThatNode)
 {
     const NodePointer root = Property::create();
     Property& leaf = *root->createProperty("a/b/c/d");
@@ -216,7 +216,7 @@ TEST(PropertyCopy, OfADeepDescendantThatNothingElseHolds)
     EXPECT_EQ(root->childCount(), 0U);
 }
 
-TEST(PropertyCopy, OfASiblingLeavesTheSibling)
+TEST(PropertyCopy, OfASiblingDoesNotChangeTheSibling)
 {
     const NodePointer root = sampleTree();
     const std::string expected = contentOf(*root->propertyByKey("list"));
@@ -227,7 +227,7 @@ TEST(PropertyCopy, OfASiblingLeavesTheSibling)
     EXPECT_EQ(contentOf(*root->propertyByKey("list")), expected);
 }
 
-TEST(PropertyCopy, AChildOfTheTargetThatIsHeldElsewhereLivesOn)
+TEST(PropertyCopy, KeepsAChildOfTheTargetAliveThatIsOwnedElsewhere)
 {
     const NodePointer target = sampleTree();
     const NodePointer held = target->propertyByKey("values");

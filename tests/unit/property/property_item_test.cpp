@@ -53,7 +53,7 @@ TEST(PropertyItem, TheValueWordIsAUnionOf8BytesZeroedByItsConstructor)
     EXPECT_EQ(value.int64, 0);
 }
 
-TEST(PropertyItem, SettingANumberSetsItsKind)
+TEST(PropertyItem, SettingANumberSetsItsType)
 {
     Item item;
 
@@ -71,7 +71,7 @@ TEST(PropertyItem, SettingANumberSetsItsKind)
     EXPECT_EQ(item.valueAsDouble(), 2.5);
 }
 
-TEST(PropertyItem, SettingTextBytesOrRegexLeavesTheKindToTheNode)
+TEST(PropertyItem, SettingStringBytesOrRegexDoesNotSetTheType)
 {
     Item text;
     text.setValueString(longText);
@@ -98,7 +98,7 @@ TEST(PropertyItem, ATextIsCopiedUpToItsFirstZeroByte)
     EXPECT_EQ(item.valueAsString(), "ab");
 }
 
-TEST(PropertyItem, ATextSetTwiceWhileTheKindIsNotSetIsFreedOnce)
+TEST(PropertyItem, AStringSetTwiceWhileTheTypeIsNotSetIsFreedOnce)
 {
     Item item;
 
@@ -108,7 +108,7 @@ TEST(PropertyItem, ATextSetTwiceWhileTheKindIsNotSetIsFreedOnce)
     EXPECT_EQ(item.valueAsString(), "second " + longText);
 }
 
-TEST(PropertyItem, ATextReplacesANumberAndANumberAText)
+TEST(PropertyItem, AStringReplacesANumberAndANumberAString)
 {
     Item item;
 
@@ -131,7 +131,7 @@ TEST(PropertyItem, ANumberReleasesAllBytesOfTheValueWordThatItDoesNotUse)
     EXPECT_EQ(item.valueAsInt64(), 2);
 }
 
-TEST(PropertyItem, ClearStringZeroesTheValueWordOfEveryKind)
+TEST(PropertyItem, ClearStringZeroesTheValueWordOfEveryType)
 {
     for (const ValueKind& kind : valueKinds())
     {
@@ -187,7 +187,7 @@ TEST(PropertyItem, ClearRegexFreesTheTextsOfARegexOnly)
     EXPECT_EQ(notYetRegex.valueAsRegex(), TextPair("p", "o"));
 }
 
-TEST_P(PropertyItemOfKind, ReleasedKeepsItsKindAndLosesItsValue)
+TEST_P(PropertyItemOfKind, ReleasedKeepsItsTypeAndLosesItsValue)
 {
     Item item = itemOfKind(GetParam());
 
@@ -219,7 +219,7 @@ TEST_P(PropertyItemOfKind, ClearedIsUndefined)
     EXPECT_EQ(item.valueAsInt64(), 0);
 }
 
-TEST_P(PropertyItemOfKind, ACopyHasKeyKindAndValueAndStorageOfItsOwn)
+TEST_P(PropertyItemOfKind, ACopyHasItsOwnKeyTypeValueAndStorage)
 {
     const auto root = Property::create();
     const auto source = root->createSingleProperty("key");
@@ -234,7 +234,7 @@ TEST_P(PropertyItemOfKind, ACopyHasKeyKindAndValueAndStorageOfItsOwn)
     EXPECT_TRUE(GetParam().hasSample(*target));
 }
 
-TEST_P(PropertyItemOfKind, ACopyReplacesAValueOfAnyKind)
+TEST_P(PropertyItemOfKind, ACopyReplacesAValueOfAnyType)
 {
     for (const ValueKind& before : valueKinds())
     {
@@ -261,7 +261,7 @@ TEST_P(PropertyItemOfKind, AssignedToItselfStaysAsItIs)
     EXPECT_TRUE(GetParam().hasSample(*node));
 }
 
-TEST_P(PropertyItemOfKind, AKindWithoutValueCopiedOverItReleasesTheValue)
+TEST_P(PropertyItemOfKind, ATypeWithoutValueCopiedOverItReleasesTheValue)
 {
     for (const PropertyType kind : {None, Undefined, Group, Array})
     {
@@ -280,7 +280,7 @@ TEST_P(PropertyItemOfKind, AKindWithoutValueCopiedOverItReleasesTheValue)
 
 INSTANTIATE_TEST_SUITE_P(Kinds, PropertyItemOfKind, testing::ValuesIn(valueKinds()), RowName());
 
-TEST(PropertyItem, CopyingAGroupOrAnArrayCopiesKindAndKeyOnly)
+TEST(PropertyItem, CopyingAGroupOrAnArrayCopiesTypeAndKeyOnly)
 {
     const auto root = Property::create();
     const auto array = root->createArray("array");
@@ -298,7 +298,7 @@ TEST(PropertyItem, CopyingAGroupOrAnArrayCopiesKindAndKeyOnly)
     EXPECT_EQ(target->childCount(), 0U);
 }
 
-TEST(PropertyItem, CopyingAKindOutsideTheEnumerationCopiesTheNumber)
+TEST(PropertyItem, CopyingATypeOutsideTheEnumerationCopiesTheNumber)
 {
     Item source;
     storedKind(source) = static_cast<PropertyType>(13);
@@ -308,7 +308,7 @@ TEST(PropertyItem, CopyingAKindOutsideTheEnumerationCopiesTheNumber)
     EXPECT_EQ(static_cast<int>(storedKind(target)), 13);
 }
 
-TEST(PropertyItem, CopyingATextThatWasReleasedGivesAnEmptyText)
+TEST(PropertyItem, CopyingAReleasedStringCopiesAnEmptyString)
 {
     const auto node = Property::create();
     node->setValueString(longText);

@@ -68,7 +68,7 @@ TEST_P(PropertyPath, IsSplitAtSlashesAndEmptySegmentsAreDropped)
     EXPECT_EQ(Property::create()->splitKey(GetParam().path), GetParam().segments);
 }
 
-TEST_P(PropertyPath, NamesNothingInAnEmptyNode)
+TEST_P(PropertyPath, FindsNothingInAnEmptyNode)
 {
     const NodePointer root = Property::create();
 
@@ -132,7 +132,7 @@ TEST_P(PropertyPath, FindsWhatWasCreatedUnlessItHasNoSegment)
 
 INSTANTIATE_TEST_SUITE_P(Paths, PropertyPath, testing::ValuesIn(pathRows), RowName());
 
-TEST(PropertyPaths, CreateGroupMakesThreeNestedGroupsAndGivesTheLast)
+TEST(PropertyPaths, CreateGroupMakesThreeNestedGroupsAndReturnsTheLast)
 {
     const NodePointer root = Property::create();
 
@@ -173,7 +173,7 @@ TEST(PropertyPaths, ALookupStartsAtTheNodeItIsCalledOn)
     EXPECT_FALSE(inner->contains("a"));
 }
 
-TEST(PropertyPaths, EveryStepTakesTheFirstOfEqualKeys)
+TEST(PropertyPaths, EveryStepFollowsTheFirstOfEqualKeys)
 {
     const NodePointer root = Property::create();
     const NodePointer array = root->createArray("list");
@@ -188,7 +188,7 @@ TEST(PropertyPaths, EveryStepTakesTheFirstOfEqualKeys)
     EXPECT_FALSE(root->contains("list/e/w"));
 }
 
-TEST(PropertyPaths, AnArrayIsNotMadeFromAStringButAGroupPathGivesTheString)
+TEST(PropertyPaths, CreateArrayOnAStringReturnsNullButCreateGroupReturnsTheString)
 {
     const NodePointer root = Property::create();
     root->setValueString("x", "text");
@@ -282,7 +282,7 @@ TEST(PropertyPaths, OnAnArrayAPathOfNoSegmentIsTheArrayItself)
     EXPECT_EQ(array->childCount(), 0U);
 }
 
-TEST(PropertyIfNotExists, GivesTheNodeThatIsThereWhateverItsKind)
+TEST(PropertyIfNotExists, ReturnsAnExistingNodeOfAnyType)
 {
     const NodePointer root = Property::create();
     const NodePointer group = root->createGroup("a/group");
@@ -294,7 +294,7 @@ TEST(PropertyIfNotExists, GivesTheNodeThatIsThereWhateverItsKind)
     EXPECT_TRUE(array->isArray());
 }
 
-TEST(PropertyIfNotExists, CreatesWhatIsMissing)
+TEST(PropertyIfNotExists, CreatesMissingNodes)
 {
     const NodePointer root = Property::create();
 
@@ -304,7 +304,7 @@ TEST(PropertyIfNotExists, CreatesWhatIsMissing)
     EXPECT_EQ(node->type(), static_cast<int>(Undefined));
 }
 
-TEST(PropertyIfNotExists, ThroughAnArrayItFindsAnElementThatIsThere)
+TEST(PropertyIfNotExists, ThroughAnArrayItFindsAnExistingElement)
 {
     const NodePointer root = Property::create();
     const NodePointer array = root->createArray("list");
@@ -316,7 +316,7 @@ TEST(PropertyIfNotExists, ThroughAnArrayItFindsAnElementThatIsThere)
     EXPECT_EQ(array->childCount(), 1U);
 }
 
-TEST(PropertyIfNotExists, ThroughAnArrayItAddsAnElementForWhatIsMissing)
+TEST(PropertyIfNotExists, ThroughAnArrayItAddsAnElementForAMissingNode)
 {
     const NodePointer root = Property::create();
     const NodePointer array = root->createArray("list");
@@ -329,7 +329,7 @@ TEST(PropertyIfNotExists, ThroughAnArrayItAddsAnElementForWhatIsMissing)
     EXPECT_EQ(array->childByIndex(0)->childCount(), 0U);
 }
 
-TEST(PropertyIfNotExists, OnAnArrayItAddsAnElementAlthoughTheKeyIsThere)
+TEST(PropertyIfNotExists, OnAnArrayItAddsAnElementEvenIfTheKeyExists)
 {
     const NodePointer array = Property::create()->createArray("list");
     const NodePointer first = array->createPropertyIfNotExists("k");
@@ -340,7 +340,7 @@ TEST(PropertyIfNotExists, OnAnArrayItAddsAnElementAlthoughTheKeyIsThere)
     EXPECT_EQ(array->childCount(), 2U);
 }
 
-TEST(PropertyPathGetters, AMissingKeyGivesTheDefaultAndIsThereAfterwards)
+TEST(PropertyPathGetters, ReturnTheDefaultForAMissingKeyAndAddIt)
 {
     const NodePointer root = Property::create();
 

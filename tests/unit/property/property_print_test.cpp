@@ -115,7 +115,7 @@ TEST_P(PrintedEntry, InAnArrayHasItsKeyToo)
 
 INSTANTIATE_TEST_SUITE_P(Kinds, PrintedEntry, testing::ValuesIn(printRows), RowName());
 
-TEST(PropertyPrint, AnEmptyNodeIsTwoBraces)
+TEST(PropertyPrint, PrintsAnEmptyNodeAsTwoBraces)
 {
     EXPECT_EQ(printed(*Property::create()), "{\n}\n");
 }
@@ -256,7 +256,7 @@ TEST(PropertyPrint, PrintsThroughTheVirtualOperations)
     EXPECT_EQ(printed(*node), "{\n<1><1>\"g\": {\n<2>\"b\": 2,\n<1>},\n}\n");
 }
 
-TEST(PropertyPrint, LeavesTheTreeAsItIs)
+TEST(PropertyPrint, DoesNotChangeTheTree)
 {
     const NodePointer root = Property::create();
     root->setValueInt32("g/b", 2);

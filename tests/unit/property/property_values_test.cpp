@@ -43,7 +43,7 @@ class PropertyValueOfKind : public testing::TestWithParam<ValueKind>
 
 } // namespace
 
-TEST_P(PropertyValueOfKind, TheSetterGivesTheNodeItsKindAndItsValue)
+TEST_P(PropertyValueOfKind, TheSetterSetsTypeAndValue)
 {
     const NodePointer node = Property::create();
 
@@ -76,7 +76,7 @@ TEST_P(PropertyValueOfKind, OnlyItsOwnPredicateHolds)
         EXPECT_EQ(((*node).*(other.is))(), other.type == GetParam().type) << other;
 }
 
-TEST_P(PropertyValueOfKind, EveryOtherGetterAnswersItsDefaultWithoutConversion)
+TEST_P(PropertyValueOfKind, EveryOtherGetterReturnsItsDefaultWithoutConversion)
 {
     const NodePointer node = Property::create();
 
@@ -91,17 +91,17 @@ TEST_P(PropertyValueOfKind, EveryOtherGetterAnswersItsDefaultWithoutConversion)
     }
 }
 
-TEST_P(PropertyValueOfKind, ItsGetterAnswersTheDefaultOnANodeWithoutValue)
+TEST_P(PropertyValueOfKind, ItsGetterReturnsTheDefaultOnANodeWithoutValue)
 {
     EXPECT_TRUE(GetParam().givesDefault(*Property::create()));
 }
 
-TEST_P(PropertyValueOfKind, ItsGetterAnswersTheDefaultOnAGroup)
+TEST_P(PropertyValueOfKind, ItsGetterReturnsTheDefaultOnAGroup)
 {
     EXPECT_TRUE(GetParam().givesDefault(*groupWithMembers()));
 }
 
-TEST_P(PropertyValueOfKind, ItsGetterAnswersTheDefaultOnAnArray)
+TEST_P(PropertyValueOfKind, ItsGetterReturnsTheDefaultOnAnArray)
 {
     EXPECT_TRUE(GetParam().givesDefault(*arrayWithElements()));
 }
@@ -135,7 +135,7 @@ TEST_P(PropertyValueOfKind, TheSetterRemovesTheChildrenOfAValueToo)
     EXPECT_EQ(node->childCount(), 0U);
 }
 
-TEST_P(PropertyValueOfKind, AChildHeldElsewhereOutlivesTheSetter)
+TEST_P(PropertyValueOfKind, AChildOwnedElsewhereOutlivesTheSetter)
 {
     const NodePointer group = groupWithMembers();
     const NodePointer member = group->propertyBySingleKey("a");
@@ -146,7 +146,7 @@ TEST_P(PropertyValueOfKind, AChildHeldElsewhereOutlivesTheSetter)
     EXPECT_EQ(member->parent(), group);
 }
 
-TEST_P(PropertyValueOfKind, ItReplacesAValueOfAnyKind)
+TEST_P(PropertyValueOfKind, ItReplacesAValueOfAnyType)
 {
     for (const ValueKind& before : valueKinds())
     {
@@ -171,7 +171,7 @@ TEST_P(PropertyValueOfKind, SetUndefinedItIsNoLongerReadable)
     EXPECT_TRUE(GetParam().givesDefault(*node));
 }
 
-TEST_P(PropertyValueOfKind, ANodeThatWasSetUndefinedTakesItAgain)
+TEST_P(PropertyValueOfKind, ANodeThatWasSetUndefinedAcceptsItAgain)
 {
     const NodePointer node = Property::create();
     GetParam().set(*node);
@@ -209,7 +209,7 @@ TEST_P(PropertyValueOfKind, TheSetterWithAPathCreatesTheNode)
     EXPECT_TRUE(GetParam().hasSample(*node));
 }
 
-TEST_P(PropertyValueOfKind, TheSetterWithAPathChangesTheNodeThatIsThere)
+TEST_P(PropertyValueOfKind, TheSetterWithAPathChangesAnExistingNode)
 {
     const NodePointer root = Property::create();
     const NodePointer node = root->createProperty("a/b");
@@ -256,7 +256,7 @@ TEST_P(PropertyValueOfKind, TheGetterWithAPathReadsTheNode)
     EXPECT_EQ(root->childCount(), 1U);
 }
 
-TEST_P(PropertyValueOfKind, TheGetterWithAMissingPathLeavesAnUndefinedNodeBehind)
+TEST_P(PropertyValueOfKind, TheGetterWithAMissingPathAddsAnUndefinedNode)
 {
     const NodePointer root = Property::create();
 
@@ -277,7 +277,7 @@ TEST_P(PropertyValueOfKind, TheGetterWithAPathOfNoSegmentReadsTheNodeItself)
     EXPECT_EQ(node->childCount(), 0U);
 }
 
-TEST_P(PropertyValueOfKind, TheGetterWithAPathOnAnArrayAddsAnElementAndAnswersTheDefault)
+TEST_P(PropertyValueOfKind, TheGetterWithAPathOnAnArrayAddsAnElementAndReturnsTheDefault)
 {
     const NodePointer array = Property::create()->createSingleArray("array");
     GetParam().setAt(*array, "v");
@@ -458,7 +458,7 @@ TEST(PropertyValues, FalseAndTrueAreBothValues)
     EXPECT_TRUE(node->currentValueAsBool(false));
 }
 
-TEST(PropertyValues, ANodeTakesAValueThatIsPartOfItself)
+TEST(PropertyValues, ANodeAcceptsAValueThatIsPartOfItself)
 {
     const NodePointer node = Property::create();
     node->setValueRegex("a pattern that is long enough for the heap", "options");
@@ -474,7 +474,7 @@ TEST(PropertyValues, ANodeTakesAValueThatIsPartOfItself)
     EXPECT_EQ(node->bytesView(), (std::vector<unsigned char>{1, 2, 3}));
 }
 
-TEST(PropertyValues, ANodeTakesTheKeyOfAChildThatItLosesByThat)
+TEST(PropertyValues, ANodeAcceptsTheKeyOfAChildThatTheSetterRemoves)
 {
     const NodePointer node = Property::create();
     const Property& child = *node->createSingleProperty("a key that is long enough for the heap");
@@ -484,7 +484,7 @@ TEST(PropertyValues, ANodeTakesTheKeyOfAChildThatItLosesByThat)
     EXPECT_EQ(node->currentValueAsString(""), "a key that is long enough for the heap");
 }
 
-TEST(PropertyViews, ShowWhatTheGettersCopy)
+TEST(PropertyViews, ReturnTheValuesThatTheGettersCopy)
 {
     const NodePointer node = Property::create()->createSingleProperty("key");
     EXPECT_EQ(node->keyView(), "key");
@@ -500,7 +500,7 @@ TEST(PropertyViews, ShowWhatTheGettersCopy)
     EXPECT_EQ(node->optionsView(), "options");
 }
 
-TEST(PropertyViews, AreEmptyOnEveryOtherKind)
+TEST(PropertyViews, AreEmptyForEveryOtherType)
 {
     for (const ValueKind& kind : valueKinds())
     {
