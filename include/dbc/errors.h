@@ -112,8 +112,8 @@ public:
     /// True if labels() contains @p label.
     bool hasLabel(const std::string& label) const noexcept;
     /// True if the cause is temporary: a broken connection, a server that stops or steps down, a write conflict, or a
-    /// label of the server. The operation may have taken effect nevertheless. Repeat an insert only with an "_id" of
-    /// your own. Repeat an update only if it can be applied twice.
+    /// label of the server. False for a failed login. The operation may have taken effect nevertheless. Repeat an
+    /// insert only with an "_id" of your own. Repeat an update only if it can be applied twice.
     bool mayRetry() const noexcept;
     /// All details, for an exception of the caller that contains this one.
     const ErrorDetails& details() const noexcept;

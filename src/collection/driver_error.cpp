@@ -115,8 +115,10 @@ ErrorDetails errorDetails(const bson_error_t& error, const bson_t* reply)
     const auto hasLabel = [&details](const char* label) {
         return std::find(details.labels.begin(), details.labels.end(), label) != details.labels.end();
     };
-    details.mayRetry = hasLabel("RetryableWriteError") || hasLabel("TransientTransactionError") ||
-                       (fromServer ? isPassing(details.code) : details.kind == ErrorKind::Network);
+    // The driver 1.30 labels also a failed login, because it happens before the write. A wrong password stays wrong.
+    details.mayRetry = details.kind != ErrorKind::Authentication &&
+                       (hasLabel("RetryableWriteError") || hasLabel("TransientTransactionError") ||
+                        (fromServer ? isPassing(details.code) : details.kind == ErrorKind::Network));
     return details;
 }
 

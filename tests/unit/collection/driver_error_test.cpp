@@ -136,6 +136,9 @@ INSTANTIATE_TEST_SUITE_P(
         KindRow{MONGOC_ERROR_STREAM, MONGOC_ERROR_STREAM_SOCKET, "{}", ErrorKind::Network, true},
         KindRow{MONGOC_ERROR_SERVER_SELECTION, MONGOC_ERROR_SERVER_SELECTION_FAILURE, "{}", ErrorKind::Network, true},
         KindRow{MONGOC_ERROR_CLIENT, MONGOC_ERROR_CLIENT_AUTHENTICATE, "{}", ErrorKind::Authentication, false},
+        // The driver 1.30 labels the failed login before a write.
+        KindRow{MONGOC_ERROR_CLIENT, MONGOC_ERROR_CLIENT_AUTHENTICATE, R"({"errorLabels": ["RetryableWriteError"]})",
+                ErrorKind::Authentication, false},
         KindRow{MONGOC_ERROR_CLIENT, MONGOC_ERROR_CLIENT_SESSION_FAILURE, "{}", ErrorKind::Other, false},
         KindRow{MONGOC_ERROR_SCRAM, MONGOC_ERROR_SCRAM_PROTOCOL_ERROR, "{}", ErrorKind::Authentication, false},
         KindRow{MONGOC_ERROR_COMMAND, MONGOC_ERROR_COMMAND_INVALID_ARG, "{}", ErrorKind::BadArgument, false},
