@@ -11,6 +11,7 @@
 #include <sys/socket.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <condition_variable>
 #include <csignal>
 #include <cstdint>
@@ -272,211 +273,45 @@ bool Fault::concerns(const RecordedCommand& command) const
     return byName && (m_target.empty() || m_target == command.target);
 }
 
+/// The threads of the gateway, and what they share with its callers under a lock.
 class WireGateway::Implementation
 {
 public:
     Implementation(const std::string& serverUri, Rewrite rewrite)
-        : m_rewrite(rewrite), m_server(parseUri(serverUri)), m_reservation(reservePort(m_port)),
-          m_listener(listenOn(m_port))
+        : m_rewrite(rewrite), m_server(parseUri(serverUri)), m_reservation(reservePort(m_port))
     {
-        m_acceptor = startQuietThread([this] { acceptLoop(); });
+        startAccepting();
     }
 
     ~Implementation()
     {
-        {
-            const std::lock_guard lock(m_mutex);
-            m_stopping = true;
-            for (const auto& connection : m_connections)
-            {
-                connection->shutdown();
-            }
-            wakeAll();
-        }
-        m_acceptor.join();
-        for (const auto& connection : m_connections)
-        {
-            connection->thread.join();
-        }
+        stopAccepting();
+        const std::lock_guard lock(m_mutex);
+        m_stopping = true;
+        shutdownAll();
+        wakeAll();
     }
 
     Implementation(const Implementation&) = delete;
     Implementation& operator=(const Implementation&) = delete;
 
-    std::uint16_t port() const { return m_port; }
-
-    std::string uri() const
-    {
-        const std::lock_guard lock(m_mutex);
-        return std::string(scheme) + m_server.credentials + "127.0.0.1:" + std::to_string(m_port) + m_server.suffix;
-    }
-
-    void setServer(const std::string& serverUri)
-    {
-        ServerAddress address = parseUri(serverUri);
-        const std::lock_guard lock(m_mutex);
-        m_server = std::move(address);
-    }
-
-    template <typename Chooser>
-    std::vector<RecordedCommand> commandsIf(Chooser chosen) const
-    {
-        std::vector<RecordedCommand> result;
-        const std::lock_guard lock(m_mutex);
-        std::copy_if(m_records.begin(), m_records.end(), std::back_inserter(result), chosen);
-        return result;
-    }
-
-    std::vector<std::string> names() const
-    {
-        std::vector<std::string> result;
-        const std::lock_guard lock(m_mutex);
-        for (const RecordedCommand& command : m_records)
-        {
-            if (!command.isHandshake)
-            {
-                result.push_back(command.name);
-            }
-        }
-        return result;
-    }
-
-    void clear()
-    {
-        const std::lock_guard lock(m_mutex);
-        m_records.clear();
-    }
-
-    void record(bool on)
-    {
-        const std::lock_guard lock(m_mutex);
-        m_recording = on;
-    }
-
-    void inject(Fault fault)
-    {
-        const std::lock_guard lock(m_mutex);
-        m_faults.push_back({std::move(fault), 0, true});
-    }
-
-    void clearFaults()
-    {
-        {
-            const std::lock_guard lock(m_mutex);
-            m_faults.clear();
-            m_paused = false;
-            ++m_releases;
-            m_changed.notify_all();
-            wakeAll();
-        }
-        acceptConnections();
-    }
-
-    std::size_t pendingFaults() const
-    {
-        const std::lock_guard lock(m_mutex);
-        return pendingFaultsLocked();
-    }
-
-    void releaseReplies()
-    {
-        const std::lock_guard lock(m_mutex);
-        ++m_releases;
-        wakeAll();
-    }
-
-    void pause(bool on)
-    {
-        const std::lock_guard lock(m_mutex);
-        m_paused = on;
-        wakeAll();
-    }
-
-    /// The accepting thread closes its listener itself: nobody may close what another thread waits for.
-    void refuseConnections()
-    {
-        std::unique_lock lock(m_mutex);
-        m_refusing = true;
-        m_acceptorWakeup.wake();
-        m_changed.wait(lock, [this] { return !m_listener || m_stopping; });
-    }
-
-    void acceptConnections()
-    {
-        const std::lock_guard lock(m_mutex);
-        m_refusing = false;
-        if (!m_listener)
-        {
-            m_listener = listenOn(m_port);
-            m_acceptorWakeup.wake();
-        }
-    }
-
-    void closeConnections()
-    {
-        std::unique_lock lock(m_mutex);
-        std::vector<std::size_t> open;
-        for (const auto& connection : m_connections)
-        {
-            if (!connection->finished)
-            {
-                open.push_back(connection->number);
-                connection->shutdown();
-            }
-        }
-        m_changed.wait(lock, [&] {
-            return std::none_of(m_connections.begin(), m_connections.end(), [&](const auto& connection) {
-                return !connection->finished && std::binary_search(open.begin(), open.end(), connection->number);
-            });
-        });
-    }
-
-    std::size_t acceptedConnections() const
-    {
-        const std::lock_guard lock(m_mutex);
-        return m_accepted;
-    }
-
-    std::size_t openConnections() const
-    {
-        const std::lock_guard lock(m_mutex);
-        return openConnectionsLocked();
-    }
-
-    bool waitForCommands(const std::string& name, std::size_t count, std::chrono::milliseconds patience) const
-    {
-        return waitFor(patience, [&] {
-            const auto named = [&](const RecordedCommand& command) { return command.name == name; };
-            return static_cast<std::size_t>(std::count_if(m_records.begin(), m_records.end(), named)) >= count;
-        });
-    }
-
-    bool waitForOpenConnections(std::size_t count, std::chrono::milliseconds patience) const
-    {
-        return waitFor(patience, [&] { return openConnectionsLocked() == count; });
-    }
-
-    bool waitForFaults(std::chrono::milliseconds patience) const
-    {
-        return waitFor(patience, [&] { return pendingFaultsLocked() == 0; });
-    }
-
-    bool waitForHeldReplies(std::size_t count, std::chrono::milliseconds patience) const
-    {
-        return waitFor(patience, [&] { return m_held == count; });
-    }
-
 private:
+    friend class WireGateway;
+
     /// A client and, from its first forwarded message on, the server. Its thread opens and closes the descriptors and
     /// uses them freely; other threads only touch them under the gateway's lock, and so does every change.
     struct Connection
     {
-        std::size_t number = 0;
-        FileDescriptor client;
-        FileDescriptor server;
-        Wakeup wakeup;
-        std::thread thread;
-        bool finished = false;
+        Connection() = default;
+        ~Connection()
+        {
+            if (thread.joinable())
+            {
+                thread.join();
+            }
+        }
+        Connection(const Connection&) = delete;
+        Connection& operator=(const Connection&) = delete;
 
         void shutdown() const
         {
@@ -488,6 +323,13 @@ private:
                 }
             }
         }
+
+        std::size_t number = 0;
+        FileDescriptor client;
+        FileDescriptor server;
+        Wakeup wakeup;
+        bool finished = false; // the last that its thread does under the lock
+        std::thread thread;
     };
 
     struct Injected
@@ -501,20 +343,27 @@ private:
 
     void wakeAll()
     {
-        m_acceptorWakeup.wake();
-        for (const auto& connection : m_connections)
+        for (const Connection& connection : m_connections)
         {
-            connection->wakeup.wake();
+            connection.wakeup.wake();
         }
     }
 
-    std::size_t openConnectionsLocked() const
+    void shutdownAll()
     {
-        const auto open = [](const auto& connection) { return !connection->finished; };
+        for (const Connection& connection : m_connections)
+        {
+            connection.shutdown();
+        }
+    }
+
+    std::size_t openConnections() const
+    {
+        const auto open = [](const Connection& connection) { return !connection.finished; };
         return static_cast<std::size_t>(std::count_if(m_connections.begin(), m_connections.end(), open));
     }
 
-    std::size_t pendingFaultsLocked() const
+    std::size_t pendingFaults() const
     {
         const auto pending = [](const Injected& injected) { return injected.pending; };
         return static_cast<std::size_t>(std::count_if(m_faults.begin(), m_faults.end(), pending));
@@ -545,11 +394,43 @@ private:
         return chosen;
     }
 
+    // --- without the lock, which they take ---
+
     template <typename Condition>
     bool waitFor(std::chrono::milliseconds patience, Condition condition) const
     {
         std::unique_lock lock(m_mutex);
         return m_changed.wait_for(lock, patience, condition);
+    }
+
+    template <typename Chooser>
+    std::vector<RecordedCommand> commandsIf(Chooser chosen) const
+    {
+        std::vector<RecordedCommand> result;
+        const std::lock_guard lock(m_mutex);
+        std::copy_if(m_records.begin(), m_records.end(), std::back_inserter(result), chosen);
+        return result;
+    }
+
+    void startAccepting()
+    {
+        const std::lock_guard lock(m_acceptorMutex);
+        if (!m_acceptor.joinable())
+        {
+            m_listener = listenOn(m_port);
+            m_acceptor = startQuietThread([this] { acceptLoop(); });
+        }
+    }
+
+    void stopAccepting()
+    {
+        const std::lock_guard lock(m_acceptorMutex);
+        if (m_acceptor.joinable())
+        {
+            ::shutdown(m_listener.get(), SHUT_RDWR);
+            m_acceptor.join();
+            m_listener.reset();
+        }
     }
 
     // --- the accepting thread ---
@@ -558,93 +439,38 @@ private:
     {
         for (;;)
         {
-            int listener = -1;
+            FileDescriptor client(::accept4(m_listener.get(), nullptr, nullptr, SOCK_CLOEXEC));
+            if (client)
             {
-                const std::lock_guard lock(m_mutex);
-                if (m_stopping)
-                {
-                    return;
-                }
-                if (m_refusing)
-                {
-                    m_listener.reset();
-                    m_changed.notify_all();
-                }
-                listener = m_listener.get();
+                startServing(std::move(client));
             }
-            pollfd waiting[] = {{m_acceptorWakeup.descriptor(), POLLIN, 0}, {listener, POLLIN, 0}}; // -1 is passed over
-            ::poll(waiting, 2, -1);
-            if (waiting[0].revents != 0)
+            else if (errno == EINVAL)
             {
-                m_acceptorWakeup.drain();
-            }
-            else if (waiting[1].revents != 0)
-            {
-                acceptOne(listener);
+                return; // the listener was shut down
             }
         }
     }
 
-    void acceptOne(int listener)
+    void startServing(FileDescriptor client)
     {
-        FileDescriptor client(::accept4(listener, nullptr, nullptr, SOCK_CLOEXEC));
-        if (!client)
-        {
-            return;
-        }
         const int yes = 1;
         ::setsockopt(client.get(), IPPROTO_TCP, TCP_NODELAY, &yes, sizeof yes);
-        std::list<std::unique_ptr<Connection>> finished;
         try
         {
-            auto made = std::make_unique<Connection>();
-            made->client = std::move(client);
+            std::list<Connection> made(1);
+            Connection& connection = made.front();
+            connection.client = std::move(client);
             const std::lock_guard lock(m_mutex);
-            if (m_stopping)
-            {
-                return;
-            }
-            takeFinished(finished);
-            made->number = m_accepted;
-            m_connections.push_back(std::move(made));
-            Connection& connection = *m_connections.back();
-            startServing(connection);
+            m_connections.remove_if([](const Connection& old) { return old.finished; });
+            connection.number = m_accepted;
+            connection.thread = startQuietThread([this, &connection] { serve(connection); });
+            m_connections.splice(m_connections.end(), made);
             ++m_accepted;
             m_changed.notify_all();
         }
         catch (const std::exception& problem)
         {
             complain(problem.what());
-        }
-        for (const auto& connection : finished)
-        {
-            connection->thread.join();
-        }
-    }
-
-    void takeFinished(std::list<std::unique_ptr<Connection>>& finished)
-    {
-        for (auto it = m_connections.begin(); it != m_connections.end();)
-        {
-            const auto next = std::next(it);
-            if ((*it)->finished)
-            {
-                finished.splice(finished.end(), m_connections, it);
-            }
-            it = next;
-        }
-    }
-
-    void startServing(Connection& connection)
-    {
-        try
-        {
-            connection.thread = startQuietThread([this, &connection] { serve(connection); });
-        }
-        catch (...)
-        {
-            m_connections.pop_back();
-            throw;
         }
     }
 
@@ -906,21 +732,21 @@ private:
     mutable std::mutex m_mutex;
     mutable std::condition_variable m_changed;
     ServerAddress m_server;
-    std::uint16_t m_port = 0;
-    FileDescriptor m_reservation;
-    FileDescriptor m_listener;
-    Wakeup m_acceptorWakeup;
     std::deque<RecordedCommand> m_records;
     std::list<Injected> m_faults;
-    std::list<std::unique_ptr<Connection>> m_connections;
     std::size_t m_accepted = 0;
     std::size_t m_received = 0;
     std::size_t m_releases = 0;
     std::size_t m_held = 0;
     bool m_recording = true;
-    bool m_refusing = false;
     bool m_paused = false;
     bool m_stopping = false;
+    std::list<Connection> m_connections; // the end of this list waits for threads that use what is above
+
+    std::mutex m_acceptorMutex; // for starting and stopping; the accepting thread itself uses the other one
+    std::uint16_t m_port = 0;
+    FileDescriptor m_reservation;
+    FileDescriptor m_listener;
     std::thread m_acceptor;
 };
 
@@ -932,17 +758,20 @@ WireGateway::~WireGateway() = default;
 
 std::string WireGateway::uri() const
 {
-    return d->uri();
+    const std::lock_guard lock(d->m_mutex);
+    return std::string(scheme) + d->m_server.credentials + "127.0.0.1:" + std::to_string(port()) + d->m_server.suffix;
 }
 
 std::uint16_t WireGateway::port() const
 {
-    return d->port();
+    return d->m_port;
 }
 
 void WireGateway::setServer(const std::string& serverUri)
 {
-    d->setServer(serverUri);
+    ServerAddress address = parseUri(serverUri);
+    const std::lock_guard lock(d->m_mutex);
+    d->m_server = std::move(address);
 }
 
 std::vector<RecordedCommand> WireGateway::commands() const
@@ -957,92 +786,128 @@ std::vector<RecordedCommand> WireGateway::commands(const std::string& name) cons
 
 std::vector<std::string> WireGateway::names() const
 {
-    return d->names();
+    std::vector<std::string> result;
+    const std::lock_guard lock(d->m_mutex);
+    for (const RecordedCommand& command : d->m_records)
+    {
+        if (!command.isHandshake)
+        {
+            result.push_back(command.name);
+        }
+    }
+    return result;
 }
 
 void WireGateway::clear()
 {
-    d->clear();
+    const std::lock_guard lock(d->m_mutex);
+    d->m_records.clear();
 }
 
 void WireGateway::record(bool on)
 {
-    d->record(on);
+    const std::lock_guard lock(d->m_mutex);
+    d->m_recording = on;
 }
 
 void WireGateway::inject(Fault fault)
 {
-    d->inject(std::move(fault));
+    const std::lock_guard lock(d->m_mutex);
+    d->m_faults.push_back({std::move(fault), 0, true});
 }
 
 void WireGateway::clearFaults()
 {
-    d->clearFaults();
+    {
+        const std::lock_guard lock(d->m_mutex);
+        d->m_faults.clear();
+        d->m_changed.notify_all();
+    }
+    releaseReplies();
+    resume();
+    acceptConnections();
 }
 
 std::size_t WireGateway::pendingFaults() const
 {
+    const std::lock_guard lock(d->m_mutex);
     return d->pendingFaults();
 }
 
 void WireGateway::releaseReplies()
 {
-    d->releaseReplies();
+    const std::lock_guard lock(d->m_mutex);
+    ++d->m_releases;
+    d->wakeAll();
 }
 
 void WireGateway::refuseConnections()
 {
-    d->refuseConnections();
+    d->stopAccepting();
 }
 
 void WireGateway::acceptConnections()
 {
-    d->acceptConnections();
+    d->startAccepting();
 }
 
 void WireGateway::closeConnections()
 {
-    d->closeConnections();
+    std::unique_lock lock(d->m_mutex);
+    const std::size_t later = d->m_accepted;
+    d->shutdownAll();
+    d->m_changed.wait(lock, [&] {
+        return std::all_of(d->m_connections.begin(), d->m_connections.end(),
+                           [&](const auto& connection) { return connection.finished || connection.number >= later; });
+    });
 }
 
 void WireGateway::pause()
 {
-    d->pause(true);
+    const std::lock_guard lock(d->m_mutex);
+    d->m_paused = true;
 }
 
 void WireGateway::resume()
 {
-    d->pause(false);
+    const std::lock_guard lock(d->m_mutex);
+    d->m_paused = false;
+    d->wakeAll();
 }
 
 std::size_t WireGateway::acceptedConnections() const
 {
-    return d->acceptedConnections();
+    const std::lock_guard lock(d->m_mutex);
+    return d->m_accepted;
 }
 
 std::size_t WireGateway::openConnections() const
 {
+    const std::lock_guard lock(d->m_mutex);
     return d->openConnections();
 }
 
 bool WireGateway::waitForCommands(const std::string& name, std::size_t count, std::chrono::milliseconds patience) const
 {
-    return d->waitForCommands(name, count, patience);
+    return d->waitFor(patience, [&] {
+        const auto named = [&](const RecordedCommand& command) { return command.name == name; };
+        return static_cast<std::size_t>(std::count_if(d->m_records.begin(), d->m_records.end(), named)) >= count;
+    });
 }
 
 bool WireGateway::waitForOpenConnections(std::size_t count, std::chrono::milliseconds patience) const
 {
-    return d->waitForOpenConnections(count, patience);
+    return d->waitFor(patience, [&] { return d->openConnections() == count; });
 }
 
 bool WireGateway::waitForFaults(std::chrono::milliseconds patience) const
 {
-    return d->waitForFaults(patience);
+    return d->waitFor(patience, [&] { return d->pendingFaults() == 0; });
 }
 
 bool WireGateway::waitForHeldReplies(std::size_t count, std::chrono::milliseconds patience) const
 {
-    return d->waitForHeldReplies(count, patience);
+    return d->waitFor(patience, [&] { return d->m_held == count; });
 }
 
 } // namespace test_support

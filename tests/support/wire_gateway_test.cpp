@@ -684,6 +684,32 @@ TEST_F(Gateway, RefusesConnectionsAndTakesThemAgainOnTheSamePort)
     EXPECT_EQ(gateway.acceptedConnections(), 2U);
 }
 
+TEST_F(Gateway, RefusesAndAcceptsConnectionsInSeveralThreadsAtOnce)
+{
+    constexpr int rounds = 20;
+    std::vector<std::thread> threads;
+    for (int number = 0; number < 4; ++number)
+    {
+        threads.emplace_back([&] {
+            for (int round = 0; round < rounds; ++round)
+            {
+                gateway.refuseConnections();
+                gateway.acceptConnections();
+                Client(gateway.uri()).ping(); // fails if another thread refuses connections
+            }
+        });
+    }
+    for (std::thread& thread : threads)
+    {
+        thread.join();
+    }
+
+    EXPECT_EQ(Client(gateway.uri()).ping(), "");
+    gateway.refuseConnections();
+    gateway.refuseConnections();
+    EXPECT_THROW(connectTo("127.0.0.1", std::to_string(gateway.port())), std::runtime_error);
+}
+
 TEST_F(Gateway, ClosesConnectionsOnRequest)
 {
     Client client(gateway.uri());

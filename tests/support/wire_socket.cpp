@@ -34,7 +34,7 @@ sockaddr_in loopback(std::uint16_t port)
 /// Both the reservation and the listener are bound to one port, which the system allows if both say so.
 FileDescriptor boundTo(std::uint16_t port)
 {
-    FileDescriptor made(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+    FileDescriptor made(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
     const int yes = 1;
     const sockaddr_in address = loopback(port);
     if (!made || ::setsockopt(made.get(), SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes) != 0 ||
@@ -43,6 +43,27 @@ FileDescriptor boundTo(std::uint16_t port)
         throwSystemError("cannot bind to 127.0.0.1");
     }
     return made;
+}
+
+/// Repeats a call that transfers only a part. False when it fails or the connection has ended.
+template <typename Byte, typename Call>
+bool transferAll(Byte* data, std::size_t length, Call call)
+{
+    while (length > 0)
+    {
+        const ssize_t count = call(data, length);
+        if (count < 0 && errno == EINTR)
+        {
+            continue;
+        }
+        if (count <= 0)
+        {
+            return false;
+        }
+        data += count;
+        length -= static_cast<std::size_t>(count);
+    }
+    return true;
 }
 
 } // namespace
@@ -119,40 +140,14 @@ FileDescriptor connectTo(const std::string& host, const std::string& port)
 
 bool receiveAll(int socket, std::uint8_t* data, std::size_t length)
 {
-    while (length > 0)
-    {
-        const ssize_t count = ::recv(socket, data, length, 0);
-        if (count < 0 && errno == EINTR)
-        {
-            continue;
-        }
-        if (count <= 0)
-        {
-            return false;
-        }
-        data += count;
-        length -= static_cast<std::size_t>(count);
-    }
-    return true;
+    return transferAll(data, length, [=](std::uint8_t* to, std::size_t size) { return ::recv(socket, to, size, 0); });
 }
 
 bool sendAll(int socket, const std::uint8_t* data, std::size_t length)
 {
-    while (length > 0)
-    {
-        const ssize_t count = ::send(socket, data, length, MSG_NOSIGNAL);
-        if (count < 0 && errno == EINTR)
-        {
-            continue;
-        }
-        if (count <= 0)
-        {
-            return false;
-        }
-        data += count;
-        length -= static_cast<std::size_t>(count);
-    }
-    return true;
+    return transferAll(data, length, [=](const std::uint8_t* from, std::size_t size) {
+        return ::send(socket, from, size, MSG_NOSIGNAL);
+    });
 }
 
 Wakeup::Wakeup() : m_event(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))
