@@ -265,8 +265,8 @@ TEST_F(Gateway, TakesADocumentOfSixteenMegabytesAndManyThousandsOfCommands)
     gateway.clear();
     constexpr std::size_t many = 5000;
     for (std::size_t round = 0; round < many; ++round)
-        ASSERT_EQ(client.ping(), "");
-    EXPECT_EQ(gateway.commands("ping").size(), many);
+        ASSERT_EQ(client.command("admin", R"({"buildInfo": 1})"), ""); // the driver itself sends pings after a pause
+    EXPECT_EQ(gateway.commands("buildInfo").size(), many);
 }
 
 TEST_F(Gateway, ServesSeveralConnectionsAtOnce)
