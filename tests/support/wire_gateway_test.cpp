@@ -740,7 +740,7 @@ TEST_F(Gateway, KeepsCommandsBackWhileItIsPaused)
     EXPECT_EQ(scratch.count("things"), 1U);
 }
 
-TEST_F(Gateway, TellsInVainWaitsFromOthers)
+TEST_F(Gateway, WaitsReturnFalseAfterTheirTime)
 {
     using std::chrono::milliseconds;
     EXPECT_FALSE(gateway.waitForCommands("ping", 1, milliseconds(1)));
