@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // How long does it take to read BSON into a document, beside libraries that build a tree from the same bytes, and
 // beside libbson's plain iteration over them, which builds nothing? The document's destruction is measured in
 // free_document.

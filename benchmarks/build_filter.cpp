@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // How long does it take to build a query of 20 conditions call by call, beside nlohmann/json building the same query?
 
 #include "object_filter.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // How long does a deep copy take, beside that of the same document in nlohmann/json? Its destruction is not in it.
 
 #include "object_properties.h"

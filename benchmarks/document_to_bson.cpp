@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // How long does it take to write a document as BSON, beside the same bytes appended by hand with libbson and beside
 // nlohmann/json?
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // How long does it take to free a document, beside the same document in nlohmann/json?
 
 #include "object_properties.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // Does the time per field stay the same as documents grow? Complexity() prints the growth that fits best.
 
 #include "bson_to_properties.h"

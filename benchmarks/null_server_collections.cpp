@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // How much CPU time do collections and cursors add to the plain driver? A server that answers from memory takes the
 // place of a real one, whose work on the same processors would be in the figures.
 // - inserts: insertMany() of 10,000 documents beside the driver's bulk write of the same documents as BSON

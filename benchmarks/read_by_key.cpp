@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // How long does it take to read a value by its key, one segment, beside at() of nlohmann/json? Every value of the
 // document, or of the group at the cursor, is read once, texts as copies, in the order in which they were written.
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // How long does it take to read a value by a path of three segments, beside a JSON pointer of nlohmann/json? Both cut
 // the path anew at every read, as a program does that is given paths.
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // What do collections bring with a real server, and how much memory does a cursor take?
 // - inserts DOCUMENTS: documents per second of insertMany() beside a loop over write()
 // - cursors DOCUMENTS: peak memory of a cursor over a collection in each form beside a plain cursor, each in a process

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // How much memory do large files take on their way to and from the server, and how much of that is the library's?
 // - stores MIB: peak memory and CPU time while a file is stored, by the plain driver and by the library
 // - reads MIB [KIB]: the same while it is read; its chunks, of 255 KiB or as given, are put there beforehand by plain

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // What does the library add to the plain driver when a server is behind it?
 // - finds DOCUMENTS: CPU time per document that find() costs above a plain cursor, median of rounds taken in turn
 // - inserts DOCUMENTS: the same for write() above a plain insert

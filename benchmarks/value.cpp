@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // How long does it take to decode, encode, copy, free and read a dbc::Value, beside nlohmann::json and, where it builds
 // a document at all, libbson? value_boost_json.cpp adds Boost.JSON. The goals: at most the time of nlohmann::json for
 // each, half of it for decoding and encoding.

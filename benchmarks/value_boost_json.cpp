@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // The rows of value.cpp for Boost.JSON: how long it takes to copy, free and read a value. It has no BSON, and no bytes.
 
 #include "support/measure.h"

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The database_client authors
+# SPDX-License-Identifier: MIT
+
 # Toolchain file: builds with clang.
 include(${CMAKE_CURRENT_LIST_DIR}/find_clang.cmake)
 if(NOT DATABASE_CLIENT_CLANG OR NOT DATABASE_CLIENT_CLANGXX)

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The database_client authors
+# SPDX-License-Identifier: MIT
+
 # The driver: libmongoc and libbson 1.x from 1.23, or 2.x, whose CMake packages, targets and pkg-config modules have other
 # names. With both installed 1.x is taken, unless CMAKE_DISABLE_FIND_PACKAGE_mongoc-1.0 is set.
 #

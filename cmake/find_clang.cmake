@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The database_client authors
+# SPDX-License-Identifier: MIT
+
 # The clang of this release, which scripts/setup installs by its number.
 set(database_client_clang_versions 14 18 19 21)
 list(TRANSFORM database_client_clang_versions PREPEND clang- OUTPUT_VARIABLE c_names)

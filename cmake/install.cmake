@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The database_client authors
+# SPDX-License-Identifier: MIT
+
 # What an installed copy consists of: component "runtime" is the shared library, "development" everything else.
 include(CMakePackageConfigHelpers)
 

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The database_client authors
+# SPDX-License-Identifier: MIT
+
 # database_client_package(NAME DEBIAN [ARGUMENT...])
 # find_package(NAME ARGUMENT... REQUIRED), whose error names the Debian packages to install.
 macro(database_client_package name debian)

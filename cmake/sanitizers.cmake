@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The database_client authors
+# SPDX-License-Identifier: MIT
+
 # Everything in the build is instrumented alike: mixed instrumentation hides errors.
 if(DATABASE_CLIENT_SANITIZE)
   add_compile_options(-fsanitize=${DATABASE_CLIENT_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The database_client authors
+# SPDX-License-Identifier: MIT
+
 # One interface target, linked privately by everything compiled here, so that no consumer inherits the flags.
 add_library(database_client_warnings INTERFACE)
 target_compile_options(database_client_warnings INTERFACE

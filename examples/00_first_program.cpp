@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 //! [first_program]
 #include <dbc/collection.h>
 #include <dbc/log.h>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // Creates indexes, shows that a unique index rejects a duplicate, lists the indexes and drops one.
 #include "example.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // Distinguishes an unreachable server, a wrong password and a duplicate key. The connection string must contain a user.
 #include "example.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // Writes typed documents, finds some of them in order, and reads their values and nested parts.
 #include "example.h"
 

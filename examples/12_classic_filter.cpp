@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // Builds a query call by call, shows it as JSON and uses it.
 #include "example.h"
 

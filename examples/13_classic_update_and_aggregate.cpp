@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // Changes documents with update operators and lets the server group and sum.
 #include "example.h"
 

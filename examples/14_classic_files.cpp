@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // Stores a file, lists the store, reads the file back and removes it.
 #include "example.h"
 

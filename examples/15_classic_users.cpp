@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // Adds a user, logs in as this user, changes the password and removes the user. The connection
 // string must contain an administrator.
 #include "example.h"

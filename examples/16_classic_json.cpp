@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // Reads JSON into a document, changes the document, and writes it as JSON. Needs no server.
 #include <json_to_properties.h>
 #include <object_properties.h>

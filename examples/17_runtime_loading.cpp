@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // Loads the library at run time: this program is not linked with it. Three factories are looked up by name; everything
 // else is called through the virtual interfaces. Members that are not virtual, such as DataBaseClient::instance(), and
 // objects made without a factory would need the library at link time.

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The database_client authors
+# SPDX-License-Identifier: MIT
+
 # The Debian packages: libdatabase-client1 with the component "runtime", libdatabase-client-dev with "development",
 # libdatabase-client-tools with "tools". Over libmongoc 2.x the first is libdatabase-client1-mongoc2.
 set(runtime_package libdatabase-client${PROJECT_VERSION_MAJOR}${database_client_soname_suffix})

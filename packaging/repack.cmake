@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The database_client authors
+# SPDX-License-Identifier: MIT
+
 # Run by CPack after the packages are made: what CPack of version 3.25 cannot say.
 # - ldconfig runs by a trigger, once for all packages of an installation, not by a script of each package.
 # - Several architectures of the libraries can be installed side by side; one program serves all.

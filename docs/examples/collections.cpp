@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // Collections, cursors and indexes. Needs a server: scripts/with-server.
 #include "example.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // What an operation throws, and what a program can do about it. Needs a server: scripts/with-server.
 #include "example.h"
 

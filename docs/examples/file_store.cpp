@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // Files with metadata, in parts and as streams. Needs a server: scripts/with-server.
 #include "example.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // Reading without adding, arrays in order, times. Needs no server.
 #include "example.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // Documents, updates and pipelines as nested braces. Needs no server.
 #include "example.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // The query operators that ObjectFilter has no call for. Needs no server.
 #include "example.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // What a document of the server loses in the document model. Needs no server.
 #include "example.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // Clients for several threads. Needs a server: scripts/with-server.
 #include "example.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // The first steps with a server. Needs a server: scripts/with-server.
 #include "example.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // Users of a server. Needs a server with authentication: scripts/with-server.
 #include "example.h"
 

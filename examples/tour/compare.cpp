@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // Chapter "compare": what comes back is what was sent, value by value, and
 // what to mind when comparing.
 #include "tour.h"

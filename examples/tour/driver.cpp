@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // What the library leaves to the driver: dropping a database. Everything else
 // of the tour needs the library alone. The driver is running by then: the
 // first DataBaseClient has started it.

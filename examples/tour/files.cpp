@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // Chapter "files": files of this system are stored, listed, read back and
 // removed.
 #include "tour.h"

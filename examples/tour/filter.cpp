@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // Chapter "filter": queries built call by call with ObjectFilter. Every
 // answer is compared with a plain loop.
 #include "tour.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // Chapter "find": query, projection, order, limit and skip.
 #include "tour.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // Chapter "import": the same records twice, with one command for each
 // document and with many documents in a command.
 #include "tour.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // Chapter "load": JSON text becomes documents, through JsonToProperties and
 // the setters of ObjectProperties.
 #include "tour.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // A tour of the library on real data: reads the ISO 3166 records of countries
 // and their subdivisions and takes them through everything that the library
 // does. Start reading at load.cpp; each chapter is one function in one file.

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // Records become documents: JSON text to a tree, a tree to plain structs,
 // plain structs to typed documents.
 #include "records.h"

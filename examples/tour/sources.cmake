@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The database_client authors
+# SPDX-License-Identifier: MIT
+
 # Writes the text of source files into a C++ file, from which the tour prints the code of its steps.
 # Variables: OUT, the file to write; FILES, the files to read.
 set(text "#include \"text.h\"\n\nnamespace tour {\n\nconst std::vector<std::string_view> sources = {\n")

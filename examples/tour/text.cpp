@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // The tour's own source text, and lines that fit on a screen.
 #include "text.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // Chapter "update": the document passed is the operand of the operator that
 // the command names.
 #include "tour.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // Chapter "users": a user is added, logs in, gets another password and is
 // removed, on a server with authentication.
 #include "tour.h"

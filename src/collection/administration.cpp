@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // Operations on a collection as a whole: indexes, drop, rename.
 
 #include "collection/bson_reader.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // Operations of a collection that return documents.
 
 #include "collection/bson_reader.h"

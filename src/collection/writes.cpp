@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // Operations of a collection that change documents. All of them use the driver's bulk writes, so that commands are
 // built and split, and results and errors read, in one way.
 

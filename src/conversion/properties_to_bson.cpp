@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 #include "properties_to_bson.h"
 
 #include "conversion/bson_writer.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 #include "properties_to_json.h"
 
 #include "driver/bson_handles.h"

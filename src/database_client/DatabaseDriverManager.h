@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 #pragma once
 
 /// Initializes the driver when the first client is created, and cleans it up when the process exits.

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // Operations that return documents: find, read, aggregate.
 
 #include "bson_to_properties.h"

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The database_client authors
+# SPDX-License-Identifier: MIT
+
 # cmake -DNM=... -DLIBRARY=... -DLIST=... [-DUPDATE=ON] -P exported_symbols.cmake
 # Compares the symbols that the library exports with the list, and every one of them with what may be exported at all.
 cmake_minimum_required(VERSION 3.25)

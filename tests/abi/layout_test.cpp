@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // What callers were compiled against: sizes, the order of fields, the numbers of enumerators.
 
 #include "database_client.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // A program that knows nothing but the public headers: it is not linked with the library, loads it by its path, takes
 // the three factories and works through the virtual operations alone.
 

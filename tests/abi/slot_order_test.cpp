@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // Programs call the public classes through tables of virtual operations that were laid out when they were compiled. On
 // x86-64 a pointer to a virtual member holds 1 + 8 * slot. One row for each operation, in slot order: a row may never
 // move, and new operations are never virtual.

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // The client when memory runs out. What the driver itself takes from malloc is not made to fail: it ends the process
 // then, by its own design.
 

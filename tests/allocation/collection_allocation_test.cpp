@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // Operations on collections, databases and files when memory runs out. What the driver itself takes from malloc is not
 // made to fail: it ends the process then, by its own design.
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // Memory runs short at every single allocation of an operation: what was there before is there afterwards.
 
 #include "allocation_failure.h"

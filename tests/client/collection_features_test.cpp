@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // What FerretDB refuses or ignores, on a server that has it. The commands themselves are compared in tests/wire.
 
 #include "connected_client.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // usage: in-scratch-database plain|auth CMD [ARG...]
 //
 // Runs CMD with one more argument, the address of a database of its own on the server of scripts/with-server, which is

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // Writes through a connection that breaks in every way, at moments chosen by chance: what was acknowledged is there.
 //
 // DATABASE_CLIENT_TEST_FAULTS is how many faults, DATABASE_CLIENT_TEST_SEED chooses them.

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // A bulk write that fails in the middle: which results the exception has, what is stored, and what happens to the rest.
 
 #include "connected_client.h"

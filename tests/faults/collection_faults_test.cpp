@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // Every operation of the layer on collections when its command goes wrong: what the caller catches, what is stored
 // then, and that the same objects work afterwards.
 

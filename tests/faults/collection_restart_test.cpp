@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // A server that ends in the middle of an operation on collections or files, and starts again.
 
 #include "connection_options.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // Every call of the driver fails in turn, and every allocation: the exception arrives, no object of the driver is left,
 // and the same client works again.
 

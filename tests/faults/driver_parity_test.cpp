@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // Connections behave as with the plain driver: each test does the same with a client of the library and with one of the
 // driver alone, in the same run, and compares the outcomes. An operation that hangs is ended by ctest's TIMEOUT.
 

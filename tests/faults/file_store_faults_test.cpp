@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // Uploads and downloads that go wrong at each of their commands: no file is half visible, the error tells what
 // happened, and the same store works afterwards.
 

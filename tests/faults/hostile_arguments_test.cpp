@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // Documents and names of any shape, given to every operation of a client with a real driver and server. Whatever they
 // are, the operation returns or throws one of its two exceptions: the process never ends.
 //

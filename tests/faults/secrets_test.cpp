@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // Passwords: where they must not appear, and how those with reserved characters reach the server.
 
 #include "database_client.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // A server that is ended and started again while clients work with it.
 
 #include "connection_options.h"

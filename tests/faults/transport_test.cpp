@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // TLS: the right and the wrong authority, the wrong name, and no TLS where it is wanted.
 
 #include "certificates.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // Bytes from outside as BSON: read, written, read again.
 
 #include "properties_to_json.h"

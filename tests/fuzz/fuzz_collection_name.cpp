@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // Full collection names of any bytes: how they are cut, and that nothing is done with them without a connection.
 
 #include "database_client.h"

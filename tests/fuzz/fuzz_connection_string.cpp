@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // Connection strings: what uri() makes of any texts, and what connect() does with any string. Nothing is sent: a client
 // that connects does not ask the server before its first operation.
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // Text from outside as JSON: read, written, read again.
 
 #include "json_to_properties.h"

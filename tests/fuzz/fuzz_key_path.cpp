@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // Key paths of any bytes, and operations in any order: the library and the model of its rules agree after every step.
 
 #include "byte_source.h"

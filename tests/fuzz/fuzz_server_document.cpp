@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // Bytes as documents that go to a server or come from one. A document is sent unchanged, with an "_id" in front if it
 // has no "_id". The record of a stored file and a reply with an error are read, or rejected with the error that the
 // caller expects.

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // Bytes from outside as BSON and as JSON: a value that was read is written, read again, and stays the same.
 
 #include "dbc/value.h"

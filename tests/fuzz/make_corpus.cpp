@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // Writes the inputs from which the fuzzers start, one file for each kind of content: make_corpus FOLDER
 
 #include "model/operation.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // Runs a fuzz target over the files and folders given as arguments, without a fuzzer.
 
 #include <cstdint>

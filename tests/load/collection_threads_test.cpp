@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // Threads with a client each work on collections, cursors, bulk writes and files at the same time. What each thread has
 // written must be what it reads, and what is stored at the end.
 

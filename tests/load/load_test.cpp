@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // Threads with a client each write, find, update and remove through the real server. What they keep count of must be
 // what is found at the end, and the memory of the process must not grow with the number of operations.
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // Random sequences of operations on a collection of the real server and on a model in memory. After every operation its
 // result and all documents are compared. A difference is shrunk to a short sequence.
 //

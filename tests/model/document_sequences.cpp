@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 #include "comparison.h"
 #include "model_document.h"
 #include "object_properties.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // Random sequences of operations on the library and on a model of its rules, compared after every step.
 // A difference is shrunk to a short sequence and printed with the number that makes it again.
 

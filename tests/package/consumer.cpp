@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // Uses something of every public header, as a program outside this repository would.
 #include <bson_to_properties.h>
 #include <database_client.h>

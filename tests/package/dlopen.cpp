@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // A program that knows the headers and the name of the library file, and links nothing of it.
 // Usage: dlopen LIBRARY
 #include <database_client.h>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // Documents near and beyond what a server takes, and many results.
 
 #include "database_client.h"

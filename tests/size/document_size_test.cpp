@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // Very wide documents and filters, and very deep JSON.
 
 #include "bson_to_properties.h"

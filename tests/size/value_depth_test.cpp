@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // Documents of a million levels, with a stack that a recursion would exhaust.
 
 #include "every_type.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 #pragma once
 
 /// Shows a private member to a test: an explicit instantiation may name it. For states that no caller can make.

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // usage: wire-gateway SERVER-URI
 //
 // Prints the connection string to use and runs until standard input ends or a signal comes. In front of a FerretDB this

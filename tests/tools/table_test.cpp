@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 #include "dbc/build.h"
 #include "failure.h"
 #include "scalar_text.h"

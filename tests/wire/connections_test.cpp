@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // How connections are made: to every kind of address, and without a word of the driver.
 
 #include "connected_client.h"

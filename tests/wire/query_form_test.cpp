@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // Queries of the form {"$query": ..., "$orderby": ...}: the find command that each modifier becomes. The commands are
 // those of the driver's own translation in libmongoc 1.23.
 

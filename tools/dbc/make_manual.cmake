@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The database_client authors
+# SPDX-License-Identifier: MIT
+
 # usage: cmake -DPROGRAM=dbc -DTEMPLATE=dbc.1.in -DPROJECT_VERSION=1.2.3 -DPAGE=dbc.1 -P make_manual.cmake
 # Puts what the program says of its options and commands into the manual page.
 execute_process(COMMAND ${PROGRAM} --manual OUTPUT_VARIABLE COMMANDS OUTPUT_STRIP_TRAILING_WHITESPACE

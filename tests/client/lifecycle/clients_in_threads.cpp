@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // After the first client was made, every thread makes and uses one of its own.
 
 #include "database_client.h"

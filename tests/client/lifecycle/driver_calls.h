@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 #pragma once
 
 /// Counts the driver's start, end, connections made and dropped, in the place of the driver's own functions, and checks

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // A program that keeps documents and never makes a client does not start the driver.
 
 #include "database_client.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // Clients of the program's own, deleted before it ends.
 
 #include "database_client.h"

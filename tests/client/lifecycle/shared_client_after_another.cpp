@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // A client of the program's own comes first and goes first; the shared one is left connected.
 
 #include "database_client.h"

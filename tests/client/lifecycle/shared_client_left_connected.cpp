@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // The shared client is the first one made, and nobody disconnects it.
 
 #include "database_client.h"

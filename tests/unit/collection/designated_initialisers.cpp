@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // Compiled as C++20: the options of the operations are set by name.
 #include "dbc/collection.h"
 

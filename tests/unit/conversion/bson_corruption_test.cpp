@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // Bytes that are no BSON. A slow reader, recursive and built on the driver's own value reading, says what a document
 // made from them must hold; the bytes stand in storage of exactly their length.
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // What the driver would end the process over becomes the operation's own error. Nothing listens where the clients are
 // connected to: an error about servers would mean that something was to be sent.
 

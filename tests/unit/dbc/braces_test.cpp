@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // Built with C++17 and with C++20: what braces mean depends on rules that changed between them.
 #include "dbc/filter.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 #include "object_filter/object_filter_d.h"
 #include "query_bytes.h"
 #include "virtual_slot.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 #include "dbc/scopes.h"
 #include "document_kinds.h"
 #include "object_properties.h"

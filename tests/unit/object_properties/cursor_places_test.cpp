@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // Places in a document: the current node, moving to a node, and copies that keep the cursor's place.
 
 #include "object_properties.h"

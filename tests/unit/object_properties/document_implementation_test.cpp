@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // The implementation behind the document: what a key is resolved against, and how little it holds.
 
 #include "object_properties/object_properties_d.h"

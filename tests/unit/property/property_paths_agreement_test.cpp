@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The database_client authors
+// SPDX-License-Identifier: MIT
+
 // The path operations walk a path once. Here the same paths are followed the slow way, segment by segment with the
 // operations for one key, and both must leave the same tree and give the same node.
 
