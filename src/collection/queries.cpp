@@ -128,11 +128,12 @@ Cursor Collection::aggregate(const DocumentRef& pipeline, const AggregateOptions
         .addFlag("bypassDocumentValidation", options.bypassValidation)
         .add(options.writeConcern);
     const ReadPreferenceHandle preference = readPreference(options.readPreference);
+    OwnedBson reply;
     bson_error_t error{};
     CursorHandle cursor = openAggregation(d->client.connected().get(), source, stages.get(), driverOptions.get(),
-                                          preference.get(), error);
+                                          preference.get(), reply, error);
     if (!cursor)
-        throwServerError("Aggregation failed", error);
+        throwServerError("Aggregation failed", error, reply.get());
     return CursorAccess::open(d->client.connected(), std::move(cursor), "Aggregation failed");
 }
 

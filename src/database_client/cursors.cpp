@@ -132,7 +132,7 @@ void appendOptions(const bson_t* options, bson_t* command, bson_t* cursor, bson_
 // Runs the aggregation as a command and makes a cursor of the reply, for the same server and session.
 CursorHandle openAggregationByCommand(mongoc_client_t* client, const CollectionHandle& collection,
                                       const bson_t* pipeline, const bson_t* aggregationOptions,
-                                      const mongoc_read_prefs_t* readPreference, bson_error_t& error)
+                                      const mongoc_read_prefs_t* readPreference, OwnedBson& reply, bson_error_t& error)
 {
     bson_iter_t list;
     const bool isNamed = bson_iter_init_find(&list, pipeline, "pipeline") && BSON_ITER_HOLDS_ARRAY(&list);
@@ -150,7 +150,6 @@ CursorHandle openAggregationByCommand(mongoc_client_t* client, const CollectionH
     appendOptions(aggregationOptions, command.get(), cursorOptions.get(), options.get());
     BSON_APPEND_DOCUMENT(command.get(), "cursor", cursorOptions.get());
 
-    OwnedBson reply;
     SessionHandle session;
     bool done = false;
     if (endsInWriteStage(stages))
@@ -176,7 +175,9 @@ CursorHandle openAggregationByCommand(mongoc_client_t* client, const CollectionH
     }
     if (!done)
         return nullptr;
-    bson_concat(options.get(), cursorOptions.get());
+    bson_iter_t batchSize;
+    if (bson_iter_init_find(&batchSize, cursorOptions.get(), "batchSize"))
+        bson_append_iter(options.get(), nullptr, -1, &batchSize);
     CursorHandle cursor(mongoc_cursor_new_from_command_reply_with_opts(client, reply.get(), options.get()),
                         DestroyCursor{std::move(session)});
     bson_init(reply.get()); // the cursor owns its content now
@@ -193,12 +194,14 @@ bool isRefusedName(const bson_error_t& error)
 } // namespace
 
 CursorHandle openAggregation(mongoc_client_t* client, const CollectionHandle& collection, const bson_t* pipeline,
-                             const bson_t* options, const mongoc_read_prefs_t* readPreference, bson_error_t& error)
+                             const bson_t* options, const mongoc_read_prefs_t* readPreference, OwnedBson& reply,
+                             bson_error_t& error)
 {
     CursorHandle cursor(
         mongoc_collection_aggregate(collection.get(), MONGOC_QUERY_NONE, pipeline, options, readPreference));
     if (!mongoc_cursor_error(cursor.get(), &error))
         return cursor;
-    return isRefusedName(error) ? openAggregationByCommand(client, collection, pipeline, options, readPreference, error)
-                                : nullptr;
+    if (!isRefusedName(error))
+        return nullptr;
+    return openAggregationByCommand(client, collection, pipeline, options, readPreference, reply, error);
 }

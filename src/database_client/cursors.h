@@ -18,6 +18,8 @@ CursorHandle openFind(const CollectionHandle& collection, const OwnedBson& query
 /// @param pipeline        {"pipeline": [stages]}, or the stages with their numbers as keys
 /// @param options         as for mongoc_collection_aggregate; may be null
 /// @param readPreference  null for that of the connection string
+/// @param reply           the server's reply to an aggregation that it rejected, if there was one
 /// @return a cursor, or null with @p error set. The cursor may have an error as well
 CursorHandle openAggregation(mongoc_client_t* client, const CollectionHandle& collection, const bson_t* pipeline,
-                             const bson_t* options, const mongoc_read_prefs_t* readPreference, bson_error_t& error);
+                             const bson_t* options, const mongoc_read_prefs_t* readPreference, OwnedBson& reply,
+                             bson_error_t& error);

@@ -85,8 +85,9 @@ void DataBaseClientPrivate::aggregate(const std::string& database, const std::st
     toBson(pipeline, stages, "Bad pipeline");
 
     const CollectionHandle source = openCollection(database, collection);
+    OwnedBson reply;
     bson_error_t error{};
-    const CursorHandle cursor = openAggregation(m_client.get(), source, stages.get(), nullptr, nullptr, error);
+    const CursorHandle cursor = openAggregation(m_client.get(), source, stages.get(), nullptr, nullptr, reply, error);
     if (!cursor || !appendResults(cursor, results, error))
         throwDriverError("Aggregation error.", error);
 }
