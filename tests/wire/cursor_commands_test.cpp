@@ -200,9 +200,11 @@ TEST_F(CursorCommand, IsClosedOnTheServerWhenItEndsEarly)
 
     gateway().clear();
     cursor = openInBatchesOf(2);
-    EXPECT_THROW(for (const ObjectProperties& document
-                      : cursor) throw std::domain_error(document.group()),
-                 std::domain_error);
+    const auto loopThatThrows = [&cursor] {
+        for (const ObjectProperties& document : cursor)
+            throw std::domain_error(document.group());
+    };
+    EXPECT_THROW(loopThatThrows(), std::domain_error);
     cursor = openInBatchesOf(100);
     EXPECT_EQ(gateway().names(), (std::vector<std::string>{"find", "find", "killCursors"}));
 }
