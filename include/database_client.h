@@ -90,7 +90,7 @@ public:
     /// @throws std::runtime_error "Connection failed" if the connection string is invalid; the client is disconnected
     ///                            then
     virtual void connect(const std::string& uri);
-    /// Drops the connection. Does nothing if there is none.
+    /// Drops the connection. Does nothing without a connection.
     virtual void disconnect();
     /// True if connect() has succeeded since the last disconnect(). Sends nothing.
     virtual bool isConnected() const;

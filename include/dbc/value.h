@@ -404,7 +404,8 @@ public:
     bool contains(std::string_view key) const noexcept { return find(key) != nullptr; }
     /// Returns the first field with this key. @throws std::out_of_range if there is no such field
     DATABASE_CLIENT_API const Value& at(std::string_view key) const;
-    /// Returns the element or the value of the field at @p index. @throws std::out_of_range if there is none
+    /// Returns the element or the value of the field at @p index.
+    /// @throws std::out_of_range if there is no such element or field
     DATABASE_CLIENT_API const Value& at(std::size_t index) const;
     Value& at(std::string_view key) { return const_cast<Value&>(std::as_const(*this).at(key)); } ///< As above.
     Value& at(std::size_t index) { return const_cast<Value&>(std::as_const(*this).at(index)); }  ///< As above.
@@ -441,7 +442,7 @@ public:
     DATABASE_CLIENT_API Value& push(Value value);
     /// Removes every field with this key and returns their number.
     DATABASE_CLIENT_API std::size_t remove(std::string_view key);
-    /// Removes the field or element at @p index. @throws std::out_of_range if there is none
+    /// Removes the field or element at @p index. @throws std::out_of_range if there is no such element or field
     DATABASE_CLIENT_API void removeAt(std::size_t index);
     /// Removes all fields or elements.
     DATABASE_CLIENT_API void clear();

@@ -30,7 +30,7 @@ public:
     static Entry entryAt(const Property& node, int index);
     /// True if @p child is a child of @p node.
     static bool holds(const Property& node, const Property& child) noexcept;
-    /// Returns the parent, or an empty pointer if there is none or it no longer exists.
+    /// Returns the parent, or an empty pointer for a root or if the parent no longer exists.
     static std::shared_ptr<Property> parentOf(const Property& node) noexcept { return node.m_parent.lock(); }
 
     /// Creates a node without a value.

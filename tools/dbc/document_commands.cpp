@@ -125,7 +125,7 @@ struct StandardInput
     JsonReader documents{bytes};
 };
 
-// Returns the documents of the command line, or of standard input if there are none.
+// Returns the documents of the command line, or of standard input if the command line has no documents.
 std::function<std::optional<dbc::Value>()> documentsOf(const InsertCommand& command)
 {
     if (command.documents.empty() && ::isatty(STDIN_FILENO) == 1)

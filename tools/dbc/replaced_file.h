@@ -28,7 +28,7 @@ public:
 
 private:
     std::string m_path; ///< with links resolved
-    std::string m_part; ///< the temporary file; empty if there is none
+    std::string m_part; ///< the temporary file; empty if the target is written directly
     std::optional<RemovalOnSignal> m_removal;
     std::ofstream m_stream;
 };
