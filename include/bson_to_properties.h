@@ -17,22 +17,26 @@
 
 class ObjectProperties;
 
-/// Converts BSON to a document. It calls only the public functions of the document. The fields are added at the
-/// document's cursor, next to the fields that are there. Stateless.
+/// Converts BSON to a document. The fields are added at the document's cursor. Fields with other keys stay. Calls only
+/// the virtual functions of the document, so a subclass can override them. Stateless: thread-safe for different
+/// documents.
 ///
 /// Fields of type undefined, null, DBPointer, code, code with scope, timestamp, decimal128, min key and max key are
-/// left out. A symbol becomes a String. A binary loses its subtype. A string ends at its first zero byte.
+/// left out. A symbol becomes a String. A binary loses its subtype. A string ends at its first zero byte. A key is used
+/// as a key path of ObjectProperties: "/" separates segments, and the empty key is the root.
 /// @since 1.0
 class DATABASE_CLIENT_API BsonToProperties
 {
 public:
+    /// Adds the fields of @p bson to @p properties.
     /// @return false if a pointer is null or the header of @p bson is invalid; nothing is done then. Otherwise true,
-    ///         also if the bytes are corrupt further inside; the fields before the corrupt bytes are kept
-    /// @throws std::bad_alloc  the fields read so far are kept, and the cursor may be inside an open group
+    ///         also if later bytes are corrupt; the fields before the corrupt bytes are added
+    /// @throws std::bad_alloc  the fields read so far stay in the document, and the cursor may be inside a group
     static bool convert(const bson_t* bson, ObjectProperties* properties);
     /// The same as convert(), without the null checks.
     static bool bson_to_properties(const bson_t* bson, ObjectProperties* properties);
-    /// Converts the fields from @p iter to its end. The depth is limited by memory, not by the stack.
+    /// Adds the fields after the current one of @p iter, up to the end. The depth is limited by memory, not by the
+    /// stack.
     /// @return true
     static bool parse(bson_iter_t& iter, ObjectProperties* properties);
 };

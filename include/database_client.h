@@ -49,20 +49,20 @@ enum UpdateCommand : int
 DATABASE_CLIENT_API void parseOldCollectionName(const std::string& fullName, std::string& database,
                                                 std::string& collection);
 
-/// A client of one server. It starts no thread. Its only state is the connection. It reports every failure by an
-/// exception that has only a text:
+/// A client of one server. It starts no thread. Its only state is the connection. Failures throw one of two exceptions.
+/// They have no error code as a member: use dbc::describe() of dbc/errors.h to get the kind and the code.
 /// - `std::invalid_argument`: "Connection is not established. Run connect before"; "<name> is empty" for a required
 ///   name; a document of more than 1,000 nested levels; an enumerator out of range. Nothing was sent to the server.
-/// - `std::runtime_error`: an error of the driver or the server, as "<message>: <driver text>(code: <code>)". The
-///   driver's text and the code are left out if the error has none.
+/// - `std::runtime_error`: an error of the driver or the server, as "<message>: <driver text>(code: <code>)". The part
+///   ": <driver text>" is left out if the text is empty, and "(code: <code>)" if the code is 0.
 ///
 /// Every operation first checks the connection, then each required name, then the documents. A failed operation leaves
 /// the client connected and usable.
 ///
 /// Depth limit: every operation throws for a document, query, projection, pipeline, roles or custom data of more than
-/// 1,000 nested groups and arrays. The text is that of the parameter, such as "Bad properties". The driver reads
-/// documents recursively, so deeper ones could exhaust the stack. libmongoc 1.30 and later reject most documents of
-/// more than 500 levels with an error of their own, a `std::runtime_error`. MongoDB itself accepts 100 levels.
+/// 1,000 nested groups and arrays. The text of the exception depends on the parameter, such as "Bad properties". The
+/// driver reads documents recursively, so deeper ones could exhaust the stack. libmongoc 1.30 and later reject most
+/// documents of more than 500 levels; this is a `std::runtime_error`. MongoDB itself accepts 100 levels.
 ///
 /// A client is not thread-safe; different clients can be used in different threads. Create the first client, and call
 /// instance() for the first time, before other threads use the library.
@@ -80,8 +80,8 @@ public:
     /// Disconnects.
     virtual ~DataBaseClient();
 
-    /// Connects with uri() of these arguments, by the virtual connect(uri). The database is the first parameter here,
-    /// and the last one of uri().
+    /// Calls the virtual connect(uri) with the result of uri(). The database is the first parameter here, but the last
+    /// parameter of uri(): callers depend on it.
     /// @throws std::runtime_error "Connection failed"
     virtual void connect(const std::string& database, const std::string& host, const int& port, const std::string& user,
                          const std::string& password);
@@ -94,10 +94,10 @@ public:
     virtual void disconnect();
     /// True if connect() has succeeded since the last disconnect(). Sends nothing.
     virtual bool isConnected() const;
-    /// Inserts a document by the virtual overload below, and drops the id.
+    /// Calls the virtual overload below and ignores the id.
     virtual void write(const std::string& database, const std::string& collection, const ObjectProperties& document);
     /// Inserts a document. Always appends a new "_id", also if the document already has one: callers depend on it.
-    /// @param id  set to the new id, 24 hexadecimal digits, before the insert; so it is also set after a failure
+    /// @param id  set to the new id, 24 hexadecimal digits. Set before the insert, so also if the insert fails
     /// @throws std::invalid_argument  no connection; an empty name; "Bad properties": more than 1,000 levels
     /// @throws std::runtime_error     "Error occurred while insert operation..."
     virtual void write(const std::string& database, const std::string& collection, const ObjectProperties& document,
@@ -106,18 +106,22 @@ public:
     /// @param document  operand of the operator @p command
     /// @throws std::invalid_argument  no connection; an empty name; "Uncknown command"; "Uncknown update flag"; "Bad
     ///                                properties" (@p document) or "Bad condition" (@p query): more than 1,000 levels
-    /// @throws std::runtime_error     "Error creating update document."; "Updating failed..."
+    /// @throws std::runtime_error     "Error creating update document.": larger than BSON allows (2 GiB); "Updating
+    ///                                failed..."
     virtual void update(const std::string& database, const std::string& collection, const ObjectProperties& query,
                         const ObjectProperties& document, const UpdateFlag& flag, const UpdateCommand& command);
-    /// Appends all matches to @p results, by the virtual find() without projection, limit and skip.
+    /// Calls the virtual find() without projection, limit and skip.
     virtual void read(const std::string& database, const std::string& collection, const ObjectProperties& query,
                       std::list<ObjectProperties*>& results);
-    /// Appends the documents that match @p query to @p results. Documents without fields are left out.
+    /// Appends the documents that match @p query to @p results. Leaves out documents without fields, also those whose
+    /// fields BsonToProperties leaves out.
     /// @param query       a filter, or {"$query": {...}, "$orderby": {...}}
     /// @param projection  fields to return; an empty document returns all fields
     /// @param results     appended to, never cleared; the caller deletes the elements
-    /// @param limit       maximum number of documents; 0 means no limit
-    /// @param skip        number of matches to skip
+    /// @param limit       maximum number of documents; 0 means no limit. The number -n requests one batch
+    ///                    of at most n documents
+    /// @param skip        number of matches to skip. A negative number is sent as an unsigned 32-bit number: callers
+    ///                    depend on it
     /// @throws std::invalid_argument  no connection; an empty name; "Bad condition": more than 1,000 levels, or a
     ///                                "$query" that is not a document; "Bad propjection": more than 1,000 levels; "Bad
     ///                                results": the server sent a document that is not valid BSON
@@ -136,7 +140,7 @@ public:
     /// @throws std::runtime_error     "Error occurred while remove operation..."
     virtual void remove(const std::string& database, const std::string& collection, const ObjectProperties& query);
     /// Sets @p name to the database of the connection string. Sets it to the empty string if the connection string has
-    /// none, or if there is no connection.
+    /// no database, or if there is no connection.
     virtual void getDatabaseName(std::string& name);
     /// Returns a new object id of 24 lower-case hexadecimal digits. Needs no connection.
     virtual std::string createId() const;
@@ -163,12 +167,13 @@ public:
     /// @throws std::invalid_argument  no connection; an empty name
     /// @throws std::runtime_error     "Error occurred while removing user..."
     virtual void removeUser(const std::string& database, std::string user);
-    /// Writes the content of a stored file to @p stream at its write position. Uses a buffer of 4096 bytes for any file
-    /// size. Does not check the state of the stream.
+    /// Writes the content of a stored file to @p stream at its write position. If several files have this name, the
+    /// server chooses one of them. Writes pieces of 4096 bytes. Does not check the state of the stream: dbc::Download
+    /// of dbc/files.h throws if the stream fails.
     /// @param gridFsCollection  prefix of the two GridFS collections
     /// @throws std::invalid_argument  no connection; an empty name
-    /// @throws std::runtime_error     "Error: iostream is not initialized"; "Error occurred while <driver call>
-    ///                                operation..."; bytes read so far are in the stream
+    /// @throws std::runtime_error     "Error: iostream is not initialized" if @p stream is null; "Error occurred while
+    ///                                <step> operation..."; bytes read so far are in the stream
     virtual void readFile(const std::string& database, const std::string& gridFsCollection, const std::string& fileName,
                           std::iostream* stream);
     /// Stores a local file. Does not replace a stored file with the same name.
@@ -176,36 +181,35 @@ public:
     /// The file is visible under its name from the first chunk of 255 KiB on, and its length grows with each chunk. If
     /// the upload fails or the process ends, an incomplete file stays. It can be read without an error.
     /// dbc::writeFile() of dbc/files.h sets the name only after all bytes are stored.
-    /// @throws std::invalid_argument  no connection; an empty name
-    /// @throws std::runtime_error     "Error occurred while <driver call> operation..."
+    /// @throws std::invalid_argument  no connection; an empty name or path
+    /// @throws std::runtime_error     "Error occurred while <step> operation..."
     virtual void writeFile(const std::string& database, const std::string& gridFsCollection,
                            const std::string& fileName, const std::string& inputFilePath);
     /// Appends the names of all stored files to @p names, in ascending order. Files without a name are left out.
     /// @throws std::invalid_argument  no connection; an empty name
-    /// @throws std::runtime_error     "Error occurred while list gridFS files operation..."; names appended so far stay
+    /// @throws std::runtime_error     "Error occurred while <step> operation..."; names appended so far stay
     virtual void listFiles(const std::string& database, const std::string& gridFsCollection,
                            std::list<std::string>& names);
     /// Removes every stored file with this name. The comparison ignores case: callers depend on it. Does nothing if
-    /// there is no such file.
+    /// there is no such file. Reads the whole list of files, so the time grows with their number.
     /// @throws std::invalid_argument  no connection; an empty name
-    /// @throws std::runtime_error     "Error occurred while remove gridFS file operation..."; files removed so far stay
-    ///                                removed
+    /// @throws std::runtime_error     "Error occurred while <step> operation..."; files removed so far stay removed
     virtual void removeFile(const std::string& database, const std::string& gridFsCollection,
                             const std::string& fileName);
-    /// Connects with uri() of host and port, by the virtual connect(uri).
+    /// Calls the virtual connect(uri) with the uri() of host and port.
     virtual void connect(const std::string& host, int port);
-    /// The same as read() with the two names that parseOldCollectionName() returns.
+    /// Calls the virtual read() with the two names that parseOldCollectionName() returns.
     virtual void read(const std::string& fullCollectionName, const ObjectProperties& query,
                       std::list<ObjectProperties*>& results);
-    /// The same as write() with the two names that parseOldCollectionName() returns.
+    /// Calls the virtual write() with the two names that parseOldCollectionName() returns.
     virtual void write(const std::string& fullCollectionName, const ObjectProperties& document);
-    /// The same as remove() with the two names that parseOldCollectionName() returns.
+    /// Calls the virtual remove() with the two names that parseOldCollectionName() returns.
     virtual void remove(const std::string& fullCollectionName, const ObjectProperties& query);
 
     // Static, so not part of the closed table.
 
-    /// Returns the client that the whole process shares. It is created by the first call and destroyed at exit. Do not
-    /// delete it.
+    /// Returns the client that the whole process shares. The first call creates it; that call is not thread-safe. It is
+    /// destroyed at exit: do not delete it.
     static DataBaseClient* instance();
     /// Returns "mongodb://", "user:password@" if both are set, and "host:port/database". Does not escape anything: the
     /// caller must percent-encode characters that are reserved in a connection string.

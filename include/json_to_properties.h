@@ -19,7 +19,7 @@ class DATABASE_CLIENT_API JsonToProperties
 {
 public:
     /// Reads @p json up to its first zero byte.
-    /// @return false if @p properties is null or the text is not valid JSON; nothing is done then. Otherwise true
+    /// @return false if @p properties is null or @p json is not valid JSON; nothing is done then. Otherwise true
     /// @throws std::bad_alloc
     static bool convert(const std::string& json, ObjectProperties* properties);
     /// The same as convert(), without the null check.

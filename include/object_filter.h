@@ -29,14 +29,14 @@ enum OperationType : int
     OperationTypeUnknown = 9         ///< {key: {"": value}}; the same for every greater number
 };
 
-/// Builds a query: one call per condition, with "$and" and "$or" lists that are opened and closed like brackets.
-/// toObjectProeprties() returns the query as a document for DataBaseClient.
+/// Builds a query: one call per condition. start_and() and start_or() open a list; finish_and() and finish_or() close
+/// it. toObjectProeprties() returns the query as a document for DataBaseClient.
 ///
-/// In an open list, every condition is an element of its own. Outside a list, conditions on one key are merged; so are
-/// two "$and" lists and two "$or" lists. At most 100 lists can be open. Beyond 100, start calls are only counted, so
+/// In an open list, each condition becomes a separate element. Outside a list, conditions on the same key are merged,
+/// and so are lists with the same operator. At most 100 lists can be open. Beyond 100, start calls are only counted, so
 /// that finish calls still match. Conditions then go into the 100th list.
 ///
-/// Keys are those of ObjectProperties. Use one segment:
+/// A key is a key path of ObjectProperties. Use keys of one segment:
 /// - "a.b" is a nested field for the server.
 /// - "a/b" is a path of groups. A condition enters each group, but leaves only the last one. Callers depend on it.
 /// - The empty key is the whole query. A value replaces the query. Callers depend on it.
@@ -64,7 +64,7 @@ public:
     virtual void start_or();
     /// The same as finish_and().
     virtual void finish_or();
-    /// Puts the following conditions into a sub-document. Does not affect the lists.
+    /// Puts the following conditions into the sub-document at @p key. Does not affect the lists.
     virtual void beginGroup(const std::string& key);
     /// Ends the innermost beginGroup().
     virtual void endGroup();
@@ -72,8 +72,8 @@ public:
     /// OperationType lists what each operator adds to the query.
     /// @{
 
-    /// Adds a condition that compares the value of @p key with @p value. Strings also have @p options, the options of a
-    /// regular expression, such as "i". They are ignored unless @p operation is OperationTypeRegex.
+    /// Adds a condition that compares the value of @p key with @p value. The parameter @p options of strings has the
+    /// options of a regular expression, such as "i". It is ignored unless @p operation is OperationTypeRegex.
     virtual void setFilterString(OperationType operation, const std::string& key, const std::string& value,
                                  const std::string& options);
     virtual void setFilterBool(OperationType operation, const std::string& key, const bool& value);
@@ -88,8 +88,8 @@ public:
 
     /// Adds the query of @p other as an element of the innermost list. Without an open list, it replaces this query.
     virtual void include(const ObjectFilter& other);
-    /// Moves the conditions at @p key, if any, to @p target. The old query and the open lists of @p target are always
-    /// lost.
+    /// Moves the conditions at @p key to @p target. The old query and the open lists of @p target are lost, also if
+    /// there are no conditions at @p key.
     virtual void exclude(const std::string& key, ObjectFilter& target);
     /// True if the query is empty. A query with an open list is not empty.
     virtual bool isEmpty() const;
@@ -103,9 +103,9 @@ public:
 
     // Not virtual, so not part of the closed table.
 
-    /// Adds the condition {key: operators}, for operators without a function of their own. Outside a list it is merged
-    /// with other conditions on the key. With the empty key, the fields of @p operators are added as conditions
-    /// themselves; use it for "$nor".
+    /// Adds the condition {key: operators}, for operators that OperationType does not have. Outside a list it is merged
+    /// with other conditions on the key. With the empty key, adds the fields of @p operators themselves; use this for
+    /// "$nor".
     void setFilterDocument(const std::string& key, const ObjectProperties& operators);
 
 private:

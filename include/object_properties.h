@@ -51,8 +51,9 @@ public:
     virtual void beginArray(const std::string& key) const;
     /// The same as endObject().
     virtual void endArray() const;
-    /// Moves the cursor to the node at @p key. A missing group is created. "" and "/" are the root. If the current node
-    /// is an array, every call adds a group element and ignores @p key. A node of any other type is entered as it is.
+    /// Moves the cursor to the node at @p key, whatever its type. A missing group is created. "" and "/" are the root.
+    /// If the current node is an array and @p key does not begin with "/", every call adds a group element with the key
+    /// @p key, also if the array has an element with this key.
     virtual void beginGroup(const std::string& key);
     /// The same as the non-const overload. It also creates missing groups in a const document.
     virtual void beginGroup(const std::string& key) const;
@@ -77,7 +78,8 @@ public:
     /// @name Setters at the cursor
     /// @{
 
-    /// Sets the value of the current node and removes its children.
+    /// Sets the value of the current node and removes its children. An id has 24 hexadecimal digits; they are not
+    /// checked.
     virtual void setValueString(const std::string& value);
     virtual void setValueBool(const bool& value);
     virtual void setValueInt32(const int& value);
@@ -96,6 +98,7 @@ public:
     /// @{
 
     /// Returns the value of the current node if it has exactly this type, otherwise the default. Does not convert.
+    /// Times are milliseconds since 1970-01-01 UTC.
     virtual std::string currentValueAsString(const std::string& def) const;
     virtual bool currentValueAsBool(const bool& def) const;
     virtual int currentValueAsInt32(const int& def) const;
@@ -115,7 +118,7 @@ public:
     /// @{
 
     /// Sets the value of the node at @p key and removes its children. Missing nodes are created. Below an array, every
-    /// call adds an element.
+    /// call adds an element. An id has 24 hexadecimal digits; they are not checked.
     virtual void setValueString(const std::string& key, const std::string& value);
     virtual void setValueBool(const std::string& key, const bool& value);
     virtual void setValueInt32(const std::string& key, const int& value);
@@ -136,8 +139,9 @@ public:
     /// @name Getters by key
     /// @{
 
-    /// Returns the value of the node at @p key if it has exactly this type, otherwise the default. A missing key is
-    /// added as a node of type Undefined: callers depend on it.
+    /// Returns the value of the node at @p key if it has exactly this type, otherwise the default. Does not convert. A
+    /// missing key is added as a node of type Undefined: callers depend on it. Times are milliseconds since 1970-01-01
+    /// UTC.
     virtual std::string valueAsString(const std::string& key, const std::string& def) const;
     virtual bool valueAsBool(const std::string& key, const bool& def) const;
     virtual int valueAsInt32(const std::string& key, const int& def) const;
@@ -202,8 +206,8 @@ public:
     std::shared_ptr<Property> root() const;
     /// Returns the current node.
     std::shared_ptr<Property> current() const;
-    /// Moves the cursor to @p node. Takes time proportional to the depth of the node, and to the number of siblings
-    /// with equal keys on the path.
+    /// Moves the cursor to @p node. Takes time proportional to the depth of the node and to the number of siblings with
+    /// equal keys on the path. If the key of a node was changed by Property::copy(), all its siblings are searched.
     /// @return false if @p node is empty or not in the tree of this document; the cursor does not move then
     bool moveTo(const std::shared_ptr<Property>& node) const;
 

@@ -29,7 +29,7 @@ public:
     /// The same as convert(), without the null check.
     static bool properties_to_bson(const ObjectProperties& properties, bson_t* bson);
     /// Appends the children of @p node to @p bson. The depth is limited by memory, not by the stack. Nodes of type
-    /// None, nodes of a type above Regex and binaries without bytes are left out.
+    /// None, nodes of a type above Regex and binaries without bytes are left out. Adds nothing if @p node is empty.
     /// @return true
     static bool parse(std::shared_ptr<Property> node, bson_t* bson);
 };

@@ -96,7 +96,7 @@ public:
         /// @name Getters
         /// @{
 
-        /// Returns the value. It must have this type; the type is not checked.
+        /// Returns the value. Call only the getter of its type: the type is not checked.
         std::string valueAsString() const;
         bool valueAsBool() const;
         int valueAsInt32() const;
@@ -275,7 +275,8 @@ public:
     /// @name Value of this node, or a default
     /// @{
 
-    /// Returns the value if it has exactly this type, otherwise the default. Does not convert.
+    /// Returns the value if it has exactly this type, otherwise the default. Does not convert. Times are milliseconds
+    /// since 1970-01-01 UTC.
     std::string currentValueAsString(const std::string& def);
     bool currentValueAsBool(const bool& def);
     int currentValueAsInt32(const int& def);
@@ -308,7 +309,8 @@ public:
     /// @{
 
     /// Returns the value of the node at @p path if it has exactly this type, otherwise the default. A missing node is
-    /// added with type Undefined, as by createPropertyIfNotExists(): callers depend on it.
+    /// added with type Undefined, as by createPropertyIfNotExists(): callers depend on it. Times are milliseconds since
+    /// 1970-01-01 UTC.
     std::string valueAsString(const std::string& path, const std::string& def);
     bool valueAsBool(const std::string& path, const bool& def);
     int valueAsInt32(const std::string& path, const int& def);

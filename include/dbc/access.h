@@ -20,9 +20,9 @@
 
 namespace dbc {
 
-/// Returns the node at @p path, or an empty pointer. The path starts at the root with a leading "/", otherwise at the
-/// cursor. Unlike the getters of the document, it adds no missing key. The cursor does not move. The empty path is the
-/// current node.
+/// Returns the node at @p path, or an empty pointer. A path with a leading "/" starts at the root, any other path at
+/// the cursor. The empty path is the current node. Unlike the getters of the document, this function does not add a
+/// missing key. The cursor does not move.
 inline std::shared_ptr<Property> findNode(const ObjectProperties& document, const std::string& path)
 {
     if (path.empty())
@@ -42,7 +42,7 @@ std::optional<T> get(const ObjectProperties& document, const std::string& path)
     return node ? ValueTraits<T>::read(*node) : std::nullopt;
 }
 
-/// Returns the value at @p path, or @p fallback where get() returns an empty optional. The type of the fallback is the
+/// Returns the value at @p path, or @p fallback if get() returns an empty optional. The type of the fallback is the
 /// type that is read: use 0L or 0.0 for numbers that do not fit into an int.
 template <typename T>
 T getOr(const ObjectProperties& document, const std::string& path, T fallback)
@@ -63,8 +63,8 @@ inline void setTime(ObjectProperties& document, const std::string& path, Time va
     document.setValueTime(path, static_cast<long long>(millisecondsOf(value)));
 }
 
-/// The children of a node in key order, as pairs of key and node. Takes time proportional to their number. Keeps the
-/// node alive. Iterators stay valid under the rules of std::multimap.
+/// A range over the children of a node in key order, as pairs of key and node. Shares ownership of the node. Iterators
+/// stay valid under the rules of std::multimap.
 /// @since 1.0
 class Children
 {
@@ -124,9 +124,10 @@ inline bool isSmallerNumber(const std::string& left, const std::string& right)
 
 } // namespace detail
 
-/// Returns the elements of an array in the order of their element numbers; the node itself has "10" before "2". If a
-/// key is not a number, all elements keep the order of the node. Equal keys are in the order in which they were added.
-/// Empty if the pointer is empty or the node is not an array.
+/// Returns the elements of an array in the order of their element numbers. The children of the node are in the order of
+/// their keys as strings, so "10" is before "2". If a key is not a number, the elements keep that order. Equal keys are
+/// in the order in which they were added. Empty if the pointer is empty or the node is not an array. Takes n log n time
+/// for n elements.
 inline std::vector<std::shared_ptr<Property>> elements(const std::shared_ptr<Property>& array)
 {
     std::vector<std::shared_ptr<Property>> result;
@@ -148,7 +149,7 @@ inline std::vector<std::shared_ptr<Property>> elements(const std::shared_ptr<Pro
     return result;
 }
 
-/// Returns the elements of the array at @p path, as the overload above. Empty if there is no array.
+/// Returns the elements of the array at @p path, as the overload above does. Empty if there is no array.
 inline std::vector<std::shared_ptr<Property>> elements(const ObjectProperties& document, const std::string& path)
 {
     return elements(findNode(document, path));

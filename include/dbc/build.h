@@ -20,7 +20,7 @@
 namespace dbc {
 inline namespace v1 {
 
-/// A list of fields as a parameter: {{key, value}, ...} or a std::vector<Field>.
+/// A parameter that is a list of fields: {{key, value}, ...} or a std::vector<Field>.
 /// @since 1.0
 class Fields
 {
@@ -41,7 +41,7 @@ public:
     std::vector<Field> list; ///< The fields in their order.
 };
 
-/// A list of values as a parameter: {value, ...} or a std::vector<Value>.
+/// A parameter that is a list of values: {value, ...} or a std::vector<Value>.
 /// @since 1.0
 class Elements
 {
@@ -58,8 +58,8 @@ public:
 
 } // namespace v1
 
-/// Returns an object with these fields. Nested braces build objects too: call this where the compiler cannot deduce the
-/// type of braces.
+/// Returns an object with these fields. Nested braces build objects without this function: call it only if the compiler
+/// cannot deduce the type of the braces.
 inline Value object(Fields fields = {})
 {
     return Value::object(std::move(fields.list));
@@ -91,7 +91,8 @@ inline ObjectProperties updateDocument(const Fields& operators)
     return document(operators);
 }
 
-/// Returns a pipeline for DataBaseClient::aggregate(). The stages keep their order, also if there are more than ten.
+/// Returns a pipeline for DataBaseClient::aggregate(). The stages keep their order, also if there are more than ten:
+/// the keys have leading zeros.
 ///
 ///     pipeline({{{"$match", {{"state", "sent"}}}}, {{"$limit", 5}}})
 inline ObjectProperties pipeline(Elements stages)

@@ -28,7 +28,7 @@ inline namespace v1 {
 /// The "_id" of a document and the position of its operation in the bulk write.
 struct IndexedId
 {
-    std::size_t index = 0; ///< Counted from 0.
+    std::size_t index = 0; ///< Position of the operation, counted from 0.
     Value id{};            ///< The document's "_id".
 };
 
@@ -89,10 +89,10 @@ struct BulkOptions
 
 } // namespace v1
 
-/// A list of write operations for Collection::bulkWrite(). Each add function converts its documents at once, so they
-/// may change or be destroyed afterwards. It returns *this.
+/// A list of write operations for Collection::bulkWrite(). Each function that adds an operation converts its documents
+/// at once and returns *this. The documents may change or be destroyed afterwards.
 ///
-/// The add functions throw std::invalid_argument "Bad properties" for a document and "Bad condition" for a filter that
+/// These functions throw std::invalid_argument "Bad properties" for a document and "Bad condition" for a filter that
 /// cannot be sent. The list is unchanged then.
 ///
 /// Not thread-safe. Only assign to a moved-from object or destroy it.
@@ -145,7 +145,7 @@ public:
     BulkError& operator=(const BulkError& other) noexcept;
     ~BulkError() override;
 
-    /// What was done despite the error, as far as the server reported it before the connection broke.
+    /// The operations that succeeded. If the connection broke, the server may have done more than it reported.
     const BulkResult& result() const noexcept;
     /// Every rejected operation. Empty if the error is not about single operations, such as a broken connection.
     const std::vector<WriteError>& errors() const noexcept;

@@ -253,7 +253,7 @@ struct InsertOneResult
 struct InsertManyResult
 {
     std::int64_t inserted = 0; ///< Inserted documents; 0 for unacknowledged writes.
-    std::vector<Value> ids{};  ///< Ids of all documents, in their order.
+    std::vector<Value> ids{};  ///< Ids of all documents, in their order. Empty if returnIds is false.
     bool acknowledged = true;  ///< False for unacknowledged writes.
 };
 
@@ -275,11 +275,11 @@ struct RemoveResult
 
 } // namespace v1
 
-/// One collection of a client. Making a Collection sends nothing. Create it before or after connect(), and use it after
-/// a reconnect. It must not outlive the DataBaseClient. Not thread-safe: use it in the thread of the client. Only
-/// assign to a moved-from object or destroy it.
+/// One collection of a client. Creating a Collection sends nothing. It can be created before connect(), and stays
+/// usable after a reconnect. It does not own the DataBaseClient: after the client is destroyed, every operation throws.
+/// Not thread-safe: use it only in the thread of the client. Only assign to a moved-from object or destroy it.
 ///
-/// Every operation throws, in this order:
+/// Every operation checks in this order and throws:
 /// - std::logic_error       "The client of this object no longer exists"
 /// - std::invalid_argument  "Connection is not established. Run connect before"
 /// - std::invalid_argument  "Database name is empty", "Collection name is empty"
@@ -307,18 +307,20 @@ public:
     /// @throws ServerError "Insert failed..."
     InsertOneResult insertOne(const DocumentRef& document, const InsertOneOptions& options = {});
 
-    /// Inserts all documents of a range or a generator. A generator is a function object without parameters. It returns
-    /// a std::optional of a document, which is empty at the end. A document is anything that converts to a DocumentRef.
+    /// Inserts all documents of a range or a generator. A document is anything that converts to a DocumentRef. A
+    /// generator is a function object without parameters that returns the next document as a std::optional, or an empty
+    /// one at the end.
     ///
     ///     orders.insertMany(std::vector<ObjectProperties>{...});
     ///     orders.insertMany([&]() -> std::optional<dbc::Value> { return nextRecord(); });
     ///
-    /// The documents are sent in batches of about 4 MiB. Memory use does not grow with their number, except for the
-    /// ids.
+    /// The documents are sent in batches of about 4 MiB, and of at most 100,000 documents. Memory use does not grow
+    /// with their number, except for the ids.
     ///
-    /// Passes on exceptions of the range or the generator. Batches that were sent stay inserted.
+    /// Passes on exceptions of the range or the generator. Documents of batches that were sent before an exception stay
+    /// inserted.
     /// @throws BulkError             "Insert failed..."
-    /// @throws std::invalid_argument at the first document that cannot be sent
+    /// @throws std::invalid_argument "Bad properties" at the first document that cannot be sent
     template <typename Documents>
     InsertManyResult insertMany(Documents&& documents, const InsertManyOptions& options = {})
     {
@@ -390,11 +392,11 @@ public:
     /// @throws ServerError "Find and remove failed..."
     std::optional<Value> findOneAndRemove(const DocumentRef& filter, const FindOneAndRemoveOptions& options = {});
 
-    /// Returns the number of matches. The server counts documents or index entries.
+    /// Returns the number of matches. The server reads the documents or an index, so the time grows with their number.
     /// @throws ServerError "Count failed..."
     std::int64_t count(const DocumentRef& filter, const CountOptions& options = {});
-    /// Returns the number of documents from the metadata of the collection. Fast. It may be wrong after a crash of the
-    /// server and on a sharded cluster.
+    /// Returns the number of documents from the metadata of the collection, in constant time. It may be wrong after a
+    /// crash of the server and on a sharded cluster.
     /// @throws ServerError "Count failed..."
     std::int64_t estimatedCount();
     /// Returns the distinct values of a field in the documents that match. For an array, returns its distinct elements.

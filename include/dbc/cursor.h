@@ -19,24 +19,25 @@ namespace dbc {
 
 class CursorAccess;
 
-/// The documents that a query returns. The server sends them in batches. A cursor is an input range with one document
+/// The documents that a query returns, as an input range. The server sends them in batches; the cursor has one document
 /// at a time. The type of the loop variable selects the form of the document:
 ///
 ///     for (const ObjectProperties& order : orders.find({{"state", "open"}}))
 ///     for (const dbc::Value& order : orders.find({{"state", "open"}}))
 ///     for (dbc::BsonView order : orders.find({{"state", "open"}}))
 ///
-/// A document is valid until the next one is fetched, because the cursor reuses its objects. A BsonView is not a copy.
+/// A document is valid until the next one is fetched, because the cursor reuses its objects. A BsonView does not own
+/// its bytes.
 ///
-/// The destructor closes the cursor on the server. A cursor keeps its connection open, also after disconnect() and
-/// after the DataBaseClient is destroyed.
+/// The destructor closes the cursor on the server. A cursor shares ownership of the connection. It stays usable after
+/// disconnect() and after the DataBaseClient is destroyed.
 ///
 /// Not thread-safe: use it in the thread of the client. Only assign to a moved-from cursor or destroy it.
 /// @since 1.0
 class DATABASE_CLIENT_API Cursor
 {
 public:
-    /// The current document, convertible to each form.
+    /// The current document. It converts to each of the three forms.
     class DATABASE_CLIENT_API Document
     {
     public:
@@ -120,11 +121,12 @@ public:
 
     /// Returns the current document with the fields that ObjectProperties can hold. The next document reuses the
     /// object.
-    /// @throws std::logic_error "The cursor is on no document" before the first next() and at the end
+    /// @throws std::logic_error      "The cursor is on no document" before the first next() and at the end
+    /// @throws std::invalid_argument "Bad results" if the server sent a malformed document
     const ObjectProperties& properties();
     /// Returns the current document. The next document reuses the object.
     /// @throws std::logic_error as properties()
-    /// @throws FormatError if the server sent a malformed document
+    /// @throws FormatError      if the server sent a malformed document
     const Value& value();
     /// Returns the bytes of the current document. @throws std::logic_error as properties()
     BsonView bson() const;

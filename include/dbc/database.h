@@ -58,14 +58,14 @@ struct UserInfo
 
 } // namespace v1
 
-/// One database of a client. Making a Database sends nothing. Create it before or after connect(), and use it after a
-/// reconnect. It must not outlive the DataBaseClient. Not thread-safe: use it in the thread of the client. Only assign
-/// to a moved-from object or destroy it.
+/// One database of a client. Creating a Database sends nothing. It can be created before connect(), and stays usable
+/// after a reconnect. It does not own the DataBaseClient: after the client is destroyed, every operation throws. Not
+/// thread-safe: use it only in the thread of the client. Only assign to a moved-from object or destroy it.
 ///
-/// Every operation throws, in this order:
+/// Every operation checks in this order and throws:
 /// - std::logic_error       "The client of this object no longer exists"
 /// - std::invalid_argument  "Connection is not established. Run connect before"
-/// - std::invalid_argument  "Database name is empty", then an empty name among the arguments
+/// - std::invalid_argument  "Database name is empty", then the text of the first argument that is empty
 /// - std::invalid_argument  a document that cannot be sent
 /// - ServerError            an error of the server or the driver
 /// @since 1.0
@@ -86,7 +86,8 @@ public:
 
     /// Name of the database.
     const std::string& name() const noexcept;
-    /// Returns a collection of the database. Sends nothing.
+    /// Returns a collection of the database. Sends nothing, and does not check the name.
+    /// @throws std::logic_error "The client of this object no longer exists"
     Collection collection(const std::string& name) const;
 
     /// Returns the names of the collections and views. @throws ServerError "Listing collections failed..."

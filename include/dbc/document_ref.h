@@ -26,10 +26,12 @@ struct BsonView
     std::size_t size = 0;                ///< Number of bytes.
 };
 
+/// A parameter that is a document in one of these forms:
+/// - an ObjectProperties; its fields are sent in key order
+/// - a Value or braces; the fields are sent in their own order
+/// - BSON bytes
 ///
-/// A document as a parameter of an operation: an ObjectProperties, whose fields are sent in key order; a Value or
-/// braces, whose fields are sent in their own order; or BSON bytes. It refers to the document and does not own it,
-/// except for braces. Use it only as a parameter.
+/// It refers to the document and does not own it, except for braces. Use it only as a parameter.
 ///
 ///     orders.insertOne({{"item", "cup"}, {"count", 3}});
 /// @since 1.0

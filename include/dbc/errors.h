@@ -4,8 +4,8 @@
 #pragma once
 
 /// @file
-/// Errors of a server: an exception with code, kind and labels, and a function that reads them from the texts of the
-/// exceptions of DataBaseClient.
+/// Errors of a server: an exception with code, kind and labels, and a function that reads the kind and the code from
+/// the texts of the exceptions of DataBaseClient.
 
 #include "database_client_export.h"
 
@@ -23,8 +23,7 @@ namespace dbc {
 enum class ErrorKind
 {
     NotConnected,   ///< connect() was not called, or the connection string is invalid.
-    BadArgument,    ///< An empty name, an enumerator out of range, or a document that cannot be converted. Nothing was
-                    ///< sent.
+    BadArgument,    ///< An empty name, an enumerator out of range, or a document that cannot be sent. Nothing was sent.
     DuplicateKey,   ///< A unique index rejected the document.
     NotFound,       ///< The user, file or namespace does not exist.
     Authentication, ///< Wrong credentials.
@@ -35,7 +34,7 @@ enum class ErrorKind
     Other           ///< Any other error of the driver or the server.
 };
 
-/// Name of a kind, for messages.
+/// Returns the name of a kind, for messages.
 inline const char* nameOf(ErrorKind kind)
 {
     switch (kind)
@@ -87,11 +86,11 @@ struct ErrorDetails
 } // namespace v1
 
 /// An error of the server or the driver. Collection, Cursor, Database and FileStore throw it. what() has the form of
-/// DataBaseClient's exceptions: "<message>: <text>(code: <code>)". ": <text>" is left out if the text is empty, and the
-/// code if it is 0.
+/// DataBaseClient's exceptions: "<message>: <text>(code: <code>)". The part ": <text>" is left out if the text is
+/// empty, and "(code: <code>)" if the code is 0.
 ///
 /// The kind depends on the driver's error domain and the code, never on the text. Copies share their details.
-/// Concurrent reads are thread-safe.
+/// Thread-safe for concurrent reads.
 /// @since 1.0
 class DATABASE_CLIENT_API ServerError : public std::runtime_error
 {
@@ -114,19 +113,21 @@ public:
     const std::vector<std::string>& labels() const noexcept;
     /// True if labels() contains @p label.
     bool hasLabel(const std::string& label) const noexcept;
-    /// True if the cause is temporary: a broken connection, a server that stops or steps down, a write conflict, or a
-    /// label of the server. False for a failed login. The operation may have taken effect nevertheless. Repeat an
-    /// insert only with an "_id" of your own. Repeat an update only if it can be applied twice.
+    /// True if the cause is temporary: a broken connection, a server that stops or steps down, a write conflict, or an
+    /// error with the label "RetryableWriteError" or "TransientTransactionError". False for a failed login.
+    ///
+    /// The operation may have taken effect although it failed. Retry an insert only if you have set its "_id" yourself.
+    /// Retry an update only if it can be applied twice.
     bool mayRetry() const noexcept;
-    /// All details, for an exception of the caller that contains this one.
+    /// All details, for example for an exception that you throw instead.
     const ErrorDetails& details() const noexcept;
 
 private:
     std::shared_ptr<const ErrorDetails> m_details; // the only member: size and layout never change
 };
 
-/// The program cancelled the transfer of a file. FileStore throws it if a progress function returns false. A Download
-/// throws it out of DataBaseClient::readFile().
+/// The program cancelled the transfer of a file. FileStore throws it if a progress function returns false. With a
+/// Download, DataBaseClient::readFile() throws it.
 /// @since 1.0
 class Cancelled : public std::runtime_error
 {
@@ -137,9 +138,9 @@ public:
 /// Kind and code of an exception.
 struct ErrorInfo
 {
-    /// What the failure was about.
+    /// Kind of the error.
     ErrorKind kind = ErrorKind::Other;
-    /// Code of the driver or the server; empty if the text has no code.
+    /// Code of the driver or the server; empty if the error has no code.
     std::optional<int> code;
     /// The text without the code.
     std::string text;
@@ -147,7 +148,7 @@ struct ErrorInfo
 
 namespace detail {
 
-/// Returns the number between "(code: " and ")" at the end of the text.
+/// Returns the number between "(code: ", which begins at @p begin, and ")" at the end of the text.
 inline std::optional<int> codeOf(const std::string& text, std::size_t begin)
 {
     static const std::string opening = "(code: ";
@@ -171,7 +172,8 @@ inline bool contains(const std::string& text, const char* part)
     return text.find(part) != std::string::npos;
 }
 
-/// The numbers are error codes of the server unless noted. Those of the driver are small or have five digits.
+/// The cases are error codes of the server unless noted. Codes of the driver can have the same numbers, so some cases
+/// also depend on the text.
 inline ErrorKind kindOf(const std::string& text, std::optional<int> code)
 {
     const bool isTimeout = contains(text, "imeout") || contains(text, "timed out");

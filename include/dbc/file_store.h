@@ -35,10 +35,10 @@ struct FileInfo
     std::uint32_t chunkSize = 0; ///< Size of a chunk in bytes.
     Time uploaded{};             ///< Time of the end of the upload.
     std::string contentType{};   ///< Such as "image/png"; may be empty.
-    Value metadata{};            ///< Object with the uploader's own fields; may be empty.
+    Value metadata{};            ///< UploadOptions::metadata; may be empty.
 };
 
-/// Called after each chunk with the number of bytes so far. Return false to cancel: the operation then throws
+/// Called for each chunk with the number of bytes read so far. Return false to cancel: the operation then throws
 /// Cancelled.
 using FileProgress = std::function<bool(std::uint64_t bytes)>;
 
@@ -49,15 +49,15 @@ struct UploadOptions
     Value metadata{};                     ///< Object to store with the file.
     std::string contentType{};            ///< Such as "image/png"; stored in the field "contentType".
     std::uint32_t chunkSize = 255 * 1024; ///< Size of a chunk: 1 byte to 15 MiB.
-    FileProgress progress{};              ///< Called after each chunk.
+    FileProgress progress{};              ///< Called for each chunk, before it is sent.
 };
 
 /// Options of FileStore::download().
 struct DownloadOptions
 {
     std::uint64_t offset = 0;              ///< The first byte to read. Beyond the end, nothing is read.
-    std::optional<std::uint64_t> length{}; ///< Number of bytes; up to the end if not set.
-    FileProgress progress{};               ///< Called after each chunk.
+    std::optional<std::uint64_t> length{}; ///< Maximum number of bytes; up to the end if not set.
+    FileProgress progress{};               ///< Called for each chunk, after it is written.
 };
 
 /// Options of FileStore::list().
@@ -70,12 +70,13 @@ struct ListOptions
 
 } // namespace v1
 
-/// The content of a stored file as a seekable input stream. FileStore::open() creates it. It holds one chunk in memory.
+/// The content of a stored file as a seekable input stream. FileStore::open() creates it. It keeps at
+/// most 4 MiB or one chunk in memory, whichever is more. A seek beyond the end of the file fails.
 ///
 /// An error while reading sets badbit. With exceptions(std::ios::badbit) the stream throws the ServerError. After
 /// clear(), reading continues at tellg().
 ///
-/// It must not outlive the DataBaseClient, but may outlive the FileStore. Not thread-safe.
+/// It may outlive the FileStore, but not the DataBaseClient. Not thread-safe: use it only in the thread of the client.
 /// @since 1.0
 class DATABASE_CLIENT_API FileReader : public std::istream
 {
@@ -94,17 +95,18 @@ private:
     std::unique_ptr<Buffer> d;
 };
 
-/// One GridFS bucket: the files of one prefix in a database. Making a FileStore sends nothing. It must not outlive the
-/// DataBaseClient. Not thread-safe: use it in the thread of the client. Only assign to a moved-from object or destroy
-/// it. Format: the GridFS specification.
+/// One GridFS bucket: the files of one prefix in a database. Creating a FileStore sends nothing. It does not own the
+/// DataBaseClient: after the client is destroyed, every operation throws. Not thread-safe: use it only in the thread of
+/// the client. Only assign to a moved-from object or destroy it. Format: the GridFS specification.
 ///
 /// An uploaded file becomes visible when it is complete, because its file document is written last. A failed upload
 /// removes its chunks. An upload fails if another program removes its chunks.
 ///
-/// Every operation throws, in this order:
+/// Every operation checks in this order and throws:
 /// - std::logic_error       "The client of this object no longer exists"
 /// - std::invalid_argument  "Connection is not established. Run connect before"
-/// - std::invalid_argument  "Database name is empty", "GridFS collection name is empty", "GridFS file name is empty"
+/// - std::invalid_argument  "Database name is empty", "GridFS collection name is empty", "GridFS file name is empty",
+///                          "Bad condition" for a filter that cannot be sent
 /// - ServerError            an error of the server or the driver; kind NotFound if the file does not exist
 /// @since 1.0
 class DATABASE_CLIENT_API FileStore
@@ -119,12 +121,13 @@ public:
     ~FileStore();
 
     /// Stores the bytes of @p source from its read position on. Memory use does not depend on the length. A stored file
-    /// with the same name is not replaced.
-    /// @throws std::runtime_error "The source of the file cannot be read"
-    /// @throws Cancelled          progress() returned false
-    /// @throws ServerError        "Upload failed..."
+    /// with the same name is not replaced. The first upload to an empty bucket creates the indexes of GridFS.
+    /// @throws std::invalid_argument "Chunk size is out of range"; "Bad properties" if the metadata cannot be sent
+    /// @throws std::runtime_error    "The source of the file cannot be read"
+    /// @throws Cancelled             progress() returned false
+    /// @throws ServerError           "Upload failed..."
     FileInfo upload(const std::string& name, std::istream& source, const UploadOptions& options = {});
-    /// Stores a local file. Throws as upload().
+    /// Stores a local file. Throws the exceptions of upload(), and:
     /// @throws std::system_error if the file cannot be opened
     FileInfo uploadFile(const std::string& name, const std::string& path, const UploadOptions& options = {});
 

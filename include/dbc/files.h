@@ -4,7 +4,8 @@
 #pragma once
 
 /// @file
-/// Helpers for the file operations of DataBaseClient: follow a download, and upload data that is not in a local file.
+/// Functions for the file operations of DataBaseClient: report the progress of a download, and upload data that is not
+/// in a local file.
 
 #include "database_client.h"
 #include "dbc/errors.h"
@@ -28,7 +29,7 @@
 
 namespace dbc {
 
-/// CRC-32 as in ISO 3309 and RFC 1952: the checksum of gzip and of the `crc32` program.
+/// CRC-32 as in ISO 3309 and RFC 1952: the checksum of gzip and of the `crc32` program. Not thread-safe.
 /// @since 1.0
 class Crc32
 {
@@ -69,13 +70,13 @@ private:
 ///     dbc::Download download(file, [](std::uint64_t bytes) { std::cerr << bytes << '\r'; return true; });
 ///     client.readFile("shop", "files", "photo.jpg", &download);
 ///
-/// readFile() does not check the state of a stream. This stream throws instead: Cancelled, or std::runtime_error "The
-/// target of the download cannot be written".
+/// readFile() does not check the state of a stream, so this stream throws: Cancelled if the progress function returned
+/// false, or std::runtime_error "The target of the download cannot be written". Not thread-safe.
 /// @since 1.0
 class Download : public std::iostream
 {
 public:
-    /// Called after each piece with the number of bytes so far. Return false to cancel.
+    /// Called after each write of up to 4096 bytes, with the number of bytes so far. Return false to cancel.
     using Progress = std::function<bool(std::uint64_t bytes)>;
 
     /// Writes to @p target, which must outlive this object.
@@ -129,14 +130,14 @@ private:
     Buffer m_buffer;
 };
 
-/// Writes up to @p capacity bytes to @p buffer and returns their number; 0 at the end.
+/// A function of the caller that writes up to @p capacity bytes to @p buffer and returns their number; 0 at the end.
 using Generator = std::function<std::size_t(char* buffer, std::size_t capacity)>;
 
-/// A file without a name. Closing it removes it.
+/// An open file without a name. The destructor closes it, which removes it.
 using TemporaryFile = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
 
-/// Creates a temporary file with the bytes of @p generator. Use temporaryFilePath() to pass it to functions that need a
-/// path. Passes on exceptions of the generator.
+/// Creates a temporary file and writes the bytes of @p generator to it. Use temporaryFilePath() to pass it to functions
+/// that need a path. Passes on exceptions of the generator.
 /// @throws std::system_error if the file cannot be written
 inline TemporaryFile temporaryFile(const Generator& generator)
 {
@@ -155,7 +156,7 @@ inline TemporaryFile temporaryFile(const Generator& generator)
     return spool;
 }
 
-/// Returns a path to an open file. It is valid only in this process.
+/// Returns a path of an open file. It is valid in this process, until the file is closed.
 inline std::string temporaryFilePath(const TemporaryFile& file)
 {
     return "/dev/fd/" + std::to_string(::fileno(file.get()));
@@ -234,10 +235,10 @@ inline void giveFinalName(DataBaseClient& client, const std::string& database, c
 
 } // namespace detail
 
-/// Stores the bytes of @p generator. Other programs never see an incomplete file under this name. The bytes are written
-/// to a temporary local file, so memory use does not depend on the length. They are uploaded under partialFileName().
-/// The file is renamed when it is complete. After a failure the stored bytes are removed and the exception is passed
-/// on. A stored file with the same name is not replaced.
+/// Stores the bytes of @p generator so that no other program sees an incomplete file under this name. A stored file
+/// with the same name is not replaced. Writes the bytes to a temporary local file, so memory use does not depend on the
+/// length. Then uploads them under partialFileName() and renames the file when it is complete. After a failure, removes
+/// the stored bytes and passes on the exception.
 ///
 /// If the process ends during the upload, or the server becomes unreachable, the file stays under its temporary name.
 /// `dbc files ls` marks it, and `dbc files rm --partial` removes it. If the connection breaks while the file is
@@ -246,7 +247,7 @@ inline void giveFinalName(DataBaseClient& client, const std::string& database, c
 /// Passes on exceptions of the generator.
 /// @throws std::system_error      the temporary local file cannot be written
 /// @throws std::invalid_argument  no connection; an empty name
-/// @throws std::runtime_error     "Error occurred while <driver call> operation..."; "Find error...." or "Updating
+/// @throws std::runtime_error     "Error occurred while <step> operation..."; "Find error...." or "Updating
 ///                                failed..." if the file cannot be renamed; "The file was removed while it was being
 ///                                stored"
 inline void writeFile(DataBaseClient& client, const std::string& database, const std::string& gridFsCollection,
@@ -273,7 +274,7 @@ inline void writeFile(DataBaseClient& client, const std::string& database, const
     }
 }
 
-/// Stores the bytes of @p source from its read position on, as the overload above.
+/// Stores the bytes of @p source from its read position on, as the overload above does.
 /// @throws std::runtime_error  "The source of the file cannot be read"; otherwise as the overload above
 inline void writeFile(DataBaseClient& client, const std::string& database, const std::string& gridFsCollection,
                       const std::string& fileName, std::istream& source)

@@ -19,13 +19,14 @@
 
 namespace dbc {
 
-/// Adds {key: operators}. With the empty key, adds the operators themselves.
+/// Adds the condition {key: operators}. With the empty key, adds the operators themselves.
 inline void addCondition(ObjectFilter& filter, const std::string& key, const ObjectProperties& operators)
 {
     filter.setFilterDocument(key, operators);
 }
 
-/// Adds {key: operators}, merged with other conditions on the key. With the empty key, adds the operators themselves.
+/// Adds the condition {key: operators} at the cursor, merged with other conditions on the key. With the empty key, adds
+/// the operators themselves. The cursor does not move.
 inline void addCondition(ObjectProperties& query, const std::string& key, const ObjectProperties& operators)
 {
     const CursorScope scope(query);
@@ -36,8 +37,8 @@ inline void addCondition(ObjectProperties& query, const std::string& key, const 
         condition->createSingleProperty(name)->copy(*operand);
 }
 
-/// Adds a condition: the field equals one of the values. The target of this function and all functions below is an
-/// ObjectFilter or a query document.
+/// Adds a condition: the field equals one of the values. The @p target of this and of all functions below is an
+/// ObjectFilter, or an ObjectProperties with a query.
 template <typename Target>
 void addIn(Target& target, const std::string& key, Elements values)
 {

@@ -29,10 +29,11 @@ enum class LogLevel : int
 /// Returns the lower-case English name of a level, such as "warning".
 DATABASE_CLIENT_API const char* nameOf(LogLevel level) noexcept;
 
-/// Called for each log message of the driver.
+/// A function that is called for each log message of the driver.
 ///
-/// The driver calls it in the thread that logs. That may be a thread of the driver, and several threads may call it at
-/// once. Exceptions of the handler are discarded, because the driver is written in C and cannot pass them on.
+/// The driver calls it in the thread that logs, which may be a thread of the driver. It must be thread-safe, because
+/// several threads may call it at once. Its exceptions are discarded: the driver is written in C and cannot pass them
+/// on.
 /// @param domain   part of the driver that logs, such as "client" or "cluster"
 /// @param message  without a line break at its end
 using LogHandler = std::function<void(LogLevel level, const std::string& domain, const std::string& message)>;
@@ -49,7 +50,8 @@ using LogHandler = std::function<void(LogLevel level, const std::string& domain,
 ///     });
 DATABASE_CLIENT_API void setLogHandler(LogHandler handler);
 
-/// Sends the log of the driver to standard error and standard output again.
+/// Sends the log of the driver to standard error and standard output again. Destroys the handler of setLogHandler().
+/// Not thread-safe, as setLogHandler().
 DATABASE_CLIENT_API void useDefaultLog();
 
 } // namespace dbc

@@ -27,7 +27,7 @@ inline bool isCut(const char* text, std::uint32_t length)
     return std::memchr(text, '\0', length) != nullptr;
 }
 
-/// Calls report(loss) for what happens to the value of the element.
+/// Calls report(loss) for each loss of the value at @p iter.
 template <typename Report>
 void reportValue(const bson_iter_t& iter, const Report& report)
 {
@@ -68,7 +68,7 @@ struct LossLevel
     std::unordered_set<std::string> keys;
 };
 
-/// Called only for a report: a path stored for every level would need memory quadratic in the depth.
+/// Builds the path only when a loss is reported: storing the path of every level needs memory quadratic in the depth.
 inline std::string pathOf(const std::list<LossLevel>& open)
 {
     std::string path;
@@ -79,9 +79,9 @@ inline std::string pathOf(const std::list<LossLevel>& open)
 
 } // namespace detail
 
-/// Returns every field that changes in ObjectProperties, in the order of the document. Does not report the order of the
-/// fields, which ObjectProperties always sorts by key. The depth is limited by memory only. Takes time proportional to
-/// the size of the document.
+/// Returns every field that ObjectProperties drops or changes, in the order of the document. Does not report that
+/// ObjectProperties sorts the fields by key. The depth is limited by memory only. Takes time proportional to the size
+/// of the document. Thread-safe for concurrent reads of @p bson.
 inline std::vector<LossAt> findLosses(const bson_t& bson)
 {
     std::vector<LossAt> losses;

@@ -36,7 +36,7 @@ enum class ReadPreference
     Nearest             ///< The server with the lowest latency.
 };
 
-/// Direction of a sort, or type of a field in an index.
+/// Direction of a sort.
 enum class Order
 {
     Ascending = 1,  ///< Smallest first.
@@ -47,7 +47,7 @@ enum class Order
 struct SortField
 {
     std::string field;              ///< The dotted path of the field.
-    Order order = Order::Ascending; ///< Its order.
+    Order order = Order::Ascending; ///< Direction of the sort.
 };
 
 /// Fields of a sort, the most significant first.

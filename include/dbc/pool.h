@@ -22,8 +22,9 @@
 
 namespace dbc {
 
-/// Leases connected clients, at most @p limit (and at least one) at a time. Clients are created when needed and reused.
-/// Create the pool before other threads use the library. Every lease must end before the pool is destroyed.
+/// Leases connected clients to threads. The limit of the constructor is the maximum number of clients; 0 is used as 1.
+/// Clients are created when needed and reused. Create the pool before other threads use the library. End every lease
+/// before you destroy the pool.
 ///
 /// Thread-safe. A connection must not be shared with a child process: after `fork`, the child must create its own pool.
 /// The pool of the parent throws in the child.
@@ -73,6 +74,7 @@ public:
         std::unique_ptr<DataBaseClient> m_client;
     };
 
+    /// Creates the pool and one client. Sends nothing.
     /// @throws std::runtime_error "Connection failed" if @p uri is not a valid connection string
     ClientPool(std::string uri, std::size_t limit)
         : m_uri(std::move(uri)), m_limit(limit > 0 ? limit : 1), m_owner(::getpid())

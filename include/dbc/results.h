@@ -15,8 +15,8 @@
 
 namespace dbc {
 
-/// Use it in place of the `std::list<ObjectProperties*>` of find(), read() and aggregate(). The destructor deletes the
-/// documents:
+/// A list of documents that owns them. Pass it to find(), read() and aggregate() in place of a
+/// `std::list<ObjectProperties*>`. The destructor deletes the documents. Not thread-safe.
 ///
 ///     dbc::Results found;
 ///     client.read("shop", "orders", query, found);
@@ -73,7 +73,7 @@ public:
     Results() = default;
     /// Moves the documents.
     Results(Results&& other) noexcept { m_documents.swap(other.m_documents); }
-    /// Deletes the own documents, then moves those of @p other.
+    /// Deletes the documents of this list, then moves those of @p other.
     Results& operator=(Results&& other) noexcept
     {
         if (this != &other)

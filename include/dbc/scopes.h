@@ -4,7 +4,7 @@
 #pragma once
 
 /// @file
-/// Scopes that move the cursor of a document, and restore it when they end.
+/// Objects that move the cursor of a document, and restore it in their destructor.
 
 #include "object_properties.h"
 
@@ -13,9 +13,8 @@
 
 namespace dbc {
 
-/// Restores the cursor of a document in the destructor. Base class of the scopes below; can also be used alone.
-///
-/// If the node is no longer in the document, the cursor moves to the root.
+/// Restores the cursor of a document in the destructor. If the node is no longer in the document, the cursor moves to
+/// the root. Base class of the scopes below; can also be used alone.
 /// @since 1.0
 class CursorScope
 {
@@ -35,7 +34,7 @@ public:
 protected:
     /// The document.
     const ObjectProperties& document() const noexcept { return m_document; }
-    /// The node that the cursor was on.
+    /// The node to which the cursor returns.
     const std::shared_ptr<Property>& origin() const noexcept { return m_origin; }
 
 private:

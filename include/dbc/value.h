@@ -72,10 +72,10 @@ struct Code
 /// A symbol, deprecated in BSON.
 struct Symbol
 {
-    std::string text; ///< Its name.
+    std::string text; ///< The symbol.
 };
 
-/// A reference to a document, deprecated in BSON.
+/// A DBPointer: a reference to a document, deprecated in BSON.
 struct DbPointer
 {
     std::string collection; ///< Database and collection, separated by ".".
@@ -92,7 +92,7 @@ enum class JsonFormat
     Legacy     ///< The format of PropertiesToJson: {"$date": 0}, {"$oid": "..."}.
 };
 
-/// Invalid BSON or JSON.
+/// The exception for invalid BSON or JSON.
 /// @since 1.0
 class DATABASE_CLIENT_API FormatError : public std::invalid_argument
 {
@@ -112,7 +112,7 @@ private:
     std::size_t m_position;
 };
 
-/// A value with fields that ObjectProperties cannot hold.
+/// The exception for a value with fields that ObjectProperties cannot hold.
 /// @since 1.0
 class DATABASE_CLIENT_API LossError : public std::invalid_argument
 {
@@ -161,12 +161,12 @@ namespace detail {
 template <typename T>
 using Plain = std::remove_cv_t<std::remove_reference_t<T>>;
 
-/// A template parameter cannot be deduced from braces, so a parameter with this constraint never accepts braces.
-/// Otherwise {"a", 1} would be a string made of the first character of "a".
+/// True for the types of a string. A parameter that is constrained with it never accepts braces, because a template
+/// parameter cannot be deduced from braces. Otherwise {"a", 1} would be a string made of the first character of "a".
 template <typename T>
 constexpr bool isText = isOneOf<std::decay_t<T>, const char*, char*, std::string, std::string_view>;
 
-/// Types that convert to a value. Each is named exactly, because any pointer converts to bool.
+/// True for the types that convert to a value. They are listed one by one, because any pointer converts to bool.
 template <typename T>
 struct IsBuildable
     : std::bool_constant<isText<T> || isArithmetic<T> ||
@@ -220,7 +220,7 @@ std::optional<TimePoint> exactTime(long milliseconds)
     return TimePoint(std::chrono::duration_cast<Duration>(exact));
 }
 
-/// Converts from anything in braces, including braces. It is the worst match for all of them, so an overload with this
+/// Converts from anything in braces, including braces. This conversion is the worst match, so an overload with this
 /// parameter is chosen only if no other overload matches.
 struct Anything
 {
@@ -230,7 +230,7 @@ struct Anything
     {}
 };
 
-/// The same as Anything, but not for T: T{t} is then a copy with every compiler.
+/// The same as Anything, but does not convert from T. So T{t} is a copy with every compiler.
 template <typename T>
 struct AnythingBut
 {
@@ -289,6 +289,7 @@ public:
     /// @throws std::invalid_argument  an ObjectId that is not 24 hexadecimal digits; a null const char*; a regular
     ///                                expression or a key with a zero byte
     /// @throws std::length_error      a string or binary of 2^31 - 1 bytes or more
+    /// @throws std::logic_error       a CodeWithScope whose scope is not an object
     template <typename T,
               typename = std::enable_if_t<detail::IsBuildable<detail::Plain<T>>::value || detail::isText<T>>>
     Value(T&& value);
@@ -376,7 +377,7 @@ public:
         const Value* const value = findPath(path);
         return value ? value->get<T>() : std::nullopt;
     }
-    /// Returns the value that findPath() finds, or @p fallback where get() returns an empty optional. The type of the
+    /// Returns the value that findPath() finds, or @p fallback if get() returns an empty optional. The type of the
     /// fallback is the type that is read.
     template <typename T>
     T getOr(std::string_view path, T fallback) const
@@ -464,12 +465,13 @@ public:
     /// @throws std::length_error  a document of 2^31 bytes or more
     DATABASE_CLIENT_API void appendBson(std::vector<std::uint8_t>& target) const;
 
-    /// Returns the value of a JSON text: plain JSON, or canonical, relaxed or legacy Extended JSON. Up to 96 nested
-    /// levels.
+    /// Returns the value of a JSON text: plain JSON, or canonical, relaxed or legacy Extended JSON. Accepts up to 96
+    /// nested levels.
     /// @throws FormatError  not exactly one JSON value; what() has the position and the reason
     DATABASE_CLIENT_API static Value fromJson(std::string_view json);
-    /// Returns the value as JSON. Up to 90 nested levels; fromJson() reads them.
+    /// Returns the value as JSON. Accepts up to 90 nested levels, so fromJson() accepts the result.
     /// @throws std::invalid_argument  more levels, or a string that is not valid UTF-8
+    /// @throws std::length_error      a value of 2^31 bytes or more as BSON
     DATABASE_CLIENT_API std::string toJson(JsonFormat format = JsonFormat::Relaxed) const;
 
     /// Returns the object of a document. The fields are in key order, the elements in the order of their numbers.
@@ -482,9 +484,10 @@ public:
     /// The same, but does not throw LossError: fields that cannot be kept are appended to @p losses, and dropped or
     /// changed as nameOf(Loss) describes.
     DATABASE_CLIENT_API ObjectProperties toProperties(std::vector<LossAt>& losses) const;
-    /// Writes this value to the child of @p parent with this key. It replaces an existing child; in an array it is
-    /// added. If an object has equal keys, the last field is kept. Undefined becomes a node of type Undefined.
-    /// @throws LossError  a value that a node cannot hold
+    /// Writes this value to the child of @p parent with this key. Replaces all existing children with this key; in an
+    /// array, adds an element. If an object has equal keys, the last field is kept. Undefined becomes a node of type
+    /// Undefined.
+    /// @throws LossError  a value that a node cannot hold; the rest is written, as by toProperties(losses)
     DATABASE_CLIENT_API void writeTo(Property& parent, const std::string& key) const;
     /// @}
 
@@ -536,7 +539,8 @@ private:
             return {load<const char*>(payloadOffset), load<std::uint32_t>(sizeOffset)};
         return {reinterpret_cast<const char*>(m_bytes) + textOffset, m_bytes[1]};
     }
-    // Makes this value a view of @p text, for comparisons. The caller restores m_bytes[1] before the destructor runs.
+    // Makes this value a view of @p text, for comparisons. The caller must set m_bytes[1] to 0 before the destructor
+    // runs.
     void borrow(std::string_view text) noexcept
     {
         store(payloadOffset, text.data());

@@ -4,7 +4,7 @@
 #pragma once
 
 /// @file
-/// The types of BSON, and how ObjectProperties changes their values.
+/// The types of BSON, and the values that ObjectProperties drops or changes.
 /// @since 1.0
 
 #include <optional>

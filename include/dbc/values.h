@@ -25,7 +25,7 @@ using Bytes = std::vector<unsigned char>;
 /// A time with the precision of the server: milliseconds since 1970-01-01 UTC.
 using Time = std::chrono::time_point<std::chrono::system_clock, std::chrono::milliseconds>;
 
-/// An object id. A type of its own, so that an Id is not confused with a String.
+/// An object id. A separate type, so that an Id is not confused with a String.
 struct ObjectId
 {
     /// 24 hexadecimal digits.
@@ -61,14 +61,15 @@ inline Time timeFromMilliseconds(long long milliseconds)
     return Time(std::chrono::milliseconds(milliseconds));
 }
 
-/// Returns the milliseconds since 1970-01-01 UTC.
+/// Returns the number of milliseconds since 1970-01-01 UTC.
 inline long millisecondsOf(Time time)
 {
     return static_cast<long>(time.time_since_epoch().count());
 }
 
-/// Returns the key of an element in an array of @p count elements. It has leading zeros, so that the order of the keys
-/// is the order of the numbers. A server ignores the keys of an array and stores 0, 1, 2 and so on.
+/// Returns the key of an element in an array of @p count elements. It has leading zeros, so that ObjectProperties,
+/// which sorts by key, keeps the order of the elements. A server ignores the keys of an array and stores 0, 1, 2 and so
+/// on.
 inline std::string elementKey(std::size_t index, std::size_t count)
 {
     const std::string key = std::to_string(index);
@@ -143,9 +144,11 @@ long int64From(Integer value)
 
 } // namespace detail
 
-/// Reads a value of type T from a node and writes it. read() returns an empty optional if the node has another type. T
-/// is std::string, bool, any integer or floating-point type except the character types and long double, Time, ObjectId,
-/// Bytes or RegularExpression.
+/// Reads values of type T from nodes and writes them to nodes. read() returns an empty optional if the node has another
+/// type. T is one of:
+/// - std::string, bool, Time, ObjectId, Bytes, RegularExpression
+/// - an integer type, except the character types
+/// - float or double
 /// @since 1.0
 template <typename T, typename = void>
 struct ValueTraits;
