@@ -20,7 +20,7 @@ namespace dbc {
 class BulkRun
 {
 public:
-    /// @param options  as mongoc_collection_create_bulk_operation_with_opts takes them
+    /// @param options  options of mongoc_collection_create_bulk_operation_with_opts()
     BulkRun(const CollectionHandle& collection, const bson_t* options, bool bypassValidation);
 
     /// Adds an operation. An insert has neither filter nor options, a removal has no document. Returns false if the
@@ -31,7 +31,7 @@ public:
     bool execute();
 
     bool isAcknowledged() const;
-    /// Adds the counts to @p result, and the ids and errors with @p offset added to their index.
+    /// Adds the counts and ids to @p result, and the errors to @p errors. Adds @p offset to every index.
     void report(std::size_t offset, BulkResult& result, std::vector<WriteError>& errors) const;
     /// The driver's error for the bulk write as a whole.
     ErrorDetails error() const;

@@ -14,7 +14,7 @@
 
 namespace dbc {
 
-/// The operations of a Bulk. Their documents are stored as BSON, one behind the other.
+/// The operations of a Bulk. Their documents are stored as BSON, one after the other.
 struct Bulk::State
 {
     enum class Type
@@ -53,7 +53,7 @@ struct StoredBson
     bson_t bson;
 };
 
-/// Gives Collection access to the operations of a Bulk.
+/// Access to the operations of a Bulk, for Collection.
 class BulkAccess
 {
 public:

@@ -13,7 +13,7 @@ namespace dbc {
 
 struct Collection::State
 {
-    /// Opens the collection after the checks of every operation.
+    /// Makes the checks that every operation starts with, and opens the collection.
     CollectionHandle open() const;
 
     ClientAccess client;

@@ -40,7 +40,7 @@ Cursor CursorAccess::open(std::shared_ptr<mongoc_client_t> client, CursorHandle 
     state->client = std::move(client);
     state->cursor = std::move(cursor);
     state->message = message;
-    // Fetched now, because a pipeline that writes must run even if its results are not read.
+    // The query is sent now, because a pipeline that writes must run even if its results are not read.
     state->fetch();
     return Cursor(std::move(state));
 }

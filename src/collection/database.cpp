@@ -18,7 +18,7 @@ namespace dbc {
 
 struct Database::State
 {
-    // Opens the database after the checks of every operation.
+    // Makes the checks that every operation starts with, and opens the database.
     DatabaseHandle open() const
     {
         mongoc_client_t* const connected = access.connected().get();

@@ -13,7 +13,8 @@
 namespace dbc {
 namespace {
 
-// Servers and the driver use the same small numbers. An error code of the server is also in the reply.
+// Servers and the driver use the same small numbers as error codes. For some domains, only the reply shows that the
+// error is from the server.
 bool isFromServer(const bson_error_t& error, const bson_t* reply)
 {
     switch (error.domain)
@@ -53,7 +54,7 @@ ErrorKind kindOfDriverError(const bson_error_t& error)
     }
 }
 
-// The codes of the specifications for retryable reads and retryable writes, and that of a write conflict.
+// The codes that MongoDB specifies for retryable reads and retryable writes, and the code of a write conflict.
 bool isPassing(int code)
 {
     static constexpr int passing[] = {6, 7, 89, 91, 112, 134, 189, 262, 9001, 10107, 11600, 11602, 13435, 13436};
@@ -118,7 +119,7 @@ ErrorDetails errorDetails(const bson_error_t& error, const bson_t* reply)
     const auto hasLabel = [&details](const char* label) {
         return std::find(details.labels.begin(), details.labels.end(), label) != details.labels.end();
     };
-    // The driver 1.30 labels also a failed login, because it happens before the write. A wrong password stays wrong.
+    // libmongoc 1.30 also labels a failed login as retryable, because it happens before the write. A retry would fail.
     details.mayRetry = details.kind != ErrorKind::Authentication &&
                        (hasLabel("RetryableWriteError") || hasLabel("TransientTransactionError") ||
                         (fromServer ? isPassing(details.code) : details.kind == ErrorKind::Network));

@@ -84,7 +84,7 @@ FileChunks::Piece FileChunks::read(std::uint64_t end)
         return {};
     const std::uint64_t chunk = m_position / m_info.chunkSize;
     const std::uint64_t begin = chunk * m_info.chunkSize;
-    // Put back only if this chunk can be read. After a failure the next call sends a new query.
+    // m_cursor is set again only if this chunk can be read. After a failure, the next call sends a new query.
     std::optional<Cursor> cursor = std::exchange(m_cursor, std::nullopt);
     const bool isThere = relabelled(downloadFailed, [&] {
         if (!cursor || m_cursorEnd != end)

@@ -38,9 +38,9 @@ public:
 
     /// Sets the position of the next piece. Beyond the end of the file, the next piece is empty.
     void seek(std::uint64_t position);
-    /// Returns the rest of the current chunk, up to @p end. The piece is empty at @p end and at the end of the file. It
-    /// is valid until the next call. @throws ServerError "Download failed...", also for a chunk that is missing or has
-    /// a wrong length
+    /// Returns the bytes of the current chunk from the position on, up to the position @p end. The piece is empty at
+    /// @p end and at the end of the file. It is valid until the next call.
+    /// @throws ServerError "Download failed...", also if a chunk is missing or has a wrong length
     Piece read(std::uint64_t end);
 
 private:

@@ -13,7 +13,7 @@
 
 namespace dbc {
 
-/// Reads directly from the memory of the cursor, without a copy.
+/// A stream buffer that uses the memory of the cursor, so the bytes are not copied.
 class FileReader::Buffer : public std::streambuf
 {
 public:

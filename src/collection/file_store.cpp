@@ -56,7 +56,7 @@ bson_t viewOf(const BsonView& view)
 
 struct FileStore::State
 {
-    // The checks of every operation.
+    // Makes the checks that every operation starts with.
     void check() const
     {
         static_cast<void>(client.connected());
@@ -67,7 +67,7 @@ struct FileStore::State
     Collection files() const { return Collection(client.client(), database, name + ".files"); }
     Collection chunks() const { return Collection(client.client(), database, name + ".chunks"); }
 
-    // Unacknowledged writes cannot show that a file is complete.
+    // Replaces an unacknowledged write concern, because only an acknowledged write shows that a file is complete.
     std::optional<WriteConcern> writeConcern() const
     {
         if (mongoc_write_concern_is_acknowledged(mongoc_client_get_write_concern(client.connected().get())))
@@ -192,7 +192,7 @@ public:
         }
         catch (...)
         {
-            // The file document may exist although the reply was lost. It must not stay without its chunks.
+            // If the reply was lost, the file document may exist. Remove it first: it must not stay without its chunks.
             if (!m_mayHaveRecord || removeRecord())
                 removeChunks();
             throw;
@@ -227,7 +227,7 @@ private:
         return BsonView{bson_get_data(m_chunk.get()), m_chunk.get()->len};
     }
 
-    // Another program that removes chunks without a file document may have removed chunks of this upload.
+    // Another program may have removed chunks of this upload, because they have no file document yet.
     void checkChunks()
     {
         if (m_chunkCount == 0)
@@ -241,7 +241,7 @@ private:
         throw ServerError(uploadFailed, details);
     }
 
-    // A file with the same chosen id may already exist, so this matches only chunks of this upload.
+    // Matches only chunks of this upload, because a file with the id that the caller chose may already exist.
     Value ownChunks() const
     {
         return {{"files_id", m_info.id}, {"_id", {{"$gte", m_firstChunk}, {"$lte", m_lastChunk}}}};
@@ -289,7 +289,7 @@ private:
         }
     }
 
-    // Chunks that cannot be removed stay and belong to no file.
+    // If the removal fails, the chunks stay without a file document.
     void removeChunks() noexcept
     {
         if (m_chunkCount == 0)

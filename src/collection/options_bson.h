@@ -17,7 +17,7 @@
 
 namespace dbc {
 
-/// True if an option was set: it is not the empty object, which is the default.
+/// True if an option is set. The default, the empty object, means that it is not set.
 bool isSet(const Value& value);
 
 /// Builds the options of a driver call. Options that are not set are left out.
@@ -47,7 +47,8 @@ private:
     OwnedBson m_bson;
 };
 
-/// Converts a read preference for the driver; null means that of the connection string.
+/// Converts a read preference for the driver. Returns null if it is not set: the driver then uses the connection
+/// string.
 ReadPreferenceHandle readPreference(const std::optional<ReadPreference>& preference);
 
 } // namespace dbc

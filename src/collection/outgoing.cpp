@@ -12,7 +12,7 @@
 
 namespace dbc {
 
-/// Gives access to the content of a DocumentRef.
+/// Access to the content of a DocumentRef. Each function returns null if the document has another form.
 class DocumentRefAccess
 {
 public:
@@ -42,7 +42,7 @@ namespace {
 constexpr std::size_t idSize = 1 + sizeof("_id") + sizeof(bson_oid_t::bytes);
 constexpr std::size_t lengthSize = sizeof(std::uint32_t);
 
-// Checks the depth first, because the validation is recursive.
+// Checks the depth first, because bson_validate() is recursive.
 bool isBson(const BsonView& bytes, bson_t* view)
 {
     return bytes.data && bson_init_static(view, bytes.data, bytes.size) && canBeSent(view) &&
@@ -55,8 +55,8 @@ void require(bool condition, const char* refusal)
         throw std::invalid_argument(refusal);
 }
 
-// Adds a new id as the first field. The document starts after `idSize` unused bytes: its length moves to the front, and
-// type, key and value fill the bytes up to the first field.
+// Adds a new id as the first field. `bytes` has `idSize` unused bytes and then the document. The length of the document
+// moves to the front, and the new field fills the bytes between the length and the first field.
 void putIdFirst(std::vector<std::uint8_t>& bytes)
 {
     std::uint32_t length = 0;

@@ -13,7 +13,7 @@
 
 namespace dbc {
 
-/// A parameter as the BSON that is sent. Reuses its memory for several documents.
+/// The BSON of a parameter that is sent. Reuses its memory for several documents.
 class OutgoingBson
 {
 public:
@@ -25,7 +25,8 @@ public:
     };
 
     OutgoingBson() = default;
-    /// Does not copy the bytes of a BsonView. @throws std::invalid_argument @p refusal, if the document cannot be sent
+    /// Converts a document. Does not copy the bytes of a BsonView.
+    /// @throws std::invalid_argument @p refusal, if the document cannot be sent
     OutgoingBson(const DocumentRef& document, const char* refusal, Shape shape = Shape::Object);
     OutgoingBson(const OutgoingBson&) = delete;
     OutgoingBson& operator=(const OutgoingBson&) = delete;

@@ -20,7 +20,7 @@
 namespace dbc {
 namespace {
 
-// Passes the only document of the options, if there is one, to a setter of the driver.
+// Passes the first value of the options to a setter of the driver. Does nothing if there are no options.
 template <typename Setter>
 void setFields(const FindAndModifyHandle& modification, Setter setter, const DriverOptions& options)
 {

@@ -7,7 +7,7 @@
 
 namespace dbc {
 
-/// Returns the result of @p call. Replaces the message of a ServerError that it throws by @p message.
+/// Returns the result of call(). If it throws a ServerError, throws one with the same details and @p message.
 template <typename Call>
 decltype(auto) relabelled(const char* message, Call call)
 {

@@ -45,12 +45,12 @@ int digitOf(char character) noexcept
 
 std::size_t itemSizeOf(const Value& value) noexcept { return value.isObject() ? sizeof(Field) : sizeof(Value); }
 
-/// A hash table of the keys of an object. Created for an object with many fields after a number of searches.
+/// A hash table of the keys of an object. Created when an object with many fields was searched several times.
 struct KeyIndex
 {
     std::size_t mask = 0;
 
-    /// The number of a field plus one for each hash, or 0 if the slot is free. Collisions use the next slot.
+    /// The slots: the index of a field plus one, or 0 if the slot is free. After a collision, the next slot is used.
     std::uint32_t* places() noexcept { return reinterpret_cast<std::uint32_t*>(this + 1); }
 };
 
@@ -73,7 +73,7 @@ bool areSame(const Value& left, const Value& right) noexcept
     return Access::text(left) == Access::text(right);
 }
 
-/// Returns the slot of the key, or the free slot where to insert it.
+/// Returns the slot of the key, or the free slot for it.
 std::uint32_t* placeOf(KeyIndex& index, Block& block, const Value& key) noexcept
 {
     std::size_t place = hashOf(key) & index.mask;
@@ -82,7 +82,7 @@ std::uint32_t* placeOf(KeyIndex& index, Block& block, const Value& key) noexcept
     return index.places() + place;
 }
 
-/// Returns null without memory; the fields are then searched one by one.
+/// Returns null if there is not enough memory. The fields are then searched one by one.
 KeyIndex* makeIndex(Block& block) noexcept
 {
     std::size_t places = 64;
@@ -108,8 +108,8 @@ KeyIndex* makeIndex(Block& block) noexcept
     return index;
 }
 
-/// Returns the index, or null if it was not created yet. Several threads may call this at once; the first index is
-/// kept.
+/// Returns the index, or null if it was not created yet. Thread-safe: if several threads create an index, the first one
+/// is kept.
 KeyIndex* indexOf(Block& block) noexcept
 {
     std::uintptr_t searches = __atomic_load_n(&block.searches, __ATOMIC_ACQUIRE);
@@ -313,7 +313,7 @@ Value Value::array(std::vector<Value> elements)
     return result;
 }
 
-// Nested blocks are linked through their headers, which needs neither recursion nor memory.
+// Links the blocks that are still to be freed through their headers. That needs neither recursion nor memory.
 void Value::release() noexcept
 {
     Block* objects = nullptr;
@@ -355,7 +355,7 @@ void Value::release() noexcept
     }
 }
 
-// The value is valid after every step, so an exception does not leak memory.
+// `result` is a valid value after every step, so an exception does not leak memory.
 void Value::copy(const Value& other)
 {
     std::vector<std::pair<const Value*, Value*>> open;
@@ -428,7 +428,7 @@ const Value* Value::find(std::string_view key) const noexcept
     if (!isObject() || !ownsMemory() || key.size() > maximumSize)
         return nullptr;
     Block* const block = Access::block(*this);
-    // A key in the same form as those of the fields, for fast comparison. A long key is not copied.
+    // The key in the form in which fields store it, for a fast comparison. A long key is not copied.
     Value image(Type::String);
     const bool isShort = key.size() <= textCapacity;
     if (isShort)

@@ -15,14 +15,14 @@
 namespace dbc {
 inline namespace v1 {
 
-/// The header of the fields or values of a Value, which follow it in memory.
+/// The header of a block of memory. The fields or values of a Value follow it.
 struct Value::Block
 {
     std::uint32_t size = 0;
     std::uint32_t capacity : 31;
-    std::uint32_t isOpen : 1; ///< The caller may change its keys, so they have no index.
-    /// First the number of searches for a key, up to searchesBeforeIndex. Then the address of the key index; any
-    /// reading thread may set it. While blocks are freed, the next block to free.
+    std::uint32_t isOpen : 1; ///< The caller may change the keys, so there is no key index.
+    /// First the number of searches for a key, up to searchesBeforeIndex. Then the address of the key index, which any
+    /// reading thread may set. While blocks are freed, the address of the next block to free.
     std::uintptr_t searches = 0;
 
     explicit Block(std::uint32_t room) noexcept : capacity(room & 0x7FFFFFFF), isOpen(0) {}
@@ -50,7 +50,7 @@ public:
     {
         return value.ownsMemory() ? static_cast<Block*>(value.load<void*>(Value::payloadOffset)) : nullptr;
     }
-    /// @p value must not own memory before. A null block means that there are no items.
+    /// Sets type and items. @p value must not own memory. A null block means that there are no items.
     static void setBlock(Value& value, Type type, Block* block) noexcept
     {
         value.setType(type);
@@ -67,7 +67,7 @@ public:
     {
         value.setBinary(bytes, size, subtype);
     }
-    /// Returns the bytes as in BSON: those of subtype 2 begin with their length.
+    /// Returns the bytes as BSON has them: with subtype 2, they begin with their length.
     static std::string_view bytes(const Value& value) noexcept
     {
         return value.ownsMemory() ? std::string_view(value.load<const char*>(Value::payloadOffset),
@@ -103,7 +103,7 @@ public:
     }
     static void setDecimal(Value& value, const Decimal128& decimal) { value.setDecimal(decimal); }
 
-    /// Returns type, length and characters of a string in place, as two words. Unused bytes are zero.
+    /// Returns a string that is stored in place as two words: type, length and characters. Unused bytes are zero.
     static std::pair<std::uint64_t, std::uint64_t> words(const Value& value) noexcept
     {
         return {value.load<std::uint64_t>(0), value.load<std::uint64_t>(sizeof(std::uint64_t))};

@@ -47,7 +47,7 @@ Number read(const std::uint8_t* bytes) noexcept
     return littleEndian(number);
 }
 
-/// One stack for the items of all open objects and arrays. When a level ends, its items are copied into a block of the
+/// One stack for the items of all open objects and arrays. When a level ends, its items are moved into a block of the
 /// exact size.
 class ItemStack
 {
@@ -74,7 +74,7 @@ public:
         return *new (m_items + m_size++) Field(Access::makeField(Value(), Value()));
     }
 
-    /// Moves the items from @p first on into @p target, an object or array without items.
+    /// Moves the items from the index @p first on into @p target, an object or array without items.
     void popInto(Value& target, std::size_t first)
     {
         const std::size_t count = m_size - first;
@@ -204,7 +204,7 @@ private:
         return begin + size - 1;
     }
 
-    /// Reads up to and including the next zero byte.
+    /// Reads a null-terminated string.
     std::string_view cString()
     {
         const auto* const end = static_cast<const std::uint8_t*>(std::memchr(m_next, 0, left()));
@@ -227,7 +227,7 @@ private:
         return {reinterpret_cast<const char*>(text), static_cast<std::size_t>(size) - 1};
     }
 
-    /// Sets a string in place. Reads sixteen bytes, which must be readable.
+    /// Stores a short string in the value itself. Reads 16 bytes at @p text, whatever the size.
     static void setShort(Value& value, Type type, const void* text, std::size_t size) noexcept
     {
         std::uint64_t low = 0;
@@ -249,7 +249,7 @@ private:
             Access::setText(value, type, text.data(), text.size());
     }
 
-    /// Returns the number of bytes before the first zero byte in eight bytes.
+    /// Returns the number of bytes of @p word before its first zero byte.
     static unsigned zeroByteOf(std::uint64_t word) noexcept
     {
         constexpr std::uint64_t ones = 0x0101010101010101U;
@@ -393,7 +393,7 @@ private:
         Access::setBinary(value, bytes, length, subtype);
     }
 
-    /// The fields of the scope are a level of their own. The value already contains its empty object.
+    /// Opens a level for the fields of the scope. The value already contains the scope as an empty object.
     void readCodeWithScope(Value& value, const std::uint8_t* begin)
     {
         const auto size = number<std::int32_t>();
@@ -520,8 +520,8 @@ std::size_t sizeOf(const Value& root)
     return size;
 }
 
-/// Appends to a vector. Small items go through a buffer, because a vector first fills new bytes with zeros, which takes
-/// as long as writing them. Large items are appended directly.
+/// Appends BSON to a vector. Small items are collected in a buffer, because a vector first fills new bytes with zeros,
+/// which takes as long as writing them. Large items are appended directly.
 class BsonWriter
 {
 public:
@@ -561,7 +561,7 @@ private:
     static constexpr std::size_t notCode = static_cast<std::size_t>(-1);
     static constexpr std::size_t bufferSize = 1024;
     static constexpr std::size_t largeSize = 256;
-    // Maximum size of an element without strings and bytes that are not stored in place.
+    // Maximum size of an element, not counting strings and bytes that are not stored in place.
     static constexpr std::size_t slack = 96;
 
     struct Level
@@ -571,7 +571,7 @@ private:
         const Value* element;
         const Value* lastElement;
         std::size_t begin; // offsets
-        std::size_t code;  // where the code with this scope begins
+        std::size_t code;  // offset of the code to which this scope belongs
         IndexKey key;
     };
 
@@ -596,7 +596,7 @@ private:
         std::memcpy(target, &value, sizeof(value));
     }
 
-    /// Writes the length of the item that begins at an offset and ends here.
+    /// Writes the length of the document or code that begins at the offset @p begin and ends at the current position.
     void putLength(std::size_t begin) noexcept
     {
         const auto length = static_cast<std::int32_t>(offset() - begin);

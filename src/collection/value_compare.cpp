@@ -73,7 +73,7 @@ int order(const T& left, const T& right)
 
 int orderTexts(std::string_view left, std::string_view right) noexcept { return order(left.compare(right), 0); }
 
-/// NaN is less than all other numbers, as for the server.
+/// Compares as the server does: NaN is less than all other numbers.
 int orderDoubles(double left, double right) noexcept
 {
     if (std::isnan(left) || std::isnan(right))
@@ -175,7 +175,7 @@ int orderNumbers(const Value& left, const Value& right)
 
 int orderBytes(const Value& left, const Value& right)
 {
-    // The repeated length of subtype 2 is not compared.
+    // Leaves out the repeated length of subtype 2.
     const auto content = [](const Value& value) {
         std::string_view bytes = Access::bytes(value);
         bytes.remove_prefix(Access::subtype(value) == 2 ? sizeof(std::uint32_t) : 0);

@@ -22,8 +22,8 @@ namespace {
 
 using Access = ValueAccess;
 
-// libbson's writer is recursive and silently drops deeper levels. Its reader accepts 99 levels, including values and
-// the object that is wrapped around the text.
+// libbson's writer is recursive and drops levels beyond its limit without an error. Its reader accepts 99 levels. They
+// include the values and the object that fromJson() puts around the text.
 constexpr std::size_t deepestWritten = 90;
 constexpr std::size_t deepestRead = 96;
 
@@ -32,7 +32,7 @@ struct DestroyBsonText
     void operator()(char* text) const noexcept { bson_free(text); }
 };
 
-/// Returns the depth of the value, or stops counting above the limit.
+/// Returns the depth of the value. Stops counting above the limit.
 std::size_t depthOf(const Value& root)
 {
     std::vector<std::pair<const Value*, std::size_t>> open{{&root, 1}};
@@ -172,8 +172,8 @@ Parsed parse(const char* json, std::size_t size)
     return parsed;
 }
 
-/// libbson has the position only for some errors. Otherwise the position is the end of the shortest prefix that has the
-/// same error as the whole text, and is not just incomplete.
+/// Finds the position of an error, because libbson reports it only for some errors. It is the end of the shortest
+/// prefix of the text for which libbson reports the same error.
 std::size_t positionOf(const std::string& json, const std::string& error)
 {
     std::size_t good = 0;
@@ -188,8 +188,8 @@ std::size_t positionOf(const std::string& json, const std::string& error)
     return bad > 0 ? bad - 1 : 0;
 }
 
-/// Removes the position from 'Got parse error at "x", position 8: "SPECIAL_EXPECTED"', because it includes the
-/// wrapping.
+/// Removes the position from 'Got parse error at "x", position 8: "SPECIAL_EXPECTED"', because it also counts the
+/// object around the text.
 std::string reasonOf(const std::string& error)
 {
     const std::size_t begin = error.find(", position ");

@@ -86,12 +86,12 @@ RemoveResult remove(const CollectionHandle& target, WriteType type, const Docume
     return {all.removed, all.acknowledged};
 }
 
-// Determines which of several inserts succeeded when some were rejected or the connection broke.
+// Determines which inserts succeeded if some were rejected or the connection broke.
 class InsertOutcome
 {
 public:
-    // The inserts from `begin` to `end` without an error, up to the number that the driver counted. It sends them in
-    // order.
+    // Adds a batch with an error, the inserts from `begin` to `end`. The driver counts the inserts that succeeded and
+    // sends them in order. So the first ones without an error succeeded, up to that number.
     void add(std::size_t begin, std::size_t end, std::int64_t inserted, const std::vector<WriteError>& errors,
              std::size_t firstError)
     {
@@ -117,7 +117,7 @@ private:
     std::vector<bool> m_isInserted;
 };
 
-// Runs an insertMany, batch by batch.
+// Runs insertMany() in batches.
 class InsertRun
 {
 public:
@@ -167,7 +167,7 @@ private:
             m_outcome.addAll(end);
         else
             m_outcome.add(m_offset, end, inserted, m_errors, errorsBefore);
-        // An unordered insert goes on after rejected documents. Any other error ends it.
+        // An unordered insert continues after rejected documents. Any other error ends it.
         const bool mayGoOn =
             isDone || (!m_options.ordered && inserted + refused == static_cast<std::int64_t>(m_batchDocuments));
         m_offset = end;
@@ -211,8 +211,8 @@ private:
     std::optional<ErrorDetails> m_failure; // the first error
 };
 
-// Adds the ids of the inserts from `begin` to `end` that succeeded. After an error, these are the inserts without an
-// error, up to the number that the driver counted. It sends them in order.
+// Adds the ids of the inserts from `begin` to `end` that succeeded. After an error, these are the first inserts without
+// an error, up to the number that the driver counted, because it sends them in order.
 void reportInsertedIds(const Bulk::State& bulk, std::size_t begin, std::size_t end, bool isDone, std::int64_t inserted,
                        const std::vector<WriteError>& errors, BulkResult& result)
 {
@@ -257,7 +257,7 @@ Command commandOf(WriteType type)
     return Command::Insert;
 }
 
-// The operations of a Bulk from `begin` to `end`, which are passed to the driver together.
+// The operations of a Bulk from `begin` to `end`. They are one bulk write of the driver.
 struct BulkPart
 {
     BulkPart(std::size_t first, std::size_t last, const CollectionHandle& target, const bson_t* options,
@@ -270,8 +270,8 @@ struct BulkPart
 };
 
 // Returns the end of the part that begins at `begin`. An ordered write is one part. An unordered write has one part per
-// command: the driver forgets the error of a command if a later command succeeds. A part stays below the server's
-// limits of 100,000 operations and 48 MB, so that the driver does not split it.
+// command, because the driver loses the error of a command if a later command succeeds. A part stays below the server's
+// limits of 100,000 operations and 48 MB, so that the driver does not split it into several commands.
 std::size_t endOfPart(const Bulk::State& bulk, std::size_t begin, bool isOrdered)
 {
     constexpr std::size_t partBytes = 32U << 20U; // leaves room for the other fields of each operation

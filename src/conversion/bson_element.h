@@ -10,10 +10,10 @@
 #include <string>
 #include <vector>
 
-/// Converts BSON elements for two kinds of setters: those of a document, which take a key, and those of a node, which
-/// do not.
+/// Converts BSON elements for the setters of a document, which have a key parameter, and for those of a node, which
+/// have no key parameter.
 
-// Strings for the setters. They are reused for every element, to avoid allocations.
+// The strings that are passed to the setters. Reused for every element, to avoid allocations.
 struct Scratch
 {
     std::string key;
@@ -21,14 +21,14 @@ struct Scratch
     std::string options;
 };
 
-// The same as assign(), with half as many instructions.
+// The same as assign(), but takes half as many instructions.
 inline const std::string& refill(std::string& scratch, const char* text, std::size_t length)
 {
     scratch.clear();
     return scratch.append(text, length);
 }
 
-// A string ends at its first zero byte, whatever its length.
+// Cuts the string at its first zero byte: callers depend on it.
 inline const std::string& cutText(std::string& scratch, const char* text, std::size_t length)
 {
     return refill(scratch, text, strnlen(text, length));

@@ -13,7 +13,7 @@
 
 namespace {
 
-// After this number of successive misses, comparing documents costs more than it saves.
+// After this number of successive documents with different fields, comparing them costs more than it saves.
 constexpr int missesBeforeRest = 16;
 
 bool isNested(bson_type_t type) { return type == BSON_TYPE_DOCUMENT || type == BSON_TYPE_ARRAY; }
@@ -51,7 +51,8 @@ bool isKept(bson_type_t type)
 }
 
 // Calls visit(iter, type, parent) for each element that a tree keeps, a document before its elements. visit() returns
-// the position of the element, which is the parent of its children, or an empty optional to stop.
+// the index of the node of the element, or an empty optional to stop. The elements of a nested document get this index
+// as their parent.
 template <typename Visit>
 bool visitKept(const bson_t* bson, Visit visit)
 {
@@ -115,7 +116,7 @@ bool DocumentRefill::convert(const bson_t* bson, ObjectProperties& target)
     if (target.root()->isGroup())
         target.root()->clearChilds();
     else
-        target = ObjectProperties(); // an empty key has made the root a value
+        target = ObjectProperties(); // the last document had an empty key, so its value is in the root
     if (!BsonToProperties::convert(bson, &target))
         return false;
     if (isResting)
@@ -126,8 +127,8 @@ bool DocumentRefill::convert(const bson_t* bson, ObjectProperties& target)
     return true;
 }
 
-// Returns false for nodes that cannot be reused: the caller has a pointer to it, or a copy into it has changed its key,
-// or it is a root with a value.
+// Returns false if a node cannot be reused: the caller has a pointer to it, or a copy into it has changed its key, or
+// it is a root with a value.
 bool DocumentRefill::collect(Property& root)
 {
     struct Level
@@ -160,7 +161,7 @@ bool DocumentRefill::collect(Property& root)
     return true;
 }
 
-// Returns true if every node got the value of exactly one element.
+// Returns true if every element was written to a node, and every node was written once.
 bool DocumentRefill::refill(const bson_t* bson)
 {
     if (m_places.size() + 1 != m_nodes.size())
@@ -181,7 +182,7 @@ bool DocumentRefill::refill(const bson_t* bson)
     return visitKept(bson, refillOne) && next == m_places.cend();
 }
 
-// Ignores documents with duplicate keys or keys that are paths.
+// Stores nothing for documents with duplicate keys or keys that are paths: they have no one-to-one relation to nodes.
 void DocumentRefill::learn(const bson_t* bson)
 {
     std::unordered_map<const Property*, std::size_t> places;

@@ -14,9 +14,9 @@
 class ObjectProperties;
 class Property;
 
-/// Converts documents one after the other into the same ObjectProperties. Documents of a collection usually have the
-/// same fields. Then only the values are set, with less than half of the instructions that freeing and creating nodes
-/// takes.
+/// Converts documents one after the other into the same ObjectProperties. If a document has the same fields as the last
+/// one, which is usual in a collection, it only sets the values. That takes less than half of the instructions of
+/// freeing and creating the nodes.
 class DocumentRefill
 {
 public:
@@ -37,7 +37,7 @@ private:
     void learn(const bson_t* bson);
 
     std::vector<Node> m_nodes;         // the tree: each node before its children
-    std::vector<std::size_t> m_places; // for each element of the last document its index in m_nodes
+    std::vector<std::size_t> m_places; // indexes in m_nodes of the elements of the last document
     Scratch m_scratch;
     int m_misses = 0; // number of successive documents with different fields
 };

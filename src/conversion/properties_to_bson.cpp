@@ -33,7 +33,7 @@ struct OpenDocument
 
 void appendId(bson_t* bson, const char* key, int keyLength, const char* text)
 {
-    // libbson reads 24 characters, whatever the length of the string.
+    // libbson reads 24 characters, also beyond the end of a shorter string.
     char padded[25] = {};
     std::memcpy(padded, text, strnlen(text, sizeof(padded) - 1));
     bson_oid_t id;
@@ -165,7 +165,7 @@ bool appendChildren(const Property& node, bson_t* bson, std::size_t levels)
         bson_t* const target = innermost.parent ? &innermost.bson : bson;
         if (const Property* const nested = appendValuesUpToNested(target, innermost))
         {
-            // A document above the size limit of libbson accepts no more fields, so there is nothing to fill or end.
+            // beginNested() fails if the document reached the size limit of libbson. Then there is nothing to end.
             if (open.size() > levels)
                 complete = false;
             else if (!beginNested(*nested, target, &open.push(*nested, target).bson))

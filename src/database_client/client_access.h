@@ -12,7 +12,7 @@
 
 namespace dbc {
 
-/// Gives the classes in namespace dbc access to a DataBaseClient: its checks and the driver's client.
+/// Access to the private part of a DataBaseClient for the classes in namespace dbc: its checks and the driver's client.
 class ClientAccess
 {
 public:
@@ -20,7 +20,7 @@ public:
         : m_client(&client), m_private(client.d.get()), m_lifetime(m_private->m_client.lifetime())
     {}
 
-    /// Returns the driver's client after the checks of every operation.
+    /// Makes the checks that every operation starts with, and returns the driver's client.
     /// @throws std::logic_error       the DataBaseClient no longer exists
     /// @throws std::invalid_argument  it is not connected
     const std::shared_ptr<mongoc_client_t>& connected() const

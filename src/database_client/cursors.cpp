@@ -31,8 +31,8 @@ const char* optionOf(const char* modifier)
     return modifier + 1;
 }
 
-// Splits {"$query": ..., modifiers} into filter and options. A document without "$query" is the filter, whatever else
-// it contains. Returns false and sets the error for a key that is not a modifier.
+// Splits {"$query": ..., modifiers} into filter and options. A document without "$query" is used as the filter. Returns
+// false and sets the error if "$query" is mixed with a key that is not a modifier.
 bool split(const bson_t* query, bson_t& condition, bson_t* options, bson_error_t& error)
 {
     bson_init_static(&condition, bson_get_data(query), query->len);
@@ -56,7 +56,7 @@ bool split(const bson_t* query, bson_t& condition, bson_t* options, bson_error_t
     return true;
 }
 
-// Replaces an int64 "skip" of the query and keeps any other value, as the driver does with the limit.
+// Replaces the "skip" of the query if it is an int64. The driver does the same with the limit.
 void setSkip(bson_t* options, std::uint32_t skip)
 {
     bson_iter_t present;
@@ -113,7 +113,8 @@ SessionHandle startSession(mongoc_client_t* client)
     return SessionHandle(mongoc_client_start_session(client, options.get(), nullptr)); // null: not supported
 }
 
-// The batch size belongs into "cursor", and the driver adds the write concern. All other options belong to the command.
+// The batch size belongs in "cursor", and the write concern in the options of the driver's call. All other options are
+// fields of the command.
 void appendOptions(const bson_t* options, bson_t* command, bson_t* cursor, bson_t* callOptions)
 {
     bson_iter_t iter;
@@ -129,7 +130,7 @@ void appendOptions(const bson_t* options, bson_t* command, bson_t* cursor, bson_
     }
 }
 
-// Runs the aggregation as a command and makes a cursor of the reply, for the same server and session.
+// Runs the aggregation as a command and creates a cursor from the reply, for the same server and session.
 CursorHandle openAggregationByCommand(mongoc_client_t* client, const CollectionHandle& collection,
                                       const bson_t* pipeline, const bson_t* aggregationOptions,
                                       const mongoc_read_prefs_t* readPreference, OwnedBson& reply, bson_error_t& error)

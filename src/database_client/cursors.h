@@ -17,8 +17,8 @@ CursorHandle openFind(const CollectionHandle& collection, const OwnedBson& query
 /// Opens a cursor over the results of an aggregation.
 /// @param pipeline        {"pipeline": [stages]}, or the stages with their numbers as keys
 /// @param options         as for mongoc_collection_aggregate; may be null
-/// @param readPreference  null for that of the connection string
-/// @param reply           the server's reply to an aggregation that it rejected, if there was one
+/// @param readPreference  null for the read preference of the connection string
+/// @param reply           set to the server's reply if it rejects the aggregation
 /// @return a cursor, or null with @p error set. The cursor may have an error as well
 CursorHandle openAggregation(mongoc_client_t* client, const CollectionHandle& collection, const bson_t* pipeline,
                              const bson_t* options, const mongoc_read_prefs_t* readPreference, OwnedBson& reply,

@@ -12,8 +12,8 @@
 void parseOldCollectionName(const std::string& fullName, std::string& database, std::string& collection)
 {
     const std::string::size_type dot = fullName.find('.');
-    // Without a dot both are the whole name: callers depend on it. Copies are made first, because an output may be the
-    // same string as the input.
+    // Without a dot, both results are the whole name: callers depend on it. Copies are made first, because an output
+    // parameter may be the same string as the input.
     std::string before = fullName.substr(0, dot);
     std::string after = fullName.substr(dot == std::string::npos ? 0 : dot + 1);
     database = std::move(before);

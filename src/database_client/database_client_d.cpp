@@ -23,7 +23,8 @@ std::string DataBaseClientPrivate::uri(const std::string& host, const int& port,
 void DataBaseClientPrivate::connect(const std::string& uri)
 {
     disconnect();
-    // In two steps: mongoc_client_new() would log an invalid connection string, with the password, to standard error.
+    // In two steps, because mongoc_client_new() logs an invalid connection string, with the password, to standard
+    // error.
     bson_error_t unread{};
     const UriHandle parsed(mongoc_uri_new_with_error(uri.c_str(), &unread));
     if (parsed)

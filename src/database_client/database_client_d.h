@@ -68,8 +68,7 @@ public:
     void check_connection() const;
     /// @throws std::invalid_argument "<name> is empty"
     static void check_argument(const std::string& value, const std::string& name);
-    /// Throws std::runtime_error: the message; ": " and the detail, unless it is empty; "(code: <code>)", unless it is
-    /// 0.
+    /// Throws std::runtime_error "<message>: <detail>(code: <code>)". An empty detail and a code of 0 are left out.
     [[noreturn]] static void throw_runtime_error(const std::string& message, const std::string& detail, int code);
     /// Sets @p text to the update operator; empty for a replacement. Returns false for an unknown command.
     bool stringCommand(const UpdateCommand& command, std::string& text) const;
@@ -83,8 +82,8 @@ private:
     {
         throw_runtime_error(message, error.message, static_cast<int>(error.code));
     }
-    /// Converts a document that is sent. @throws std::invalid_argument with the text @p refusal, also for documents
-    /// that are too deep for the driver
+    /// Converts a document for the driver. @throws std::invalid_argument with the text @p refusal if it has more than
+    /// 1,000 levels
     static void toBson(const ObjectProperties& properties, OwnedBson& bson, const char* refusal);
 
     DatabaseHandle openDatabase(const std::string& database) const

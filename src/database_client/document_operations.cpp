@@ -34,7 +34,7 @@ void DataBaseClientPrivate::write(const std::string& database, const std::string
     const CollectionHandle target = openCollection(database, collection);
     bson_oid_t newId;
     bson_oid_init(&newId, nullptr);
-    // Keeps an "_id" of the document too: callers depend on a new "_id" as the last field of every write.
+    // Appended also if the document has an "_id": callers depend on a new "_id" as the last field of every write.
     bson_append_oid(bson.get(), "_id", -1, &newId);
     char text[25];
     bson_oid_to_string(&newId, text);

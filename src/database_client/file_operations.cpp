@@ -21,11 +21,11 @@ constexpr std::size_t longestPrefix = 119;
 
 using Piece = std::array<char, pieceSize>;
 
-// Reads the rest of the current chunk, or starts the next one. Returns 0 at the end of the file, a negative number
-// after a failure.
-// //
-// Does not ask the driver for a minimum of bytes. It would fill the whole buffer, but for a chunk that is too short it
-// would send the same request forever.
+// Reads bytes of the current chunk, or of the next chunk if the current one is finished. Returns 0 at the end of the
+// file, a negative number after a failure.
+//
+// Does not pass a minimum number of bytes to the driver. With a minimum, the driver would send the same request forever
+// for a chunk that is too short.
 ssize_t readOn(const GridFsFileHandle& file, const GridFsStreamHandle& stream, char* buffer, std::size_t size)
 {
     const std::int64_t length = mongoc_gridfs_file_get_length(file.get());
@@ -44,8 +44,8 @@ ssize_t readOn(const GridFsFileHandle& file, const GridFsStreamHandle& stream, c
     return count == 0 ? -1 : count; // 0 bytes before the end of the file: the chunk is too short
 }
 
-// Fills the piece, from several chunks if needed. The piece is short or empty only at the end of the file. Returns a
-// negative number after a failure.
+// Fills the piece, from several chunks if needed. Returns the number of bytes, which is below the size of the piece
+// only at the end of the file, or a negative number after a failure.
 ssize_t readPiece(const GridFsFileHandle& file, const GridFsStreamHandle& stream, Piece& piece)
 {
     std::size_t filled = 0;
@@ -89,11 +89,11 @@ bool visitFiles(const GridFsHandle& store, bson_error_t& error, Visit visit)
         if (mongoc_gridfs_file_list_error(list.get(), &error))
             return false;
     }
-    // This is the only sign that the connection broke.
+    // If the connection broke, the driver returns no file, and sets this error.
     if (mongoc_gridfs_file_list_error(list.get(), &error))
         return false;
-    // The driver also returns no file for a file document that it cannot read. Only at the end of the list does a
-    // further call fail.
+    // The driver also returns no file for a file document that it cannot read. Only at the end of the list, another
+    // call fails.
     const GridFsFileHandle next(mongoc_gridfs_file_list_next(list.get()));
     if (!next && mongoc_gridfs_file_list_error(list.get(), &error) && isAtEnd(error))
         return true;
@@ -104,7 +104,7 @@ bool visitFiles(const GridFsHandle& store, bson_error_t& error, Visit visit)
 FileStreamHandle openInput(const std::string& path)
 {
     FileStreamHandle stream(mongoc_stream_file_new_for_path(path.c_str(), 0, 0));
-    // The driver frees the stream after it has read all of it, but not after an error. The handle owns it instead.
+    // The driver destroys the stream after reading all of it, but not after an error. The handle owns it in both cases.
     if (stream)
         stream->failed = [](mongoc_stream_t*) {};
     return stream;
@@ -144,7 +144,7 @@ void DataBaseClientPrivate::readFile(const std::string& database, const std::str
 
     const GridFsHandle store = openGridFs(database, gridFsCollection);
     bson_error_t error{};
-    // Declared before the stream, because closing the stream saves the file.
+    // Declared before the stream, so that it is destroyed later: closing the stream saves the file.
     const GridFsFileHandle file(mongoc_gridfs_find_one_by_filename(store.get(), fileName.c_str(), &error));
     if (!file)
         throwDriverError("Error occurred while mongoc_gridfs_find_one_by_filename operation", error);

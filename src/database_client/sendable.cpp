@@ -12,8 +12,7 @@
 
 namespace {
 
-// The driver validates documents recursively, so deeper ones would exhaust the stack. Servers accept a tenth of this
-// depth.
+// The driver validates documents recursively, so deeper ones could exhaust the stack. Servers accept about 100 levels.
 constexpr std::size_t deepestNesting = 1000;
 // The smallest size of a level: type, empty key, length and end of the nested document.
 constexpr std::uint32_t smallestLevel = 7;
@@ -23,7 +22,8 @@ struct OpenDocument
     bson_iter_t iter;
 };
 
-// Whether the value at @p iter is a document with fields of its own; @p nested is then before the first of them.
+// If the value at @p iter is a document, an array or code with a scope, sets @p nested before its first field and
+// returns true.
 bool enter(const bson_iter_t& iter, bson_iter_t& nested)
 {
     if (BSON_ITER_HOLDS_DOCUMENT(&iter) || BSON_ITER_HOLDS_ARRAY(&iter))

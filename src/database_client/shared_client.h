@@ -9,9 +9,9 @@
 #include <memory>
 #include <utility>
 
-/// The driver's client of a DataBaseClient; null if not connected. Objects that use it, such as cursors, can share it
-/// and so outlive a disconnect. It has the size of one pointer, so that the size of DataBaseClientPrivate does not
-/// change.
+/// The driver's client of a DataBaseClient; null if not connected. Objects that use the driver's client, such as
+/// cursors, can share it, so they stay usable after a disconnect. This class has the size of one pointer, because the
+/// size of DataBaseClientPrivate must not change.
 class SharedClient
 {
 public:
@@ -50,7 +50,7 @@ private:
         return *m_state;
     }
 
-    mutable std::unique_ptr<State> m_state; ///< null until the first call of reset() or lifetime()
+    mutable std::unique_ptr<State> m_state; ///< null until state() is called
 };
 
 static_assert(sizeof(SharedClient) == sizeof(mongoc_client_t*), "the size of DataBaseClientPrivate is fixed");

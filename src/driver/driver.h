@@ -20,7 +20,7 @@ inline char* legacyJson(const bson_t* bson, std::size_t* length)
 #endif
 }
 
-/// Starts an array in a document. The caller sets the numbers of the elements.
+/// Starts an array in a document. The caller chooses the keys of the elements.
 inline bool beginArray(bson_t* bson, const char* key, int keyLength, bson_t* child)
 {
 #if BSON_CHECK_VERSION(2, 3, 0)

@@ -11,7 +11,7 @@
 
 /// Handles for the objects of libmongoc. Only this file calls their destroy functions.
 
-// The destroy function of a file stream does not close descriptor 0.
+// Closes the stream first, because the driver's destroy function does not close descriptor 0.
 inline void closeAndDestroyStream(mongoc_stream_t* stream) noexcept
 {
     mongoc_stream_close(stream);
@@ -27,7 +27,7 @@ using SessionOptionsHandle = std::unique_ptr<mongoc_session_opt_t, DestroyWith<m
 using SessionHandle = std::unique_ptr<mongoc_client_session_t, DestroyWith<mongoc_client_session_destroy>>;
 using ServerHandle = std::unique_ptr<mongoc_server_description_t, DestroyWith<mongoc_server_description_destroy>>;
 
-// The session of a cursor must end after the cursor.
+// Owns the session of a cursor, because the session must end after the cursor.
 struct DestroyCursor
 {
     SessionHandle session;

@@ -8,8 +8,8 @@
 
 ObjectFilterPrivate::~ObjectFilterPrivate() = default;
 
-// Open lists stay open in the copy, so the cursor must be copied too. Without open lists it moves to the root, as in
-// any copy of a document.
+// Open lists stay open in the copy, so the cursor is copied too. Without open lists, the cursor of the copy is at the
+// root.
 void ObjectFilterPrivate::copy(const ObjectFilterPrivate& other)
 {
     if (this == &other)
@@ -45,7 +45,8 @@ void ObjectFilterPrivate::startArrayOperation(ArrayOperationType operation)
         ++m_depth;
 }
 
-// The common part of all conditions. setValue(target, key...) writes the value to a key of the document or to a node.
+// Adds a condition with any type of value. setValue(target, key) writes the value to a key of a document, and
+// setValue(node) to a node.
 template <typename SetValue>
 void ObjectFilterPrivate::setFilter(OperationType operation, const std::string& key, const SetValue& setValue)
 {
@@ -62,7 +63,7 @@ void ObjectFilterPrivate::setFilter(OperationType operation, const std::string& 
         m_query.setValueBool(name, operation == OperationTypeExists);
     else if (!name.empty())
         setValue(m_query, name);
-    else // The empty key would be the root, and its value would drop the whole query.
+    else // not by key: the empty key is the root, so the value would replace the whole query
         setValue(*m_query.current()->createSingleProperty(name));
     m_query.endGroup();
     end_operation();
@@ -110,7 +111,7 @@ void ObjectFilterPrivate::setFilterId(OperationType operation, const std::string
     setFilter(operation, key, [&](auto& target, const auto&... under) { target.setValueId(under..., value); });
 }
 
-// Adds field by field to the existing condition, so that a second condition on the key is merged.
+// Adds the operators one by one, so that they are merged with other conditions on the key.
 void ObjectFilterPrivate::setFilterDocument(const std::string& key, const ObjectProperties& operators)
 {
     begin_operation();
@@ -133,7 +134,7 @@ void ObjectFilterPrivate::include(const ObjectFilterPrivate& other)
         return;
     }
     m_query.include(name, other.m_query);
-    // Moves the cursor to the root, because the group it was in is gone with the old query.
+    // Moves the cursor to the root, because the current node was removed with the old query.
     m_query.beginGroup(name);
 }
 
@@ -183,7 +184,7 @@ std::string ObjectFilterPrivate::arrayOperationName(ArrayOperationType operation
     return std::string();
 }
 
-// Closes "$and" and "$or": callers close an "$and" list with finish_or() and vice versa.
+// Closes any list: callers close an "$and" list with finish_or() and vice versa.
 void ObjectFilterPrivate::finish_array_operation()
 {
     if (m_depth == 0)

@@ -10,14 +10,14 @@
 #include <cstddef>
 #include <string>
 
-/// The query and the open lists of a filter. The cursor of the query is where the next condition goes. Between calls it
-/// is on the array of the innermost open list, or at the root if no list is open.
+/// The query and the open lists of a filter. The next condition is added at the cursor of the query. Between calls the
+/// cursor is on the array of the innermost open list, or at the root if no list is open.
 ///
 /// All functions are called virtually, also by this class, because a derived class may override them.
 class ObjectFilterPrivate
 {
 public:
-    /// List operator. The name of a number outside the enumeration is the empty string.
+    /// List operator. arrayOperationName() returns the empty string for all other numbers.
     enum ArrayOperationType : int
     {
         ArrayOperationTypeAnd = 0, ///< "$and"

@@ -36,15 +36,15 @@ void ObjectPropertiesPrivate::beginGroup(const std::string& key) const
     current = isRootKey(key) ? root : property_paths::obtain(rootGroup(key), key, Group, Group)->getPtr();
 }
 
-// The root has no parent, and neither may a removed node. The cursor stays there.
+// The cursor does not move if the node has no parent. That is the root, or a removed node whose parent was destroyed.
 void ObjectPropertiesPrivate::endGroup() const
 {
     if (auto parent = PropertyTree::parentOf(*current))
         current = std::move(parent);
 }
 
-// beginArray() on a group moves to the root, beginGroup() on an array adds an element: callers depend on the
-// difference.
+// beginArray() on a group moves to the root, but beginGroup() with the key of an array enters the array: callers depend
+// on the difference.
 void ObjectPropertiesPrivate::beginArray(const std::string& key) const
 {
     if (isRootKey(key))
@@ -82,8 +82,8 @@ void ObjectPropertiesPrivate::copyWithCursor(const ObjectPropertiesPrivate& othe
         beginObject(*position);
 }
 
-// The child indexes on the path from the root to the cursor, innermost first. Empty if the cursor is outside the tree.
-// Keys are not unique, because elements can have equal keys.
+// Returns the child indexes on the path from the root to the cursor, innermost first. Empty if the cursor is outside
+// the tree. Uses indexes, because elements can have equal keys.
 std::vector<int> ObjectPropertiesPrivate::positionsToCursor() const
 {
     std::vector<int> positions;
@@ -139,7 +139,7 @@ void ObjectPropertiesPrivate::exclude(const std::string& key, ObjectPropertiesPr
     leave(*node);
 }
 
-// A removed node keeps its parent pointer, so every step up is checked against the children of the parent.
+// A removed node still has its parent pointer, so each step checks that the node is a child of its parent.
 bool ObjectPropertiesPrivate::moveTo(const std::shared_ptr<Property>& node) const
 {
     for (auto place = node; place != root;)

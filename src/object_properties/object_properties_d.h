@@ -11,8 +11,8 @@
 #include <utility>
 #include <vector>
 
-/// The tree and the cursor of a document. A key that is empty or begins with "/" starts at the root, any other key at
-/// the cursor. There is no stack of cursors: endGroup() uses the parent pointer of the node.
+/// Implements ObjectProperties, where the functions are documented: the tree and the cursor of a document. The cursor
+/// is only a node: endGroup() uses the parent pointer of the node.
 class ObjectPropertiesPrivate
 {
 public:

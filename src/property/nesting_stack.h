@@ -8,9 +8,9 @@
 #include <new>
 #include <utility>
 
-/// The open levels of a walk over a nested structure. The first levels are stored in the object itself, so a walk of
-/// usual depth allocates no memory. Deeper levels are allocated on the heap, so no depth exhausts the stack of the
-/// thread. A level does not move while it is open.
+/// A stack of the open levels while nested data is visited without recursion. The first levels are stored in the object
+/// itself, so usual depths need no memory on the heap. Deeper levels are on the heap, so no depth exhausts the stack of
+/// the thread. References to a level stay valid until it is popped.
 template <typename Level>
 class NestingStack
 {
@@ -51,7 +51,7 @@ public:
     }
 
 private:
-    // More levels than servers accept, but only about ten kilobytes.
+    // More than the 100 levels that servers accept, but only about ten kilobytes.
     static constexpr std::size_t nearLevels = 112;
 
     struct FarLevel

@@ -8,15 +8,15 @@
 #include <string>
 #include <string_view>
 
-/// True if the path is one segment without "/". Most paths are. It can be used as the key of a child.
+/// True if the path is one segment without "/", as most paths are. Such a path can be used as the key of a child.
 inline bool isSingleSegment(const std::string& path) noexcept
 {
-    const std::string_view view = path; // its find() is inlined
+    const std::string_view view = path; // unlike that of std::string, its find() is inlined
     return !view.empty() && view.find('/') == std::string_view::npos;
 }
 
-/// Iterates over the segments of a key path. A path without "/" is used as it is. Segments of other paths are copied
-/// one by one, because a child can only be found by a std::string.
+/// Iterates over the segments of a key path. A path without "/" is not copied. Segments of other paths are copied one
+/// by one, because a child can only be found by a std::string.
 class PathSegments
 {
 public:
@@ -50,7 +50,7 @@ public:
         m_end = slash ? slash : m_pathEnd;
         if (isWholePath())
             return;
-        m_segment.clear(); // so the append() below costs half of an assign()
+        m_segment.clear(); // clear() and append() take half of the time of assign()
         m_segment.append(m_begin, static_cast<std::size_t>(m_end - m_begin));
     }
 

@@ -5,7 +5,7 @@
 
 namespace {
 
-// @p keyIfWanted returns the key of a child, or null to leave it out.
+// @param keyIfWanted  returns the key of a child, or null to leave it out
 template <typename KeyIfWanted>
 std::list<std::string> keysOfChildren(const Property& node, KeyIfWanted keyIfWanted)
 {

@@ -22,8 +22,8 @@ void freeStorage(Container& container) noexcept
     Container().swap(container);
 }
 
-// The value word is a number only for these types. For all other types it is null or an owned string, also between
-// storing a string and setting its type. So no string leaks.
+// The value word is a number only for these types. For all other types it is null or a string that the item owns. This
+// is also true between storing a string and setting its type, so no string leaks.
 bool isNumber(PropertyType type) noexcept { return type >= Bool && type <= Time; }
 
 } // namespace
@@ -38,8 +38,7 @@ Property::PropertyItem::PropertyItem(const PropertyItem& other) : PropertyItem(o
     copyValue(other);
 }
 
-// Copies only the storage that the type uses. Copying the other, empty members would cost as much as copying a short
-// string.
+// Copies only the members that the type uses. Copying the empty ones as well takes as long as copying a short string.
 void Property::PropertyItem::copyValue(const PropertyItem& other)
 {
     switch (m_type)
@@ -89,7 +88,7 @@ void Property::PropertyItem::swap(PropertyItem& other) noexcept
     std::swap(m_type, other.m_type);
 }
 
-// By value, because the argument may refer to this item.
+// The parameter is passed by value, because the argument of a setter may be a reference into this item.
 template <typename Number>
 void Property::PropertyItem::setNumber(Number PropertyValue::*member, Number value, PropertyType type) noexcept
 {
@@ -98,7 +97,7 @@ void Property::PropertyItem::setNumber(Number PropertyValue::*member, Number val
     m_type = type;
 }
 
-// The setters create the new value before they free the old one, so the old one stays after std::bad_alloc.
+// The setters create the new value before they free the old one, so an item is unchanged after std::bad_alloc.
 
 void Property::PropertyItem::setValueString(const std::string& value)
 {

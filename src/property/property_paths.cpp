@@ -102,7 +102,7 @@ Property& property_paths::valueNode(Property& from, const std::string& path)
     return *obtain(from, path, Undefined, None);
 }
 
-// A node to read usually exists, so it is searched for first.
+// Searches first, because a node whose value is read usually exists.
 Property& property_paths::valueNodeToRead(Property& from, const std::string& path)
 {
     if (!isSingleSegment(path))

@@ -23,9 +23,9 @@ Location locate(Property& from, const std::string& path);
 /// Returns the node at @p path, or null.
 Property* find(Property& from, const std::string& path);
 
-/// Returns the node at @p path if its type is @p accepted, or any type for None. Otherwise creates the path: a last
-/// node of type @p missing, and groups before it. At the first array on the path it adds an element, even if the path
-/// could be followed there: callers depend on the difference.
+/// Returns the node at @p path. Creates missing nodes: the last one with the type @p missing, the others as groups. If
+/// @p from is an array, always adds an element. If another array is on the path and the node does not exist or its type
+/// is not @p accepted (None accepts every type), adds an element to the first array: callers depend on it.
 Property* obtain(Property& from, const std::string& path, PropertyType missing, PropertyType accepted);
 
 /// Returns the node whose value a setter sets. See Property::createPropertyIfNotExists().

@@ -32,7 +32,7 @@ PropertyTree::Entry PropertyTree::entryAt(const Property& node, int index)
     return index <= count / 2 ? std::next(children.begin(), index) : std::prev(children.end(), count - index);
 }
 
-// Searches by key first. That fails if a copy into the node has changed its key.
+// Searches by key first. That finds nothing if a copy into the child has changed its key; then searches all children.
 bool PropertyTree::holds(const Property& node, const Property& child) noexcept
 {
     const auto isChild = [&child](const Children::value_type& entry) { return entry.second.get() == &child; };
@@ -40,7 +40,7 @@ bool PropertyTree::holds(const Property& node, const Property& child) noexcept
     return std::any_of(first, last, isChild) || std::any_of(node.m_children.begin(), node.m_children.end(), isChild);
 }
 
-// A weak getPtr(): throws std::bad_weak_ptr too, but does not change the reference count.
+// The same as getPtr(), also in throwing std::bad_weak_ptr, but does not change the reference count.
 std::weak_ptr<Property> PropertyTree::self(Property& node)
 {
     auto weak = node.weak_from_this();
@@ -60,16 +60,15 @@ std::shared_ptr<Property> PropertyTree::newNode(const std::string& key, Property
     return std::make_shared<Property>(Property::Passkey(), key, type, std::move(parent));
 }
 
-// Flattened, because creating a node calls a dozen small library functions for every field.
+// Inlines all calls (flatten), because creating a node calls a dozen small functions of the standard library.
 [[gnu::flatten]] Property* PropertyTree::insertChild(Property& node, Entry place, const std::string& key,
                                                      PropertyType type)
 {
     return node.m_children.emplace_hint(place, key, newNode(key, type, self(node)))->second.get();
 }
 
-// On an array, the end hint inserts behind all elements with an equal key. On other nodes an existing child is
-// returned, whatever its type. Documents usually arrive in key order, so the last child is compared first, which avoids
-// the search.
+// On an array, the end hint inserts after all elements with an equal key. Fields are often added in key order, so the
+// last key is compared first: if it is smaller, no search is needed.
 Property* PropertyTree::createChild(Property& node, const std::string& key, PropertyType type)
 {
     const Children& children = node.m_children;
@@ -111,8 +110,8 @@ void PropertyTree::assume(Property& node, const Property& source, const std::str
     release(children);
 }
 
-// First copies each level as a map, which keeps the shape of its tree and needs no search for each child. Then replaces
-// the shared children of the source by copies, one by one.
+// Copies each level as a whole map first, because that needs no search for each child. The copied map shares the
+// children of the source. Then replaces them by copies, one by one.
 [[gnu::flatten]] PropertyTree::Children PropertyTree::copyOfChildren(const Property& source,
                                                                      const std::weak_ptr<Property>& parent)
 {
@@ -146,8 +145,8 @@ void PropertyTree::assume(Property& node, const Property& source, const std::str
     return result;
 }
 
-// Recursion is fast, but limited to a small depth. Below that, the children of a level are merged into one map and
-// freed from there. That needs no memory, so it cannot fail, and no stack.
+// Recursion is fast, but only safe up to a small depth. Deeper descendants are moved into one map and freed from there.
+// That needs neither memory nor stack, so it cannot fail.
 void PropertyTree::release(Children& children, int depth) noexcept
 {
     if (children.empty())

@@ -48,7 +48,7 @@ public:
     static void becomeGroup(Property& node) noexcept;
     /// Sets the type after the value was set, and removes all children.
     static void becomeValue(Property& node, PropertyType type) noexcept;
-    /// The same as Property::copy(), but the node gets the key @p key.
+    /// The same as Property::copy(), but sets the key to @p key.
     static void assume(Property& node, const Property& source, const std::string& key);
     /// Frees the children and their descendants, whatever their depth, without allocating memory.
     static void release(Children& children) noexcept { release(children, 0); }
