@@ -22,8 +22,8 @@ struct GlobalOptions
     OutputOptions output;
 };
 
-/// Adds an option with a fixed set of values. CLI11's own transformer shows the numbers of the enumerators in help and
-/// errors.
+/// Adds an option with a fixed set of values. Does not use CLI11's transformer, because that shows the numbers of the
+/// enumerators in the help and in errors.
 template <typename T>
 CLI::Option* addChoice(CLI::App& app, const std::string& name, T& target, const std::map<std::string, T>& choices,
                        const std::string& help)
@@ -56,7 +56,7 @@ CLI::Option* addNumber(CLI::App& app, const std::string& name, T& target, const 
 /// The function of the given command. It returns the exit status.
 using Work = std::function<int()>;
 
-/// Sets run(global, *command) as the work of a command.
+/// Makes run(global, *command) the work if the user gives this command.
 template <typename Command>
 void setWork(CLI::App& app, const GlobalOptions& global, Work& work, const std::shared_ptr<Command>& command,
              int (*run)(const GlobalOptions&, const Command&))
@@ -64,7 +64,7 @@ void setWork(CLI::App& app, const GlobalOptions& global, Work& work, const std::
     app.callback([&global, &work, command, run] { work = [&global, command, run] { return run(global, *command); }; });
 }
 
-// Each function adds commands to the program. A command that is given sets the work.
+// Each function adds commands to the program. The command that the user gives sets @p work.
 void addDocumentCommands(CLI::App& program, const GlobalOptions& global, Work& work);
 void addTransferCommands(CLI::App& program, const GlobalOptions& global, Work& work);
 void addFileCommands(CLI::App& program, const GlobalOptions& global, Work& work);

@@ -17,7 +17,7 @@ using UriHandle = std::unique_ptr<mongoc_uri_t, DestroyUri>;
 /// The format of a connection string, for error messages.
 extern const char* const uriForm;
 
-/// A connection string that was parsed by the driver.
+/// The result of parsing a connection string with the driver.
 struct ParsedUri
 {
     UriHandle uri;     ///< null if the connection string is invalid

@@ -9,7 +9,7 @@
 
 namespace {
 
-// Without its closing quote, a record extends to the end of the input.
+// A limit, because a record without its closing quote extends to the end of the input.
 constexpr std::size_t longestRecord = std::size_t{128} * 1024 * 1024;
 
 } // namespace

@@ -18,8 +18,8 @@ struct Cell
     bool isQuoted = false; ///< true if the value was in quotes
 };
 
-/// Reads records of separated values with quotes as in RFC 4180. Lines end with LF or CR LF. In a value without quotes
-/// at its start, a quote is an ordinary character.
+/// Reads records of separated values, quoted as in RFC 4180. Lines end with LF or CR LF. If a value does not begin with
+/// a quote, quotes in it are ordinary characters.
 class CsvReader
 {
 public:
@@ -28,7 +28,7 @@ public:
     /// Reads the next record into @p cells. Returns false at the end. @throws Failure for a missing closing quote and
     /// for bytes that are not UTF-8
     bool next(std::vector<Cell>& cells);
-    /// The first line of the last record.
+    /// The number of the first line of the last record.
     std::uint64_t line() const noexcept { return m_begin; }
 
 private:

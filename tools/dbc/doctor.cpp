@@ -16,8 +16,8 @@
 
 namespace {
 
-// Prints one line per step. Steps depend on the steps before, so a failed step ends the check, or that of its host if
-// there are several.
+// Prints one line per step. A step depends on the steps before it. So a failed step ends the check of its host, or the
+// whole check if there is only one host.
 class Doctor
 {
 public:
@@ -31,7 +31,7 @@ public:
             reportSuccess("connection string", "valid");
         else
             reportFailure("connection string", parsed.error.empty() ? "invalid" : parsed.error, uriForm);
-        // For mongodb+srv://, the driver looks up the hosts in DNS.
+        // A mongodb+srv:// connection string has no hosts here: the driver looks them up in DNS.
         if (!uri || !lookAtHosts(*uri))
             return ConnectionError;
         const int status = askServer(uri);
@@ -39,7 +39,7 @@ public:
     }
 
 private:
-    // Checks every host: a replica set works without one of its members, so nobody notices the failure.
+    // Checks every host, because a replica set also works if one of its members has failed.
     bool lookAtHosts(const mongoc_uri_t& uri)
     {
         std::set<std::string> seen;
@@ -58,10 +58,10 @@ private:
                                      " would hang, because the replica set lists a member whose name does not resolve",
                                  "add this member to the connection string, or use libmongoc 1.30 or later");
         }
-        return m_isAnyReached || !m_isAnyMissed; // mongodb+srv:// has no hosts here
+        return m_isAnyReached || !m_isAnyMissed; // both false for mongodb+srv://
     }
 
-    // With one host and no replica set, the driver uses only this host.
+    // False if the driver uses only this host: with "directConnection", or for one host without "replicaSet".
     static bool findsMembers(const mongoc_uri_t& uri)
     {
         const bool isSet = mongoc_uri_get_replica_set(&uri) || mongoc_uri_get_hosts(&uri)->next;
@@ -100,7 +100,7 @@ private:
             dbc::Database admin(client, "admin");
             const dbc::Value build = admin.command({{"buildInfo", 1}});
             reportTls(uri);
-            // Fails without a login if the server requires authentication.
+            // Needs a login if the server requires authentication.
             admin.command({{"listDatabases", 1}, {"nameOnly", true}});
             reportSuccess("login", user ? std::string("as ") + user : "not required");
             reportServer(build);
@@ -147,7 +147,7 @@ private:
         m_isTlsReported = true;
     }
 
-    // Only the text of the driver's error has the reason.
+    // Searches the text, because the driver's errors have no code for the reason.
     static void adviseOnConnection(const mongoc_uri_t* uri, const std::string& text)
     {
         const bool isTls = mongoc_uri_get_tls(uri);

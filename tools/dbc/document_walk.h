@@ -15,7 +15,7 @@ inline std::uint64_t documentCount(dbc::Collection& collection, const dbc::Value
 }
 
 /// Opens a cursor and calls visit(cursor) on each of its documents until Ctrl-C is pressed.
-/// @param open  returns the cursor; called here because the first documents are received when it is opened
+/// @param open  returns the cursor; a function, because opening a cursor already receives documents
 /// @return number of documents
 template <typename Open, typename Visit>
 std::uint64_t forEachDocument(const Open& open, const Visit& visit)

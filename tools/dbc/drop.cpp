@@ -28,7 +28,7 @@ bool contains(const std::vector<std::string>& names, const std::string& name)
     return std::find(names.begin(), names.end(), name) != names.end();
 }
 
-// Dropping cannot be undone, so the user must type the name, or use --yes.
+// Asks the user to type the name, unless --yes is given, because dropping cannot be undone.
 void confirm(const std::string& name, const DropCommand& command)
 {
     if (command.yes)
@@ -43,7 +43,7 @@ void confirm(const std::string& name, const DropCommand& command)
         throw Failure(UsageError, "not dropped");
 }
 
-// Checked first, so that no confirmation is needed if it does not exist.
+// Checks first that the database exists, so that the user is not asked for nothing.
 void dropDatabase(const GlobalOptions& global, const DropCommand& command)
 {
     const auto client = connect(global.connection);

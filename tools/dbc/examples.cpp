@@ -64,8 +64,8 @@ const std::vector<Examples>& allExamples()
     return examples;
 }
 
-// CLI11 since 2.5 breaks the end of the help at 80 columns and drops its indentation. An example is one line that can
-// be copied. Older versions have no such function.
+// Turns off the line breaks that CLI11 2.5 and later put into the end of the help, because an example must be one line
+// that can be copied. Older versions have no such function.
 template <typename Formatter>
 auto keepLines(Formatter& formatter, int) -> decltype(formatter.enable_footer_formatting(false))
 {

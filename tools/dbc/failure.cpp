@@ -7,7 +7,7 @@
 
 namespace {
 
-// The server has lost the cursor. That is not an empty result.
+// The server has lost the cursor. The kind of this error is NotFound, but the exit status must not mean "no result".
 constexpr int cursorNotFound = 43;
 
 } // namespace

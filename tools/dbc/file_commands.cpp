@@ -45,7 +45,7 @@ dbc::FileStore storeOf(DataBaseClient& client, const FileCommand& command)
 {
     const std::string database =
         command.database.empty() ? defaultDatabase(client, "DATABASE after the command") : command.database;
-    // In "DATABASE.STORE.files" a dot in the database name would change the meaning.
+    // "DATABASE.STORE.files" is split at its first dot, so the name of the database must not contain one.
     if (database.find('.') != std::string::npos)
         throw Failure(UsageError, "the name of a database must not contain a dot");
     if (command.store.empty())
@@ -62,7 +62,7 @@ std::uint64_t lengthOf(const std::string& path)
     return error ? 0 : length;
 }
 
-// Removes an incomplete upload, if the server can be reached.
+// Removes an incomplete upload. Does not throw, because the caller reports the error of the upload.
 void removePart(dbc::FileStore& store, const dbc::Value& id)
 {
     try
@@ -88,14 +88,14 @@ void upload(dbc::FileStore& store, const std::string& name, std::istream& source
     try
     {
         store.upload(name, source, options);
-        throwIfInterrupted();        ///< Cancelled, or the driver's error for an interrupted read
+        throwIfInterrupted();        // Ctrl-C ends the input early, so the stored file may be incomplete
         if (std::ferror(stdin) != 0) // std::cin reports an error as the end of the input
             throw Failure(UsageError, "standard input cannot be read");
     }
     catch (const std::exception&)
     {
         removePart(store, *options.id);
-        throwIfInterrupted(); // Cancelled, or the driver's error for an interrupted read
+        throwIfInterrupted(); // instead of Cancelled, or of the driver's error for an interrupted read
         throw;
     }
 }
@@ -113,7 +113,7 @@ int put(const GlobalOptions& global, const FileCommand& command)
     std::istream& source = isStandardInput ? std::cin : file;
     if (!source)
         throw Failure(UsageError, "cannot read " + command.path + ": " + std::generic_category().message(errno));
-    // A directory can be opened, but not read.
+    // Checked here, because a directory can be opened, but not read.
     if (name.empty() || std::filesystem::is_directory(command.path))
         throw Failure(UsageError, "cannot read " + command.path);
     const auto client = connect(global.connection);
@@ -151,7 +151,7 @@ void copyTo(std::ostream& target, const GlobalOptions& global, const FileCommand
             throw Failure(NothingFound, "there is no file " + command.name);
         if (!target)
             throw Failure(UsageError, "the output cannot be written");
-        throwIfInterrupted(); // Cancelled, or what the driver says of a read that was woken
+        throwIfInterrupted(); // instead of Cancelled, or of the driver's error for an interrupted read
         throw;
     }
     if (!target.flush())
@@ -190,14 +190,15 @@ int list(const GlobalOptions& global, const FileCommand& command)
     return files.empty() ? NothingFound : Success;
 }
 
-// The files with this name, ignoring case. With --partial the incomplete files, with this name or all.
+// True for the files with the name of the command, ignoring case. With --partial, true for the incomplete uploads of
+// this name, or for all incomplete uploads without a name.
 bool isMeant(const FileCommand& command, const std::string& stored)
 {
     const std::string name = command.partial ? dbc::finalFileName(stored) : stored;
     return command.name.empty() ? !name.empty() : ::strcasecmp(name.c_str(), command.name.c_str()) == 0;
 }
 
-// By id and name, so that an upload that has its final name by now is not removed.
+// Matches id and name, so that an upload that has been renamed to its final name is not removed.
 bool removeFile(dbc::FileStore& store, dbc::Collection& records, const dbc::FileInfo& file)
 {
     dbc::RemoveOptions options;
@@ -208,7 +209,7 @@ bool removeFile(dbc::FileStore& store, dbc::Collection& records, const dbc::File
     return true;
 }
 
-// A killed upload has stored chunks, but no file document.
+// Removes the chunks without a file document, which a killed upload leaves.
 std::uint64_t removeContentWithoutRecord(dbc::FileStore& store, dbc::Collection& records, dbc::Collection& chunks)
 {
     dbc::FindOptions firstChunk;

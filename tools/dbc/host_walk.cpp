@@ -79,7 +79,7 @@ StreamHandle connectToFirst(const addrinfo* addresses)
     return stream;
 }
 
-// The connection string owns the strings.
+// The result has pointers to strings that @p uri owns.
 mongoc_ssl_opt_t tlsOptionsOf(const mongoc_uri_t& uri)
 {
     const bool isInsecure = mongoc_uri_get_option_as_bool(&uri, MONGOC_URI_TLSINSECURE, false);
@@ -115,7 +115,7 @@ bool agreeOnTls(const mongoc_uri_t& uri, const mongoc_host_list_t& host, StreamH
                          "check tlsCAFile, the host name in the certificate, and that the server supports TLS");
 }
 
-// Has the TLS options of the connection string, but no credentials, because hello needs none.
+// Returns a connection string with the TLS options of @p uri, but without credentials: isMaster needs no login.
 std::string uriOfOneHost(const mongoc_uri_t& uri, const mongoc_host_list_t& host)
 {
     std::string text = "mongodb://";

@@ -10,7 +10,7 @@
 
 /// Prints the result of one step of `dbc doctor`.
 void reportSuccess(const std::string& step, const std::string& text);
-/// @return false
+/// Prints the result and an advice for the user. @return false
 bool reportFailure(const std::string& step, const std::string& text, const std::string& advice);
 
 enum class HostState

@@ -23,11 +23,11 @@
 
 namespace {
 
-/// The progress of an import: the number of documents that are done, and the run that did them. Written as "28", or as
-/// "28:RUN" if later documents may be stored as well.
+/// The progress of an import: the number of documents that are done, and the id of the run. Written as "28", or as
+/// "28:RUN" if documents after the 28th may be stored too.
 ///
-/// Documents without an "_id" get an id made of the run and their number. If such a document is sent again, it causes a
-/// duplicate key instead of a second document.
+/// A document without an "_id" gets an id that consists of the run and the number of the document. If it is sent again,
+/// the server reports a duplicate key instead of storing a second document.
 struct Mark
 {
     std::uint64_t done = 0;
@@ -68,7 +68,7 @@ public:
         return Mark::parse(text, m_path);
     }
 
-    // Written to another file and renamed, so that an interruption leaves either the old or the new state.
+    // Writes another file and renames it, so that after an interruption the file has either the old or the new state.
     void save(const Mark& mark) const
     {
         if (m_path.empty())
@@ -116,7 +116,7 @@ const dbc::Value* findField(const dbc::Value& document, const std::string& path)
     return value;
 }
 
-// The server stores the "_id" first anyway.
+// Adds the "_id" as the first field, because the server stores it first.
 dbc::Value withId(dbc::Value document, const dbc::ObjectId& id)
 {
     if (document.contains("_id"))
@@ -213,7 +213,7 @@ private:
         show();
     }
 
-    /// A failure whose message already has the way to continue.
+    /// A failure whose message already describes how to continue.
     class SendFailure : public Failure
     {
         using Failure::Failure;
@@ -309,8 +309,8 @@ private:
 
     bool skipsDuplicates() const { return m_command.skipDuplicates || m_isResumed; }
 
-    // Otherwise the connection broke before all documents were sent, or the server rejected a document for another
-    // reason.
+    // True if duplicate keys were the only errors. False if the connection broke before all documents were sent, or if
+    // the server rejected a document for another reason.
     bool refusesOnlyDuplicates(const dbc::BulkError& error) const
     {
         const auto& errors = error.errors();
@@ -332,7 +332,7 @@ private:
         m_counts.unacknowledged += result.acknowledged ? 0 : m_batch.size();
     }
 
-    // In an ordered write, the documents before the rejected one are stored.
+    // Returns the message. In an ordered write, the documents before the rejected one are stored, so they are done.
     std::string stopAt(const dbc::BulkError& error)
     {
         const bool isOrdered = !m_upsertFields.empty() || !skipsDuplicates();

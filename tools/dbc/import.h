@@ -36,5 +36,5 @@ struct ImportCommand
 };
 
 /// Imports the documents of a file into a collection, in batches.
-/// @throws Failure whose message has the way to continue
+/// @throws Failure with a message that describes how to continue the import
 int importDocuments(const GlobalOptions& global, const ImportCommand& command);

@@ -22,7 +22,7 @@ namespace {
 // Longer than any document that a server accepts, even in canonical JSON.
 constexpr std::size_t longestDocument = std::size_t{128} * 1024 * 1024;
 
-// The reason without the byte offset: line and column are better.
+// Returns the reason without the byte offset, because messages have line and column.
 std::string reasonOf(const dbc::FormatError& error)
 {
     static const std::string before = "JSON: ";
@@ -181,7 +181,7 @@ bool JsonReader::readText()
     return false;
 }
 
-// A wrong bracket can extend a document to the end of the input, so an error inside it is reported first.
+// Reports an error inside the text first, because a wrong bracket can extend a document to the end of the input.
 void JsonReader::throwUnfinished(const char* what) const
 {
     const std::optional<JsonFault> fault = findJsonFault(m_text);

@@ -25,7 +25,7 @@ struct Place
     std::uint64_t line = 1;
     std::uint64_t column = 1;
 
-    /// Returns the position after @p text, which begins here.
+    /// Moves the position to the end of @p text, which begins at this position.
     void pass(std::string_view text) noexcept;
     std::string text() const { return "line " + std::to_string(line) + ", column " + std::to_string(column); }
 };
@@ -45,7 +45,7 @@ public:
 
     /// Returns the next byte, or the end marker.
     int get() { return m_next < m_filled || fill() ? m_buffer[m_next++] : end; }
-    /// Returns the byte of the next get().
+    /// Returns the next byte without moving past it.
     int peek() { return m_next < m_filled || fill() ? m_buffer[m_next] : end; }
     /// Skips a byte order mark at the beginning.
     void skipByteOrderMark();
@@ -79,11 +79,11 @@ public:
     virtual std::optional<dbc::Value> next() = 0;
     /// Skips the next document without parsing it. Returns false at the end. @throws Failure as next()
     virtual bool skip() = 0;
-    /// The first line of the last document.
+    /// The number of the first line of the last document.
     virtual std::uint64_t line() const = 0;
 };
 
-/// Reads JSON documents: one per line, in one array, or one after the other.
+/// Reads JSON documents: one per line, elements of one array, or one after the other.
 class JsonReader : public DocumentReader
 {
 public:

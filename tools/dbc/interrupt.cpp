@@ -30,7 +30,7 @@ constexpr const char* terminalNotice =
     "\r\x1b[Kdbc: stopping after the current step; press Ctrl-C again to stop at once\n";
 constexpr const char* notice = "dbc: stopping after the current step; press Ctrl-C again to stop at once\n";
 
-// Created early, because a signal handler may set a timer, but not create one.
+// Called before signals can arrive, because a signal handler may set a timer, but not create one.
 void createWakeTimer()
 {
     static bool isCreated = false;
@@ -48,10 +48,10 @@ void setWakeTimer(const itimerspec& time) noexcept
     ::timer_settime(wakeTimer, 0, &time, nullptr);
 }
 
-// No message if the work ends soon.
+// The first signal comes after 0.3 seconds, so there is no message if the work ends before that.
 constexpr itimerspec soonAndThenEverySecond{{1, 0}, {0, 300'000'000}};
 
-// A signal just before a read would not end it, so the signal is repeated.
+// The signal is repeated, because a signal just before a blocking read does not interrupt the read.
 extern "C" void onWake(int /*signal*/)
 {
     const char* const text = unsaidNotice.exchange(nullptr);
@@ -63,7 +63,7 @@ extern "C" void onWake(int /*signal*/)
     errno = errorBefore;
 }
 
-// Takes effect when the handler that calls it returns.
+// The signal is delivered when the handler that calls this function returns.
 extern "C" void endBy(int signal)
 {
     if (const char* const path = removedOnSignal)
@@ -112,7 +112,7 @@ RemovalOnSignal::RemovalOnSignal(std::string path) : m_path(std::move(path))
     for (std::size_t index = 0; index < ends.size(); ++index)
     {
         sigaction(ends[index], &action, &m_before[index]);
-        if (m_before[index].sa_handler == SIG_IGN) // as set by nohup
+        if (m_before[index].sa_handler == SIG_IGN) // ignored by nohup, for example: stays ignored
             sigaction(ends[index], &m_before[index], nullptr);
     }
 }

@@ -56,7 +56,7 @@ std::vector<Line> databases(DataBaseClient& client)
     return lines;
 }
 
-// A view has no documents, so the server has no numbers for it.
+// A view stores no documents, so its line has no numbers.
 Line collectionLine(dbc::Database& database, const std::string& name)
 {
     try

@@ -12,7 +12,7 @@
 #include <ostream>
 #include <string>
 
-/// What to do with documents with fields that ObjectProperties drops or changes.
+/// What to do if ObjectProperties drops or changes fields of a document.
 enum class LossPolicy
 {
     Ignore,
@@ -20,7 +20,7 @@ enum class LossPolicy
     Refuse ///< Stop at the first loss.
 };
 
-/// Finds the losses of documents.
+/// Finds and counts the losses of documents.
 class LossCounter
 {
 public:

@@ -70,7 +70,7 @@ int run(const Work& work)
     }
     catch (const std::exception& error)
     {
-        if (isInterrupted()) // an interrupted driver call reports a broken connection
+        if (isInterrupted()) // the driver reports an interrupted call as a broken connection
         {
             std::cerr << "dbc: interrupted\n";
             return Interrupted;
@@ -83,7 +83,7 @@ int run(const Work& work)
     }
 }
 
-// Options for shell completion and the manual page. They are not in the help.
+// Handles the options for shell completion and the manual page, which are not in the help.
 bool describesItself(const CLI::App& program, const std::string& option, const std::vector<std::string>& words)
 {
     if (option == "--complete")

@@ -14,7 +14,7 @@
 
 namespace {
 
-// Colours of the terminal's palette, so that they are readable in any theme.
+// Colours of the terminal's palette, because they are readable with any background.
 constexpr std::string_view keyColor = "\x1b[34;1m";
 constexpr std::string_view stringColor = "\x1b[32m";
 constexpr std::string_view numberColor = "\x1b[33m";
@@ -55,7 +55,7 @@ public:
     }
 
 private:
-    // Every item of a container starts a line, unless the container is empty or the object is one value such as $date.
+    // Starts a line for each item, unless the container is empty or represents one value, such as {"$date": ...}.
     void open()
     {
         const std::size_t inside = std::min(m_json.find_first_not_of(spaces, m_next + 1), m_json.size() - 1);

@@ -29,10 +29,10 @@ public:
     /// @param done  number so far
     void show(std::uint64_t done) { show(done, done); }
     /// @param done  number so far, for the rate
-    /// @param part  part of the total, which has another unit
+    /// @param part  number so far in the unit of the total, if that differs
     void show(std::uint64_t done, std::uint64_t part);
 
-    /// True if a progress line is shown. If not, a caller can save the query for the total.
+    /// True if a progress line is shown. If not, the caller does not need to query the total.
     static bool isShown(bool quiet, bool isForced = false);
 
 private:

@@ -47,7 +47,7 @@ struct WrongSign
 
 constexpr std::array<WrongSign, 5> wrongSigns{{{"==", "="}, {"=>", ">="}, {"=<", "<="}, {"=~", "~"}, {"<>", "!="}}};
 
-// Invalid JSON is an error. As a string it would silently match nothing.
+// True if invalid JSON must be an error. Used as a string, it would match no document and the user would not know why.
 bool isMeantAsJson(const std::string& text)
 {
     return !text.empty() && std::string_view("{[\"").find(text.front()) != std::string_view::npos;
@@ -103,7 +103,8 @@ dbc::Value expressionOf(const std::string& field, const std::string& text)
     return expression;
 }
 
-// Signs of other languages. Read as a sign and a string, they would silently match nothing.
+// Rejects operators of other languages, such as "==". Read as "=" and a string, they would match no document and the
+// user would not know why.
 void rejectWrongSign(const std::string& word, std::size_t place)
 {
     for (const auto& [wrong, right] : wrongSigns)

@@ -17,7 +17,7 @@ extern const char* const sortHelp;
 /// Help text for the fields to print.
 extern const char* const fieldsHelp;
 
-/// Parses a query of the command line: nothing, one JSON document, or conditions that must all match:
+/// Parses a query of the command line: no words, one JSON document, or conditions that must all match:
 ///
 ///     field=value  field!=value  field>value  field>=value  field<value  field<=value
 ///     field~pattern  field~/pattern/flags  field?  !field
@@ -32,6 +32,6 @@ dbc::Sort parseSort(const std::string& text);
 /// Parses the fields to print: fields separated by commas, with "-" before one to leave out; or JSON.
 dbc::Value parseFields(const std::string& text);
 
-/// Parses a document of the command line for the library. @throws Failure with the fields that ObjectProperties would
-/// drop or change: a query without a condition would match everything
+/// Converts a document of the command line for the library. @throws Failure with the fields that ObjectProperties would
+/// drop or change, because a query that has lost a condition matches more documents
 ObjectProperties toProperties(const dbc::Value& document, const std::string& what);

@@ -29,7 +29,7 @@ std::string nameBeside(const std::string& path)
     return path + "." + std::to_string(random()) + ".part";
 }
 
-// Requires write permission for the older file and keeps its mode, although only the directory is written to.
+// Requires write permission for the older file and keeps its mode, as if that file were overwritten.
 void createFor(const std::string& part, const std::string& path, const std::optional<mode_t>& mode)
 {
     if (mode && ::access(path.c_str(), W_OK) != 0)

@@ -113,8 +113,8 @@ int daysOf(int year, int month)
     return monthDays.at(static_cast<std::size_t>(month - 1)) + (month == 2 && isLeap(year) ? 1 : 0);
 }
 
-// Days since 1970-01-01 in the Gregorian calendar, also for earlier years. A year of this count begins in March, so
-// that a leap day is its last day.
+// Returns the days since 1970-01-01 in the Gregorian calendar, also for earlier years. In this formula a year begins in
+// March, so that a leap day is its last day.
 std::int64_t dayNumber(int year, int month, int day)
 {
     const std::int64_t y = year - (month <= 2 ? 1 : 0) + 400; // not negative

@@ -13,8 +13,8 @@
 /// the T. Seconds, a fraction of a second and a time zone (Z, +01:00) are optional.
 bool looksLikeTime(std::string_view text);
 
-/// Returns the time of such a text. The default is UTC and midnight. A fraction is cut off after milliseconds. Empty
-/// for any other text, and for a day or hour that does not exist.
+/// Parses a text for which looksLikeTime() returns true. Without a time zone it is UTC, without a time midnight. Digits
+/// after the milliseconds are cut off. Empty for any other text, and for a day or hour that does not exist.
 std::optional<dbc::Time> parseTime(std::string_view text);
 
 /// Returns 2023-01-31T00:00:00.000Z. Empty for years without four digits.

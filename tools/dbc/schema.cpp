@@ -155,7 +155,7 @@ std::string rangeOf(const std::string& type, const Column& column)
     return text.str();
 }
 
-// Returns false and the reason if the server does not support $sample. Passes on any other error.
+// Returns false and sets the reason if the server does not support $sample. Passes on any other error.
 template <typename Visit>
 bool visitAtRandom(dbc::Collection& collection, const dbc::Value& query, std::int64_t size, const Visit& visit,
                    std::string& reason)

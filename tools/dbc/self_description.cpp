@@ -234,7 +234,7 @@ void writeOption(const CLI::Option& option, std::ostream& stream)
     stream << ".\n";
 }
 
-// Arguments, then options; every command takes --help.
+// Writes the arguments, then the options. Leaves out the --help of commands, because all have it.
 void writeOptionsOf(const CLI::App& app, std::ostream& stream)
 {
     for (const bool isPositional : {true, false})

@@ -111,7 +111,7 @@ dbc::Value guessed(std::string_view field, const std::string& text)
     return text;
 }
 
-// True if a value is split into columns. Deeper levels become JSON, which bounds the recursion.
+// Deeper objects become JSON, which limits the recursion.
 constexpr int deepestColumn = 16;
 
 bool isSpread(const dbc::Value& value, int level)
@@ -178,7 +178,7 @@ bool isExact(const std::string& json, const dbc::Value& value)
     }
     catch (const dbc::FormatError& /*error*/)
     {
-        return false; // the year 10000 or later
+        return false; // a time in the year 10000 or later
     }
 }
 
@@ -418,7 +418,7 @@ void ColumnFinder::look(const dbc::Value& document, std::uint64_t number)
             fields.push_back({path, typeOf(value)});
         return !isSpread;
     });
-    // A new column is inserted before the next known column of the document.
+    // Inserts a new column before the next field of the document that already has a column.
     auto next = m_columns.end();
     for (auto field = fields.rbegin(); field != fields.rend(); ++field)
     {

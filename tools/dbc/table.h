@@ -15,7 +15,8 @@
 #include <unordered_map>
 #include <vector>
 
-// Documents as rows of a table. A column is a field; "address.city" is the field "city" of the object "address".
+// Converts documents to rows of a table and back. A column is a field; "address.city" is the field "city" of the object
+// "address".
 
 /// Type of the values of a column.
 enum class ColumnType
@@ -40,7 +41,7 @@ struct Column
 
 /// Parses the columns of a header: names, or "name:type". @throws Failure for empty and duplicate names
 std::vector<Column> parseHeader(const std::vector<Cell>& header);
-/// The same for a text such as "name,total:double,when:date".
+/// The same for a header line such as "name,total:double,when:date".
 std::vector<Column> parseHeader(const std::string& header);
 
 /// Reads the rows of a file as documents. An empty value is a missing field.
@@ -87,8 +88,8 @@ public:
     struct Format
     {
         char separator = ',';
-        bool hasTypes = true;   ///< in the header
-        bool isComplete = true; ///< true if a field without a column is an error
+        bool hasTypes = true;   ///< The header has the types of the columns.
+        bool isComplete = true; ///< A field without a column is an error.
     };
 
     /// Writes the header.

@@ -94,7 +94,7 @@ private:
         return done;
     }
 
-    // The header depends on all documents, so they are read twice unless the columns are given.
+    // Reads all documents twice, unless the columns are given, because the header depends on all documents.
     std::uint64_t writeTable(std::ostream& stream, char separator)
     {
         TableWriter::Format format;
