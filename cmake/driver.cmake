@@ -1,10 +1,10 @@
 # SPDX-FileCopyrightText: 2026 The database_client authors
 # SPDX-License-Identifier: MIT
 
-# The driver: libmongoc and libbson 1.x from 1.23, or 2.x, whose CMake packages, targets and pkg-config modules have other
-# names. With both installed 1.x is taken, unless CMAKE_DISABLE_FIND_PACKAGE_mongoc-1.0 is set.
+# Finds the driver: libmongoc and libbson 1.x from 1.23 on, or 2.x. Their CMake packages, targets and pkg-config modules
+# have different names. If both are installed, 1.x is used, unless CMAKE_DISABLE_FIND_PACKAGE_mongoc-1.0 is set.
 #
-# Code that is not installed links mongo::mongoc_shared and mongo::bson_shared with either.
+# Code that is not installed links mongo::mongoc_shared and mongo::bson_shared, which exist for both versions.
 find_package(mongoc-1.0 1.23 QUIET)
 if(mongoc-1.0_FOUND)
   database_client_package(bson-1.0 libbson-dev 1.23)
@@ -25,7 +25,8 @@ else()
   endif()
   set(database_client_driver_major 2)
   set(database_client_driver_least 2.0)
-  # A bson_t of libbson 2.x has another alignment: a program must not get a library over the other driver.
+  # A bson_t of libbson 2.x has another alignment. A different soname prevents that a program loads a library that was
+  # built with the other version.
   set(database_client_soname_suffix -mongoc2)
   set(database_client_bson_package bson)
   set(database_client_bson_target bson::shared)

@@ -1,7 +1,7 @@
 # SPDX-FileCopyrightText: 2026 The database_client authors
 # SPDX-License-Identifier: MIT
 
-# What an installed copy consists of: component "runtime" is the shared library, "development" everything else.
+# The installed files. The component "runtime" is the shared library, "development" is everything else.
 include(CMakePackageConfigHelpers)
 
 set(database_client_headers

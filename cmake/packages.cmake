@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: MIT
 
 # database_client_package(NAME DEBIAN [ARGUMENT...])
-# find_package(NAME ARGUMENT... REQUIRED), whose error names the Debian packages to install.
+# The same as find_package(NAME ARGUMENT... REQUIRED), but the error message has the Debian packages to install.
 macro(database_client_package name debian)
   find_package(${name} ${ARGN} QUIET)
   if(NOT ${name}_FOUND)
