@@ -7,7 +7,7 @@
 
 namespace {
 
-thread_local std::size_t allocationsUntilFailure = 0; // 0: none fails
+thread_local std::size_t allocationsUntilFailure = 0; // 0: no allocation fails
 thread_local bool failureHappened = false;
 thread_local long blocks = 0;
 

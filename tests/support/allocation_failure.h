@@ -11,8 +11,8 @@
 
 namespace test_support {
 
-/// While this object lives, the n-th `operator new` of this thread, counted from 1, throws std::bad_alloc. Needs
-/// allocation_failure.cpp in the program.
+/// While an object exists, the n-th call of `operator new` in this thread, counted from 1, throws std::bad_alloc. The
+/// program must contain allocation_failure.cpp.
 class FailingAllocation
 {
 public:
@@ -21,18 +21,18 @@ public:
     FailingAllocation(const FailingAllocation&) = delete;
     FailingAllocation& operator=(const FailingAllocation&) = delete;
 
-    /// Whether that allocation was reached.
+    /// True if the n-th call was reached.
     bool happened() const;
 };
 
-/// Blocks that this thread got from `operator new`, less those that it gave back.
+/// Number of blocks that this thread has allocated with `operator new` and not freed.
 long liveBlocks();
 
-/// Runs @p work with its first allocation failing, then its second, and so on until it needs no more of them.
-/// Every failure must arrive as std::bad_alloc, and when the subject is destroyed it may leave no block.
-/// @p prepare makes what the work runs on, @p look gets it after each run, and whether an allocation failed in that
-/// run.
-/// @p isAlone: the work changes the subject only, so that a run without a failure leaves no block either.
+/// Runs @p work repeatedly. In the n-th run the n-th allocation fails, until a run needs fewer allocations. Expects
+/// that each failure is thrown as std::bad_alloc and that nothing leaks.
+/// @param prepare  creates the object on which @p work runs
+/// @param look     called after each run with this object, and true if an allocation failed
+/// @param isAlone  true if @p work changes only this object, so that a run without a failure must not leak either
 /// @return number of allocations that failed
 template <typename Prepare, typename Work, typename Look>
 std::size_t runWithEveryAllocationFailing(Prepare prepare, Work work, Look look, bool isAlone)
@@ -71,7 +71,7 @@ std::size_t runWithEveryAllocationFailing(Prepare prepare, Work work, Look look,
     return endless;
 }
 
-/// The same with @p checkUntouched, which looks at the subject after each failure.
+/// The same, but calls @p checkUntouched with the object after each failure.
 template <typename Prepare, typename Work, typename CheckUntouched>
 std::size_t failEveryAllocation(Prepare prepare, Work work, CheckUntouched checkUntouched)
 {
@@ -82,7 +82,7 @@ std::size_t failEveryAllocation(Prepare prepare, Work work, CheckUntouched check
     return runWithEveryAllocationFailing(prepare, work, look, false);
 }
 
-/// The same for an operation on a State, which must be usable afterwards, as State::use() tries.
+/// The same for an operation on a State. Calls State::use() after each run to check that the state is usable.
 template <typename State, typename Operate>
 void expectUsableAfterEveryFailure(Operate operate)
 {

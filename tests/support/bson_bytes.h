@@ -17,7 +17,7 @@
 
 namespace test_support {
 
-/// The bytes of a BSON document, compared as a whole and shown as hexadecimal digits and characters.
+/// The bytes of a BSON document. GoogleTest prints them as hexadecimal digits and characters.
 class BsonBytes
 {
 public:
@@ -48,7 +48,7 @@ private:
     std::vector<std::uint8_t> m_bytes;
 };
 
-/// Bytes in storage of exactly their length, read as BSON: a sanitizer sees every byte read behind them.
+/// A BSON document in memory of exactly its length, so that a sanitizer reports every read beyond its end.
 class BorrowedBson
 {
 public:
@@ -58,7 +58,7 @@ public:
         m_valid = bson_init_static(&m_bson, m_bytes.get(), bytes.size());
     }
 
-    /// Whether the outermost length and the last byte are those of a document.
+    /// True if the length at the start and the last byte are those of a document.
     bool isValid() const noexcept { return m_valid; }
     const bson_t* get() const noexcept { return &m_bson; }
 

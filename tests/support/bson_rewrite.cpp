@@ -33,7 +33,7 @@ void writeLength(Bytes& output, std::size_t at, std::size_t length)
     std::memcpy(output.data() + at, &value, sizeof value);
 }
 
-/// The bytes that the value of an element takes up, or nothing when they run past @p available.
+/// Returns the size of the value of an element in bytes. Empty if it is larger than @p available.
 std::optional<std::size_t> valueSize(bson_type_t type, const std::uint8_t* value, std::size_t available)
 {
     const auto lengthPlus = [&](std::size_t extra) -> std::optional<std::size_t> {
@@ -89,7 +89,8 @@ std::optional<std::size_t> valueSize(bson_type_t type, const std::uint8_t* value
     return std::nullopt;
 }
 
-/// One pass over a document with a stack of its open levels. Bytes that stay are copied in runs as long as possible.
+/// Reads a document once, with a stack of its open levels. Copies unchanged bytes in pieces that are as long as
+/// possible.
 class Rewriter
 {
 public:
@@ -117,9 +118,9 @@ public:
 private:
     struct Level
     {
-        std::size_t end;         // in the input, one past the closing zero
-        std::size_t start;       // of the level in what the output would hold now
-        std::size_t nextElement; // the number the next element of an array gets
+        std::size_t end;         // offset in the input, one past the final zero byte
+        std::size_t start;       // outputPosition() of the level
+        std::size_t nextElement; // number of the next element of an array
         bool isArray;
     };
     struct Patch
@@ -128,7 +129,7 @@ private:
         std::size_t length;
     };
 
-    /// Where the next input byte would land in the output.
+    /// Offset in the output to which the next input byte will be copied.
     std::size_t outputPosition() const { return m_output.size() + (m_at - m_copied); }
 
     void copyUpTo(std::size_t end)
@@ -213,7 +214,7 @@ private:
         copyUpTo(m_at + 1);
         m_output.insert(m_output.end(), wanted, wanted + length + 1);
         m_copied = valueAt;
-        m_at = valueAt; // keeps outputPosition() true; the value follows
+        m_at = valueAt; // for outputPosition(); the value is copied later
         m_changed = true;
     }
 
@@ -233,8 +234,8 @@ private:
     const std::uint8_t* m_document;
     std::size_t m_length;
     BsonRewrite m_rewrite;
-    std::size_t m_at = 0;     // next input byte to look at
-    std::size_t m_copied = 0; // input bytes before this one are in the output
+    std::size_t m_at = 0;     // offset of the next input byte to read
+    std::size_t m_copied = 0; // number of input bytes that were copied or replaced
     bool m_changed = false;
     Bytes m_output;
     std::vector<Level> m_open;

@@ -13,23 +13,21 @@ namespace test_support {
 
 using Bytes = std::vector<std::uint8_t>;
 
-/// The document of a text in extended JSON. @throws std::invalid_argument when it is none
+/// Parses a document in Extended JSON. @throws std::invalid_argument if it is invalid
 Bytes bsonFromJson(const std::string& json);
 
-/// What a document must be turned into before a server that is stricter than MongoDB takes it.
+/// Changes to a document for a server that accepts fewer documents than MongoDB.
 enum class BsonRewrite
 {
-    /// Array elements are renumbered 0, 1, 2, ..., elements of kind undefined are left out, at every depth.
+    /// Renumbers array elements to 0, 1, 2 ... and removes elements of type undefined, at every depth.
     Arrays,
-    /// `roles` and `customData` at the top level become empty.
+    /// Empties `roles` and `customData` at the top level.
     UserData,
-    ArraysAndUserData, ///< both
+    ArraysAndUserData, ///< Both.
 };
 
-/// Rewrites one BSON document.
-/// Neither recursion nor libbson's own limits are involved: the depth of nesting is bounded by the length alone.
-/// @returns the rewritten bytes; nothing when the document needs no change or is not well formed, and should then go on
-///          byte for byte. Linear in @p length.
+/// Rewrites one BSON document of any depth. Takes time proportional to @p length.
+/// @return the rewritten bytes. Empty if the document needs no change or is not valid: send it unchanged then
 std::optional<Bytes> rewriteBson(const std::uint8_t* document, std::size_t length, BsonRewrite rewrite);
 
 } // namespace test_support

@@ -12,7 +12,7 @@
 namespace test_support {
 namespace {
 
-// Documents are put together by hand: no driver writes array keys out of order.
+// The documents are built byte by byte, because no driver writes array keys out of order.
 
 std::string length(std::size_t size)
 {
@@ -52,7 +52,7 @@ std::string group(const std::string& key, const std::string& elements)
     return element('\x03', key, document(elements));
 }
 
-/// What a server gets to see: the rewritten document, or the document itself where nothing needs rewriting.
+/// Returns the document that a server receives: the rewritten one, or the original if it needs no change.
 std::string forwarded(const std::string& original, BsonRewrite rewrite = BsonRewrite::Arrays)
 {
     const auto result = rewriteBson(reinterpret_cast<const std::uint8_t*>(original.data()), original.size(), rewrite);
@@ -179,7 +179,7 @@ TEST(BsonRewrite, LeavesBytesThatAreNotADocumentUnchanged)
 TEST(BsonRewrite, RewritesAtADepthThatWouldEndARecursion)
 {
     constexpr std::size_t depth = 400'000;
-    // From the inside out: the beginnings in reverse order, then the closing zeros.
+    // Built from the innermost level outwards: the headers in reverse order, then the final zero bytes.
     const auto nested = [&](char key) {
         std::string beginnings;
         const std::string innermost = document(number(std::string(1, key), 1));

@@ -9,7 +9,7 @@
 
 namespace test_support {
 
-/// What the driver counts on: that it can step into every document and array that it comes to.
+/// True if every nested document and array can be opened. The driver relies on that.
 inline bool canBeEntered(const bson_t* bson)
 {
     bson_iter_t iter;

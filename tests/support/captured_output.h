@@ -12,7 +12,7 @@
 
 namespace test_support {
 
-/// Standard output while this object lives goes to a file without a name, byte for byte.
+/// Redirects standard output to a file without a name while an object exists.
 class CapturedOutput
 {
 public:
@@ -28,7 +28,7 @@ public:
     CapturedOutput(const CapturedOutput&) = delete;
     CapturedOutput& operator=(const CapturedOutput&) = delete;
 
-    /// Ends the capture and gives what was written.
+    /// Ends the capture and returns the output.
     std::string text()
     {
         restore();

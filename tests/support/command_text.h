@@ -13,7 +13,7 @@
 
 namespace test_support {
 
-/// The fields of @p source in alphabetical order, the first @p kept of them in their places.
+/// Appends the fields of @p source in alphabetical order, but the first @p kept fields in their own order.
 inline void appendSorted(const bson_t* source, std::size_t kept, bson_t* target)
 {
     std::vector<std::string> keys;
@@ -58,9 +58,9 @@ inline std::string withSortedOptions(const std::string& command)
     return BsonText(bson_as_relaxed_extended_json(sorted.get(), nullptr)).get();
 }
 
-/// Whether two commands, as RecordedCommand::json() has them, differ in no more than the order of their options behind
-/// the name, and of those of each statement of an update or a delete. That order is the driver's and not the same in
-/// all versions. Inside the options all counts: the keys of a sort, the fields of a document.
+/// True if two results of RecordedCommand::json() are equal, or differ only in the order of the options of the command
+/// or of the statements of an update or a delete. The driver chooses this order, and it depends on the version. The
+/// order inside an option must be equal, such as the keys of a sort and the fields of a document.
 inline bool isSameCommand(const std::string& left, const std::string& right)
 {
     return withSortedOptions(left) == withSortedOptions(right);

@@ -16,7 +16,7 @@
 
 namespace test_support {
 
-/// A client of the test server, through the gateway, and a database of its own.
+/// A client that is connected to the test server through the gateway, and a new database.
 class ConnectedClient : public testing::Test
 {
 public:
@@ -27,14 +27,14 @@ public:
     const std::string& database() const { return m_scratch.name(); }
     WireGateway& gateway() { return TestServer::instance().gateway(); }
 
-    /// The only command of this name that was sent, or how many there were.
+    /// Returns the only command with this name that was sent, or the number of commands.
     std::string sent(const std::string& name)
     {
         const std::vector<RecordedCommand> commands = gateway().commands(name);
         return commands.size() == 1 ? commands[0].json() : std::to_string(commands.size()) + " commands";
     }
 
-    /// Answers the next command of this name instead of the server.
+    /// Replies to the next command with this name instead of the server.
     void reply(const std::string& name, const std::string& reply)
     {
         gateway().inject(Fault::answer(reply).onCommand(name));
@@ -47,7 +47,7 @@ public:
         return document;
     }
 
-    /// A pipeline of one stage.
+    /// Returns a pipeline of one stage.
     template <typename Fill>
     static ObjectProperties pipeline(Fill fillStage)
     {

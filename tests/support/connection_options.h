@@ -7,8 +7,8 @@
 
 namespace test_support {
 
-/// The connection string @p uri with @p options ("a=1&b=2") added. The path and the query of @p uri may be missing.
-/// The driver takes the last of two options of one name, so the added ones apply.
+/// Returns the connection string @p uri with @p options added, such as "a=1&b=2". @p uri may have no path and no query.
+/// The driver uses the last of several options with the same name, so the added options apply.
 inline std::string withOptions(std::string uri, const std::string& options)
 {
     const std::size_t scheme = uri.find("://");

@@ -18,7 +18,7 @@ using test_support::BsonBytes;
 using test_support::OwnedBson;
 using test_support::treeText;
 
-/// A document to append to. The driver's own type has an attribute that a template argument cannot carry.
+/// A document to append to. A separate type, because a template argument drops the alignment attribute of bson_t.
 class BsonTarget
 {
 public:
@@ -59,7 +59,7 @@ inline ObjectProperties readBuilt(const BuildBson& build)
     return readBson(bson.get());
 }
 
-/// Appends a sub-document or an array that @p fill makes.
+/// Appends a sub-document or an array that @p fill fills.
 inline void appendNested(bson_t* bson, const char* key, bool isArray, const BuildBson& fill)
 {
     bson_t child;

@@ -17,8 +17,8 @@ inline std::string withEach(std::string text, const std::string& from, const std
     return text;
 }
 
-/// A text of the driver in the words of libmongoc 1.23, so that one expected text serves every version:
-/// two spaces in an empty document or array of JSON (later versions print one), and the reason for an empty key.
+/// Converts a text of the driver to that of libmongoc 1.23, so that tests need one expected text for all versions. The
+/// differences are the spaces in empty documents and arrays of JSON, and the error for an empty key.
 inline std::string inWordsOf123(std::string text)
 {
     text = withEach(std::move(text), "{ }", "{  }");

@@ -9,7 +9,7 @@
 
 namespace test_support {
 
-/// The number in that variable of the environment, or the usual one when it is not set.
+/// Returns the number in an environment variable, or @p usual if the variable is not set.
 inline std::size_t environmentNumber(const char* name, std::size_t usual)
 {
     const char* const text = std::getenv(name);

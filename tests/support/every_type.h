@@ -7,8 +7,8 @@
 
 namespace test_support {
 
-/// An object with a field of every BSON type, of strings, keys and bytes of every way to be stored, and with equal
-/// keys.
+/// Returns an object with a field of every BSON type, with equal keys, and with strings, keys and bytes in every form
+/// in which a Value stores them.
 inline dbc::Value everyType()
 {
     const dbc::ObjectId id{"507f1f77bcf86cd799439011"};

@@ -11,7 +11,7 @@
 
 namespace test_support {
 
-/// A document as the library writes it to JSON, the same with every version of the driver.
+/// Returns the JSON of PropertiesToJson, in the same form for every version of the driver.
 inline std::string jsonOf(const ObjectProperties& document)
 {
     std::string json;

@@ -9,7 +9,8 @@
 
 namespace test_support {
 
-/// Bytes that tell their place: a piece in the wrong order, or of another place, shows. The same every time.
+/// Returns pseudo-random bytes, the same in every call. No piece of them repeats, so a test detects a piece at a wrong
+/// position.
 inline std::string patternText(std::size_t size)
 {
     std::string text(size, '\0');

@@ -3,7 +3,8 @@
 
 #pragma once
 
-/// Shows a private member to a test: an explicit instantiation may name it. For states that no caller can make.
+/// Gives a test access to a private member, because an explicit instantiation may name it. Use it only for states that
+/// the public functions cannot create.
 template <typename Tag, typename Tag::Member Pointer>
 struct RevealMember
 {

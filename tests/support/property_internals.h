@@ -6,7 +6,7 @@
 #include "private_member.h"
 #include "property.h"
 
-/// The kind that an item stores.
+/// The stored type of an item.
 struct StoredKind
 {
     using Member = PropertyType Property::PropertyItem::*;

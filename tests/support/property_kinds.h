@@ -12,8 +12,7 @@
 #include <utility>
 #include <vector>
 
-/// A kind that carries a value, with the operations that belong to it. The sample and the default are two different
-/// values of the kind.
+/// A type that has a value, with its operations. The sample and the default are two different values of the type.
 struct ValueKind
 {
     std::string name;
@@ -80,7 +79,7 @@ inline ValueKind regexKind()
             [=](Property& node, const std::string& path) { return node.valueAsRegex(path, "p", "o") == other; }};
 }
 
-/// Every kind that carries a value, in the order of its number.
+/// Returns every type that has a value, in the order of the numbers.
 inline std::vector<ValueKind> valueKinds()
 {
     using P = Property;

@@ -15,8 +15,8 @@
 #include <string>
 #include <vector>
 
-// Queries as the bytes that go to the server. What is expected is put together by hand: JSON cannot say which keys the
-// elements of an array carry.
+// Queries as the bytes that are sent to the server. Expected queries are built byte by byte, because JSON does not show
+// the keys of array elements.
 namespace query {
 
 using Bytes = std::string;
@@ -89,7 +89,7 @@ inline Bytes int64(const std::string& key, std::int64_t value)
     return element('\x12', key, littleEndian(value));
 }
 
-/// A whole query. Printed as text with the bytes behind it, since the text does not show the keys of array elements.
+/// A whole query. Printed as JSON followed by the bytes, because JSON does not show the keys of array elements.
 struct Query
 {
     Bytes bytes;

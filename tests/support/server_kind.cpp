@@ -8,7 +8,7 @@
 namespace test_support {
 namespace {
 
-/// The string at a dotted path; empty if it does not exist.
+/// Returns the string at a dotted path; empty if it does not exist.
 std::string textAt(const bson_t* document, const char* path)
 {
     bson_iter_t iter;

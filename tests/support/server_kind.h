@@ -7,17 +7,18 @@
 
 namespace test_support {
 
-/// Servers that take different commands. Tests of behaviour on which these differ decide by this.
+/// Servers that accept different commands. Tests use it if their expectations depend on the server.
 enum class ServerKind
 {
     MongoDb,
-    /// Closes the connection on array keys other than 0, 1, 2 ... and on undefined, and refuses duplicate keys.
+    /// Version 1: closes the connection if array keys are not 0, 1, 2 ... or if a value is undefined. Rejects duplicate
+    /// keys.
     FerretDbV1,
-    /// Version 2 and later: stores documents byte for byte; users belong to the whole server.
+    /// Version 2 and later: stores documents unchanged. Users belong to the whole server, not to a database.
     FerretDbV2,
 };
 
-/// The kind of server that sent this reply to `buildInfo`.
+/// Detects the server from its reply to `buildInfo`.
 ServerKind serverKindFrom(const bson_t* buildInfo);
 
 } // namespace test_support

@@ -12,7 +12,7 @@
 
 namespace test_support {
 
-/// A client that all tests of a program share, connected at the first call.
+/// Returns a client that all tests of a program share. The first call connects it.
 inline DataBaseClient& sharedClient(const std::string& uri = TestServer::instance().uri())
 {
     static DataBaseClient client;
@@ -21,15 +21,15 @@ inline DataBaseClient& sharedClient(const std::string& uri = TestServer::instanc
     return client;
 }
 
-/// The database of these tests.
+/// Returns a database that all tests of a program share.
 inline ScratchDatabase& sharedScratch()
 {
-    sharedClient(); // made first: the library ends the driver after everything that was made later is gone
+    sharedClient(); // created first: the library cleans up the driver after later static objects were destroyed
     static ScratchDatabase database;
     return database;
 }
 
-/// Source and target of a stream that needs no memory: a string stream would keep a failed allocation to itself.
+/// A stream buffer that allocates no memory. A string stream would not throw std::bad_alloc, but set an error state.
 class FixedBuffer : public std::streambuf
 {
 public:

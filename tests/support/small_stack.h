@@ -10,7 +10,7 @@
 
 namespace test_support {
 
-/// Runs @p work to its end in a thread whose stack has this many bytes. Running out of it ends the process.
+/// Runs @p work in a thread with a stack of this number of bytes. A stack overflow ends the process.
 template <typename Work>
 void runWithStack(std::size_t bytes, Work work)
 {

@@ -11,18 +11,18 @@
 
 namespace test_support {
 
-/// What a child gets instead of the test's own: no input, files for its output, no blocked signals, and those that end
-/// a program not ignored.
+/// Settings of a child process: no input, output to files, no blocked signals. Signals that end a program have their
+/// default action.
 class SpawnSettings
 {
 public:
-    /// Both files are appended to, and may be the same one.
+    /// Appends standard output and standard error to these files, which may be the same file.
     SpawnSettings(const std::string& output, const std::string& messages);
     SpawnSettings(const SpawnSettings&) = delete;
     SpawnSettings& operator=(const SpawnSettings&) = delete;
     ~SpawnSettings();
 
-    /// Starts the program that is first in the line. @throws std::system_error
+    /// Starts a program. The first element of @p line is the program. @throws std::system_error
     pid_t spawn(std::vector<std::string> line) const;
 
 private:

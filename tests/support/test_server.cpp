@@ -63,7 +63,7 @@ ClientHandle openClient(const std::string& address)
     return ClientHandle(mongoc_client_new_from_uri(uri.get()));
 }
 
-/// @p address is that of the servers which DATABASE_CLIENT_TEST_SERVER describes.
+/// @param address  address of the server that DATABASE_CLIENT_TEST_SERVER describes
 ServerKind kindOf(const std::string& address)
 {
     const std::string named = required("DATABASE_CLIENT_TEST_SERVER");
@@ -72,7 +72,7 @@ ServerKind kindOf(const std::string& address)
     return named == "ferretdb" ? ServerKind::FerretDbV1 : ServerKind::MongoDb;
 }
 
-/// Different in every process and at every call.
+/// Returns a different name in every process and in every call.
 std::string uniqueName()
 {
     static std::atomic<unsigned> calls{0};
@@ -129,7 +129,7 @@ ScratchDatabase::ScratchDatabase(const std::string& uri) : m_client(openClient(u
 ScratchDatabase::~ScratchDatabase()
 {
     const DatabaseHandle database(mongoc_client_get_database(m_client.get(), m_name.c_str()));
-    // Users do not go with their database. A server without authentication may not know the commands.
+    // Dropping a database does not drop its users. A server without authentication may not have the commands.
     for (const std::string& user : m_users)
         mongoc_database_remove_user(database.get(), user.c_str(), nullptr);
     OwnedBson command;
@@ -280,7 +280,7 @@ std::vector<std::string> ServerProcess::commandLine() const
                     {"--dbpath", m_directory + "/data", "--bind_ip", "127.0.0.1", "--port", port, "--nounixsocket"});
         if (!m_tls.certificate.empty())
         {
-            // mongod wants key and certificate in one file.
+            // mongod requires key and certificate in one file.
             const std::string both = m_directory + "/tls.pem";
             std::ofstream(both) << std::ifstream(m_tls.key).rdbuf() << std::ifstream(m_tls.certificate).rdbuf();
             line.insert(line.end(), {"--tlsMode", "requireTLS", "--tlsCertificateKeyFile", both, "--tlsCAFile",
@@ -294,7 +294,7 @@ std::vector<std::string> ServerProcess::commandLine() const
     const std::string address = "127.0.0.1:" + port;
     if (m_tls.certificate.empty())
         line.push_back("--listen-addr=" + address);
-    else // With an authority it would want certificates of its clients.
+    else // Without the authority, because the server would then require certificates of its clients.
     {
         line.insert(line.end(), {"--listen-addr=", "--listen-tls=" + address,
                                  "--listen-tls-cert-file=" + m_tls.certificate, "--listen-tls-key-file=" + m_tls.key});
@@ -346,8 +346,8 @@ void ServerProcess::stop()
 {
     if (m_process < 0)
         return;
-    // mongod writes its journal with a delay. FerretDB has everything in its file at once, and would wait three seconds
-    // for open connections to end.
+    // SIGTERM for mongod, because it writes its journal with a delay. FerretDB writes its file at once, and would wait
+    // three seconds for open connections to end.
     ::kill(m_process, required("DATABASE_CLIENT_TEST_SERVER") == "mongod" ? SIGTERM : SIGKILL);
     int status = 0;
     while (::waitpid(m_process, &status, 0) < 0 && errno == EINTR)

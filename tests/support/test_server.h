@@ -16,30 +16,31 @@
 
 namespace test_support {
 
-/// Asks the server at @p uri. @throws std::runtime_error  it does not answer
+/// Sends `buildInfo` to the server at @p uri. @throws std::runtime_error  it does not reply
 ServerKind serverKindAt(const std::string& uri);
-/// What a gateway in front of such a server has to change.
+/// Returns the changes that a gateway must make for such a server.
 WireGateway::Rewrite rewriteFor(ServerKind kind);
 
-/// The server that scripts/with-server put into the environment, behind one gateway for each of its two addresses.
+/// The test server that scripts/with-server has started. It has two addresses, without and with authentication. There
+/// is a gateway for each of them.
 class TestServer
 {
 public:
-    /// The one of this process, made at the first call.
-    /// @throws std::runtime_error  the environment names no server: run the test through scripts/with-server.
+    /// Returns the object of this process. The first call creates it.
+    /// @throws std::runtime_error  no server in the environment: run the test with scripts/with-server
     static TestServer& instance();
 
     ServerKind kind() const { return m_kind; }
-    /// Any version: every user may read and write, and has neither roles nor custom data.
+    /// True for any version of FerretDB. There, every user may read and write, and has no roles and no custom data.
     bool isFerretDb() const { return m_kind != ServerKind::MongoDb; }
 
-    /// In front of the server without authentication, and in front of the one that knows users, as root.
+    /// The gateways to the address without authentication, and to the address with authentication as root.
     WireGateway& gateway() { return m_gateway; }
     WireGateway& authGateway() { return m_authGateway; }
     std::string uri() const { return m_gateway.uri(); }
     std::string authUri() const { return m_authGateway.uri(); }
 
-    /// The servers themselves, past the gateways.
+    /// The addresses of the server, without the gateways.
     const std::string& directUri() const { return m_directUri; }
     const std::string& directAuthUri() const { return m_directAuthUri; }
 
@@ -53,15 +54,15 @@ private:
     WireGateway m_authGateway;
 };
 
-/// A database of its own name, read and written past the gateway, and dropped with its users at the end of the block.
-/// Some servers have users for all databases together: name users with userName().
-/// Documents are texts in extended JSON, going in and coming out relaxed.
+/// A new database with a unique name. The destructor drops it and its users. Its functions do not use the gateway, so
+/// their commands are not recorded. On some servers users belong to all databases: name users with userName().
+/// Documents are strings in Extended JSON; returned documents are in the relaxed form.
 class ScratchDatabase
 {
 public:
-    /// On the server without authentication.
+    /// Uses the server without authentication.
     ScratchDatabase();
-    /// On another one, directAuthUri() say.
+    /// Uses another server, such as directAuthUri().
     explicit ScratchDatabase(const std::string& uri);
     ~ScratchDatabase();
     ScratchDatabase(const ScratchDatabase&) = delete;
@@ -69,18 +70,18 @@ public:
 
     const std::string& name() const { return m_name; }
     mongoc_client_t* client() const { return m_client.get(); }
-    /// A user name that no other test has. The user is dropped with the database.
+    /// Returns a unique user name. The user is dropped with the database.
     std::string userName(const std::string& name);
 
-    /// All of these throw std::runtime_error with the driver's text when the server refuses.
+    /// The following functions throw std::runtime_error with the driver's text if the server reports an error.
     void insert(const std::string& collection, const std::string& document);
     std::vector<std::string> documents(const std::string& collection, const std::string& filter = "{}",
                                        const std::string& options = R"({"sort": {"_id": 1}})") const;
     std::vector<Bytes> documentBytes(const std::string& collection, const std::string& filter = "{}",
                                      const std::string& options = R"({"sort": {"_id": 1}})") const;
     std::size_t count(const std::string& collection, const std::string& filter = "{}") const;
-    std::vector<std::string> collections() const; ///< in the order of their names
-    /// Runs a command on this database and gives the server's reply.
+    std::vector<std::string> collections() const; ///< Sorted by name.
+    /// Runs a command on this database and returns the server's reply.
     std::string run(const std::string& command) const;
 
 private:
@@ -89,12 +90,12 @@ private:
     std::vector<std::string> m_users;
 };
 
-/// A server of the test's own, of the same program, to be ended and started again on the same port with the same data.
-/// The thread that starts it must not end before it: the server is killed with that thread.
+/// A separate server process of the same program. It can be stopped, and started again on the same port with the same
+/// data. The thread that calls start() must live longer than the server, because the server is killed with that thread.
 class ServerProcess
 {
 public:
-    /// Whether there is a program to start; not so with a server given by MONGODB_URI.
+    /// True if there is a program to start. False if the test server was given by MONGODB_URI.
     static bool available();
 
     /// Paths of files in PEM form.
@@ -105,9 +106,9 @@ public:
         std::string authority;
     };
 
-    /// Starts it and waits until it takes connections.
+    /// Starts the server and waits until it accepts connections.
     ServerProcess();
-    /// The same, but it takes connections with TLS only. uri() does not ask for TLS: that is for the test to add.
+    /// The same, but the server accepts only connections with TLS. The test must add the TLS options to uri().
     explicit ServerProcess(Tls tls);
     ~ServerProcess();
     ServerProcess(const ServerProcess&) = delete;
@@ -116,7 +117,7 @@ public:
     std::string uri() const;
     std::uint16_t port() const { return m_port; }
     WireGateway::Rewrite rewrite() const;
-    /// Ends it; connections to it are then refused.
+    /// Ends the server. The system then refuses connections to it.
     void stop();
     void start();
 
@@ -124,9 +125,9 @@ private:
     std::vector<std::string> commandLine() const;
 
     std::string m_directory;
-    Tls m_tls; // empty: without
+    Tls m_tls; // empty without TLS
     std::uint16_t m_port = 0;
-    FileDescriptor m_reservation; // the port stays ours while no server listens on it
+    FileDescriptor m_reservation; // reserves the port while no server listens on it
     pid_t m_process = -1;
 };
 

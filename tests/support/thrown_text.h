@@ -8,7 +8,7 @@
 
 namespace test_support {
 
-/// What a call threw, as "invalid_argument: <text>" or "runtime_error: <text>"; an empty text when it threw neither.
+/// Returns the exception of a call as "invalid_argument: <text>" or "runtime_error: <text>"; empty if it threw neither.
 template <typename Call>
 std::string thrownText(Call call)
 {

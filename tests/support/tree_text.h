@@ -60,8 +60,8 @@ inline std::string valueText(Property& node)
     return "kind " + std::to_string(node.type());
 }
 
-/// A node and everything below it on one line, every value in full: two trees are equal when their texts are. For
-/// trees of moderate depth.
+/// Returns a node and all its descendants with their values on one line. Two trees are equal if their strings are
+/// equal. Recursive, so only for trees of moderate depth.
 inline std::string treeText(Property& node)
 {
     std::string text = valueText(node);
@@ -79,7 +79,7 @@ inline std::string treeText(Property& node)
     return text;
 }
 
-/// The whole document; "Group" when it is empty.
+/// The same for a whole document; "Group" if it is empty.
 inline std::string treeText(const ObjectProperties& document)
 {
     return treeText(*document.root());

@@ -36,16 +36,17 @@ using Clock = std::chrono::steady_clock;
 
 constexpr std::string_view scheme = "mongodb://";
 
-/// The pieces of a connection string that the gateway needs.
+/// The parts of a connection string that the gateway needs.
 struct ServerAddress
 {
     std::string credentials; // "user:password@" or empty
     std::string host;
     std::string port = "27017";
-    std::string suffix; // from the "/" on
+    std::string suffix; // the "/" and everything after it
 };
 
-/// An option that would send the driver past the gateway or make it speak what the gateway does not.
+/// True for an option that must not be passed to the driver. With it, the driver would connect to other servers than
+/// the gateway, or use compression. Throws for TLS.
 bool staysOut(std::string_view option)
 {
     std::string name(option.substr(0, option.find('=')));
@@ -120,7 +121,7 @@ ServerAddress parseUri(const std::string& uri)
     return address;
 }
 
-/// Threads of the gateway take no signal that is meant for the test.
+/// Starts a thread with all signals blocked, so that only threads of the test handle signals.
 template <typename Function>
 std::thread startQuietThread(Function function)
 {
@@ -136,7 +137,7 @@ std::thread startQuietThread(Function function)
     return std::thread(std::move(function));
 }
 
-/// Reads one message; nothing when the connection ended or what came is no message.
+/// Reads one message. Empty if the connection ended or the bytes are not a message.
 std::optional<WireMessage> receiveMessage(int socket)
 {
     Bytes bytes(WireMessage::headerSize);
@@ -276,7 +277,7 @@ bool Fault::concerns(const RecordedCommand& command) const
     return byName && (m_target.empty() || m_target == command.target);
 }
 
-/// The threads of the gateway, and what they share with its callers under a lock.
+/// The threads of the gateway, and the data that they share with the callers. A mutex protects the data.
 class WireGateway::Implementation
 {
 public:
@@ -301,8 +302,8 @@ public:
 private:
     friend class WireGateway;
 
-    /// A client and, from its first forwarded message on, the server. Its thread opens and closes the descriptors and
-    /// uses them freely; other threads only touch them under the gateway's lock, and so does every change.
+    /// A connection of a client, and from the first forwarded message on, one to the server. Its thread may read the
+    /// descriptors without the lock. Every change, and every use by another thread, needs the lock of the gateway.
     struct Connection
     {
         Connection() = default;
@@ -331,7 +332,7 @@ private:
         FileDescriptor client;
         FileDescriptor server;
         Wakeup wakeup;
-        bool finished = false; // the last that its thread does under the lock
+        bool finished = false; // the last change of its thread under the lock
         std::thread thread;
     };
 
@@ -372,8 +373,8 @@ private:
         return static_cast<std::size_t>(std::count_if(m_faults.begin(), m_faults.end(), pending));
     }
 
-    /// Every fault that concerns the command counts it; the first whose turn it is happens. Another one that is due at
-    /// the same command stays due for the next.
+    /// Returns the fault that happens to this command. Every matching fault counts the command. If several faults are
+    /// due, the first one happens now and the others with the next matching commands.
     std::optional<Fault> faultFor(const RecordedCommand& command)
     {
         std::optional<Fault> chosen;
@@ -449,7 +450,7 @@ private:
             }
             else if (errno == EINVAL)
             {
-                return; // the listener was shut down
+                return; // the listening socket was shut down
             }
         }
     }
@@ -503,8 +504,8 @@ private:
         m_changed.notify_all();
     }
 
-    /// Until the client sends something. An end of the server's side ends the client's too, as if it were the server's
-    /// own.
+    /// Waits until the client sends bytes. Returns false if the server closes its connection; the connection of the
+    /// client is closed then, as without the gateway.
     bool waitForMessage(const Connection& connection) const
     {
         for (;;)
@@ -550,7 +551,7 @@ private:
                (fault ? misbehave(connection, message, *fault) : forward(connection, message));
     }
 
-    /// Waits for a condition on the gateway's state. False when the client or the gateway goes first.
+    /// Waits until condition() returns true. Returns false if the client closes its connection or the gateway stops.
     template <typename Condition>
     bool waitUntil(const Connection& connection, Condition condition,
                    std::optional<Clock::time_point> end = std::nullopt)
@@ -614,7 +615,7 @@ private:
             }
             catch (const std::runtime_error&)
             {
-                return false; // what a client sees of a server that is gone is for the test to judge
+                return false; // closes the connection of the client, as a stopped server does
             }
         }
         const auto rewritten = message.rewritten(m_rewrite);
@@ -622,9 +623,8 @@ private:
         return sendAll(connection.server.get(), bytes.data(), bytes.size());
     }
 
-    /// FerretDB answers unacknowledged writes too. The driver would take such a reply for that to its next command, so
-    /// what answers another request is left out. (MongoDB's streamed replies answer one another: there everything goes
-    /// on.)
+    /// FerretDB also replies to unacknowledged writes. The driver would use such a reply for its next command, so
+    /// replies to other requests are dropped. Not for MongoDB, because its streamed replies refer to the reply before.
     std::optional<WireMessage> receiveReply(const Connection& connection, const WireMessage& request) const
     {
         auto reply = receiveMessage(connection.server.get());
@@ -687,7 +687,7 @@ private:
         return reply && spoil(connection, message, reply->bytes(), fault);
     }
 
-    /// What is left to do when the server has carried the command out.
+    /// Applies a fault to the reply, after the server has run the command.
     bool spoil(Connection& connection, const WireMessage& message, Bytes reply, const Fault& fault)
     {
         switch (fault.m_kind)
@@ -744,9 +744,9 @@ private:
     bool m_recording = true;
     bool m_paused = false;
     bool m_stopping = false;
-    std::list<Connection> m_connections; // the end of this list waits for threads that use what is above
+    std::list<Connection> m_connections; // after the members above: its destructor waits for threads that use them
 
-    std::mutex m_acceptorMutex; // for starting and stopping; the accepting thread itself uses the other one
+    std::mutex m_acceptorMutex; // for starting and stopping the accepting thread, which itself locks m_mutex
     std::uint16_t m_port = 0;
     FileDescriptor m_reservation;
     FileDescriptor m_listener;

@@ -15,79 +15,79 @@
 
 namespace test_support {
 
-/// A named list of documents that travelled beside the body of a command (a section of kind 1).
+/// A document sequence of a command: a section of kind 1, next to the body.
 struct DocumentSequence
 {
     std::string identifier;
     std::vector<Bytes> documents;
 };
 
-/// One command exactly as the client sent it.
+/// One command as the client sent it.
 struct RecordedCommand
 {
-    std::size_t order = 0; ///< its place among all commands the gateway has received, from 0; clear() does not reset it
-    std::size_t connection = 0; ///< the connection it came on, counted from 0
-    std::string name;           ///< key of the first element: "insert", "isMaster", ...
-    std::string database;       ///< `$db`, or the part before the dot of a handshake's namespace
-    std::string target;         ///< the collection (also of a getMore) or other text the command names; may be empty
-    bool isHandshake = false;   ///< what opens a connection: isMaster, hello, saslStart, saslContinue
+    std::size_t order = 0; ///< Number of commands that the gateway received before this one. clear() does not reset it.
+    std::size_t connection = 0; ///< Number of the connection, counted from 0.
+    std::string name;           ///< Key of the first element: "insert", "isMaster" ...
+    std::string database;       ///< `$db`, or the part of a handshake's namespace before the dot.
+    std::string target;         ///< Collection, also of a getMore, or other string value of the command; may be empty.
+    bool isHandshake = false;   ///< True for isMaster, hello, saslStart and saslContinue.
     Bytes body;
     std::vector<DocumentSequence> sequences;
 
-    /// The body with every sequence appended as an array: the form in which the driver's documentation writes commands.
+    /// Returns the body with every sequence appended as an array. Documentation shows commands in this form.
     Bytes folded() const;
 
-    /// folded() as relaxed extended JSON, without what the driver adds on its own account: lsid, txnNumber and the
+    /// Returns folded() as relaxed Extended JSON, without the fields that the driver adds: lsid, txnNumber and
     /// top-level keys that begin with "$".
     std::string json() const;
 
-    /// One value of folded() by its dotted path, as json() would show it ("documents.0.name"); empty if there is none.
+    /// Returns one value of folded() at a dotted path such as "documents.0.name", in the form of json(). Empty if it
+    /// does not exist.
     std::string json(const std::string& path) const;
 };
 
-/// What is to go wrong, and with which command. A value: built from one of the kinds, narrowed by the rest.
+/// A fault to inject. A static function creates it. The member functions select the commands that it affects.
 /// @code
 /// gateway.inject(Fault::answer(R"({"ok": 0, "errmsg": "no", "code": 17})").onCommand("insert").number(2));
 /// gateway.inject(Fault::cutReply(20));
 /// @endcode
-/// Left alone a fault concerns the next command of any name that is not a handshake, once.
+/// By default, a fault affects the next command that is not a handshake, and happens once.
 class Fault
 {
 public:
-    /// The command is not forwarded; the client gets this document (extended JSON) for a reply.
+    /// Does not forward the command. The client receives this document (Extended JSON) as the reply.
     static Fault answer(const std::string& json);
     static Fault answer(Bytes document);
-    /// The command takes effect on the server, and the client gets this document for a reply.
+    /// The server runs the command, but the client receives this document as the reply.
     static Fault replaceReply(const std::string& json);
     static Fault replaceReply(Bytes document);
-    /// The connection ends; the server never sees the command.
+    /// Closes the connection. The server does not receive the command.
     static Fault dropBeforeForwarding();
-    /// The connection ends when the server has carried the command out, before a byte of the reply.
+    /// Closes the connection after the server has run the command, before the first byte of the reply.
     static Fault dropAfterForwarding();
-    /// The connection ends after the first @p bytes of the reply, whose header tells the true length.
+    /// Closes the connection after the first @p bytes of the reply. The header has the length of the whole reply.
     static Fault cutReply(std::size_t bytes);
-    /// The reply loses its last bytes, header included: a whole message of @p bytes around half a document. At
-    /// least 16.
+    /// Cuts the reply to @p bytes, at least 16, and sets the length in the header to it. The message then ends inside
+    /// its document.
     static Fault shortenReply(std::size_t bytes);
-    /// The reply keeps its header, but @p bytes take the place of what follows it; the length in the header is set
-    /// right.
+    /// Replaces all bytes after the header of the reply by @p bytes, and sets the length in the header.
     static Fault malformedReply(Bytes bytes);
-    /// These bytes, whatever they are, and nothing else.
+    /// Replaces the whole reply by these bytes.
     static Fault rawReply(Bytes bytes);
-    /// The client gets what @p change makes of the whole reply, header included. Called in a thread of the gateway's.
+    /// Calls @p change with the whole reply, header included. The call is in a thread of the gateway.
     static Fault changeReply(std::function<void(Bytes&)> change);
-    /// The reply comes that much later. The time is a real one: prefer holdReply().
+    /// Delays the reply by this time. Prefer holdReply(), which does not depend on the clock.
     static Fault delayReply(std::chrono::milliseconds time);
-    /// The reply is kept until releaseReplies() or until the client gives up.
+    /// Holds the reply until releaseReplies() is called or the client closes the connection.
     static Fault holdReply();
 
-    /// Only commands of this name; handshakes too when it is theirs.
+    /// Affects only commands with this name, also if they are handshakes.
     Fault onCommand(std::string name) &&;
-    /// Only commands that name this collection.
+    /// Affects only commands on this collection.
     Fault onTarget(std::string target) &&;
-    /// The n-th that matches, counted from 1 and from the moment of injection.
+    /// Affects the n-th matching command, counted from 1 since the injection.
     Fault number(std::size_t n) &&;
-    /// Not once, but with every further one that matches as well.
+    /// Affects every later matching command as well.
     Fault andLater() &&;
 
 private:
@@ -117,75 +117,75 @@ private:
     bool m_andLater = false;
 };
 
-/// Stands between the driver and a server: records every command, forwards it, and makes things go wrong on request.
+/// A proxy between the driver and a server. It records every command, forwards it, and injects faults.
 ///
-/// Listens on a free port of 127.0.0.1 from construction to destruction, with a thread for itself and one for each
-/// connection. Every operation may be called from any thread. A command is on record before the server sees it, so a
-/// client that has its reply finds the command in commands(). Neither TLS nor compression passes through.
+/// Listens on a free port of 127.0.0.1 from construction to destruction. It has one thread that accepts connections and
+/// one thread for each connection. Thread-safe. A command is recorded before it is forwarded, so commands() contains it
+/// when the client has the reply. Does not support TLS and compression.
 class WireGateway
 {
 public:
     enum class Rewrite
     {
-        Nothing,       ///< MongoDB: the bytes go on as they came
-        ForFerretDbV2, ///< roles and customData of user commands emptied; replies that nobody waits for left out
-        ForFerretDbV1, ///< the same, and arrays renumbered and undefined left out
+        Nothing,       ///< For MongoDB: forwards all bytes unchanged.
+        ForFerretDbV2, ///< Empties roles and customData of user commands, and drops replies to unacknowledged writes.
+        ForFerretDbV1, ///< The same. Also renumbers arrays and removes undefined values.
     };
     static constexpr std::chrono::seconds longestWait{20};
 
-    /// @param serverUri  mongodb://[user:password@]host[:port]/..., one host.
-    /// @throws std::invalid_argument  a URI of another form, or one that asks for TLS.
-    /// @throws std::system_error      no socket to be had.
+    /// @param serverUri  mongodb://[user:password@]host[:port]/... with one host
+    /// @throws std::invalid_argument  a connection string of another form, or with TLS
+    /// @throws std::system_error      no socket can be created
     WireGateway(const std::string& serverUri, Rewrite rewrite);
-    /// Ends every connection, whatever it is waiting for.
+    /// Closes every connection, also those that wait for a reply.
     ~WireGateway();
     WireGateway(const WireGateway&) = delete;
     WireGateway& operator=(const WireGateway&) = delete;
 
-    /// The server's URI with the gateway's address in it: user, password, database and options stay, except those that
-    /// cannot work here (replicaSet, compressors).
+    /// Returns the connection string of the server with the address of the gateway. User, password, database and
+    /// options stay, except replicaSet and compressors, which do not work with the gateway.
     std::string uri() const;
     std::uint16_t port() const;
-    /// Where later connections go: the server was started again on another port. The gateway's own uri() follows.
+    /// Sets the server for later connections, and for uri(). For a server that was started again on another port.
     void setServer(const std::string& serverUri);
 
-    // What was recorded.
-    /// Every command but handshakes, in the order of arrival.
+    // Recorded commands.
+    /// Returns every command except handshakes, in the order of arrival.
     std::vector<RecordedCommand> commands() const;
-    /// The commands of one name; this also reaches handshakes.
+    /// Returns the commands with this name, also if they are handshakes.
     std::vector<RecordedCommand> commands(const std::string& name) const;
-    /// The names of commands(), for a glance at the sequence.
+    /// Returns the names of commands().
     std::vector<std::string> names() const;
-    /// Forgets what was recorded.
+    /// Deletes the recorded commands.
     void clear();
-    /// Whether commands are kept at all; they are, unless told otherwise.
+    /// Turns recording on or off. It is on by default.
     void record(bool on);
 
-    // What goes wrong.
+    // Faults.
     void inject(Fault fault);
-    /// Takes back every fault, lets held replies go, resumes and accepts connections again.
+    /// Removes every fault, releases held replies, resumes, and accepts connections again.
     void clearFaults();
-    /// How many injected faults have not happened yet; one with andLater() counts until it has happened once.
+    /// Number of injected faults that have not happened yet. A fault with andLater() counts until it has happened once.
     std::size_t pendingFaults() const;
     void releaseReplies();
-    /// New connections are refused by the system, open ones stay.
+    /// Stops listening, so the system refuses new connections. Open connections stay.
     void refuseConnections();
     void acceptConnections();
-    /// Ends every open connection now.
+    /// Closes every open connection.
     void closeConnections();
-    /// Connections are made and commands taken, but nothing is forwarded or answered until resume().
+    /// Accepts connections and receives commands, but does not forward or reply until resume() is called.
     void pause();
     void resume();
 
     // Connections.
-    std::size_t acceptedConnections() const; ///< since construction
+    std::size_t acceptedConnections() const; ///< Since construction.
     std::size_t openConnections() const;
 
-    // Waiting, on a condition and not on the clock. All answer false if that took longer than @p patience.
+    // These functions wait for a condition. They return false if it takes longer than @p patience.
     bool waitForCommands(const std::string& name, std::size_t count,
                          std::chrono::milliseconds patience = longestWait) const;
     bool waitForOpenConnections(std::size_t count, std::chrono::milliseconds patience = longestWait) const;
-    bool waitForFaults(std::chrono::milliseconds patience = longestWait) const; ///< until none is pending
+    bool waitForFaults(std::chrono::milliseconds patience = longestWait) const; ///< Until pendingFaults() is 0.
     bool waitForHeldReplies(std::size_t count, std::chrono::milliseconds patience = longestWait) const;
 
 private:

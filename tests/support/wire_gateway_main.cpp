@@ -3,8 +3,8 @@
 
 // usage: wire-gateway SERVER-URI
 //
-// Prints the connection string to use and runs until standard input ends or a signal comes. In front of a FerretDB this
-// is a gateway that rewrites commands to what that server takes; any other server is used directly.
+// Prints the connection string to use, and runs until standard input ends or a signal arrives. For FerretDB it is the
+// connection string of a gateway that rewrites commands for that server. Other servers are used directly.
 #include "test_server.h"
 
 #include <pthread.h>

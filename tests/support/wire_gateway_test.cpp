@@ -44,7 +44,7 @@ void parse(OwnedBson& document, const std::string& json)
         << error.message;
 }
 
-/// A driver's client that answers with the driver's error text, empty when all went well.
+/// A client of the driver. Its functions return the driver's error message, which is empty after success.
 class Client
 {
 public:
@@ -104,7 +104,7 @@ private:
     ClientHandle m_client;
 };
 
-/// A gateway of the test's own, so that the records and faults of one test are not another's.
+/// A new gateway for each test, so that tests do not share records and faults.
 class Gateway : public testing::Test
 {
 protected:
@@ -117,8 +117,7 @@ protected:
     WireGateway gateway;
 };
 
-/// {"_id": 1, "a": [0, 1, 2]} with the keys of the array and an undefined value as callers of the library may send
-/// them.
+/// {"_id": 1, "a": [0, 1, 2]} with array keys and an undefined value as programs that use the library may send them.
 void fillWithArray(OwnedBson& document, bool outOfOrder)
 {
     bson_t array;
@@ -132,7 +131,7 @@ void fillWithArray(OwnedBson& document, bool outOfOrder)
     bson_append_array_end(document.get(), &array);
 }
 
-// --- what is recorded
+// --- recorded commands
 // ---------------------------------------------------------------------------------------------------
 
 TEST_F(Gateway, RecordsADocumentByteForByteAsTheClientSentIt)
@@ -244,7 +243,7 @@ TEST_F(Gateway, ForwardsAnUnacknowledgedWriteAndWaitsForNoReply)
 
     ASSERT_EQ(client.insert(scratch.name(), document.get(), options.get()), "");
 
-    // The same connection is good for the next command, which comes after the write.
+    // The next command on the same connection is run after the write.
     std::size_t found = 0;
     EXPECT_EQ(client.find(scratch.name(), OwnedBson().get(), found), "");
     EXPECT_EQ(found, 1U);
@@ -268,7 +267,7 @@ TEST_F(Gateway, TakesADocumentOfSixteenMegabytesAndManyThousandsOfCommands)
     gateway.clear();
     constexpr std::size_t many = 5000;
     for (std::size_t round = 0; round < many; ++round)
-        ASSERT_EQ(client.command("admin", R"({"buildInfo": 1})"), ""); // the driver itself sends pings after a pause
+        ASSERT_EQ(client.command("admin", R"({"buildInfo": 1})"), ""); // not ping, which the driver may send itself
     EXPECT_EQ(gateway.commands("buildInfo").size(), many);
 }
 
@@ -299,7 +298,7 @@ TEST_F(Gateway, ServesSeveralConnectionsAtOnce)
     EXPECT_TRUE(gateway.waitForOpenConnections(0));
 }
 
-// --- what the server gets
+// --- commands that the server receives
 // -----------------------------------------------------------------------------------------------
 
 TEST_F(Gateway, ForwardsDocumentsUntouchedUnlessItIsForFerretDbV1)
@@ -336,7 +335,7 @@ TEST_F(Gateway, RewritesFiltersUpdatesAndPipelinesToo)
     ASSERT_EQ(client.insert(scratch.name(), document.get()), "");
     EXPECT_EQ(scratch.documents("things"), Texts{R"({ "_id" : 1, "a" : [ 0, 1, 2 ] })"});
 
-    // {"a": {"$in": [1, 2]}}, the keys of the list being 5 and 3
+    // {"a": {"$in": [1, 2]}} with 5 and 3 as the keys of the array
     OwnedBson filter;
     bson_t condition;
     bson_t list;
@@ -364,7 +363,7 @@ TEST_F(Gateway, RewritesFiltersUpdatesAndPipelinesToo)
         << error.message;
     EXPECT_EQ(scratch.documents("things"), Texts{R"({ "_id" : 1, "a" : [ 9 ] })"});
 
-    // As a command: Debian 13's driver refuses its own call for aggregations.
+    // As a command, because the aggregate function of Debian 13's driver rejects every aggregation.
     OwnedBson command;
     OwnedBson match;
     bson_t cursor;
@@ -419,7 +418,7 @@ TEST_F(Gateway, IsAcceptedByTheServerWithAUserThatHasRoles)
               "");
 }
 
-/// {"ping": 1, "u": undefined, "$db": "admin"} with a checksum, which is wrong, and a sequence before the body.
+/// {"ping": 1, "u": undefined, "$db": "admin"} with a wrong checksum and a sequence before the body.
 Bytes handMadePing(bool withSequence)
 {
     OwnedBson body;
@@ -446,7 +445,7 @@ Bytes handMadePing(bool withSequence)
     return message;
 }
 
-/// Sends bytes as they are and reads one message; empty when the connection ends instead.
+/// Sends bytes and reads one message. Empty if the connection ends instead.
 Bytes rawExchange(const WireGateway& gateway, const Bytes& message)
 {
     const FileDescriptor socket = connectTo("127.0.0.1", std::to_string(gateway.port()));
@@ -498,7 +497,7 @@ TEST_F(Gateway, EndsAConnectionThatDoesNotSpeakTheProtocol)
     EXPECT_EQ(Client(gateway.uri()).ping(), "");
 }
 
-// --- what goes wrong
+// --- faults
 // ----------------------------------------------------------------------------------------------------
 
 TEST_F(Gateway, AnswersInPlaceOfTheServer)
@@ -772,7 +771,7 @@ TEST_F(Gateway, EndsWhileClientsAreConnectedAndRepliesAreHeld)
     EXPECT_EQ(idle.ping().substr(0, 7), "failed:");
 }
 
-// --- the server behind it
+// --- the server behind the gateway
 // -----------------------------------------------------------------------------------------------
 
 TEST_F(Gateway, EndsTheClientsConnectionWhenTheServerIsGoneAndFollowsItToANewAddress)

@@ -47,7 +47,7 @@ void append(Bytes& bytes, const std::uint8_t* from, std::size_t length)
     bytes.insert(bytes.end(), from, from + length);
 }
 
-/// A part of a message that is read from front to back. Every operation answers false when the part is too short.
+/// Reads a part of a message from front to back. The functions return false if there are too few bytes.
 class Reader
 {
 public:
@@ -79,7 +79,7 @@ public:
         value.assign(reinterpret_cast<const char*>(m_data), static_cast<const char*>(end));
         return skip(value.size() + 1);
     }
-    /// Something that begins with its own length: a document or a sequence.
+    /// Reads a document or a sequence. Both begin with their length.
     bool sized(std::size_t least, Reader& value)
     {
         if (m_length < 4)
@@ -98,8 +98,8 @@ private:
     std::size_t m_length;
 };
 
-/// Calls @p body with the document of every section of kind 0, @p begin with the name and @p element with each document
-/// of every sequence, in the order of the message. False when the sections are not well formed.
+/// Calls @p body with the document of each section of kind 0. For each sequence, calls @p begin with its name and
+/// @p element with each of its documents. Returns false if a section is invalid.
 template <typename Body, typename Begin, typename Element>
 bool visitSections(Reader sections, Body body, Begin begin, Element element)
 {
@@ -130,7 +130,7 @@ bool visitSections(Reader sections, Body body, Begin begin, Element element)
     return true;
 }
 
-/// The sections of an OP_MSG: what lies between the flags and the checksum.
+/// Returns the sections of an OP_MSG: the bytes between the flags and the checksum.
 std::optional<Reader> sectionsOf(const Bytes& message, std::uint32_t flags)
 {
     const std::size_t before = WireMessage::headerSize + 4;
@@ -152,7 +152,7 @@ std::string textOf(const bson_iter_t& element)
     return text ? std::string(text, length) : std::string();
 }
 
-/// Name, database and target, which all stand in the first level of the body.
+/// Sets name, database and target of the command from the first level of its body.
 bool describe(RecordedCommand& command)
 {
     bson_t view;
@@ -216,7 +216,7 @@ void appendRewritten(Bytes& output, const Reader& document, BsonRewrite rewrite,
     append(output, document.data(), document.length());
 }
 
-/// A value of kind array or document, made of whole elements.
+/// Returns a document or an array of these elements.
 Bytes enclose(const Bytes& elements)
 {
     Bytes document;
@@ -236,7 +236,7 @@ void appendElement(Bytes& elements, bson_type_t type, std::string_view key, cons
     append(elements, value, length);
 }
 
-/// The value under the iterator as it lies in the document: copied so, an array with keys out of order stays as it is.
+/// Returns the bytes of the value at the iterator. Copying these bytes does not change the keys of an array.
 Reader valueOf(const bson_iter_t& element)
 {
     const auto* key = reinterpret_cast<const std::uint8_t*>(bson_iter_key(&element));
@@ -337,7 +337,7 @@ std::optional<Bytes> WireMessage::rewritten(WireGateway::Rewrite rewrite) const
 
     Bytes output(m_bytes.begin(), m_bytes.begin() + headerSize);
     output.reserve(m_bytes.size());
-    // The checksum would have to be computed anew; it is optional, so it is left out.
+    // Leaves out the checksum, which is optional, because it would have to be computed again.
     appendInt32(output, static_cast<std::int32_t>(flagBits() & ~checksumPresent));
     bool changed = false;
     std::size_t sequenceAt = 0;
@@ -401,7 +401,7 @@ Bytes RecordedCommand::folded() const
 {
     if (sequences.empty() || body.size() < 5)
         return body;
-    // The elements of the body, without its length and closing zero.
+    // The elements of the body, without its length and its final zero byte.
     Bytes elements(body.begin() + 4, body.end() - 1);
     for (const DocumentSequence& sequence : sequences)
     {

@@ -10,30 +10,30 @@
 
 namespace test_support {
 
-/// A message of the wire protocol with its header, as it travels.
+/// A message of the wire protocol with its header, as it is sent.
 class WireMessage
 {
 public:
     static constexpr std::size_t headerSize = 16;
-    /// Well above what the protocol allows (48,000,000): a length beyond it is no message.
+    /// Messages with a greater length are invalid. The protocol allows 48,000,000 bytes.
     static constexpr std::size_t largestSize = std::size_t{256} << 20U;
 
     explicit WireMessage(Bytes bytes) : m_bytes(std::move(bytes)) {}
 
     const Bytes& bytes() const { return m_bytes; }
     bool isCompressed() const;
-    /// Whether this is the answer to that request.
+    /// True if this message is the reply to @p request.
     bool answers(const WireMessage& request) const;
-    /// Whether the sender waits for an answer; an unacknowledged write does not.
+    /// True if the sender waits for a reply. False for an unacknowledged write.
     bool expectsReply() const;
-    /// Whether the same sender goes on with another message by itself.
+    /// True if the sender will send another message without waiting for a reply.
     bool hasMoreToCome() const;
 
-    /// The command inside, its order and connection not set; nothing when the message is none or is not well formed.
+    /// Returns the command in this message, without order and connection. Empty if the message is not a valid command.
     std::optional<RecordedCommand> command() const;
-    /// The message as that server takes it, or nothing when it can go on as it is.
+    /// Returns the message that the gateway must send instead; empty if the message needs no change.
     std::optional<Bytes> rewritten(WireGateway::Rewrite rewrite) const;
-    /// A reply to this message, of the kind that it asks for.
+    /// Returns a reply to this message, with the opcode that the sender expects.
     Bytes replyWith(const Bytes& document) const;
 
 private:
@@ -43,7 +43,7 @@ private:
     Bytes m_bytes;
 };
 
-/// The whole length that the first bytes of a message announce; 0 when it is no message.
+/// Returns the length of a message from its first bytes; 0 if it is not a valid message.
 std::size_t announcedLength(const std::uint8_t* header);
 /// Sets the length in the header of a message to its size.
 void setAnnouncedLength(Bytes& message);

@@ -34,7 +34,7 @@ sockaddr_in loopback(std::uint16_t port)
     return address;
 }
 
-/// Both the reservation and the listener are bound to one port, which the system allows if both say so.
+/// Binds a socket with SO_REUSEADDR, so that the reserved socket and the listening socket can have the same port.
 FileDescriptor boundTo(std::uint16_t port)
 {
     FileDescriptor made(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
@@ -48,7 +48,7 @@ FileDescriptor boundTo(std::uint16_t port)
     return made;
 }
 
-/// Repeats a call that transfers only a part. False when it fails or the connection has ended.
+/// Repeats a call until all bytes are transferred. Returns false if it fails or the connection has ended.
 template <typename Byte, typename Call>
 bool transferAll(Byte* data, std::size_t length, Call call)
 {
@@ -164,7 +164,7 @@ Wakeup::Wakeup() : m_event(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))
 void Wakeup::wake() const
 {
     const std::uint64_t one = 1;
-    // A full counter has woken the reader already.
+    // Ignores an error: it means that the counter is full, so the reader is awake already.
     [[maybe_unused]] const ssize_t written = ::write(m_event.get(), &one, sizeof one);
 }
 

@@ -30,14 +30,15 @@ private:
     int m_descriptor = -1;
 };
 
-/// A socket bound to a free port of 127.0.0.1 that does not listen: as long as it lives the port stays ours.
+/// Returns a socket that is bound to a free port of 127.0.0.1 and does not listen. No other process gets the port while
+/// the socket is open.
 FileDescriptor reservePort(std::uint16_t& port);
-/// A socket that listens on a reserved port.
+/// Returns a socket that listens on a reserved port.
 FileDescriptor listenOn(std::uint16_t port);
-/// @throws std::runtime_error  nobody answers there.
+/// @throws std::runtime_error  the connection cannot be opened
 FileDescriptor connectTo(const std::string& host, const std::string& port);
 
-/// Both answer false when the connection ended first. Neither raises SIGPIPE.
+/// These two functions return false if the connection ends first. They do not raise SIGPIPE.
 bool receiveAll(int socket, std::uint8_t* data, std::size_t length);
 bool sendAll(int socket, const std::uint8_t* data, std::size_t length);
 
