@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// Writes through a connection that breaks in every way, at moments chosen by chance: what was acknowledged is there.
+// Writes through a connection with random faults at random times. Every acknowledged write must be stored.
 //
-// DATABASE_CLIENT_TEST_FAULTS is how many faults, DATABASE_CLIENT_TEST_SEED chooses them.
+// DATABASE_CLIENT_TEST_FAULTS is the number of faults, DATABASE_CLIENT_TEST_SEED the seed of the random numbers.
 
 #include "connection_options.h"
 #include "database_client.h"
@@ -50,8 +50,8 @@ Fault chosen(std::mt19937_64& random)
         return Fault::replaceReply(
             R"({"ok": 1, "n": 1, "writeConcernError": {"code": 64, "errmsg": "waiting for replication timed out"}})");
     case 7:
-        // Shorter than any document needs: the driver refuses it. A message that ends inside its document is read
-        // beyond its end by libmongoc 1.23, which can end the process.
+        // Too short for a document, so the driver rejects it. A longer reply that ends inside its document would make
+        // libmongoc 1.23 read beyond the end, which can end the process.
         return Fault::shortenReply(16 + random() % 4);
     default:
         return Fault::rawReply(Bytes{1, 2, 3});
@@ -92,7 +92,7 @@ TEST(AcknowledgedWrites, AreAllFoundWhateverHappensToTheConnection)
     }
     EXPECT_GE(failures, faults) << "every fault is noticed";
 
-    DataBaseClient reader; // the first client may still be in the pause after a fault
+    DataBaseClient reader; // a new client, because the driver pauses after a fault
     reader.connect(TestServer::instance().uri());
     std::list<ObjectProperties*> results;
     reader.read(database.name(), "c", ObjectProperties(), results);

@@ -1,7 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// A bulk write that fails in the middle: which results the exception has, what is stored, and what happens to the rest.
+// Bulk writes that fail in the middle: the results in the exception, the stored documents, and the remaining
+// operations.
 
 #include "connected_client.h"
 
@@ -34,8 +35,8 @@ void PrintTo(const IndexAndCode& error, std::ostream* out)
     *out << error.index << ':' << error.code;
 }
 
-/// The bulk write of all rows takes four commands: insert {_id: 1} and {_id: 2}; update {_id: 9}, as an upsert, and
-/// {_id: 1}; delete {_id: 2}; insert {_id: 3} and {_id: 4}.
+/// The bulk write is the same in all rows. It has four commands: insert {_id: 1} and {_id: 2}; update {_id: 9}, as an
+/// upsert, and {_id: 1}; delete {_id: 2}; insert {_id: 3} and {_id: 4}.
 struct BulkRow
 {
     const char* name;
@@ -43,7 +44,7 @@ struct BulkRow
     const char* command;
     std::size_t number;
     std::optional<Fault> fault;
-    // What the error tells.
+    // Expected contents of the error.
     ErrorKind kind;
     bool mayRetry;
     std::vector<IndexAndCode> errors;
@@ -51,7 +52,7 @@ struct BulkRow
     std::int64_t removed;
     std::vector<std::size_t> inserted;
     std::vector<std::size_t> upserted;
-    // The "_id" of each document that is stored then.
+    // The "_id" of each document that is stored afterwards.
     const char* stored;
 };
 
@@ -65,7 +66,7 @@ Fault refusal(int code)
     return Fault::answer(R"({"ok": 0, "errmsg": "no", "code": )" + std::to_string(code) + "}");
 }
 
-// The update of {_id: 1} is refused; the upsert before it is not, as far as the reply tells.
+// A reply that rejects the update of {_id: 1} and reports the upsert before it as done.
 Fault refusedUpdate()
 {
     return Fault::answer(R"({"ok": 1, "n": 1, "nModified": 0, "upserted": [{"index": 0, "_id": 9}],
@@ -360,7 +361,7 @@ TEST_F(ConnectedClient, UnorderedBulkWriteReportsTheIdsBesideARefusedOne)
     }
 }
 
-// The driver counts two inserts and does not say of which command.
+// The driver reports that two documents were inserted, but not by which command.
 TEST_F(ConnectedClient, UnorderedBulkWriteReportsTheIdsOfTheCommandThatWasNotRefused)
 {
     Collection collection(client(), database(), "c");
@@ -387,11 +388,11 @@ TEST_F(ConnectedClient, UnorderedBulkWriteReportsARefusalAlsoWhenItNeedsSeveralC
 {
     Collection collection(client(), database(), "c");
     Bulk many;
-    for (int id = 0; id <= 100000; ++id) // one more than a server takes in one command
+    for (int id = 0; id <= 100000; ++id) // one more than a server accepts in one command
         many.insertOne({{"_id", id}});
     Bulk large;
     const std::string text(12U << 20U, 'x');
-    for (int id = 0; id < 4; ++id) // as many bytes as a server takes in one command
+    for (int id = 0; id < 4; ++id) // more bytes than a server accepts in one command
         large.insertOne({{"_id", id}, {"text", text}});
     BulkOptions options;
     options.ordered = false;

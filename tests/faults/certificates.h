@@ -14,8 +14,8 @@
 
 namespace test_support {
 
-/// Certificates made with the openssl program, removed at the end of the block. Two authorities exist from the start:
-/// "right" signs every server certificate, "wrong" signs none.
+/// Creates certificates with the openssl program. The destructor removes them. The constructor creates two certificate
+/// authorities: "right" signs every server certificate, "wrong" signs no certificate.
 class Certificates
 {
 public:
@@ -45,7 +45,7 @@ public:
         run("req -x509 -days 2 -subj /CN=" + name + newKey(name) + " -out " + name + ".pem");
     }
 
-    /// A certificate with a serial number of its own.
+    /// Creates a certificate with a unique serial number.
     /// @param address     "IP:127.0.0.1" or "DNS:name"
     /// @param extensions  more lines of the extensions file
     void makeServer(const std::string& name, const std::string& address, const std::string& extensions = "")
@@ -59,7 +59,7 @@ public:
             name + ".ext -out " + name + ".pem");
     }
 
-    /// The authority's OCSP response for a certificate of makeServer().
+    /// Creates the OCSP response of "right" for a certificate of makeServer().
     void makeStaple(const std::string& name, bool isRevoked) const
     {
         const std::string& serial = m_serials.at(name);
@@ -86,7 +86,7 @@ private:
     }
 
     std::string m_directory;
-    std::map<std::string, std::string> m_serials; // hexadecimal
+    std::map<std::string, std::string> m_serials; // hexadecimal digits
 };
 
 } // namespace test_support

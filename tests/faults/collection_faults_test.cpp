@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// Every operation of the layer on collections when its command goes wrong: what the caller catches, what is stored
-// then, and that the same objects work afterwards.
+// Faults in every operation on collections, databases and files: the exception, the stored data, and whether the same
+// objects work afterwards.
 
 #include "connected_client.h"
 
@@ -26,16 +26,16 @@ using dbc::FileStore;
 using dbc::ServerError;
 using dbc::Value;
 
-/// What a function of the driver passes on of the reply with an error, besides text and code.
+/// The fields of an error reply that a function of the driver passes on, in addition to message and code.
 enum class PassesOn
 {
     Nothing,
     Labels,
-    All ///< also the name of the code
+    All ///< The labels and the name of the code.
 };
 
-/// The objects that an operation runs on, with names of their own: a collection of {_id: 1, a: 5}, {_id: 2, a: 7} with
-/// the index "old", and a store with the file "f", whose "_id" is 1.
+/// The objects that an operation uses, with unique names: a collection of {_id: 1, a: 5} and {_id: 2, a: 7} with the
+/// index "old", and a file store with the file "f", whose "_id" is 1.
 struct Subject
 {
     Subject(DataBaseClient& client, const std::string& databaseName, const std::string& name)
@@ -60,10 +60,10 @@ struct Subject
 struct OperationRow
 {
     const char* name;
-    const char* command; ///< whose fault it is
+    const char* command; ///< The command that the fault affects.
     const char* message;
     void (*run)(Subject&);
-    /// Whether the operation took effect; null for one that only reads.
+    /// Returns true if the operation took effect. Null for operations that only read.
     bool (*isDone)(Subject&);
     PassesOn reply = PassesOn::All;
 };
@@ -226,14 +226,14 @@ class CollectionFault : public ConnectedClient, public testing::WithParamInterfa
 public:
     ~CollectionFault() override { gateway().clearFaults(); }
 
-    /// Runs the operation of this row on objects of their own and hands the error that comes out to @p check.
+    /// Runs the operation of this row on new objects, and calls @p check with the error.
     void expectError(const char* trace, Fault fault, bool reachesServer,
                      const std::function<void(const ServerError&)>& check)
     {
         SCOPED_TRACE(trace);
         const OperationRow& row = GetParam();
         Subject subject(client(), database(), "c" + std::to_string(m_subjects++));
-        // As long as the driver tries: it repeats reads by itself.
+        // Affects later commands too, because the driver retries reads itself.
         gateway().inject(std::move(fault).onCommand(row.command).andLater());
         try
         {

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// A server that ends in the middle of an operation on collections or files, and starts again.
+// Operations on collections and files while the server stops and starts again.
 
 #include "connection_options.h"
 #include "dbc/collection.h"
@@ -29,7 +29,7 @@ using test_support::Fault;
 using test_support::ServerProcess;
 using test_support::WireGateway;
 
-// The driver waits for its pauses to pass instead of refusing at once.
+// With these options the driver waits until its pause after an error is over. By default it fails at once.
 const std::string options = "serverSelectionTimeoutMS=20000&connectTimeoutMS=2000&serverSelectionTryOnce=false";
 
 constexpr std::uint32_t chunkSize = 1U << 20U;
@@ -39,7 +39,7 @@ std::string largeContent()
     return std::string(4 * std::size_t{chunkSize}, 'x') + "the end";
 }
 
-/// A collection of {_id: 1} to {_id: 10}, and a store with the file "stored".
+/// A collection of {_id: 1} to {_id: 10}, and a file store with the file "stored".
 struct Subject
 {
     explicit Subject(DataBaseClient& client) : collection(client, "restart", "c"), store(client, "restart")
@@ -65,14 +65,14 @@ struct Subject
     std::ostringstream downloaded;
 };
 
-/// An operation whose reply is held while the server ends.
+/// An operation whose reply the gateway holds while the server stops.
 struct OperationRow
 {
     const char* name;
     const char* command;
     std::size_t number;
     void (*run)(Subject&);
-    /// Looks at the error and at what is stored when the server is back.
+    /// Checks the error, and the stored data after the restart.
     void (*check)(Subject&, const dbc::ServerError&);
 };
 
@@ -138,7 +138,7 @@ protected:
     {
         if (!ServerProcess::available())
             GTEST_SKIP() << "the server given by MONGODB_URI cannot be stopped";
-        test_support::TestServer::instance(); // the driver is initialised before there are threads
+        test_support::TestServer::instance(); // initializes the driver before there are threads
         m_server = std::make_unique<ServerProcess>();
     }
 
@@ -174,7 +174,7 @@ TEST_P(CollectionRestart, IsANetworkErrorAndTheSameObjectsWorkAgain)
     m_server->stop();
     gateway.closeConnections();
     m_server->start();
-    operation.join(); // a failed upload waits for the server to remove what it has written
+    operation.join(); // after the restart, because a failed upload needs the server to remove its chunks
 
     ASSERT_TRUE(error || bulkError) << "nothing was thrown";
     const dbc::ServerError& thrown = bulkError ? *bulkError : *error;

@@ -8,8 +8,8 @@
 namespace {
 
 long live = 0;
-std::size_t untilFailure = 0;      // 0 is none
-std::size_t untilBrokenResult = 0; // 0 is none
+std::size_t untilFailure = 0;      // 0: no call fails
+std::size_t untilBrokenResult = 0; // 0: no result is broken
 
 bool failsNow()
 {
@@ -65,7 +65,7 @@ BrokenResult::~BrokenResult()
 
 } // namespace counted_driver
 
-// The result of the function without a failure, counted.
+// Defines a function that never fails, and counts the object that it returns.
 #define COUNTED(result, name, parameters, arguments) \
     extern "C" result* __real_##name parameters;     \
     extern "C" result* __wrap_##name parameters      \
@@ -73,7 +73,7 @@ BrokenResult::~BrokenResult()
         return counted(__real_##name arguments);     \
     }
 
-// The same; on failure null, and the record filled by the statement.
+// The same for a function that can fail: runs onFailure, which sets the error, and returns null.
 #define COUNTED_OR_FAILING(result, name, parameters, arguments, onFailure) \
     extern "C" result* __real_##name parameters;                           \
     extern "C" result* __wrap_##name parameters                            \
@@ -101,7 +101,7 @@ BrokenResult::~BrokenResult()
         return failsNow() ? (failure) : __real_##name arguments; \
     }
 
-// A question for an error, which fails by having one.
+// Defines a function that returns whether there is an error. It "fails" by returning true with an error.
 #define ASKED(name, type)                                                \
     extern "C" bool __real_##name(type object, bson_error_t* error);     \
     extern "C" bool __wrap_##name(type object, bson_error_t* error)      \
@@ -148,7 +148,7 @@ extern "C" bool __wrap_mongoc_cursor_next(mongoc_cursor_t* cursor, const bson_t*
     return given;
 }
 
-// The driver's own library calls it too, and the linker wants a name that such a library could see.
+// Exported, because the linker requires it: the driver's library calls this function too.
 extern "C" [[gnu::visibility("default")]] bool __wrap_bson_concat(bson_t* target, const bson_t* source);
 FAILING(bool, bson_concat, (bson_t * target, const bson_t* source), (target, source), false)
 
@@ -165,7 +165,7 @@ FAILING(bool, mongoc_collection_remove,
          const mongoc_write_concern_t* concern, bson_error_t* error),
         (collection, flags, selector, concern, error), fill(error))
 
-// What an aggregation takes with Debian 13's driver. A command fails with an empty reply.
+// Functions that an aggregation calls with Debian 13's driver. A failed command has an empty reply.
 COUNTED_OR_FAILING(mongoc_server_description_t, mongoc_client_select_server,
                    (mongoc_client_t * client, bool forWrites, const mongoc_read_prefs_t* prefs, bson_error_t* error),
                    (client, forWrites, prefs, error), fill(error))

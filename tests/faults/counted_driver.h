@@ -5,15 +5,15 @@
 
 #include <cstddef>
 
-/// The driver with its objects counted, and one call made to fail. The linker puts these functions in the place of the
-/// driver's own (`--wrap`), in the library's objects and in the test alike.
+/// Counts the objects of the driver, and makes one call of it fail. The linker replaces functions of the driver by
+/// those of this file (`--wrap`), in the library's object files and in the test.
 namespace counted_driver {
 
-/// Objects of the driver that were made and not destroyed, clients included.
+/// Number of objects of the driver that were created and not destroyed, clients included.
 long liveObjects();
 
-/// While this object lives, the n-th call that can fail, counted from 1, does so: with no object, or with an error
-/// record of the text "injected" and the code 7, as the driver does it.
+/// While an object exists, the n-th call that can fail, counted from 1, fails as in the driver. It returns null, or
+/// sets an error with the message "injected" and the code 7.
 class FailingCall
 {
 public:
@@ -22,12 +22,11 @@ public:
     FailingCall(const FailingCall&) = delete;
     FailingCall& operator=(const FailingCall&) = delete;
 
-    /// Whether that call was reached.
+    /// True if the n-th call was reached.
     bool happened() const;
 };
 
-/// While this object lives, the n-th result of a query, counted from 1, has no bytes, not even those of an empty
-/// document.
+/// While an object exists, the n-th result of a query, counted from 1, is invalid: a bson_t without bytes.
 class BrokenResult
 {
 public:

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// Every call of the driver fails in turn, and every allocation: the exception arrives, no object of the driver is left,
-// and the same client works again.
+// Every call of the driver and every allocation fails, one per run. The operation throws, no object of the driver
+// leaks, and the same client works afterwards.
 
 #include "allocation_failure.h"
 #include "connected_client.h"
@@ -21,7 +21,7 @@
 namespace test_support {
 namespace {
 
-// A stream that allocates would swallow its own failure.
+// Does not allocate, because streams do not pass on std::bad_alloc.
 class DiscardingBuffer : public std::streambuf
 {
 protected:
@@ -31,7 +31,7 @@ protected:
 struct OperationRow
 {
     const char* name;
-    std::set<std::string> messages; ///< one of which begins the text of every failure
+    std::set<std::string> messages; ///< The expected texts of the exceptions.
     std::function<void(DataBaseClient&, const std::string& database, const std::string& source)> run;
 };
 
@@ -172,7 +172,7 @@ private:
 
 TEST_P(DriverFailure, OfAnyCallThrowsAndLeaksNothing)
 {
-    // Connections and the objects of the test itself: what must be there again after each failure.
+    // The connections and the objects of the test itself. The number must be the same after each failure.
     const long before = counted_driver::liveObjects();
     const bool connects = std::string(GetParam().name) == "Connect";
     std::size_t number = 1;
@@ -220,7 +220,7 @@ public:
             scratch().insert("c", R"({"_id": )" + std::to_string(index) + "}");
     }
 
-    // The second result is no document: the first stays, the third is not asked for.
+    // The second result is invalid: the first one stays in the list, and the third one is not fetched.
     template <typename Call>
     void expectOneResult(Call call)
     {

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// Connections behave as with the plain driver: each test does the same with a client of the library and with one of the
-// driver alone, in the same run, and compares the outcomes. An operation that hangs is ended by ctest's TIMEOUT.
+// Connections behave as with the plain driver. Each test does the same with a client of the library and with a client
+// of the driver, and compares the results. The TIMEOUT of ctest ends operations that hang.
 
 #include "certificates.h"
 #include "connection_options.h"
@@ -43,7 +43,7 @@ class OurClient
 public:
     explicit OurClient(const std::string& uri) { m_client.connect(uri); }
 
-    // Empty if the server replies, else the text of the exception.
+    // Returns the text of the exception; empty if the server replies.
     std::string find()
     {
         dbc::Results results;
@@ -67,13 +67,13 @@ class PlainClient
 public:
     explicit PlainClient(const std::string& uri)
     {
-        mongoc_init(); // from 1.30 on nothing else does it
+        mongoc_init(); // libmongoc 1.30 and later do not call it themselves
         m_client.reset(mongoc_client_new(uri.c_str()));
         if (!m_client)
             throw std::runtime_error("the driver refuses " + uri);
     }
 
-    // As OurClient::find, with the text that the library makes of the driver's error.
+    // The same as OurClient::find(). Formats the driver's error as the library does.
     std::string find()
     {
         const CollectionHandle collection(mongoc_client_get_collection(m_client.get(), "parity", "c"));
@@ -114,7 +114,7 @@ std::size_t greetingsOf(const WireGateway& gateway)
     return gateway.commands("isMaster").size() + gateway.commands("hello").size();
 }
 
-// Keeps a client busy until its driver looks at the servers again, which it does once the heartbeat is due.
+// Returns when a heartbeat interval is over: uses another client until its driver checks the servers again.
 void passAHeartbeat()
 {
     WireGateway gateway(TestServer::instance().directUri(), WireGateway::Rewrite::Nothing);
@@ -125,7 +125,7 @@ void passAHeartbeat()
         client.find();
 }
 
-// A server that ends while both clients are idle, the heartbeat being due.
+// The server stops while both clients are idle. Their next operation checks it first, because a heartbeat is due.
 Outcomes findsAfterTheLossOfTheServer(const std::string& host)
 {
     WireGateway gateway(TestServer::instance().directUri(), WireGateway::Rewrite::Nothing);
@@ -148,7 +148,7 @@ enum class Seeds
     AllMembers
 };
 
-// Finds in a replica set that has two members: the test server, as the primary, and one that does not answer.
+// Runs queries in a replica set of two members: the test server as the primary, and a member that refuses connections.
 Outcomes findsInASetWithADeadMember(const std::string& deadHost, Seeds seeds = Seeds::Primary)
 {
     WireGateway gateway(TestServer::instance().directUri(), WireGateway::Rewrite::Nothing);
@@ -192,12 +192,12 @@ std::size_t countAddresses(const char* host)
     return count;
 }
 
-// Gives this thread a hosts file in which the name twoAddresses has the addresses ::1 and 127.0.0.1.
-// Call it before the first use of TestServer: a process with several threads may not enter a user namespace.
-// Returns why this machine does not permit it; empty if it does.
+// Mounts a hosts file, for this thread only, in which the name twoAddresses has the addresses ::1 and 127.0.0.1.
+// Call it before the first use of TestServer: a process with several threads must not enter a user namespace.
+// Returns the error if this machine does not permit it; otherwise an empty string.
 std::string mountHosts()
 {
-    if (countAddresses(twoAddresses) == 2) // an earlier test of this process did it
+    if (countAddresses(twoAddresses) == 2) // mounted by an earlier test of this process
         return "";
     const auto failed = [](const std::string& what) { return what + ": " + std::strerror(errno); };
     std::string path = "/tmp/database_client-hosts.XXXXXX";
@@ -215,7 +215,7 @@ std::string mountHosts()
         refusal = failed("no hosts file of the test's own: mount");
     else if (const std::size_t count = countAddresses(twoAddresses); count != 2)
         refusal = std::string(twoAddresses) + " has " + std::to_string(count) + " addresses";
-    unlink(path.c_str()); // the mount keeps the file
+    unlink(path.c_str()); // the file exists until it is unmounted
     return refusal;
 }
 
@@ -251,7 +251,7 @@ TEST(DriverParity, SetWithADeadMemberOfTwoAddressesServes)
     EXPECT_EQ(outcomes.plain, "");
 }
 
-// libmongoc 1.23 hangs if a set names a member without an address and the connection string does not.
+// libmongoc 1.23 hangs if a replica set lists a member that cannot be resolved and is not in the connection string.
 TEST(DriverParity, SetWithAMemberThatCannotBeResolvedServes)
 {
     if (!mongoc_check_version(1, 30, 0))
@@ -271,7 +271,7 @@ TEST(DriverParity, SetWithAMemberThatCannotBeResolvedServesIfTheConnectionString
 TEST(DriverParity, CompressionIsOfferedToTheServer)
 {
     WireGateway& gateway = TestServer::instance().gateway();
-    // Nothing after the greeting: the gateway cannot read compressed messages.
+    // Drops the connection at the handshake, because the gateway cannot read compressed messages.
     for (const char* const greeting : {"isMaster", "hello"})
         gateway.inject(Fault::dropBeforeForwarding().onCommand(greeting).andLater());
     const std::string uri = withOptions(gateway.uri(), "compressors=zlib");
@@ -304,9 +304,9 @@ TEST(DriverParity, SilentTlsPeerTakesNoProcessorTime)
 {
     std::uint16_t port = 0;
     const FileDescriptor reservation = reservePort(port);
-    const FileDescriptor listener = listenOn(port); // connections are made, nothing is read or sent
+    const FileDescriptor listener = listenOn(port); // accepts connections, but never reads or sends
     const std::string uri = "mongodb://127.0.0.1:" + std::to_string(port) + "/?tls=true&connectTimeoutMS=";
-    firstFind<PlainClient>(uri + "1"); // what TLS does once in a process
+    firstFind<PlainClient>(uri + "1"); // initializes TLS, which happens once in a process
 
     const std::int64_t begin = processorMicroseconds();
     const std::string plain = firstFind<PlainClient>(uri + "2000");
@@ -319,7 +319,7 @@ TEST(DriverParity, SilentTlsPeerTakesNoProcessorTime)
     EXPECT_LT(end - middle, middle - begin + 300000) << "a loop without a wait would take 2 s";
 }
 
-/// `openssl s_server`: speaks TLS, and replies nothing to what the client sends through it.
+/// Runs `openssl s_server`: a TLS server that does not reply to commands.
 class TlsPeer
 {
 public:
@@ -364,7 +364,7 @@ public:
         return "mongodb://127.0.0.1:" + std::to_string(m_port) + "/?connectTimeoutMS=1000&" + options;
     }
 
-    /// Ends it. @return whether a greeting came through, so that the client took the certificate
+    /// Ends the server. @return true if it received a handshake command, so the client has accepted the certificate
     bool wasGreeted()
     {
         end();
@@ -408,7 +408,7 @@ protected:
         certificates = std::make_unique<Certificates>();
         certificates->makeServer("here", "IP:127.0.0.1");
         certificates->makeServer("elsewhere", "DNS:elsewhere.example");
-        // The driver remembers OCSP responses for the whole process: one certificate, one response.
+        // One certificate for each response, because the driver caches OCSP responses for the whole process.
         certificates->makeServer("good", "IP:127.0.0.1");
         certificates->makeStaple("good", false);
         certificates->makeServer("revoked", "IP:127.0.0.1");

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// Uploads and downloads that go wrong at each of their commands: no file is half visible, the error tells what
-// happened, and the same store works afterwards.
+// Faults at each command of an upload and a download: no incomplete file is visible, the error has the reason, and the
+// same store works afterwards.
 
 #include "connected_client.h"
 
@@ -24,7 +24,7 @@ using dbc::ServerError;
 
 constexpr std::uint32_t chunkSize = 1U << 20U;
 
-/// Five chunks, the last one not full: two commands store them, and two replies return them.
+/// Returns the content for five chunks, the last one not full. Two commands store them, and two replies contain them.
 std::string largeContent()
 {
     std::string content;
@@ -76,7 +76,7 @@ struct CommandRow
 {
     const char* name;
     const char* command;
-    const char* target; ///< the collection, behind the prefix of the store
+    const char* target; ///< The collection without the prefix of the store.
     std::size_t number;
 };
 
@@ -90,7 +90,8 @@ class FileStoreFault : public ConnectedClient, public testing::WithParamInterfac
 public:
     ~FileStoreFault() override { gateway().clearFaults(); }
 
-    /// Breaks this row's command, repetitions by the driver included, and expects @p call to throw a ServerError.
+    /// Injects the fault into the command of this row and into retries of the driver. Expects that @p call throws a
+    /// ServerError.
     template <typename Call>
     void expectError(const std::string& prefix, const BreakRow& row, const char* message, Call call)
     {
@@ -141,7 +142,7 @@ TEST_P(UploadFault, StoresNothingAndTheSameStoreAcceptsTheFileAfterwards)
     for (const BreakRow& row : breaks)
     {
         SCOPED_TRACE(row.name);
-        const std::string prefix = "fs" + std::to_string(number++); // each time without indexes
+        const std::string prefix = "fs" + std::to_string(number++); // a new store, which has no indexes yet
         FileStore store(client(), database(), prefix);
 
         expectError(prefix, row, "Upload failed", [&] { upload(store, content); });
@@ -201,7 +202,7 @@ TEST_P(DownloadFault, SetsBadbitOfTheReaderWhichReadsOnAfterwards)
             reader->read(read.data(), static_cast<std::streamsize>(read.size()));
         });
         if (!reader)
-            continue; // the record was not read
+            continue; // open() has failed to read the file document
 
         EXPECT_TRUE(reader->bad());
         reader->clear();
@@ -218,7 +219,7 @@ INSTANTIATE_TEST_SUITE_P(Commands, DownloadFault,
                                          CommandRow{"LaterChunks", "getMore", ".chunks", 1}),
                          RowName());
 
-/// The store when also the removal of what was written is refused.
+/// Failed uploads whose chunks cannot be removed either.
 class FailedCleanUp : public ConnectedClient
 {
 public:

@@ -1,10 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// Documents and names of any shape, given to every operation of a client with a real driver and server. Whatever they
-// are, the operation returns or throws one of its two exceptions: the process never ends.
+// Calls every operation of a client with random documents and names, with a real driver and server. Each operation must
+// return or throw one of its two exceptions. The process must never end.
 //
-// DATABASE_CLIENT_TEST_ROUNDS is how many are tried, DATABASE_CLIENT_TEST_SEED where to start.
+// DATABASE_CLIENT_TEST_ROUNDS is the number of rounds, DATABASE_CLIENT_TEST_SEED the seed of the random numbers.
 
 #include "database_client.h"
 #include "environment_number.h"
@@ -43,7 +43,7 @@ public:
         return texts[number(Size)];
     }
 
-    // What the driver or a server reads something into, among names that mean nothing.
+    // Returns a key that has a meaning for the driver or the server, or an ordinary key.
     std::string key()
     {
         static const std::array<const char*, 40> keys{"$query",
@@ -120,7 +120,7 @@ public:
         case 8:
             return document.setValueRegex(name, "(", "zz");
         case 9:
-            document.valueAsString(name, ""); // leaves an undefined value
+            document.valueAsString(name, ""); // adds an undefined value
             return;
         case 10:
             document.beginArray(name);
@@ -141,7 +141,7 @@ public:
         return result;
     }
 
-    // Names with characters that some part of the system cuts, refuses or counts.
+    // Returns a name that some part of the system may cut or reject, or @p usual.
     std::string name(const std::string& usual)
     {
         switch (number(16))

@@ -16,9 +16,9 @@ namespace {
 struct OperationRow
 {
     const char* name;
-    const char* command; ///< whose fault it is
+    const char* command; ///< The command that the fault affects.
     const char* message;
-    bool retried; ///< the driver asks once more by itself after a lost connection
+    bool retried; ///< The driver retries the command once after a lost connection.
     std::function<void(DataBaseClient&, const std::string& database)> run;
 };
 
@@ -104,10 +104,11 @@ public:
         return text.rfind(std::string("runtime_error: ") + GetParam().message + ": ", 0) == 0;
     }
 
-    /// Lasts as long as the driver tries: reads are asked again by the driver itself.
+    /// Injects a fault that also affects later commands, because the driver retries reads itself.
     void inject(Fault fault) { gateway().inject(std::move(fault).onCommand(GetParam().command).andLater()); }
 
-    /// The same client works again. The driver pauses half a second before it connects anew.
+    /// Expects that the same client works again. Tries several times, because the driver pauses for half a second
+    /// before it connects again.
     void expectRecovery()
     {
         gateway().clearFaults();
@@ -281,7 +282,8 @@ TEST(ServerFault, OfARestartIsReportedAndTheClientRecovers)
     ServerProcess server;
     WireGateway gateway(server.uri(), server.rewrite());
     DataBaseClient client;
-    // The driver waits for its pauses to pass, 5 s after a failed scan, instead of refusing at once.
+    // With these options the driver waits until its pause is over, 5 s after a failed scan. By default it fails at
+    // once.
     client.connect(withOptions(gateway.uri(), "serverSelectionTryOnce=false&serverSelectionTimeoutMS=20000"));
     std::string id;
     client.write("restart", "c", ObjectProperties(), id);
@@ -292,7 +294,7 @@ TEST(ServerFault, OfARestartIsReportedAndTheClientRecovers)
 
     dbc::Results results;
     std::string text;
-    for (int attempt = 0; attempt < 10; ++attempt) // the first ones may meet connections of the old server
+    for (int attempt = 0; attempt < 10; ++attempt) // the first ones may use connections to the old server
     {
         text = thrownText([&] { client.read("restart", "c", ObjectProperties(), results); });
         if (text.empty())

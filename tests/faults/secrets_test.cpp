@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// Passwords: where they must not appear, and how those with reserved characters reach the server.
+// Passwords must not appear in messages, and passwords with reserved characters must work.
 
 #include "database_client.h"
 #include "object_properties.h"
@@ -19,10 +19,10 @@ namespace {
 
 using test_support::TestServer;
 
-// Part of every password here, so that a piece of one is noticed as well.
+// A part of every password in this file, so that the tests also find a part of a password.
 const std::string secret = "tell-nobody";
 
-// Everything that a call writes to standard output and standard error, and the text of its exception.
+// Returns the text of the exception of a call, and everything that it writes to standard output and standard error.
 template <typename Call>
 std::string everythingSaid(Call call)
 {
@@ -40,7 +40,7 @@ std::string everythingSaid(Call call)
     return said + testing::internal::GetCapturedStdout() + testing::internal::GetCapturedStderr();
 }
 
-// Every character that is not plain as %XX: what a caller does before a text goes into a connection string.
+// Percent-encodes a string, as a caller must do before it is put into a connection string.
 std::string escaped(const std::string& text)
 {
     static const char* const digits = "0123456789ABCDEF";
@@ -56,7 +56,7 @@ std::string escaped(const std::string& text)
     return result;
 }
 
-// Host and port of the gateway before the server that wants authentication.
+// Returns host and port of the gateway to the server with authentication.
 std::string authHost()
 {
     return "127.0.0.1:" + std::to_string(TestServer::instance().authGateway().port());
@@ -132,7 +132,7 @@ TEST(ReservedCharacters, OfAPasswordReachTheServerWhenTheyAreEscaped)
     });
     EXPECT_EQ(said.find("uthentication"), std::string::npos) << said;
 
-    // Different at its beginning: libmongoc 1.30 reuses a login of this process if only later characters differ.
+    // The password differs at its start: libmongoc 1.30 reuses a login of this process if only later characters differ.
     DataBaseClient refused;
     refused.connect("mongodb://" + escaped(user) + ":x" + escaped(password) + "@" + authHost() + "/?authSource=admin");
     const auto refusal = everythingSaid([&] { refused.write("secrets", "c", none); });
@@ -148,7 +148,7 @@ TEST(ReservedCharacters, OfADatabaseNameAreReadBackWhenTheyAreEscaped)
     std::string name;
     client.getDatabaseName(name);
     EXPECT_EQ(name, "a?b#c%");
-    // As they are, what follows is read as something else.
+    // Without escaping, these characters have a meaning in a connection string.
     EXPECT_THROW(client.connect("a?b", "h", 1, "", ""), std::runtime_error);
     EXPECT_THROW(client.connect("a%b", "h", 1, "", ""), std::runtime_error);
     client.connect("a?appname=b", "h", 1, "", "");

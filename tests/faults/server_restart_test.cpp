@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// A server that is ended and started again while clients work with it.
+// Stops a server and starts it again while clients use it.
 
 #include "connection_options.h"
 #include "database_client.h"
@@ -27,10 +27,10 @@ using test_support::ServerProcess;
 using test_support::WireGateway;
 using test_support::withOptions;
 
-// Limits that a test can wait for.
+// Timeouts that are short enough for a test.
 const std::string limits = "serverSelectionTimeoutMS=20000&connectTimeoutMS=2000&socketTimeoutMS=60000";
-// The driver waits for its pauses to pass, half a second after a lost connection and 5 s after a failed scan, instead
-// of refusing at once.
+// With this option the driver waits until its pause is over, half a second after a lost connection and 5 s after a
+// failed scan. By default it fails at once.
 const std::string untilThePauseIsOver = "serverSelectionTryOnce=false";
 
 std::set<std::string> idsOf(DataBaseClient& client, const std::string& collection)
@@ -46,7 +46,7 @@ std::set<std::string> idsOf(DataBaseClient& client, const std::string& collectio
     return ids;
 }
 
-/// Writes without end, in a thread of its own, and keeps what write() promised.
+/// Writes documents in a separate thread until end() is called. Stores the ids of acknowledged writes and the errors.
 class Writer
 {
 public:
@@ -79,7 +79,7 @@ public:
         m_changed.wait(lock, [&] { return m_failures.size() >= wanted; });
     }
 
-    // After end().
+    // Call these after end().
     const std::vector<std::string>& acknowledged() const { return m_acknowledged; }
     const std::vector<std::string>& failures() const { return m_failures; }
 
@@ -117,7 +117,7 @@ private:
     std::vector<std::string> m_acknowledged;
     std::vector<std::string> m_failures;
     bool m_ended = false;
-    std::thread m_thread; // last: it uses the others
+    std::thread m_thread; // last, because it uses the other members
 };
 
 class ServerRestart : public testing::Test
@@ -127,7 +127,7 @@ protected:
     {
         if (!ServerProcess::available())
             GTEST_SKIP() << "the server given by MONGODB_URI cannot be stopped";
-        DataBaseClient::instance(); // the driver is initialised before there are threads
+        DataBaseClient::instance(); // initializes the driver before there are threads
         m_server = std::make_unique<ServerProcess>();
     }
 
@@ -154,7 +154,7 @@ TEST_F(ServerRestart, LosesNoWriteThatWasAcknowledgedAndTheSameClientWorksAgain)
     const auto stored = idsOf(client, "c");
     for (const auto& id : writer.acknowledged())
         EXPECT_EQ(stored.count(id), 1U) << id << " was acknowledged and is lost";
-    // What was not acknowledged may have been stored all the same: one write for each failure, no more.
+    // A failed write may have been stored, so at most one more document for each failure.
     EXPECT_LE(stored.size(), writer.acknowledged().size() + writer.failures().size());
 }
 
@@ -163,7 +163,7 @@ TEST_F(ServerRestart, KeepsTheResultsDeliveredBeforeAndTheNextReadDeliversAll)
     WireGateway gateway(m_server->uri(), m_server->rewrite());
     DataBaseClient client;
     client.connect(withOptions(gateway.uri(), limits + "&" + untilThePauseIsOver));
-    constexpr std::size_t count = 300; // more than a first batch
+    constexpr std::size_t count = 300; // more documents than in the first batch
     for (std::size_t i = 0; i < count; ++i)
         client.write("restart", "c", ObjectProperties());
 
@@ -233,7 +233,7 @@ TEST_F(ServerRestart, MakesEveryOperationThrowItsOwnExceptionWhileTheServerIsDow
     EXPECT_TRUE(client.isConnected());
 }
 
-// No clock is read: the server never answers, so only the limit of the connection string can end the operation.
+// Measures no time: the server never replies, so only the socket timeout can end the operation.
 TEST_F(ServerRestart, EndsAnOperationAtTheSocketTimeoutIfTheServerNeverReplies)
 {
     WireGateway gateway(m_server->uri(), m_server->rewrite());

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// TLS: the right and the wrong authority, the wrong name, and no TLS where it is wanted.
+// TLS with the right and the wrong certificate authority, with a wrong host name, and a client without TLS.
 
 #include "certificates.h"
 #include "connection_options.h"
@@ -40,7 +40,7 @@ protected:
             GTEST_SKIP() << "the server given by MONGODB_URI cannot be started with TLS";
     }
 
-    // What becomes of a write: nothing, or the text of the exception.
+    // Writes a document. Returns the text of the exception; empty after success.
     static std::string writeThrough(const std::string& uri)
     {
         DataBaseClient client;
