@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// The client when memory runs out. What the driver itself takes from malloc is not made to fail: it ends the process
-// then, by its own design.
+// The client if memory runs out. Calls of malloc by the driver do not fail here, because the driver then ends the
+// process.
 
 #include "allocation_failure.h"
 #include "database_client.h"
@@ -38,7 +38,7 @@ DataBaseClient& connectedUserClient()
     return client;
 }
 
-// The way of a failure has allocations too: its text.
+// Runs a call that fails, because creating the exception also allocates.
 template <typename Call>
 void expectFailure(Call call)
 {
@@ -65,7 +65,7 @@ const std::string& database()
 
 const std::string collection = "a collection whose name is long enough";
 
-// The users of this test. Made before allocations are counted.
+// The users of this test. Created before allocations are counted.
 struct Users
 {
     ScratchDatabase scratch{TestServer::instance().directAuthUri()};
@@ -116,7 +116,7 @@ class ClientOperationWithoutMemory : public testing::TestWithParam<test_support:
 protected:
     static void SetUpTestSuite()
     {
-        // What is made once, before blocks are counted.
+        // Allocates everything that is allocated only once, before blocks are counted.
         Setting setting;
         for (int i = 0; i < 3; ++i)
             setting.client.write(database(), collection, setting.document);
@@ -220,7 +220,7 @@ const test_support::AllocatingOperation<Setting> operations[] = {
      [](Setting& s) {
          expectFailure([&s] { s.userClient.addUser(users().database, users().unknown, "", s.none, s.none); });
      }},
-    // FerretDB refuses a change of nothing.
+    // Fails with FerretDB, which rejects an update without a change.
     {"updateUser",
      [](Setting& s) {
          expectFailure([&s] { s.userClient.updateUser(users().database, users().changed, s.none, s.none); });

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// Operations on collections, databases and files when memory runs out. What the driver itself takes from malloc is not
-// made to fail: it ends the process then, by its own design.
+// Operations on collections, databases and files if memory runs out. Calls of malloc by the driver do not fail here,
+// because the driver then ends the process.
 
 #include "allocation_failure.h"
 #include "dbc/collection.h"
@@ -30,7 +30,7 @@ const std::string longText = "a text that is too long for the small buffer of a 
 
 ;
 
-// The way of a failure has allocations too: its text and its details.
+// Runs a call that fails, because creating the exception also allocates.
 template <typename Call>
 void expectFailure(Call call)
 {
@@ -46,7 +46,7 @@ const std::string collectionName = "a collection whose name is long enough";
 const Value newId("another id that is too long for the small buffer of a string");
 const Value storedId("an id that is too long for the small buffer of a string");
 
-/// Made before allocations fail.
+/// The objects of a test. Created before allocations fail.
 struct Setting
 {
     Setting()
@@ -76,7 +76,7 @@ struct Setting
         EXPECT_NO_THROW(EXPECT_EQ(collection.findOne({{"kept", true}})->at("kept"), Value(true)));
         EXPECT_NO_THROW(EXPECT_EQ(store.list({{"_id", storedId}}).size(), 1U));
         EXPECT_NO_THROW(collection.removeMany({{"text", longText}}));
-        // A failed upload leaves nothing, another one a whole file.
+        // A failed upload leaves no chunks, a successful upload a complete file.
         const std::size_t files = store.list({{"_id", newId}}).size();
         Collection chunks = database.collection("fs.chunks");
         EXPECT_EQ(chunks.count({{"files_id", newId}}), files == 0 ? 0 : 3);
@@ -105,7 +105,7 @@ class CollectionOperationWithoutMemory : public testing::TestWithParam<test_supp
 protected:
     static void SetUpTestSuite()
     {
-        // What is made once, before blocks are counted.
+        // Allocates everything that is allocated only once, before blocks are counted.
         Setting setting;
         for (int id = 0; id < 5; ++id)
             setting.collection.insertOne({{"_id", id}, {"kept", true}, {"a", longText}});
@@ -165,7 +165,7 @@ const test_support::AllocatingOperation<Setting> operations[] = {
          s.update.arrayFilters.clear();
          s.collection.updateMany(s.filter, s.change, s.update);
      }},
-    // The server of the tests has no array filters.
+    // Fails because the test server does not support array filters.
     {"updateThatFails",
      [](Setting& s) { expectFailure([&] { s.collection.updateOne(s.filter, s.change, s.update); }); }},
     {"replaceOne", [](Setting& s) { s.collection.replaceOne(s.filter, s.document); }},
@@ -265,7 +265,8 @@ const test_support::AllocatingOperation<Setting> operations[] = {
     {"commandThatFails", [](Setting& s) { expectFailure([&] {
                                               s.database.command({{"noSuchCommand", longText}});
                                           }); }},
-    // An upload that fails anyway is not here: what keeps it from removing its content is not reported.
+    // There is no "uploadThatFails": if memory runs out while an upload removes its chunks, no std::bad_alloc is
+    // thrown.
     {"upload", [](Setting& s) { s.store.upload("a file with a long name that is new", s.stream, s.upload); }},
     {"download", [](Setting& s) { s.store.downloadById(storedId, s.stream); }},
     {"downloadThatFails",

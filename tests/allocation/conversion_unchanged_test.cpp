@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// Memory runs short at every single allocation of a conversion. Nothing leaks, and what was converted before stays.
+// Each allocation of a conversion fails, one per run. Nothing leaks, and the fields that were converted before stay.
 
 #include "allocation_failure.h"
 #include "conversions.h"

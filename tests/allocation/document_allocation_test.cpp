@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// Document, filter and converters when memory runs out.
+// Documents, filters and converters if memory runs out.
 
 #include "allocation_failure.h"
 #include "bson_to_properties.h"

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// Memory runs short at every single allocation of an operation: what was there before is there afterwards.
+// Each allocation of an operation fails, one per run. The document is unchanged afterwards.
 
 #include "allocation_failure.h"
 #include "object_properties.h"

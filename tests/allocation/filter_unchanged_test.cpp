@@ -13,7 +13,7 @@ using test_support::failEveryAllocation;
 
 namespace {
 
-// Keys and values too long for a text's own storage, so that every step allocates.
+// Keys and values that are too long for the small buffer of a string, so that every step allocates.
 const std::string longKey(100, 'k');
 const std::string longText(100, 't');
 
@@ -28,7 +28,7 @@ std::unique_ptr<ObjectFilter> makeFilter()
     return filter;
 }
 
-// What may be done with a filter whose operation failed.
+// Assigns to a filter after a failed operation. Only assignment and destruction are permitted then.
 void checkCanBeAssigned(const std::unique_ptr<ObjectFilter>& filter)
 {
     const auto other = makeFilter();

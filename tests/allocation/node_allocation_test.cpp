@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// The node when memory runs out.
+// Nodes if memory runs out.
 
 #include "allocation_failure.h"
 #include "property.h"

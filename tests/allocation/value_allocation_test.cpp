@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// Values when memory runs out.
+// Values if memory runs out.
 
 #include "allocation_failure.h"
 #include "dbc/build.h"
@@ -85,7 +85,7 @@ const test_support::AllocatingOperation<Values> operations[] = {
     {"decoding", [](Values& v) { v.value = Value::fromBson(v.bytes.data(), v.bytes.size()); }},
     {"encoding", [](Values& v) { v.other.appendBson(v.bytes); }},
     {"conversionToProperties", [](Values& v) { static_cast<void>(v.other.at("object").toProperties()); }},
-    // Without an array: sorting its elements does without the memory that it asks for.
+    // Without an array, because std::stable_sort does not throw std::bad_alloc: it needs no buffer.
     {"conversionFromProperties",
      [](Values& v) {
          v.value = Value::fromProperties(Value({{"a", longText}, {"b", {{longText, longText}}}}).toProperties());
