@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// Documents near and beyond what a server takes, and many results.
+// Documents near and beyond the size limit of a server, and many results.
 
 #include "database_client.h"
 #include "dbc/results.h"
@@ -25,10 +25,10 @@ using test_support::TestServer;
 
 constexpr std::size_t limit = std::size_t{16} << 20U; // bytes of one document
 
-// A document that is @p bytes long with the "_id" that it gets.
+// Returns a document that has this number of bytes in BSON when write() has added the "_id".
 ObjectProperties documentOf(std::size_t bytes)
 {
-    // Length and end, a binary "b" with its head, an id "_id".
+    // Size of everything except the bytes: length and end of the document, header of the binary "b", and the "_id".
     constexpr std::size_t around = 5 + (1 + 2 + 4 + 1) + (1 + 4 + 12);
     ObjectProperties document;
     document.setValueBinary("b", std::vector<unsigned char>(bytes - around, 7));
@@ -104,7 +104,7 @@ TEST_F(LargeDocument, IsRefusedAsAQueryAndNothingIsFoundOrRemoved)
     EXPECT_EQ(m_database.count("c"), 1U);
 }
 
-// A second insert of the driver's own, many documents at a time: writing them one by one would take minutes.
+// Inserts with the plain driver, many documents per command, because single writes take minutes.
 void insertMany(ScratchDatabase& database, const std::string& collection, int count)
 {
     const CollectionHandle target(
@@ -113,7 +113,7 @@ void insertMany(ScratchDatabase& database, const std::string& collection, int co
     for (int first = 0; first < count; first += batch)
     {
         std::vector<std::unique_ptr<test_support::OwnedBson>> owned;
-        std::vector<const _bson_t*> documents; // without the alignment that a template argument cannot carry
+        std::vector<const _bson_t*> documents; // not bson_t: a template argument drops its alignment attribute
         for (int i = 0; i < batch; ++i)
         {
             owned.push_back(std::make_unique<test_support::OwnedBson>());

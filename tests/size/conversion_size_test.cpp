@@ -20,7 +20,7 @@ class DeepConversion : public testing::TestWithParam<StackRow>
 
 const int depth = many();
 
-// Groups and arrays in turn, each in a field of eight bytes: type, key, length, end.
+// Returns BSON of alternating groups and arrays. Each is a field of eight bytes: type, key, length and final zero byte.
 std::vector<std::uint8_t> nestedBytes(int levels)
 {
     constexpr int perLevel = 8;

@@ -31,7 +31,7 @@ ObjectProperties nested()
     return document;
 }
 
-// Walks in with the cursor and back out.
+// Returns the number of levels. Moves the cursor to the innermost level and back to the root.
 int depthOf(const ObjectProperties& document)
 {
     int levels = 0;

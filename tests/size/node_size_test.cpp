@@ -30,7 +30,7 @@ NodePointer nested(int levels)
     return root;
 }
 
-// Levels below the root, the value at the bottom not counted.
+// Returns the number of levels below the root, not counting the value in the innermost level.
 int depthOf(const Property& root)
 {
     int levels = -1;
@@ -131,7 +131,7 @@ TEST_P(DeepTree, IsPrinted)
     test_support::runWithStack(GetParam().bytes, [] {
         const NodePointer root = nested(depth);
         test_support::CapturedOutput output;
-        // From so far outside that no level is indented: the text would be longer than the memory.
+        // A negative start level, so that no line is indented. Otherwise the output would not fit in memory.
         root->print(root.get(), -depth - 1);
         const std::string text = output.text();
         EXPECT_EQ(text.size(), (sizeof("\"g\": {\n") - 1 + sizeof("},\n") - 1) * static_cast<std::size_t>(depth) +

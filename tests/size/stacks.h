@@ -13,13 +13,13 @@
 #include <ostream>
 #include <string>
 
-/// Levels, fields or elements. scripts/soak asks for a million.
+/// Number of levels, fields or elements in a test. scripts/soak sets it to a million.
 inline int many()
 {
     return static_cast<int>(test_support::environmentNumber("DATABASE_CLIENT_TEST_SIZE", 100000));
 }
 
-/// A size of the stack: the one that threads of Linux programs usually have, and one that a recursion soon exhausts.
+/// A stack size: 8 MiB is usual for threads of Linux programs, 256 KiB is soon exhausted by a recursion.
 struct StackRow
 {
     std::string name;

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// Documents of a million levels, with a stack that a recursion would exhaust.
+// Documents of a million levels, with a stack that is too small for a recursion.
 
 #include "every_type.h"
 #include "small_stack.h"
@@ -16,7 +16,7 @@ namespace {
 
 using dbc::Value;
 
-constexpr int levels = 1000001; // an odd number: the outermost is an object
+constexpr int levels = 1000001; // an odd number, so that the outermost level is an object
 constexpr std::size_t stackSize = 256 * 1024;
 
 Value deep(int depth)
