@@ -17,7 +17,7 @@ using dbc::Bulk;
 using dbc::Collection;
 using dbc::Value;
 
-/// A collection "c" of a connected client. Commands are compared as they left.
+/// A collection "c" of a connected client. The tests compare the recorded commands.
 class CollectionCommand : public ConnectedClient
 {
 public:
@@ -286,7 +286,8 @@ TEST_F(CollectionCommand, OfAnUnacknowledgedWriteReturnsAnUnacknowledgedResult)
     EXPECT_FALSE(result.acknowledged);
     EXPECT_EQ(result.removed, 0);
     EXPECT_TRUE(gateway().waitForCommands("delete", 1));
-    // The stand-in server answers all the same, which the driver would take for the reply to its next command.
+    // FerretDB replies to unacknowledged writes too. Without disconnect(), the driver would use that reply for its next
+    // command.
     client().disconnect();
 }
 
@@ -304,7 +305,7 @@ TEST_F(CollectionCommand, ResultHasTheCountsAndTheUpsertedId)
     EXPECT_EQ(result.upsertedId, Value("new"));
 }
 
-// What a bulk write has done when it fails in the middle.
+// The contents of the BulkError of an insertMany().
 struct FailedInsert
 {
     std::int64_t inserted = -1;
@@ -343,7 +344,7 @@ std::vector<Value> numbered(std::initializer_list<int> ids)
     return documents;
 }
 
-/// Documents of 1 MiB: an insertMany sends four in each command.
+/// Returns documents of 1 MiB, so that insertMany() sends four in each command.
 std::vector<Value> large(int count)
 {
     std::vector<Value> documents;

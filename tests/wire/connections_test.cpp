@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// How connections are made: to every kind of address, and without a word of the driver.
+// Connections to all types of addresses, and the log of the driver while connecting.
 
 #include "connected_client.h"
 
@@ -27,7 +27,7 @@ namespace {
 
 const char* const patience = "serverSelectionTimeoutMS=5000&connectTimeoutMS=5000";
 
-// Hands on what comes to a socket in the file system, one connection after another.
+// Listens on a Unix domain socket and relays its connections to a TCP port, one after another.
 class LocalSocket
 {
 public:
@@ -96,7 +96,7 @@ std::string replaced(std::string text, const std::string& part, const std::strin
 class Connections : public ConnectedClient
 {
 protected:
-    // Whether a client of this connection string reaches the server of the tests.
+    // Expects that a client with this connection string writes to the test server.
     void expectReached(const std::string& uri)
     {
         DataBaseClient client;
@@ -174,7 +174,7 @@ TEST_F(Connections, KeepTheLogHandlerThatTheProgramHasSet)
 
     client.connect(gateway().uri());
     EXPECT_EQ(log, "");
-    client.connect(withOptions(gateway().uri(), "unknown=1")); // the driver warns of the option
+    client.connect(withOptions(gateway().uri(), "unknown=1")); // the driver logs a warning about the option
     const UriHandle uri(mongoc_uri_new("mongodb://host/?missing=1"));
 
     mongoc_log_set_handler(mongoc_log_default_handler, nullptr);

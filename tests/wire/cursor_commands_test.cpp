@@ -160,7 +160,7 @@ TEST_F(CursorCommand, KeepsOnlyTheFieldsOfTheCurrentDocumentInItsObjectPropertie
     Cursor cursor = openInBatchesOf(0);
     while (cursor.next())
     {
-        cursor.properties().beginGroup("other"); // also where the document has no such group
+        cursor.properties().beginGroup("other"); // creates the group if the document does not have it
         EXPECT_TRUE(cursor.properties().contains("/_id"));
     }
     EXPECT_EQ(thrownText([&] { cursor.next(); }), "");
@@ -325,7 +325,7 @@ TEST_F(CursorCommand, ThrowsForAMalformedDocumentAndContinuesWithTheNext)
                          const std::string field("\x02text\0", 6);
                          const auto found = std::search(reply.begin(), reply.end(), field.begin(), field.end());
                          if (found != reply.end())
-                             *found = 0x7e; // no type of BSON
+                             *found = 0x7e; // not a BSON type
                      }).onCommand("find"));
     Cursor cursor = openInBatchesOf(0);
 

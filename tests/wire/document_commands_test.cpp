@@ -155,7 +155,7 @@ TEST_F(DocumentCommand, OfAnAggregationCarriesTheConcernThatItsLastStageTakes)
     const auto setText = [](ObjectProperties& document, const char* stage) { document.setValueString(stage, "t"); };
     const auto setNumber = [](ObjectProperties& document, const char* stage) { document.setValueInt32(stage, 1); };
 
-    // Which of the two comes first depends on the driver's version.
+    // Compared one by one, because their order depends on the version of the driver.
     const auto expectConcerns = [](const RecordedCommand& command, const std::string& writeConcern) {
         EXPECT_EQ(command.json("readConcern"), R"({ "level" : "local" })");
         EXPECT_EQ(command.json("writeConcern"), writeConcern);

@@ -64,7 +64,7 @@ TEST_F(FileCommand, OfAReadAsksForOneFileByItsNameAndForItsChunksOnce)
     EXPECT_EQ(gateway().commands("find")[1].target, "fs.chunks");
 }
 
-// The bytes of the chunk that an update carries.
+// Returns the bytes of the chunk in an update command.
 std::string chunkOf(const RecordedCommand& command)
 {
     const Bytes& document = command.sequences.at(0).documents.at(0);
@@ -86,7 +86,7 @@ TEST_F(FileCommand, OfAWriteOfSixtyFourMebibytesCarriesEveryByteOnce)
     const std::string text = patternText(64U * 1024 * 1024);
     const std::filesystem::path path = std::filesystem::temp_directory_path() / ("large-" + database());
     std::ofstream(path, std::ios::binary).write(text.data(), static_cast<std::streamsize>(text.size()));
-    // Answered here: some servers take a time that grows with the square of the number of chunks.
+    // The gateway replies, because some servers need time proportional to the square of the number of chunks.
     gateway().inject(Fault::answer(R"({"ok": 1, "n": 1, "nModified": 1})").onCommand("update").andLater());
 
     client().writeFile(database(), "fs", "large", path.string());
@@ -106,7 +106,7 @@ class ListFault : public FileCommand
 public:
     ListFault()
     {
-        // More than one batch: the list has a middle.
+        // More than one batch, so that a fault can happen in the middle of the list.
         for (int index = 0; index < 150; ++index)
         {
             scratch().insert("many.files", R"({"_id": )" + std::to_string(index) +

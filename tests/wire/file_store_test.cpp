@@ -30,7 +30,7 @@ public:
 
     FileStore& store() { return m_store; }
 
-    /// Content in chunks of ten bytes.
+    /// Uploads the content in chunks of ten bytes.
     FileInfo upload(const std::string& name, const std::string& content)
     {
         dbc::UploadOptions options;
@@ -185,7 +185,7 @@ TEST_F(FileStoreOnServer, ByNameIsTheNewestFile)
     const std::chrono::milliseconds before =
         std::chrono::duration_cast<std::chrono::milliseconds>(store().find("f")->uploaded.time_since_epoch());
     FileInfo newest = upload("f", "new");
-    // Until the clock of the machine has moved on.
+    // Repeated until the upload time differs: it has a precision of one millisecond.
     while (newest.uploaded.time_since_epoch() == before)
     {
         store().removeById(newest.id);
@@ -268,15 +268,15 @@ TEST_F(FileStoreOnServer, FailedUploadLeavesNothing)
         {"reply to the chunks lost", 1, Fault::dropAfterForwarding()},
         {"reply to the record lost", 2, Fault::dropAfterForwarding()},
     };
-    upload("first", "x"); // makes the indexes
+    upload("first", "x"); // creates the indexes
     for (const Row& row : rows)
     {
         gateway().inject(Fault(row.fault).onCommand("insert").number(row.insert));
         EXPECT_EQ(thrownText([&] { upload("f", letters(25)); }).substr(0, 30), "runtime_error: Upload failed: ")
             << row.name;
         EXPECT_EQ(gateway().pendingFaults(), 0U);
-        // A pause of the driver may have kept the removal from being sent after a lost connection: then a record that
-        // was written stays whole.
+        // After a lost connection, the pause of the driver may have prevented the removal. A stored file must then be
+        // complete.
         const std::size_t left = records();
         EXPECT_TRUE(left == 1 || download("f") == letters(25)) << row.name;
         store().remove("f");
@@ -287,7 +287,7 @@ TEST_F(FileStoreOnServer, FailedUploadLeavesNothing)
 
 TEST_F(FileStoreOnServer, UploadFailsIfItsContentIsNoLongerThere)
 {
-    upload("first", "x"); // makes the indexes
+    upload("first", "x"); // creates the indexes
     gateway().inject(Fault::answer(R"({"ok": 1, "n": 3})").onCommand("insert").onTarget("fs.chunks"));
     EXPECT_EQ(thrownText([&] { upload("f", letters(25)); }),
               "runtime_error: Upload failed: the content was removed while it was being stored");
@@ -341,7 +341,7 @@ TEST_F(FileStoreOnServer, BrokenFileIsAnErrorAfterWhatCameBefore)
 TEST_F(FileStoreOnServer, StreamsThatFailEndTheCopy)
 {
     upload("f", letters(35));
-    std::ofstream target; // not open
+    std::ofstream target; // not open, so every write fails
     EXPECT_EQ(thrownText([&] { store().download("f", target); }),
               "runtime_error: The target of the download cannot be written");
     std::ifstream directory("/");
@@ -393,7 +393,7 @@ TEST_F(FileStoreOnServer, UploadIsAcknowledgedDespiteAnUnacknowledgedWriteConcer
     careless.connect(uri + (uri.find('?') == std::string::npos ? "?w=0" : "&w=0"));
     FileStore target(careless, database());
     std::istringstream source("content");
-    upload("first", "x"); // makes the indexes
+    upload("first", "x"); // creates the indexes
     gateway().clear();
 
     target.upload("f", source);

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// Queries of the form {"$query": ..., "$orderby": ...}: the find command that each modifier becomes. The commands are
-// those of the driver's own translation in libmongoc 1.23.
+// Queries of the form {"$query": ..., "$orderby": ...}: the option of the find command for each modifier. The expected
+// commands are those that libmongoc 1.23 sends for its legacy query function.
 
 #include "connected_client.h"
 
@@ -26,7 +26,7 @@ ObjectProperties documentOf(const char* json)
     return document;
 }
 
-/// The command with the type of every value, without what the driver adds on its own account.
+/// Returns the command as canonical Extended JSON, without the fields that the driver adds.
 std::string canonicalText(const RecordedCommand& command)
 {
     const Bytes folded = command.folded();
@@ -45,7 +45,7 @@ struct QueryRow
     const char* projection;
     int limit;
     int skip;
-    const char* command; ///< empty: nothing is sent
+    const char* command; ///< Empty if nothing is sent.
     const char* error;
 };
 

@@ -13,7 +13,7 @@
 namespace test_support {
 namespace {
 
-// No user is made here: the commands are answered by the gateway, so that every server sees the same.
+// The gateway replies to the commands, so no users are created and the tests do not depend on the server.
 class UserCommand : public testing::Test
 {
 public:
