@@ -4,7 +4,8 @@
 #pragma once
 
 /// @file
-/// Builds connection strings and percent-encodes every part. DataBaseClient::uri() does not escape anything.
+/// Builds connection strings with percent-encoded user names, passwords, databases and options. Unlike it,
+/// DataBaseClient::uri() does not escape anything.
 
 #include <chrono>
 #include <string>
@@ -13,7 +14,7 @@
 
 namespace dbc {
 
-/// Percent-encodes all characters except the unreserved ones of RFC 3986.
+/// Percent-encodes all bytes except the unreserved characters of RFC 3986.
 inline std::string percentEncoded(const std::string& text)
 {
     static const char digits[] = "0123456789ABCDEF";
@@ -35,7 +36,8 @@ inline std::string percentEncoded(const std::string& text)
 ///
 ///     ConnectionString().host("db.example", 27017).user("ada", "p@ss/word").database("shop").tls().text()
 ///
-/// Options that are not set are left to the driver.
+/// The driver has default values for options that are not set. The parts are not checked: an invalid host name or
+/// option is an error in connect(). Not thread-safe.
 /// @since 1.0
 class ConnectionString
 {
@@ -43,8 +45,8 @@ public:
     /// Unit of the timeouts.
     using Milliseconds = std::chrono::milliseconds;
 
-    /// Adds a server. Several servers are members of one replica set. Without a call the server is localhost. Brackets
-    /// are added to an IPv6 address.
+    /// Adds a server. Several servers are members of one replica set. Without a call the server is localhost. @p name
+    /// is a host name or an IP address, without percent-encoding. Adds brackets to an IPv6 address.
     ConnectionString& host(const std::string& name, int port = 27017)
     {
         const bool isAddress6 = name.find(':') != std::string::npos && name.front() != '[';
@@ -67,7 +69,7 @@ public:
         return *this;
     }
 
-    /// Adds any option of a connection string.
+    /// Adds any option of a connection string. Only the value is percent-encoded.
     ConnectionString& option(const std::string& name, const std::string& value)
     {
         m_options.emplace_back(name, percentEncoded(value));

@@ -390,7 +390,7 @@ public:
 
     /// Returns the first field with this key. The key is used as it is. Null if there is no such field or this is not
     /// an object. Takes time proportional to the number of fields. In an object with many fields, repeated calls take
-    /// about constant time.
+    /// about constant time, until the object is changed or the non-const fields() is called.
     DATABASE_CLIENT_API const Value* find(std::string_view key) const noexcept;
     Value* find(std::string_view key) noexcept
     {
@@ -434,16 +434,20 @@ public:
     /// invalid.
     /// @{
 
-    /// Sets the first field with this key, or appends a field. Returns a reference to the stored value.
+    /// Sets the first field with this key, or appends a field. Returns a reference to the stored value. Searches for
+    /// the key first: use append() to build objects with many fields.
     /// @throws std::invalid_argument  a key with a zero byte
     DATABASE_CLIENT_API Value& set(std::string_view key, Value value);
-    /// Appends a field, also if the key exists. @throws std::invalid_argument  a key with a zero byte
+    /// Appends a field, also if the key exists. Returns a reference to the stored value. Takes constant time on
+    /// average.
+    /// @throws std::invalid_argument  a key with a zero byte
     DATABASE_CLIENT_API Value& append(std::string_view key, Value value);
-    /// Appends an element to an array.
+    /// Appends an element to an array. Returns a reference to the stored value. Takes constant time on average.
     DATABASE_CLIENT_API Value& push(Value value);
-    /// Removes every field with this key and returns their number.
+    /// Removes every field with this key and returns their number. Takes time proportional to the number of fields.
     DATABASE_CLIENT_API std::size_t remove(std::string_view key);
-    /// Removes the field or element at @p index. @throws std::out_of_range if there is no such element or field
+    /// Removes the field or element at @p index. Takes time proportional to the number of items after it.
+    /// @throws std::out_of_range if there is no such element or field
     DATABASE_CLIENT_API void removeAt(std::size_t index);
     /// Removes all fields or elements.
     DATABASE_CLIENT_API void clear();
