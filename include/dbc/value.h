@@ -390,7 +390,7 @@ public:
 
     /// Returns the first field with this key. The key is used as it is. Null if there is no such field or this is not
     /// an object. Takes time proportional to the number of fields. In an object with many fields, repeated calls take
-    /// about constant time, until the object is changed or the non-const fields() is called.
+    /// about constant time, until a field is added or removed or the non-const fields() is called.
     DATABASE_CLIENT_API const Value* find(std::string_view key) const noexcept;
     Value* find(std::string_view key) noexcept
     {

@@ -33,7 +33,7 @@ struct Cursor::State
     bool hasValue = false;      ///< True if value has the current document.
 };
 
-/// Creates cursors.
+/// Access to the private constructor of Cursor.
 class CursorAccess
 {
 public:

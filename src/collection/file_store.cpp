@@ -162,7 +162,6 @@ struct FileStore::State
 
 namespace {
 
-// The upload of one file.
 class Upload
 {
 public:

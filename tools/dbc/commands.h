@@ -15,7 +15,6 @@
 #include <string>
 #include <vector>
 
-/// The global options.
 struct GlobalOptions
 {
     ConnectionOptions connection;

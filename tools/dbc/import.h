@@ -9,7 +9,6 @@
 #include <cstdint>
 #include <string>
 
-/// File formats.
 enum class FileFormat
 {
     Json,

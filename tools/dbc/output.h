@@ -21,7 +21,6 @@ enum class ColorMode
     Never
 };
 
-/// Output options.
 struct OutputOptions
 {
     std::optional<Dialect> dialect; ///< every command has its own default
