@@ -56,7 +56,7 @@ struct WriteError
 /// Options of an update in a bulk write.
 struct BulkUpdateOptions
 {
-    bool upsert = false;               ///< Insert a document if none matches.
+    bool upsert = false;               ///< Insert a document if there is no match.
     std::vector<Value> arrayFilters{}; ///< Filters for "$[name]" in the update.
     Value hint{};                      ///< Name or keys of the index to use.
     Value collation{};                 ///< Rules for comparing strings.
@@ -65,7 +65,7 @@ struct BulkUpdateOptions
 /// Options of a replacement in a bulk write.
 struct BulkReplaceOptions
 {
-    bool upsert = false; ///< Insert the document if none matches.
+    bool upsert = false; ///< Insert the document if there is no match.
     Value hint{};        ///< Name or keys of the index to use.
     Value collation{};   ///< Rules for comparing strings.
 };

@@ -52,7 +52,7 @@ struct InsertManyOptions
 /// Options of updateOne() and updateMany().
 struct UpdateOptions
 {
-    bool upsert = false;                        ///< Insert a document if none matches.
+    bool upsert = false;                        ///< Insert a document if there is no match.
     std::vector<Value> arrayFilters{};          ///< Filters for "$[name]" in the update.
     Value hint{};                               ///< Name or keys of the index to use.
     Value collation{};                          ///< Rules for comparing strings.
@@ -65,7 +65,7 @@ struct UpdateOptions
 /// Options of replaceOne().
 struct ReplaceOptions
 {
-    bool upsert = false;                        ///< Insert the document if none matches.
+    bool upsert = false;                        ///< Insert the document if there is no match.
     Value hint{};                               ///< Name or keys of the index to use.
     Value collation{};                          ///< Rules for comparing strings.
     Value let{};                                ///< Variables for the filter.
@@ -141,7 +141,7 @@ enum class Return
 struct FindOneAndUpdateOptions
 {
     Return which = Return::Before;              ///< Which document is returned.
-    bool upsert = false;                        ///< Insert a document if none matches.
+    bool upsert = false;                        ///< Insert a document if there is no match.
     Sort sort{};                                ///< Defines which match is the first.
     Value projection{};                         ///< Fields to return, or to leave out.
     std::vector<Value> arrayFilters{};          ///< Filters for "$[name]" in the update.
@@ -158,7 +158,7 @@ struct FindOneAndUpdateOptions
 struct FindOneAndReplaceOptions
 {
     Return which = Return::Before;              ///< Which document is returned.
-    bool upsert = false;                        ///< Insert the document if none matches.
+    bool upsert = false;                        ///< Insert the document if there is no match.
     Sort sort{};                                ///< Defines which match is the first.
     Value projection{};                         ///< Fields to return, or to leave out.
     std::chrono::milliseconds timeLimit{0};     ///< Server-side time limit ("maxTimeMS"); 0: no limit.

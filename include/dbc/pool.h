@@ -23,8 +23,8 @@
 namespace dbc {
 
 /// Leases connected clients to threads. The limit of the constructor is the maximum number of clients; 0 is used as 1.
-/// Clients are created when needed and reused. Create the pool before other threads use the library. End every lease
-/// before you destroy the pool.
+/// Clients are created when needed and reused. The pool never connects a client again, so do not disconnect a leased
+/// client. Create the pool before other threads use the library. End every lease before you destroy the pool.
 ///
 /// Thread-safe. A connection must not be shared with a child process: after `fork`, the child must create its own pool.
 /// The pool of the parent throws in the child.

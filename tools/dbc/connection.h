@@ -29,7 +29,7 @@ std::unique_ptr<DataBaseClient> connect(const std::string& uri);
 /// The same with connectionString(), which may prompt for a password.
 std::unique_ptr<DataBaseClient> connect(const ConnectionOptions& options);
 
-/// Returns the database of the connection string. @throws Failure if it has none; the message says to write @p form
+/// Returns the database of the connection string. @throws Failure if it has no database; the message suggests @p form
 std::string defaultDatabase(DataBaseClient& client, const std::string& form);
 
 /// Help text for the name of a collection.

@@ -43,7 +43,7 @@ void confirm(const std::string& name, const DropCommand& command)
         throw Failure(UsageError, "not dropped");
 }
 
-// Checks first that the database exists, so that the user is not asked for nothing.
+// Checks first whether the database exists, so that no confirmation is needed if it does not exist.
 void dropDatabase(const GlobalOptions& global, const DropCommand& command)
 {
     const auto client = connect(global.connection);
