@@ -276,7 +276,7 @@ struct RemoveResult
 } // namespace v1
 
 /// One collection of a client. Creating a Collection sends nothing. It can be created before connect(), and stays
-/// usable after a reconnect. It does not own the DataBaseClient: after the client is destroyed, every operation throws.
+/// usable after a reconnect. It does not own the DataBaseClient and must not outlive it: every operation then throws.
 /// Not thread-safe: use it only in the thread of the client. Only assign to a moved-from object or destroy it.
 ///
 /// Every operation checks in this order and throws:

@@ -59,7 +59,7 @@ struct UserInfo
 } // namespace v1
 
 /// One database of a client. Creating a Database sends nothing. It can be created before connect(), and stays usable
-/// after a reconnect. It does not own the DataBaseClient: after the client is destroyed, every operation throws. Not
+/// after a reconnect. It does not own the DataBaseClient and must not outlive it: every operation then throws. Not
 /// thread-safe: use it only in the thread of the client. Only assign to a moved-from object or destroy it.
 ///
 /// Every operation checks in this order and throws:

@@ -96,7 +96,7 @@ private:
 };
 
 /// One GridFS bucket: the files of one prefix in a database. Creating a FileStore sends nothing. It does not own the
-/// DataBaseClient: after the client is destroyed, every operation throws. Not thread-safe: use it only in the thread of
+/// DataBaseClient and must not outlive it: every operation then throws. Not thread-safe: use it only in the thread of
 /// the client. Only assign to a moved-from object or destroy it. Format: the GridFS specification.
 ///
 /// An uploaded file becomes visible when it is complete, because its file document is written last. A failed upload
