@@ -33,8 +33,14 @@ enum OperationType : int
 /// it. toObjectProeprties() returns the query as a document for DataBaseClient.
 ///
 /// In an open list, each condition becomes a separate element. Outside a list, conditions on the same key are merged,
-/// and so are lists with the same operator. At most 100 lists can be open. Beyond 100, start calls are only counted, so
-/// that finish calls still match. Conditions then go into the 100th list.
+/// and so are lists with the same operator. Some conditions on the same key cannot be merged; put them into an "$and"
+/// list:
+/// - A second condition with the same operator replaces the first.
+/// - OperationTypeEqual replaces all others. After it, conditions with other operators have no effect: callers depend
+///   on it.
+///
+/// At most 100 lists can be open. Beyond 100, start calls are only counted, so that finish calls still match.
+/// Conditions then go into the 100th list.
 ///
 /// A key is a key path of ObjectProperties. Use keys of one segment:
 /// - "a.b" is a nested field for the server.
@@ -104,8 +110,8 @@ public:
     // Not virtual, so not part of the closed table.
 
     /// Adds the condition {key: operators}, for operators that OperationType does not have. Outside a list it is merged
-    /// with other conditions on the key. With the empty key, adds the fields of @p operators themselves; use this for
-    /// "$nor".
+    /// with other conditions on the key, but has no effect after OperationTypeEqual. With the empty key, adds the
+    /// fields of @p operators themselves; use this for "$nor".
     void setFilterDocument(const std::string& key, const ObjectProperties& operators);
 
 private:

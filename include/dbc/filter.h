@@ -5,7 +5,8 @@
 
 /// @file
 /// Query operators that ObjectFilter has no function for. Each function adds one condition to an ObjectFilter, or to a
-/// query document at its cursor.
+/// query document at its cursor. It is merged with other conditions on the same key, but has no effect if the query has
+/// a value for the key, such as {key: 1}: use an "$and" list then.
 /// @since 1.0
 
 #include "dbc/build.h"
@@ -25,8 +26,8 @@ inline void addCondition(ObjectFilter& filter, const std::string& key, const Obj
     filter.setFilterDocument(key, operators);
 }
 
-/// Adds the condition {key: operators} at the cursor, merged with other conditions on the key. With the empty key, adds
-/// the operators themselves. The cursor does not move.
+/// Adds the condition {key: operators} at the cursor. With the empty key, adds the operators themselves. The cursor
+/// does not move.
 inline void addCondition(ObjectProperties& query, const std::string& key, const ObjectProperties& operators)
 {
     const CursorScope scope(query);
