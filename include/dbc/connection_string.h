@@ -46,7 +46,8 @@ public:
     using Milliseconds = std::chrono::milliseconds;
 
     /// Adds a server. Several servers are members of one replica set. Without a call the server is localhost. @p name
-    /// is a host name or an IP address, without percent-encoding. Adds brackets to an IPv6 address.
+    /// is a host name, an IP address, or the percent-encoded path of a Unix domain socket. Adds brackets to an IPv6
+    /// address.
     ConnectionString& host(const std::string& name, int port = 27017)
     {
         const bool isAddress6 = name.find(':') != std::string::npos && name.front() != '[';
