@@ -533,10 +533,11 @@ std::size_t Value::remove(std::string_view key)
     Block* const block = Access::block(*this);
     if (!block)
         return 0;
+    const std::string removed(key); // the key may be a view into a field that moves
     dropIndex(*block);
     Field* const begin = block->fields();
     Field* const end = begin + block->size;
-    Field* const kept = std::remove_if(begin, end, [key](const Field& field) { return field.key() == key; });
+    Field* const kept = std::remove_if(begin, end, [&removed](const Field& field) { return field.key() == removed; });
     for (Field* field = kept; field != end; ++field)
         field->~Field();
     block->size = static_cast<std::uint32_t>(kept - begin);

@@ -53,6 +53,17 @@ TEST(ValueChange, PushAppendsToAnArray)
     EXPECT_THROW(list.removeAt(98), std::out_of_range);
 }
 
+TEST(ValueChange, RemoveTakesAKeyOfTheValueItself)
+{
+    const std::string longKey = "a key that is not stored in place";
+    for (const std::string& key : {std::string("a"), longKey})
+    {
+        Value value = {{key, 1}, {"b", 2}, {key, 3}, {"b", 4}};
+        EXPECT_EQ(value.remove(value.fields()[0].key()), 2U);
+        EXPECT_EQ(value, Value({{"b", 2}, {"b", 4}}));
+    }
+}
+
 TEST(ValueChange, TakesAPartOfTheValueItself)
 {
     Value value = {{"a", {{"b", "a string that is not stored in place"}}}};
