@@ -264,7 +264,8 @@ inline namespace v1 {
 ///
 /// A value owns everything that it contains, and a copy copies everything. A moved-from value is the empty object. A
 /// value has 16 bytes; strings of up to 14 bytes need no other memory. The depth is limited by memory only, except in
-/// JSON. Thread-safe for concurrent reads; different values can be used in different threads.
+/// JSON. Thread-safe for concurrent reads, also through functions that are not const, such as fields(); different
+/// values can be used in different threads.
 /// @since 1.0
 class Value
 {

@@ -56,6 +56,19 @@ struct KeyIndex
 
 constexpr std::uint32_t fieldsBeforeIndex = 24;
 constexpr std::uintptr_t searchesBeforeIndex = 16;
+/// Set if a caller may change keys: the index, if there is one, is not used.
+constexpr std::uintptr_t openBit = 1;
+
+bool mayKeysChange(std::uintptr_t searches) noexcept
+{
+    return searches > searchesBeforeIndex && (searches & openBit) != 0;
+}
+
+/// Returns the index in Block::searches, or null.
+KeyIndex* storedIndex(std::uintptr_t searches) noexcept
+{
+    return searches > (searchesBeforeIndex | openBit) ? reinterpret_cast<KeyIndex*>(searches & ~openBit) : nullptr;
+}
 
 std::size_t hashOf(const Value& key) noexcept
 {
@@ -114,9 +127,7 @@ KeyIndex* indexOf(Block& block) noexcept
 {
     std::uintptr_t searches = __atomic_load_n(&block.searches, __ATOMIC_ACQUIRE);
     if (searches > searchesBeforeIndex)
-        return reinterpret_cast<KeyIndex*>(searches);
-    if (block.isOpen)
-        return nullptr;
+        return mayKeysChange(searches) ? nullptr : storedIndex(searches);
     if (searches < searchesBeforeIndex)
     {
         __atomic_compare_exchange_n(&block.searches, &searches, searches + 1, false, __ATOMIC_RELAXED,
@@ -128,14 +139,25 @@ KeyIndex* indexOf(Block& block) noexcept
                                               false, __ATOMIC_ACQ_REL, __ATOMIC_ACQUIRE))
         return index;
     ::operator delete(index);
-    return reinterpret_cast<KeyIndex*>(searches);
+    return mayKeysChange(searches) ? nullptr : storedIndex(searches);
+}
+
+/// Call this before a caller may change keys. Several threads may call it at once, and others may be searching, so an
+/// index stays until the fields change.
+void letKeysChange(Block& block) noexcept
+{
+    std::uintptr_t searches = __atomic_load_n(&block.searches, __ATOMIC_ACQUIRE);
+    while (!mayKeysChange(searches) &&
+           !__atomic_compare_exchange_n(&block.searches, &searches, std::max(searches, searchesBeforeIndex) | openBit,
+                                        false, __ATOMIC_ACQ_REL, __ATOMIC_ACQUIRE))
+    {}
 }
 
 /// Call this before the fields of a block change, and before it is freed.
 void dropIndex(Block& block) noexcept
 {
-    if (block.searches > searchesBeforeIndex)
-        ::operator delete(reinterpret_cast<void*>(block.searches));
+    if (KeyIndex* const index = storedIndex(block.searches))
+        ::operator delete(index);
     block.searches = 0;
 }
 
@@ -410,10 +432,7 @@ std::size_t Value::size() const noexcept
 void* Value::openItems() noexcept
 {
     if (Block* const block = Access::block(*this))
-    {
-        dropIndex(*block);
-        block->isOpen = 1;
-    }
+        letKeysChange(*block);
     return items();
 }
 

@@ -19,13 +19,13 @@ inline namespace v1 {
 struct Value::Block
 {
     std::uint32_t size = 0;
-    std::uint32_t capacity : 31;
-    std::uint32_t isOpen : 1; ///< The caller may change the keys, so there is no key index.
-    /// First the number of searches for a key, up to searchesBeforeIndex. Then the address of the key index, which any
-    /// reading thread may set. While blocks are freed, the address of the next block to free.
+    std::uint32_t capacity;
+    /// First the number of searches for a key, up to searchesBeforeIndex. Then the address of the key index, and a bit
+    /// for keys that a caller may change; any reading thread may set them. While blocks are freed, the address of the
+    /// next block to free.
     std::uintptr_t searches = 0;
 
-    explicit Block(std::uint32_t room) noexcept : capacity(room & 0x7FFFFFFF), isOpen(0) {}
+    explicit Block(std::uint32_t room) noexcept : capacity(room) {}
 
     Field* fields() noexcept { return reinterpret_cast<Field*>(this + 1); }
     Value* values() noexcept { return reinterpret_cast<Value*>(this + 1); }
