@@ -92,8 +92,8 @@ struct BulkOptions
 /// A list of write operations for Collection::bulkWrite(). Each function that adds an operation converts its documents
 /// at once and returns *this. The documents may change or be destroyed afterwards.
 ///
-/// These functions throw std::invalid_argument "Bad properties" for a document and "Bad condition" for a filter that
-/// cannot be sent. The list is unchanged then.
+/// These functions throw std::invalid_argument "Bad properties" for a document, "Bad condition" for a filter and "Bad
+/// options" for an option that cannot be sent. The list is unchanged then.
 ///
 /// Not thread-safe. Only assign to a moved-from object or destroy it.
 /// @since 1.0

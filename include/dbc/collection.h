@@ -282,9 +282,10 @@ struct RemoveResult
 /// Every operation checks in this order and throws:
 /// - std::logic_error       "The client of this object no longer exists"
 /// - std::invalid_argument  "Connection is not established. Run connect before"
-/// - std::invalid_argument  "Database name is empty", "Collection name is empty"
-/// - std::invalid_argument  "Bad condition" for a filter and "Bad properties" for any other document that cannot be
-///                          sent; nothing was sent
+/// - std::invalid_argument  "Database name is empty", "Collection name is empty"; "... contains a zero byte" for these
+///                          and for every other name
+/// - std::invalid_argument  "Bad condition" for a filter, "Bad options" for an option and "Bad properties" for any
+///                          other document that cannot be sent; nothing was sent
 /// - ServerError            an error of the server or the driver; the client stays connected and usable
 /// @since 1.0
 class DATABASE_CLIENT_API Collection

@@ -65,7 +65,8 @@ struct UserInfo
 /// Every operation checks in this order and throws:
 /// - std::logic_error       "The client of this object no longer exists"
 /// - std::invalid_argument  "Connection is not established. Run connect before"
-/// - std::invalid_argument  "Database name is empty", then the text of the first argument that is empty
+/// - std::invalid_argument  "Database name is empty", then the text of the first argument that is empty;
+///                          "... contains a zero byte" for a name or password
 /// - std::invalid_argument  a document that cannot be sent
 /// - ServerError            an error of the server or the driver
 /// @since 1.0

@@ -105,8 +105,8 @@ private:
 /// Every operation checks in this order and throws:
 /// - std::logic_error       "The client of this object no longer exists"
 /// - std::invalid_argument  "Connection is not established. Run connect before"
-/// - std::invalid_argument  "Database name is empty", "GridFS collection name is empty", "GridFS file name is empty",
-///                          "Bad condition" for a filter that cannot be sent
+/// - std::invalid_argument  "Database name is empty", "GridFS collection name is empty", "GridFS file name is empty";
+///                          the same with "contains a zero byte"; "Bad condition" for a filter that cannot be sent
 /// - ServerError            an error of the server or the driver; kind NotFound if the file does not exist
 /// @since 1.0
 class DATABASE_CLIENT_API FileStore

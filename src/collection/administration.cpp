@@ -8,6 +8,7 @@
 #include "collection/collection_state.h"
 #include "collection/cursor_state.h"
 #include "collection/driver_error.h"
+#include "collection/names.h"
 #include "collection/options_bson.h"
 
 #include <stdexcept>
@@ -41,6 +42,7 @@ void appendKeys(bson_t* bson, const std::vector<IndexKey>& keys)
     OwnedBson fields;
     for (const IndexKey& key : keys)
     {
+        checkNoZeroByte(key.field, "Field name");
         if (key.type == IndexType::Ascending || key.type == IndexType::Descending)
             BSON_APPEND_INT32(fields.get(), key.field.c_str(), key.type == IndexType::Ascending ? 1 : -1);
         else
@@ -71,6 +73,7 @@ std::string Collection::createIndex(const std::vector<IndexKey>& keys, const Ind
     const CollectionHandle target = d->open();
     if (keys.empty())
         throw std::invalid_argument("Index keys are empty");
+    checkNoZeroByte(options.name, "Index name");
 
     const std::string name = options.name.empty() ? nameOf(keys) : options.name;
     DriverOptions index;
@@ -124,7 +127,7 @@ std::vector<IndexInfo> Collection::indexes()
 void Collection::dropIndex(const std::string& name)
 {
     const CollectionHandle target = d->open();
-    DataBaseClientPrivate::check_argument(name, "Index name");
+    checkName(name, "Index name");
     bson_error_t error{};
     if (!mongoc_collection_drop_index_with_opts(target.get(), name.c_str(), nullptr, &error))
         throwServerError("Dropping the index failed", error);
@@ -144,7 +147,7 @@ void Collection::drop()
 void Collection::rename(const std::string& newName, bool dropTarget)
 {
     const CollectionHandle target = d->open();
-    DataBaseClientPrivate::check_argument(newName, "New collection name");
+    checkName(newName, "New collection name");
     bson_error_t error{};
     if (!mongoc_collection_rename_with_opts(target.get(), d->database.c_str(), newName.c_str(), dropTarget, nullptr,
                                             &error))

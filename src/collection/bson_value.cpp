@@ -4,9 +4,11 @@
 #include "collection/bson_value.h"
 
 #include "collection/value_access.h"
+#include "database_client/sendable.h"
 #include "driver/bson_handles.h"
 
 #include <cstdint>
+#include <stdexcept>
 #include <utility>
 #include <vector>
 
@@ -18,8 +20,9 @@ void appendValue(bson_t* bson, const char* key, const Value& value)
     wrapped.append(key, value);
     const std::vector<std::uint8_t> bytes = wrapped.toBson();
     bson_t view;
-    if (bson_init_static(&view, bytes.data(), bytes.size()))
-        bson_concat(bson, &view);
+    if (!bson_init_static(&view, bytes.data(), bytes.size()) || !canBeSent(&view))
+        throw std::invalid_argument("Bad options");
+    bson_concat(bson, &view);
 }
 
 Value valueAt(const bson_iter_t& iter)

@@ -11,6 +11,7 @@
 namespace dbc {
 
 /// Appends a field with @p key and @p value.
+/// @throws std::invalid_argument "Bad options" if the value has more than 1,000 levels; the driver must not read it
 void appendValue(bson_t* bson, const char* key, const Value& value);
 /// Returns the value of the current field of @p iter. @throws FormatError if the BSON is invalid
 Value valueAt(const bson_iter_t& iter);

@@ -4,6 +4,7 @@
 #include "dbc/collection.h"
 
 #include "collection/collection_state.h"
+#include "collection/names.h"
 
 #include <utility>
 
@@ -12,8 +13,8 @@ namespace dbc {
 CollectionHandle Collection::State::open() const
 {
     mongoc_client_t* const connected = client.connected().get();
-    DataBaseClientPrivate::check_argument(database, "Database name");
-    DataBaseClientPrivate::check_argument(name, "Collection name");
+    checkName(database, "Database name");
+    checkName(name, "Collection name");
     return CollectionHandle(mongoc_client_get_collection(connected, database.c_str(), name.c_str()));
 }
 

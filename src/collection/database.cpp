@@ -6,6 +6,7 @@
 #include "collection/bson_reader.h"
 #include "collection/bson_value.h"
 #include "collection/driver_error.h"
+#include "collection/names.h"
 #include "collection/options_bson.h"
 #include "collection/outgoing.h"
 #include "database_client/client_access.h"
@@ -22,7 +23,7 @@ struct Database::State
     DatabaseHandle open() const
     {
         mongoc_client_t* const connected = access.connected().get();
-        DataBaseClientPrivate::check_argument(name, "Database name");
+        checkName(name, "Database name");
         return DatabaseHandle(mongoc_client_get_database(connected, name.c_str()));
     }
 
@@ -59,6 +60,8 @@ void appendRoles(bson_t* command, const std::vector<Role>& roles, const std::str
     std::size_t index = 0;
     for (const Role& role : roles)
     {
+        checkNoZeroByte(role.name, "Role name");
+        checkNoZeroByte(role.database, "Database name");
         OwnedBson entry;
         BSON_APPEND_UTF8(entry.get(), "role", role.name.c_str());
         BSON_APPEND_UTF8(entry.get(), "db", role.database.empty() ? database.c_str() : role.database.c_str());
@@ -101,7 +104,7 @@ std::vector<std::string> Database::collectionNames()
 Collection Database::createCollection(const std::string& name, const CreateCollectionOptions& options)
 {
     const DatabaseHandle database = d->open();
-    DataBaseClientPrivate::check_argument(name, "Collection name");
+    checkName(name, "Collection name");
 
     DriverOptions driverOptions;
     if (isSet(options.validator))
@@ -173,8 +176,8 @@ std::vector<UserInfo> Database::users()
 void Database::addUser(const std::string& name, const std::string& password, const std::vector<Role>& roles)
 {
     const DatabaseHandle database = d->open();
-    DataBaseClientPrivate::check_argument(name, "User name");
-    DataBaseClientPrivate::check_argument(password, "Password");
+    checkName(name, "User name");
+    checkName(password, "Password");
     OwnedBson command;
     BSON_APPEND_UTF8(command.get(), "createUser", name.c_str());
     BSON_APPEND_UTF8(command.get(), "pwd", password.c_str());
@@ -185,7 +188,7 @@ void Database::addUser(const std::string& name, const std::string& password, con
 void Database::setRoles(const std::string& name, const std::vector<Role>& roles)
 {
     const DatabaseHandle database = d->open();
-    DataBaseClientPrivate::check_argument(name, "User name");
+    checkName(name, "User name");
     OwnedBson command;
     BSON_APPEND_UTF8(command.get(), "updateUser", name.c_str());
     appendRoles(command.get(), roles, d->name);
@@ -195,8 +198,8 @@ void Database::setRoles(const std::string& name, const std::vector<Role>& roles)
 void Database::setPassword(const std::string& name, const std::string& password)
 {
     const DatabaseHandle database = d->open();
-    DataBaseClientPrivate::check_argument(name, "User name");
-    DataBaseClientPrivate::check_argument(password, "Password");
+    checkName(name, "User name");
+    checkName(password, "Password");
     OwnedBson command;
     BSON_APPEND_UTF8(command.get(), "updateUser", name.c_str());
     BSON_APPEND_UTF8(command.get(), "pwd", password.c_str());
@@ -206,7 +209,7 @@ void Database::setPassword(const std::string& name, const std::string& password)
 void Database::removeUser(const std::string& name)
 {
     const DatabaseHandle database = d->open();
-    DataBaseClientPrivate::check_argument(name, "User name");
+    checkName(name, "User name");
     OwnedBson command;
     BSON_APPEND_UTF8(command.get(), "dropUser", name.c_str());
     runUserCommand(database, command.get(), "Removing the user failed");

@@ -7,6 +7,7 @@
 #include "collection/bson_value.h"
 #include "collection/file_chunks.h"
 #include "collection/file_reader.h"
+#include "collection/names.h"
 #include "collection/options_bson.h"
 #include "collection/outgoing.h"
 #include "collection/relabel.h"
@@ -60,8 +61,8 @@ struct FileStore::State
     void check() const
     {
         static_cast<void>(client.connected());
-        DataBaseClientPrivate::check_argument(database, "Database name");
-        DataBaseClientPrivate::check_argument(name, "GridFS collection name");
+        checkName(database, "Database name");
+        checkName(name, "GridFS collection name");
     }
 
     Collection files() const { return Collection(client.client(), database, name + ".files"); }
@@ -331,9 +332,10 @@ FileStore::~FileStore() = default;
 FileInfo FileStore::upload(const std::string& name, std::istream& source, const UploadOptions& options)
 {
     d->check();
-    DataBaseClientPrivate::check_argument(name, "GridFS file name");
+    checkName(name, "GridFS file name");
     if (options.chunkSize == 0 || options.chunkSize > largestChunk)
         throw std::invalid_argument("Chunk size is out of range");
+    checkNoZeroByte(options.contentType, "Content type");
     const OutgoingBson checked(options.metadata, "Bad properties"); // throws before anything is sent
     return relabelled(uploadFailed, [&] {
         d->createIndexes();
@@ -344,7 +346,7 @@ FileInfo FileStore::upload(const std::string& name, std::istream& source, const 
 FileInfo FileStore::uploadFile(const std::string& name, const std::string& path, const UploadOptions& options)
 {
     d->check();
-    DataBaseClientPrivate::check_argument(name, "GridFS file name");
+    checkName(name, "GridFS file name");
     std::ifstream source(path, std::ios::binary);
     if (!source)
         throw std::system_error(errno, std::generic_category(), path);
@@ -354,7 +356,7 @@ FileInfo FileStore::uploadFile(const std::string& name, const std::string& path,
 FileInfo FileStore::download(const std::string& name, std::ostream& target, const DownloadOptions& options)
 {
     d->check();
-    DataBaseClientPrivate::check_argument(name, "GridFS file name");
+    checkName(name, "GridFS file name");
     return d->download({{"filename", name}}, target, options);
 }
 
@@ -367,7 +369,7 @@ FileInfo FileStore::downloadById(const Value& id, std::ostream& target, const Do
 std::unique_ptr<FileReader> FileStore::open(const std::string& name)
 {
     d->check();
-    DataBaseClientPrivate::check_argument(name, "GridFS file name");
+    checkName(name, "GridFS file name");
     return FileReader::Buffer::reader(d->content({{"filename", name}}));
 }
 
@@ -380,7 +382,7 @@ std::unique_ptr<FileReader> FileStore::openById(const Value& id)
 std::optional<FileInfo> FileStore::find(const std::string& name)
 {
     d->check();
-    DataBaseClientPrivate::check_argument(name, "GridFS file name");
+    checkName(name, "GridFS file name");
     return d->first({{"filename", name}}, listingFailed);
 }
 
@@ -403,7 +405,7 @@ bool FileStore::removeById(const Value& id)
 std::size_t FileStore::remove(const std::string& name)
 {
     d->check();
-    DataBaseClientPrivate::check_argument(name, "GridFS file name");
+    checkName(name, "GridFS file name");
     std::size_t count = 0;
     for (const FileInfo& file : d->list({{"filename", name}}, {}, "Removing the file failed"))
         count += d->removeById(file.id) ? 1 : 0;
@@ -413,7 +415,7 @@ std::size_t FileStore::remove(const std::string& name)
 bool FileStore::rename(const Value& id, const std::string& newName)
 {
     d->check();
-    DataBaseClientPrivate::check_argument(newName, "GridFS file name");
+    checkName(newName, "GridFS file name");
     return relabelled("Renaming the file failed", [&] {
         UpdateOptions options;
         options.writeConcern = d->writeConcern();

@@ -4,6 +4,7 @@
 #include "collection/options_bson.h"
 
 #include "collection/bson_value.h"
+#include "collection/names.h"
 
 #include <cstdint>
 #include <string>
@@ -36,6 +37,7 @@ DriverOptions& DriverOptions::add(const std::optional<WriteConcern>& writeConcer
     if (!writeConcern)
         return *this;
     OwnedBson concern;
+    checkNoZeroByte(writeConcern->tag, "Write concern tag");
     if (!writeConcern->tag.empty())
         BSON_APPEND_UTF8(concern.get(), "w", writeConcern->tag.c_str());
     else if (writeConcern->nodes)
@@ -73,6 +75,7 @@ DriverOptions& DriverOptions::add(const char* key, const Sort& sort)
     OwnedBson fields;
     for (const SortField& field : sort)
     {
+        checkNoZeroByte(field.field, "Field name");
         bson_append_int32(fields.get(), field.field.c_str(), static_cast<int>(field.field.size()),
                           static_cast<int>(field.order));
     }

@@ -8,6 +8,7 @@
 #include "collection/collection_state.h"
 #include "collection/cursor_state.h"
 #include "collection/driver_error.h"
+#include "collection/names.h"
 #include "collection/options_bson.h"
 #include "collection/outgoing.h"
 #include "database_client/cursors.h"
@@ -212,7 +213,7 @@ std::vector<Value> Collection::distinct(const std::string& field, const Document
                                         const DistinctOptions& options)
 {
     const CollectionHandle source = d->open();
-    DataBaseClientPrivate::check_argument(field, "Field name");
+    checkName(field, "Field name");
     const OutgoingBson condition(filter, "Bad condition");
 
     DriverOptions command;

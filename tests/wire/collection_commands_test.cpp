@@ -235,18 +235,66 @@ TEST_F(CollectionCommand, IsNotSentWhenAnArgumentIsRefused)
     EXPECT_EQ(gateway().names(), std::vector<std::string>{});
 }
 
+TEST_F(CollectionCommand, IsNotSentForANameWithAZeroByte)
+{
+    const std::string zero("a\0b", 3);
+    const auto refusal = [](const char* what) {
+        return std::string("invalid_argument: ") + what + " contains a zero byte";
+    };
+    EXPECT_EQ(thrownText([&] { Collection(client(), zero, "c").drop(); }), refusal("Database name"));
+    EXPECT_EQ(thrownText([&] { Collection(client(), "d", zero).drop(); }), refusal("Collection name"));
+    EXPECT_EQ(thrownText([&] { collection().rename(zero); }), refusal("New collection name"));
+    EXPECT_EQ(thrownText([&] { collection().dropIndex(zero); }), refusal("Index name"));
+    EXPECT_EQ(thrownText([&] { collection().createIndex({{zero}}); }), refusal("Field name"));
+    EXPECT_EQ(thrownText([&] { collection().distinct(zero); }), refusal("Field name"));
+    dbc::IndexOptions index;
+    index.name = zero;
+    EXPECT_EQ(thrownText([&] { collection().createIndex({{"a"}}, index); }), refusal("Index name"));
+    dbc::FindOptions sorted;
+    sorted.sort = {{zero}};
+    EXPECT_EQ(thrownText([&] { collection().find({}, sorted); }), refusal("Field name"));
+    EXPECT_EQ(gateway().names(), std::vector<std::string>{});
+}
+
+Value nested(int levels)
+{
+    Value value = 1;
+    for (int level = 0; level < levels; ++level)
+    {
+        Value outer;
+        outer.append("a", std::move(value));
+        value = std::move(outer);
+    }
+    return value;
+}
+
+TEST_F(CollectionCommand, IsNotSentWithAnOptionNestedDeeperThanTheDriverCanWalk)
+{
+    const Value deep = nested(300000); // exhausts the stack of a recursive function
+    const std::string refusal = "invalid_argument: Bad options";
+    dbc::FindOptions find;
+    find.comment = deep;
+    EXPECT_EQ(thrownText([&] { collection().find({}, find); }), refusal);
+    dbc::CountOptions count;
+    count.hint = deep;
+    EXPECT_EQ(thrownText([&] { collection().count({}, count); }), refusal);
+    dbc::InsertOneOptions insert;
+    insert.comment = deep;
+    EXPECT_EQ(thrownText([&] { collection().insertOne({{"a", 1}}, insert); }), refusal);
+    dbc::RemoveOptions remove;
+    remove.hint = deep;
+    EXPECT_EQ(thrownText([&] { collection().removeMany({}, remove); }), refusal);
+    dbc::FindOneAndRemoveOptions findAndRemove;
+    findAndRemove.projection = deep;
+    EXPECT_EQ(thrownText([&] { collection().findOneAndRemove({}, findAndRemove); }), refusal);
+    dbc::IndexOptions index;
+    index.partialFilter = deep;
+    EXPECT_EQ(thrownText([&] { collection().createIndex({{"a"}}, index); }), refusal);
+    EXPECT_EQ(gateway().names(), std::vector<std::string>{});
+}
+
 TEST_F(CollectionCommand, IsNotSentWithADocumentNestedDeeperThanTheDriverCanWalk)
 {
-    const auto nested = [](int levels) {
-        Value value = 1;
-        for (int level = 0; level < levels; ++level)
-        {
-            Value outer;
-            outer.append("a", std::move(value));
-            value = std::move(outer);
-        }
-        return value;
-    };
     const std::vector<std::uint8_t> bytes = nested(1002).toBson();
 
     EXPECT_EQ(thrownText([&] { collection().insertOne(nested(1002)); }), "invalid_argument: Bad properties");

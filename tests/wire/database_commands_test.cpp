@@ -129,6 +129,24 @@ TEST_F(DatabaseCommand, OfUsersIsRefusedForAnEmptyName)
     EXPECT_EQ(gateway().names(), std::vector<std::string>{});
 }
 
+TEST_F(DatabaseCommand, IsRefusedForANameWithAZeroByte)
+{
+    const std::string zero("a\0b", 3);
+    const auto refusal = [](const char* what) {
+        return std::string("invalid_argument: ") + what + " contains a zero byte";
+    };
+    EXPECT_EQ(thrownText([&] { Database(client(), zero).drop(); }), refusal("Database name"));
+    EXPECT_EQ(thrownText([&] { target().createCollection(zero); }), refusal("Collection name"));
+    EXPECT_EQ(thrownText([&] { target().addUser(zero, "p", {}); }), refusal("User name"));
+    EXPECT_EQ(thrownText([&] { target().addUser("u", zero, {}); }), refusal("Password"));
+    EXPECT_EQ(thrownText([&] { target().addUser("u", "p", {{zero}}); }), refusal("Role name"));
+    EXPECT_EQ(thrownText([&] { target().addUser("u", "p", {{"read", zero}}); }), refusal("Database name"));
+    EXPECT_EQ(thrownText([&] { target().setRoles(zero, {}); }), refusal("User name"));
+    EXPECT_EQ(thrownText([&] { target().setPassword("u", zero); }), refusal("Password"));
+    EXPECT_EQ(thrownText([&] { target().removeUser(zero); }), refusal("User name"));
+    EXPECT_EQ(gateway().names(), std::vector<std::string>{});
+}
+
 TEST(DatabaseUsers, AreCreatedListedAndRemovedOnAServerWithAuthentication)
 {
     const ScratchDatabase scratch(TestServer::instance().directAuthUri());

@@ -373,6 +373,15 @@ TEST_F(FileStoreOnServer, ArgumentsAreRefusedBeforeAnythingIsSent)
     EXPECT_EQ(thrownText([&] { store().find(""); }), "invalid_argument: GridFS file name is empty");
     EXPECT_EQ(thrownText([&] { store().remove(""); }), "invalid_argument: GridFS file name is empty");
     EXPECT_EQ(thrownText([&] { store().rename(Value(1), ""); }), "invalid_argument: GridFS file name is empty");
+    const std::string zero("a\0b", 3);
+    EXPECT_EQ(thrownText([&] { store().upload(zero, source); }),
+              "invalid_argument: GridFS file name contains a zero byte");
+    EXPECT_EQ(thrownText([&] { store().rename(Value(1), zero); }),
+              "invalid_argument: GridFS file name contains a zero byte");
+    options = {};
+    options.contentType = zero;
+    EXPECT_EQ(thrownText([&] { store().upload("f", source, options); }),
+              "invalid_argument: Content type contains a zero byte");
     EXPECT_EQ(gateway().names(), std::vector<std::string>{});
     try
     {
