@@ -21,21 +21,6 @@
 namespace dbc {
 namespace {
 
-// Passes the first value of the options to a setter of the driver. Does nothing if there are no options.
-template <typename Setter>
-void setFields(const FindAndModifyHandle& modification, Setter setter, const DriverOptions& options)
-{
-    bson_t document;
-    const std::uint8_t* data = nullptr;
-    std::uint32_t length = 0;
-    bson_iter_t iter;
-    if (!bson_iter_init(&iter, options.get()) || !bson_iter_next(&iter) || !BSON_ITER_HOLDS_DOCUMENT(&iter))
-        return;
-    bson_iter_document(&iter, &length, &data);
-    if (bson_init_static(&document, data, length))
-        setter(modification.get(), &document);
-}
-
 // Options is one of the FindOneAnd... structs.
 template <typename Options>
 std::optional<Value> findAndModify(const CollectionHandle& target, const char* message, const DocumentRef& filter,
@@ -50,7 +35,9 @@ std::optional<Value> findAndModify(const CollectionHandle& target, const char* m
     const FindAndModifyHandle modification(mongoc_find_and_modify_opts_new());
     int flags = removes ? MONGOC_FIND_AND_MODIFY_REMOVE : MONGOC_FIND_AND_MODIFY_NONE;
     DriverOptions extra;
-    extra.addNumber("maxTimeMS", options.timeLimit.count())
+    extra.add("sort", options.sort)
+        .add("fields", options.projection)
+        .addNumber("maxTimeMS", options.timeLimit.count())
         .add("hint", options.hint)
         .add("collation", options.collation)
         .add("let", options.let)
@@ -66,8 +53,6 @@ std::optional<Value> findAndModify(const CollectionHandle& target, const char* m
     if constexpr (std::is_same_v<Options, FindOneAndUpdateOptions>)
         extra.add("arrayFilters", options.arrayFilters);
     mongoc_find_and_modify_opts_set_flags(modification.get(), static_cast<mongoc_find_and_modify_flags_t>(flags));
-    setFields(modification, &mongoc_find_and_modify_opts_set_sort, DriverOptions().add("", options.sort));
-    setFields(modification, &mongoc_find_and_modify_opts_set_fields, DriverOptions().add("", options.projection));
     OwnedBson reply;
     bson_error_t error{};
     if (!mongoc_find_and_modify_opts_append(modification.get(), extra.get()) ||

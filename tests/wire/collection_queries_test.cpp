@@ -86,6 +86,17 @@ TEST_F(CollectionQuery, FindOneAndUpdateCarriesEveryOption)
         EXPECT_NE(command.find(part), std::string::npos) << part << " in " << command;
 }
 
+TEST_F(CollectionQuery, FindOneAndRemoveSendsAProjectionThatIsNoObject)
+{
+    dbc::FindOneAndRemoveOptions options;
+    options.projection = "a";
+    reply("findAndModify", R"({"ok": 0, "errmsg": "fields must be an object", "code": 14})");
+
+    EXPECT_THROW(collection().findOneAndRemove({}, options), dbc::ServerError);
+
+    EXPECT_NE(sent("findAndModify").find(R"("fields" : "a")"), std::string::npos) << sent("findAndModify");
+}
+
 TEST_F(CollectionQuery, FindOneAndReplaceAndRemoveReturnTheDocumentBefore)
 {
     EXPECT_EQ(collection().findOneAndReplace({{"_id", 2}}, {{"b", 1}}), (Value{{"_id", 2}, {"a", 7}}));
