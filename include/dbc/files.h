@@ -279,10 +279,16 @@ inline void writeFile(DataBaseClient& client, const std::string& database, const
 inline void writeFile(DataBaseClient& client, const std::string& database, const std::string& gridFsCollection,
                       const std::string& fileName, std::istream& source)
 {
-    writeFile(client, database, gridFsCollection, fileName, [&source](char* buffer, std::size_t capacity) {
-        source.read(buffer, static_cast<std::streamsize>(capacity));
-        if (source.bad())
+    const auto requireThat = [](bool isReadable) {
+        if (!isReadable)
             throw std::runtime_error("The source of the file cannot be read");
+    };
+    // Otherwise a file that could not be opened would be stored as an empty one. A stream that was read to its end has
+    // failed too.
+    requireThat(!source.fail() || source.eof());
+    writeFile(client, database, gridFsCollection, fileName, [&](char* buffer, std::size_t capacity) {
+        source.read(buffer, static_cast<std::streamsize>(capacity));
+        requireThat(!source.bad());
         return static_cast<std::size_t>(source.gcount());
     });
 }

@@ -45,6 +45,12 @@ bson_t viewOf(const BsonView& view)
     return bson;
 }
 
+void requireReadable(bool isReadable)
+{
+    if (!isReadable)
+        throw std::runtime_error("The source of the file cannot be read");
+}
+
 [[noreturn]] void throwNotFound()
 {
     ErrorDetails details;
@@ -204,8 +210,7 @@ private:
     std::optional<BsonView> nextChunk(std::istream& source)
     {
         source.read(m_buffer.data(), static_cast<std::streamsize>(m_buffer.size()));
-        if (source.bad())
-            throw std::runtime_error("The source of the file cannot be read");
+        requireReadable(!source.bad());
         const auto count = static_cast<std::uint32_t>(source.gcount());
         if (count == 0)
             return std::nullopt;
@@ -336,6 +341,9 @@ FileInfo FileStore::upload(const std::string& name, std::istream& source, const 
     if (options.chunkSize == 0 || options.chunkSize > largestChunk)
         throw std::invalid_argument("Chunk size is out of range");
     checkNoZeroByte(options.contentType, "Content type");
+    // Otherwise a file that could not be opened would be stored as an empty one. A stream that was read to its end has
+    // failed too.
+    requireReadable(!source.fail() || source.eof());
     const OutgoingBson checked(options.metadata, "Bad properties"); // throws before anything is sent
     return relabelled(uploadFailed, [&] {
         d->createIndexes();

@@ -347,6 +347,9 @@ TEST_F(FileStoreOnServer, StreamsThatFailEndTheCopy)
     std::ifstream directory("/");
     EXPECT_EQ(thrownText([&] { store().upload("g", directory); }),
               "runtime_error: The source of the file cannot be read");
+    std::ifstream missing("/nonexistent");
+    EXPECT_EQ(thrownText([&] { store().upload("g", missing); }),
+              "runtime_error: The source of the file cannot be read");
     EXPECT_THROW(store().uploadFile("g", "/nonexistent"), std::system_error);
     EXPECT_EQ(records(), 1U);
 }

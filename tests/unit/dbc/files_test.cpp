@@ -274,6 +274,16 @@ TEST(StoringAStream, ThatBreaksStoresNothing)
     EXPECT_TRUE(client.steps.empty());
 }
 
+TEST(StoringAStream, ThatIsNotOpenStoresNothing)
+{
+    LocalFiles client;
+    std::ifstream source("/nonexistent");
+
+    EXPECT_THROW(dbc::writeFile(client, "d", "fs", "name", source), std::runtime_error);
+
+    EXPECT_TRUE(client.steps.empty());
+}
+
 TEST(StoringAStream, StoresItFromItsReadPositionOn)
 {
     LocalFiles client;
