@@ -216,9 +216,12 @@ private:
             return std::nullopt;
 
         bson_oid_t id;
-        m_lastChunk = newId(id);
-        if (m_chunkCount == 0)
-            m_firstChunk = m_lastChunk;
+        // Usually the last id, but the clock may be set back, and the counter in the ids overflows.
+        const Value chunk = newId(id);
+        if (m_chunkCount == 0 || chunk < m_lowestChunk)
+            m_lowestChunk = chunk;
+        if (m_chunkCount == 0 || chunk > m_highestChunk)
+            m_highestChunk = chunk;
         bson_reinit(m_chunk.get());
         BSON_APPEND_OID(m_chunk.get(), "_id", &id);
         appendValue(m_chunk.get(), "files_id", m_info.id);
@@ -249,7 +252,7 @@ private:
     // Matches only chunks of this upload, because a file with the id that the caller chose may already exist.
     Value ownChunks() const
     {
-        return {{"files_id", m_info.id}, {"_id", {{"$gte", m_firstChunk}, {"$lte", m_lastChunk}}}};
+        return {{"files_id", m_info.id}, {"_id", {{"$gte", m_lowestChunk}, {"$lte", m_highestChunk}}}};
     }
 
     void writeRecord()
@@ -318,8 +321,8 @@ private:
     FileInfo m_info;
     std::int32_t m_chunkCount = 0;
     bool m_mayHaveRecord = false;
-    Value m_firstChunk;
-    Value m_lastChunk;
+    Value m_lowestChunk; // of the ids
+    Value m_highestChunk;
 };
 
 } // namespace

@@ -10,6 +10,7 @@ namespace {
 long live = 0;
 std::size_t untilFailure = 0;      // 0: no call fails
 std::size_t untilBrokenResult = 0; // 0: no result is broken
+bool idsDescend = false;
 
 bool failsNow()
 {
@@ -61,6 +62,16 @@ BrokenResult::BrokenResult(std::size_t number)
 BrokenResult::~BrokenResult()
 {
     untilBrokenResult = 0;
+}
+
+DescendingIds::DescendingIds()
+{
+    idsDescend = true;
+}
+
+DescendingIds::~DescendingIds()
+{
+    idsDescend = false;
 }
 
 } // namespace counted_driver
@@ -220,3 +231,14 @@ FAILING(ssize_t, mongoc_stream_readv,
         (mongoc_stream_t * stream, mongoc_iovec_t* vectors, size_t count, size_t minimum, int32_t timeout),
         (stream, vectors, count, minimum, timeout), -1)
 DESTROYED(mongoc_stream_t*, mongoc_stream_destroy)
+
+// The complement of each byte reverses the order. Visible, because the driver calls the function too.
+extern "C" void __real_bson_oid_init(bson_oid_t* id, bson_context_t* context);
+extern "C" [[gnu::visibility("default")]] void __wrap_bson_oid_init(bson_oid_t* id, bson_context_t* context)
+{
+    __real_bson_oid_init(id, context);
+    if (!idsDescend)
+        return;
+    for (std::uint8_t& byte : id->bytes)
+        byte = static_cast<std::uint8_t>(~byte);
+}

@@ -36,4 +36,14 @@ public:
     BrokenResult& operator=(const BrokenResult&) = delete;
 };
 
+/// While it exists, each new object id is less than the one before, as after the clock was set back.
+class DescendingIds
+{
+public:
+    DescendingIds();
+    ~DescendingIds();
+    DescendingIds(const DescendingIds&) = delete;
+    DescendingIds& operator=(const DescendingIds&) = delete;
+};
+
 } // namespace counted_driver

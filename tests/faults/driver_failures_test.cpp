@@ -8,6 +8,7 @@
 #include "connected_client.h"
 #include "counted_driver.h"
 #include "database_client/database_client_d.h"
+#include "dbc/file_store.h"
 #include "pattern_text.h"
 #include "row_name.h"
 
@@ -16,6 +17,7 @@
 #include <functional>
 #include <istream>
 #include <set>
+#include <sstream>
 #include <streambuf>
 
 namespace test_support {
@@ -271,6 +273,23 @@ TEST_F(ImplementationOfAClient, ReadsAllThatMatchesTheQuery)
     dbc::Results all;
     implementation.read(database(), "c", ObjectProperties(), all);
     EXPECT_EQ(all.size(), 3U);
+}
+
+using StoreOfFiles = ConnectedClient;
+
+TEST_F(StoreOfFiles, UploadsChunksWhoseIdsDescend)
+{
+    const counted_driver::DescendingIds descending;
+    dbc::FileStore store(client(), database());
+    dbc::UploadOptions options;
+    options.chunkSize = 10;
+    std::istringstream source("a file of three chunks");
+
+    EXPECT_EQ(thrownText([&] { store.upload("f", source, options); }), "");
+
+    std::ostringstream target;
+    store.download("f", target);
+    EXPECT_EQ(target.str(), "a file of three chunks");
 }
 
 TEST(DriverObjects, AreDestroyedWithTheClient)
