@@ -9,6 +9,7 @@
 
 #include "database_client_export.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <exception>
 #include <memory>
@@ -229,7 +230,7 @@ inline ErrorInfo describe(const std::exception& error)
         if (serverError->code() != 0)
         {
             info.code = serverError->code();
-            info.text.erase(info.text.rfind("(code: "));
+            info.text.erase(std::min(info.text.rfind("(code: "), info.text.size())); // what() may end at a zero byte
         }
         return info;
     }

@@ -88,6 +88,16 @@ TEST(Errors, TextDoesNotContainTheCode)
     EXPECT_EQ(describe(std::runtime_error("Updating failed: D(code: x)")).text, "Updating failed: D(code: x)");
 }
 
+TEST(Errors, OfATextWithAZeroByteAreDescribed)
+{
+    dbc::ErrorDetails details;
+    details.text = std::string("a\0b", 3);
+    details.code = 7;
+    const auto info = describe(dbc::ServerError("Find failed", details));
+    EXPECT_EQ(info.text, "Find failed: a");
+    EXPECT_EQ(info.code, 7);
+}
+
 TEST(ErrorKinds, HaveDifferentNames)
 {
     std::set<std::string> names;
