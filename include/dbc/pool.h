@@ -8,6 +8,7 @@
 
 #include "database_client.h"
 
+#include <algorithm>
 #include <chrono>
 #include <condition_variable>
 #include <cstddef>
@@ -96,15 +97,18 @@ public:
         }
     }
 
-    /// Leases a client. Waits up to @p limit if all clients are leased.
+    /// Leases a client. Waits up to @p timeout if all clients are leased.
     /// @return empty after a timeout
     /// @throws std::logic_error in a child process of the process that created the pool
-    std::optional<Lease> tryLease(std::chrono::milliseconds limit)
+    std::optional<Lease> tryLease(std::chrono::milliseconds timeout)
     {
         if (::getpid() != m_owner)
             throw std::logic_error("The pool belongs to the parent process");
+        // A longer wait would overflow the clock, and end at once.
+        constexpr std::chrono::hours longest(24 * 365);
         std::unique_lock<std::mutex> lock(m_mutex);
-        if (!m_returned.wait_for(lock, limit, [this] { return !m_idle.empty() || m_clients < m_limit; }))
+        const auto isFree = [this] { return !m_idle.empty() || m_clients < m_limit; };
+        if (!m_returned.wait_for(lock, std::min<std::chrono::milliseconds>(timeout, longest), isFree))
             return std::nullopt;
         if (!m_idle.empty())
         {
@@ -117,12 +121,12 @@ public:
         return Lease(*this, std::move(client));
     }
 
-    /// Leases a client. Waits up to @p limit if all clients are leased.
+    /// Leases a client. Waits up to @p timeout if all clients are leased.
     /// @throws std::runtime_error "No client was free in time"
     /// @throws std::logic_error   in a child process of the process that created the pool
-    Lease lease(std::chrono::milliseconds limit)
+    Lease lease(std::chrono::milliseconds timeout)
     {
-        auto result = tryLease(limit);
+        auto result = tryLease(timeout);
         if (!result)
             throw std::runtime_error("No client was free in time");
         return *std::move(result);

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <future>
 #include <optional>
 #include <set>
 #include <stdexcept>
@@ -76,6 +77,16 @@ TEST(ClientPool, WakesTheOneThatWaits)
     std::thread waiter([&pool] { EXPECT_TRUE(pool.tryLease(std::chrono::minutes(1))); });
     lease.reset();
     waiter.join();
+}
+
+TEST(ClientPool, WaitsForTheLongestTimeThereIs)
+{
+    ClientPool pool(nowhere, 1);
+    auto lease = std::make_optional(pool.lease(milliseconds(0)));
+    auto waiter = std::async(std::launch::async, [&pool] { return pool.tryLease(milliseconds::max()).has_value(); });
+    EXPECT_EQ(waiter.wait_for(milliseconds(100)), std::future_status::timeout) << "it did not wait";
+    lease.reset();
+    EXPECT_TRUE(waiter.get());
 }
 
 TEST(ClientPool, ServesManyThreads)
