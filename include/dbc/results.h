@@ -12,6 +12,7 @@
 #include <iterator>
 #include <list>
 #include <memory>
+#include <type_traits>
 
 namespace dbc {
 
@@ -39,6 +40,11 @@ class Results
 
         Iterator() = default;
         explicit Iterator(ListIterator place) : m_place(place) {}
+        /// From an iterator over documents that can be changed.
+        template <typename OtherIterator, typename OtherDocument,
+                  typename = std::enable_if_t<std::is_convertible_v<OtherDocument*, Document*>>>
+        Iterator(const Iterator<OtherIterator, OtherDocument>& other) : m_place(other.m_place)
+        {}
 
         reference operator*() const { return **m_place; }
         pointer operator->() const { return *m_place; }
@@ -58,6 +64,8 @@ class Results
         friend bool operator!=(const Iterator& left, const Iterator& right) { return left.m_place != right.m_place; }
 
     private:
+        template <typename, typename>
+        friend class Results::Iterator;
         ListIterator m_place{};
     };
 

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <list>
 #include <string>
+#include <type_traits>
 #include <utility>
 
 namespace {
@@ -79,6 +80,12 @@ TEST(Results, IsIteratedInOrderAsDocuments)
     });
     ASSERT_NE(second, results.end());
     EXPECT_EQ(second->valueAsInt("n", -1), 1);
+}
+
+TEST(Results, IteratorConvertsToAConstIterator)
+{
+    EXPECT_TRUE((std::is_convertible_v<Results::iterator, Results::const_iterator>));
+    EXPECT_FALSE((std::is_convertible_v<Results::const_iterator, Results::iterator>));
 }
 
 TEST(Results, TakeFrontMovesTheFirstDocumentOut)
