@@ -404,6 +404,15 @@ public:
     Value* findPath(std::string_view path) noexcept { return const_cast<Value*>(std::as_const(*this).findPath(path)); }
     /// True if there is a field with this key.
     bool contains(std::string_view key) const noexcept { return find(key) != nullptr; }
+    /// Does not compile, because the number 0 would be a null pointer to a path. Use at(0) for the first element.
+    template <typename T>
+    std::optional<T> get(std::nullptr_t path) const = delete;
+    /// As above.
+    template <typename T>
+    T getOr(std::nullptr_t path, T fallback) const = delete;
+    const Value* find(std::nullptr_t key) const = delete;      ///< As above.
+    const Value* findPath(std::nullptr_t path) const = delete; ///< As above.
+    bool contains(std::nullptr_t key) const = delete;          ///< As above.
     /// Returns the first field with this key. @throws std::out_of_range if there is no such field
     DATABASE_CLIENT_API const Value& at(std::string_view key) const;
     /// Returns the element or the value of the field at @p index.
@@ -447,6 +456,8 @@ public:
     DATABASE_CLIENT_API Value& push(Value value);
     /// Removes every field with this key and returns their number. Takes time proportional to the number of fields.
     DATABASE_CLIENT_API std::size_t remove(std::string_view key);
+    /// Does not compile, because the number 0 would be a null pointer to a key. Use removeAt(0) for the first element.
+    std::size_t remove(std::nullptr_t key) = delete;
     /// Removes the field or element at @p index. Takes time proportional to the number of items after it.
     /// @throws std::out_of_range if there is no such element or field
     DATABASE_CLIENT_API void removeAt(std::size_t index);
@@ -692,6 +703,16 @@ inline bool operator>=(const Value& left, const Value& right)
 {
     return left.compare(right) >= 0;
 }
+
+/// Does not compile: as values, an object id and a string are never equal. Compare the id with an ObjectId.
+template <typename Text, typename = std::enable_if_t<detail::isText<Text>>>
+bool operator==(const ObjectId& left, const Text& right) = delete;
+template <typename Text, typename = std::enable_if_t<detail::isText<Text>>>
+bool operator==(const Text& left, const ObjectId& right) = delete; ///< As above.
+template <typename Text, typename = std::enable_if_t<detail::isText<Text>>>
+bool operator!=(const ObjectId& left, const Text& right) = delete; ///< As above.
+template <typename Text, typename = std::enable_if_t<detail::isText<Text>>>
+bool operator!=(const Text& left, const ObjectId& right) = delete; ///< As above.
 
 /// Writes the value as relaxed JSON. If JSON is not possible, writes its type in angle brackets.
 DATABASE_CLIENT_API std::ostream& operator<<(std::ostream& stream, const Value& value);

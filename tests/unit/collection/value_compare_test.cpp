@@ -7,6 +7,9 @@
 
 #include <limits>
 #include <string>
+#include <string_view>
+#include <type_traits>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -125,6 +128,23 @@ TEST(ValueEquality, IsThatOfNumbersWhateverTheirTypes)
     EXPECT_EQ(Value(Decimal128::parse("Infinity")), Value(infinity));
     EXPECT_EQ(Value(-0.0), Value(0));
     EXPECT_EQ(Value({{"a", array({1L})}}), Value({{"a", array({1.0})}}));
+}
+
+template <typename Left, typename Right, typename = void>
+struct AreComparable : std::false_type
+{};
+template <typename Left, typename Right>
+struct AreComparable<Left, Right, std::void_t<decltype(std::declval<Left>() == std::declval<Right>())>> : std::true_type
+{};
+
+// As values they would never be equal, because an object id is not a string.
+TEST(ValueEquality, OfAnObjectIdAndAStringDoesNotCompile)
+{
+    EXPECT_TRUE((AreComparable<dbc::ObjectId, dbc::ObjectId>::value));
+    EXPECT_TRUE((AreComparable<Value, dbc::ObjectId>::value && AreComparable<dbc::ObjectId, Value>::value));
+    EXPECT_FALSE((AreComparable<dbc::ObjectId, const char*>::value));
+    EXPECT_FALSE((AreComparable<dbc::ObjectId, std::string>::value));
+    EXPECT_FALSE((AreComparable<std::string_view, dbc::ObjectId>::value));
 }
 
 TEST(ValueEquality, DependsOnTheOrderOfFields)

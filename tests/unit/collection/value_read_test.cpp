@@ -300,6 +300,27 @@ TEST(ValueRead, FieldsAndElementsOfATemporaryValueDoNotCompile)
     EXPECT_FALSE(HasElements<Value>::value || HasElements<const Value>::value);
 }
 
+template <typename V, typename = void>
+struct TakesZeroAsKey : std::false_type
+{};
+template <typename V>
+struct TakesZeroAsKey<V, std::void_t<decltype(std::declval<V&>().template get<int>(0))>> : std::true_type
+{};
+template <typename V, typename = void>
+struct RemovesZero : std::false_type
+{};
+template <typename V>
+struct RemovesZero<V, std::void_t<decltype(std::declval<V&>().remove(0))>> : std::true_type
+{};
+
+// 0 would be a null pointer to the key.
+TEST(ValueRead, NumberInPlaceOfAKeyDoesNotCompile)
+{
+    EXPECT_FALSE(TakesZeroAsKey<Value>::value);
+    EXPECT_FALSE(RemovesZero<Value>::value);
+    EXPECT_EQ(dbc::array({5}).at(0), Value(5));
+}
+
 TEST(ValueRead, OfABareValueHasNoFieldsAndNoElements)
 {
     const Value number(1);
