@@ -286,7 +286,7 @@ public:
     /// - std::optional: its value, or null if it is empty
     /// - std::vector: an array, but an object for std::vector<Field> and a binary for Bytes
     /// - std::map and std::unordered_map with std::string keys: an object
-    /// @throws std::out_of_range      an unsigned number that is too large for an Int64
+    /// @throws std::out_of_range      an unsigned number that is too large for an Int64; a time that is out of range
     /// @throws std::invalid_argument  an ObjectId that is not 24 hexadecimal digits; a null const char*; a regular
     ///                                expression or a key with a zero byte
     /// @throws std::length_error      a string or binary of 2^31 - 1 bytes or more

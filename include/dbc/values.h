@@ -13,6 +13,7 @@
 #include <cstddef>
 #include <limits>
 #include <optional>
+#include <ratio>
 #include <stdexcept>
 #include <string>
 #include <type_traits>
@@ -49,9 +50,14 @@ struct RegularExpression
 };
 
 /// Converts a time point of the system clock to milliseconds, rounded down.
+/// @throws std::out_of_range if 64 bits cannot hold the milliseconds, such as for the largest number of hours
 template <typename Duration>
 Time toTime(std::chrono::time_point<std::chrono::system_clock, Duration> time)
 {
+    using Wide = std::chrono::time_point<std::chrono::system_clock, std::chrono::duration<long double, std::milli>>;
+    const Wide wide(time);
+    if (!(wide >= Wide(Time::min()) && wide <= Wide(Time::max())))
+        throw std::out_of_range("Time is outside the range of milliseconds");
     return std::chrono::floor<std::chrono::milliseconds>(time);
 }
 
@@ -74,7 +80,7 @@ inline std::string elementKey(std::size_t index, std::size_t count)
 {
     const std::string key = std::to_string(index);
     const std::size_t width = std::to_string(count > 0 ? count - 1 : 0).size();
-    return std::string(width - key.size(), '0') + key;
+    return std::string(width > key.size() ? width - key.size() : 0, '0') + key;
 }
 
 namespace detail {

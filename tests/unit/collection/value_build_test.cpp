@@ -77,6 +77,15 @@ TEST(ValueBuild, RoundsTimePointsDownToMilliseconds)
     EXPECT_EQ(Value(time_point<system_clock, hours>(hours(1))).get<dbc::Time>(), dbc::timeFromMilliseconds(3600000));
 }
 
+TEST(ValueBuild, RefusesATimeBeyondTheRangeOfMilliseconds)
+{
+    using Seconds = std::chrono::time_point<std::chrono::system_clock, std::chrono::seconds>;
+    EXPECT_THROW(Value(Seconds::max()), std::out_of_range);
+    EXPECT_THROW(Value(Seconds::min()), std::out_of_range);
+    EXPECT_EQ(Value(dbc::Time::max()).get<dbc::Time>(), dbc::Time::max());
+    EXPECT_EQ(Value(dbc::Time::min()).get<dbc::Time>(), dbc::Time::min());
+}
+
 TEST(ValueBuild, MakesNullOfAnEmptyOptional)
 {
     EXPECT_EQ(Value(std::optional<int>(7)), Value(7));

@@ -104,6 +104,12 @@ TEST(Build, ElementKeysHaveTheWidthOfTheLast)
     EXPECT_EQ(dbc::elementKey(7, 1001), "0007");
 }
 
+TEST(Build, ElementKeyBeyondTheLastHasNoLeadingZeros)
+{
+    EXPECT_EQ(dbc::elementKey(10, 10), "10");
+    EXPECT_EQ(dbc::elementKey(5, 0), "5");
+}
+
 TEST(Build, WritesIntegersByTheWidthOfTheirType)
 {
     const ObjectProperties built = document({{"short", static_cast<short>(-3)},
