@@ -46,7 +46,7 @@ void reportValue(const bson_iter_t& iter, const Report& report)
     else if (BSON_ITER_HOLDS_SYMBOL(&iter))
     {
         text = bson_iter_symbol(&iter, &length);
-        if (isCut(text, length > 0 ? length - 1 : 0))
+        if (isCut(text, length))
             report(Loss::TextWithZero);
     }
     else if (BSON_ITER_HOLDS_BINARY(&iter))

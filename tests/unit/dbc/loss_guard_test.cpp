@@ -128,6 +128,8 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"Symbol", [](bson_t* bson) { BSON_APPEND_SYMBOL(bson, "f", "x"); }, "f: symbol becomes a string\n"},
         Row{"SymbolWithZero", [](bson_t* bson) { bson_append_symbol(bson, "f", -1, "a\0b", 3); },
             "f: symbol becomes a string\nf: string is cut at its zero byte\n"},
+        Row{"SymbolThatEndsInZero", [](bson_t* bson) { bson_append_symbol(bson, "f", -1, "a\0", 2); },
+            "f: symbol becomes a string\nf: string is cut at its zero byte\n"},
         Row{"CodeWithScope", [](bson_t* bson) { appendScope(bson); }, "f: code with scope is dropped\n"},
         Row{"Int32", [](bson_t* bson) { BSON_APPEND_INT32(bson, "f", 1); }, ""},
         Row{"Timestamp", [](bson_t* bson) { BSON_APPEND_TIMESTAMP(bson, "f", 1, 2); }, "f: timestamp is dropped\n"},
