@@ -12,8 +12,10 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdint>
-#include <memory>
+#include <cstdlib>
+#include <optional>
 #include <ostream>
+#include <utility>
 
 namespace dbc {
 inline namespace v1 {
@@ -26,11 +28,6 @@ using Access = ValueAccess;
 // include the values and the object that fromJson() puts around the text.
 constexpr std::size_t deepestWritten = 90;
 constexpr std::size_t deepestRead = 96;
-
-struct DestroyBsonText
-{
-    void operator()(char* text) const noexcept { bson_free(text); }
-};
 
 /// Returns the depth of the value. Stops counting above the limit.
 std::size_t depthOf(const Value& root)
@@ -65,26 +62,40 @@ std::string jsonOf(const Value& document, JsonFormat format, std::size_t deepest
     if (!bson_init_static(&bson, bytes.data(), bytes.size()))
         throw std::length_error("Value: too large for JSON");
     std::size_t length = 0;
-    char* text = nullptr;
+    BsonText text;
     switch (format)
     {
     case JsonFormat::Relaxed:
-        text = bson_as_relaxed_extended_json(&bson, &length);
+        text.reset(bson_as_relaxed_extended_json(&bson, &length));
         break;
     case JsonFormat::Canonical:
-        text = bson_as_canonical_extended_json(&bson, &length);
+        text.reset(bson_as_canonical_extended_json(&bson, &length));
         break;
     case JsonFormat::Legacy:
-        text = legacyJson(&bson, &length);
+        text.reset(legacyJson(&bson, &length));
         break;
     }
-    const std::unique_ptr<char, DestroyBsonText> owner(text);
     if (!text)
         throw std::invalid_argument("Value: a string that is not UTF-8 has no JSON form");
-    return {text, length};
+    return {text.get(), length};
 }
 
-/// Detects what libbson's reader accepts by mistake: several values, too many levels, integers out of range.
+std::optional<bson_decimal128_t> decimalOf(const std::string& text)
+{
+    bson_decimal128_t decimal;
+    const bool isNumber = text.find('\0') == std::string::npos && bson_decimal128_from_string(text.c_str(), &decimal);
+    return isNumber ? std::optional<bson_decimal128_t>(decimal) : std::nullopt;
+}
+
+bool isDouble(const std::string& text)
+{
+    char* end = nullptr;
+    std::strtod(text.c_str(), &end);
+    return !text.empty() && end == text.c_str() + text.size();
+}
+
+/// Detects what libbson's reader accepts by mistake: several values, too many levels, integers out of range, and
+/// $numberDouble and $numberDecimal of a string that is not a number.
 class JsonScanner
 {
 public:
@@ -102,7 +113,12 @@ public:
             if (isDone)
                 throw FormatError("JSON: text after the value", m_next);
             if (character == '"')
+            {
+                const std::size_t begin = m_next;
                 skipString();
+                m_string = m_json.substr(begin + 1, m_next - begin - 1);
+                checkNumber(begin);
+            }
             else if (character == '{' || character == '[')
             {
                 if (open.size() == deepestRead)
@@ -115,8 +131,10 @@ public:
                     throw FormatError(std::string("JSON: \"") + character + "\" closes nothing", m_next);
                 open.pop_back();
             }
-            else if (character == ',' || character == ':')
-                continue;
+            else if (character == ':')
+                m_key = m_string;
+            else if (character == ',')
+                m_key = {};
             else
                 skipWord();
             isDone = open.empty();
@@ -126,6 +144,19 @@ public:
     }
 
 private:
+    /// @param begin  where the string begins
+    void checkNumber(std::size_t begin)
+    {
+        const std::string_view key = std::exchange(m_key, std::string_view());
+        if ((key != "$numberDouble" && key != "$numberDecimal") || m_string.find('\\') != std::string_view::npos)
+            return;
+        const std::string text(m_string);
+        if (key == "$numberDouble" && !isDouble(text))
+            throw FormatError("JSON: \"" + text.substr(0, 40) + "\" is not a double", begin);
+        if (key == "$numberDecimal" && !decimalOf(text))
+            throw FormatError("JSON: \"" + text.substr(0, 40) + "\" is not a decimal number", begin);
+    }
+
     void skipString()
     {
         for (++m_next; m_next < m_json.size() && m_json[m_next] != '"'; ++m_next)
@@ -153,6 +184,8 @@ private:
 
     std::string_view m_json;
     std::size_t m_next = 0;
+    std::string_view m_string; // the last one
+    std::string_view m_key;    // of the next value
 };
 
 struct Parsed
@@ -203,10 +236,10 @@ std::string reasonOf(const std::string& error)
 
 Decimal128 Decimal128::parse(const std::string& text)
 {
-    bson_decimal128_t decimal;
-    if (!bson_decimal128_from_string_w_len(text.c_str(), static_cast<int>(text.size()), &decimal))
+    const std::optional<bson_decimal128_t> decimal = decimalOf(text);
+    if (!decimal)
         throw std::invalid_argument("Decimal128: not a number: " + text);
-    return {decimal.high, decimal.low};
+    return {decimal->high, decimal->low};
 }
 
 std::string Decimal128::text() const

@@ -85,6 +85,9 @@ INSTANTIATE_TEST_SUITE_P(
         Fault{"}", 0, "JSON: \"}\" closes nothing, at byte 0"},
         Fault{"{\"a\": 9223372036854775808}", 6, "JSON: the integer 9223372036854775808 is out of range, at byte 6"},
         Fault{"[-9223372036854775809]", 1, "JSON: the integer -9223372036854775809 is out of range, at byte 1"},
+        Fault{"{\"$numberDouble\": \"x\"}", 18, "JSON: \"x\" is not a double"},
+        Fault{"{\"$numberDouble\": \"1.5x\"}", 18, "JSON: \"1.5x\" is not a double"},
+        Fault{"[{\"$numberDecimal\": \"1E99999\"}]", 20, "JSON: \"1E99999\" is not a decimal number"},
         Fault{"{\"a\": }", 6, "JSON: "}, Fault{"{\"a\": [1, 2}", 11, "JSON: \"}\" closes nothing, at byte 11"},
         Fault{"{\"a\": tru}", 9, "JSON: "}, Fault{"{'a': 1}", 1, "JSON: "},
         Fault{"{\"a\": {\"$oid\": \"zz\"}}", 18, "JSON: Invalid input string \"zz\", looking for OID"}));

@@ -338,6 +338,7 @@ TEST(Decimal128, ThrowsForAStringThatIsNotANumber)
 {
     EXPECT_THROW(dbc::Decimal128::parse("1.5x"), std::invalid_argument);
     EXPECT_THROW(dbc::Decimal128::parse(""), std::invalid_argument);
+    EXPECT_THROW(dbc::Decimal128::parse(std::string("1\0x", 3)), std::invalid_argument);
     EXPECT_EQ(dbc::Decimal128::parse("1E+6144").text(), "1.000000000000000000000000000000000E+6144");
     EXPECT_EQ(dbc::Decimal128().text(), "0");
 }
