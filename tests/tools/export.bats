@@ -34,6 +34,16 @@ load helper
     [[ $err == "dbc: cannot write $folder/missing/file: No such file or directory" ]] || fail "$err"
 }
 
+@test "an export whose messages nobody reads leaves no temporary file" {
+    fill 1
+    mkdir "$folder/target"
+    mkfifo "$folder/messages"
+    exec 7<>"$folder/messages" 8>"$folder/messages" 7>&- # a pipe without a reader
+    "$program" export "$database.c" -f "$folder/target/file" --progress 2>&8 || true
+    exec 8>&-
+    [[ -z $(ls "$folder/target") ]] || fail "left behind: $(ls "$folder/target")"
+}
+
 @test "export keeps the mode of the older file and follows links" {
     fill 1
     mkdir "$folder/target"

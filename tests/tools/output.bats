@@ -97,3 +97,11 @@ load helper
     expect_status 2
     grep -q "cannot be written" "$folder/err" || fail "$(<"$folder/err")"
 }
+
+@test "output is not sent to the server if standard output is closed" {
+    fill 1
+    status=0
+    "$program" find "$database.c" 2>"$folder/err" >&- || status=$?
+    [[ $status == 2 ]] || fail "status $status"
+    grep -q "cannot be written" "$folder/err" || fail "$(<"$folder/err")"
+}

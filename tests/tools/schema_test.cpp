@@ -58,6 +58,18 @@ TEST_F(SchemaSample, IsChosenByTheServerAmongTheDocumentsThatMatch)
     EXPECT_EQ(gateway().commands("find").size(), 0U);
 }
 
+TEST_F(SchemaSample, HasARangeOfTheNumbersThatAreNotNaN)
+{
+    gateway().inject(Fault::answer(R"({"ok": 1, "cursor": {"id": {"$numberLong": "0"}, "ns": "d.c", "firstBatch": )"
+                                   R"([{"n": {"$numberDouble": "NaN"}}, {"n": 1.5}, {"n": 5.5}]}})")
+                         .onCommand("aggregate"));
+    ToolProcess tool(line({"--quiet", "--sample", "3"}));
+
+    EXPECT_EQ(tool.wait(), 0);
+
+    EXPECT_EQ(tool.output(), "n     double             3  1.5 .. 5.5\n");
+}
+
 TEST_F(SchemaSample, IsTheFirstDocumentsIfTheServerCannotChoose)
 {
     gateway().inject(refused(40324, "Unrecognized pipeline stage name: '$sample'"));

@@ -34,7 +34,7 @@ public:
     ~RemovalOnSignal();
 
 private:
-    static constexpr std::array<int, 5> ends{SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGXFSZ};
+    static constexpr std::array<int, 6> ends{SIGHUP, SIGINT, SIGQUIT, SIGPIPE, SIGTERM, SIGXFSZ};
 
     const std::string m_path;
     std::array<struct sigaction, ends.size()> m_before = {};

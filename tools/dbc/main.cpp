@@ -8,6 +8,9 @@
 #include "interrupt.h"
 #include "self_description.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
@@ -95,8 +98,20 @@ bool describesItself(const CLI::App& program, const std::string& option, const s
     return true;
 }
 
+// Otherwise a connection could get the number of a standard stream that is closed, and receive what is written to it.
+// Opened in the wrong direction, so that reading and writing still fail.
+void occupyStandardStreams()
+{
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+    {
+        if (::fcntl(stream, F_GETFD) < 0)
+            static_cast<void>(::open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY));
+    }
+}
+
 int start(int argumentCount, char** arguments)
 {
+    occupyStandardStreams();
     CLI::App program("Documents, files and users of a MongoDB server, from the command line.", "dbc");
     program.footer("Exit status: 0 success, 1 nothing found, 2 usage error, 3 connection error, 4 rejected by the "
                    "server or because of losses, 130 interrupted.");

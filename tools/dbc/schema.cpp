@@ -11,6 +11,7 @@
 #include "texts.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdint>
 #include <iomanip>
 #include <iostream>
@@ -102,7 +103,7 @@ using Schema = std::map<std::pair<std::string, std::string>, Column>;
 std::optional<double> measure(const dbc::Value& value)
 {
     if (const auto number = value.get<double>())
-        return number;
+        return std::isnan(*number) ? std::nullopt : number;
     if (const auto integer = value.get<std::int64_t>())
         return static_cast<double>(*integer); // no double is equal to it
     if (const auto time = value.get<dbc::Time>())
