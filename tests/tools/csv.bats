@@ -69,8 +69,8 @@ Ada,5,2.5,2023-01-31T00:00:00.000Z,007
         expect_status 2
         expect_err "$2"
     }
-    bad 'a,b\n1,2\n\n"x\ny",4\n3\n' 'bad.csv: line 6: 1 values for 2 columns; stopped at line 6, after 2 documents; continue with --resume 2'
-    bad 'a:int,b\n1,2\nx,3\n' 'bad.csv: line 3: a: "x" is not of type int; stopped at line 3, after 1 documents'
+    bad 'a,b\n1,2\n\n"x\ny",4\n3\n' 'bad.csv: line 6: 1 value for 2 columns; stopped at line 6, after 2 documents; continue with --resume 2'
+    bad 'a:int,b\n1,2\nx,3\n' 'bad.csv: line 3: a: "x" is not of type int; stopped at line 3, after 1 document'
     bad 'a:json,b\n"{""x"": }",2\n' 'line 2: a is not JSON: line 1, column 7: a value is expected, not "}"'
     bad 'a,b\n"1,2\n3,4\n' 'line 2: a value in this record has no closing quote'
     bad 'a,b\n"1"2,3\n' 'line 2: "2" follows the closing quote of a value'

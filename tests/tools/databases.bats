@@ -56,6 +56,11 @@ load helper
     expect_err "there is no collection $database.c"
 }
 
+@test "drop of a name without a database suggests --database" {
+    expect_usage_error "no database: write DATABASE.COLLECTION, or add the database to the connection string: mongodb://HOST/DATABASE; use --database to drop the database shop" \
+        drop shop
+}
+
 @test "drop removes a database with its collections" {
     fill 2
     dbc insert "$database.d" '{"n": 1}'

@@ -17,7 +17,7 @@ load helper
     printf '{"n": 1}\n{"n": }\n' >"$folder/bad"
     dbc import "$database.c" -f "$folder/bad"
     expect_status 2
-    expect_err 'bad: line 2, column 7: a value is expected, not "}"; stopped at line 2, after 1 documents; continue with --resume 1'
+    expect_err 'bad: line 2, column 7: a value is expected, not "}"; stopped at line 2, after 1 document; continue with --resume 1'
     printf '{"n": [1, {"m": 2]}\n{"n": 3}\n' >"$folder/bad"
     dbc import "$database.c" -f "$folder/bad"
     expect_err 'bad: line 1, column 18: "," or "}" is expected, not "]"; stopped at line 1, after 0 documents'
@@ -70,7 +70,7 @@ load helper
     dbc import "$database.c" -f "$folder/lossy"
     expect_status 0
     expect_err "1  null is dropped"
-    expect_err "in 1 documents"
+    expect_err "in 1 document"
 }
 
 @test "import continues from the number that a failed import printed" {
@@ -139,7 +139,7 @@ load helper
     printf '{"sku": "a", "shop": {"city": "x"}}\n{"sku": "b"}\n' >"$folder/lines"
     dbc import "$database.c" -f "$folder/lines" --upsert sku,shop.city
     expect_status 2
-    expect_err "line 2: the document has no field shop.city; stopped at line 2, after 1 documents; continue with --resume 1"
+    expect_err "line 2: the document has no field shop.city; stopped at line 2, after 1 document; continue with --resume 1"
     dbc import "$database.c" -f "$folder/lines" --upsert sku --skip-duplicates
     expect_status 2
 }

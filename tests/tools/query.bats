@@ -182,10 +182,10 @@ load helper
     dbc insert "$database.c" '{"_id": 1, "x": null}' '{"_id": 2, "x": 1}'
     dbc check "$database.c"
     expect_status 4
-    expect_out $'1  null is dropped\nin 1 documents'
+    expect_out $'1  null is dropped\nin 1 document'
     dbc check "$database.c" '_id=2'
     expect_status 0
-    expect_out "1 documents without losses"
+    expect_out "1 document without losses"
 }
 
 @test "schema prints paths, types, counts and ranges" {

@@ -50,7 +50,7 @@ TEST_F(SchemaSample, IsChosenByTheServerAmongTheDocumentsThatMatch)
 
     EXPECT_EQ(tool.wait(), 0);
 
-    EXPECT_EQ(tool.output(), "last  bool               1\n1 documents\n");
+    EXPECT_EQ(tool.output(), "last  bool               1\n1 document\n");
     EXPECT_EQ(tool.messages(), "sample: chosen at random by the server\n");
     ASSERT_EQ(gateway().commands("aggregate").size(), 1U);
     EXPECT_EQ(gateway().commands("aggregate")[0].json("pipeline"),
@@ -77,7 +77,7 @@ TEST_F(SchemaSample, IsTheFirstDocumentsIfTheServerCannotChoose)
 
     EXPECT_EQ(tool.wait(), 0);
 
-    EXPECT_EQ(tool.output(), "_id    int32              1  1 .. 1\nfirst  bool               1\n1 documents\n");
+    EXPECT_EQ(tool.output(), "_id    int32              1  1 .. 1\nfirst  bool               1\n1 document\n");
     EXPECT_EQ(tool.messages(), "sample: the first ones, because the server does not support $sample: Aggregation "
                                "failed: Unrecognized pipeline stage name: '$sample'\n");
 }

@@ -19,6 +19,8 @@ load helper
 
 @test "an unexpected argument of a command that reads or writes a file suggests -f" {
     expect_usage_error "unexpected argument 'data.json'; use -f for a file" import "$database.c" data.json
+    expect_usage_error "not a condition: data.json; write conditions as field=value, field>value, field?; use -f for a file" \
+        export "$database.c" data.json
 }
 
 @test "files without a database asks for a database, not for a collection" {

@@ -8,6 +8,7 @@
 #include "losses.h"
 #include "progress.h"
 #include "query_words.h"
+#include "texts.h"
 
 #include <cstdint>
 #include <iostream>
@@ -41,7 +42,7 @@ int check(const GlobalOptions& global, const CheckCommand& command)
     }
     losses.print(std::cout);
     if (!losses.foundAny() && !global.connection.quiet)
-        std::cout << done << " documents without losses\n";
+        std::cout << counted(done, "document") << " without losses\n";
     return losses.foundAny() ? ServerRefused : Success;
 }
 

@@ -43,6 +43,18 @@ void confirm(const std::string& name, const DropCommand& command)
         throw Failure(UsageError, "not dropped");
 }
 
+dbc::Collection collectionToDrop(DataBaseClient& client, const std::string& name)
+{
+    try
+    {
+        return collectionOf(client, name);
+    }
+    catch (const Failure& failure)
+    {
+        throw Failure(failure.status(), std::string(failure.what()) + "; use --database to drop the database " + name);
+    }
+}
+
 // Checks first whether the database exists, so that no confirmation is needed if it does not exist.
 void dropDatabase(const GlobalOptions& global, const DropCommand& command)
 {
@@ -56,7 +68,7 @@ void dropDatabase(const GlobalOptions& global, const DropCommand& command)
 void dropCollection(const GlobalOptions& global, const DropCommand& command)
 {
     const auto client = connect(global.connection);
-    dbc::Collection collection = collectionOf(*client, command.name);
+    dbc::Collection collection = collectionToDrop(*client, command.name);
     if (!contains(dbc::Database(*client, collection.database()).collectionNames(), collection.name()))
         throw Failure(NothingFound, "there is no collection " + command.name);
     confirm(command.name, command);

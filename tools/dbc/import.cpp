@@ -9,6 +9,7 @@
 #include "progress.h"
 #include "scalar_text.h"
 #include "table.h"
+#include "texts.h"
 
 #include <algorithm>
 #include <array>
@@ -348,7 +349,7 @@ private:
         const Mark mark{m_mark.done, isExact && !m_isResumed ? "" : m_mark.run};
         m_state.save(mark);
         std::string text = "stopped at line " + std::to_string(line) + ", after " + (isExact ? "" : "at least ") +
-                           std::to_string(m_mark.done) + " documents; continue with ";
+                           counted(m_mark.done, "document") + "; continue with ";
         if (m_state.isUsed())
             return text + "the same command";
         return text + "--resume " + mark.text();

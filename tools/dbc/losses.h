@@ -6,6 +6,7 @@
 #include "dbc/document_ref.h"
 #include "dbc/loss_guard.h"
 #include "failure.h"
+#include "texts.h"
 
 #include <cstdint>
 #include <map>
@@ -53,7 +54,7 @@ public:
         for (const auto& [loss, fields] : m_fields)
             stream << fields << "  " << nameOf(loss) << '\n';
         if (m_documents > 0)
-            stream << "in " << m_documents << " documents\n";
+            stream << "in " << counted(m_documents, "document") << '\n';
     }
 
 private:

@@ -118,7 +118,7 @@ void rejectWrongSign(const std::string& word, std::size_t place)
     }
 }
 
-dbc::Field conditionOf(const std::string& word)
+dbc::Field conditionOf(const std::string& word, const std::string& advice)
 {
     if (word.size() > 1 && word.front() == '!')
         return {word.substr(1), {{"$exists", false}}};
@@ -140,7 +140,8 @@ dbc::Field conditionOf(const std::string& word)
             return {field, std::move(value)};
         return {field, {{operatorText, std::move(value)}}};
     }
-    throw Failure(UsageError, "not a condition: " + word + "; write conditions as field=value, field>value, field?");
+    throw Failure(UsageError,
+                  "not a condition: " + word + "; write conditions as field=value, field>value, field?" + advice);
 }
 
 bool isDocument(const std::string& text)
@@ -193,16 +194,16 @@ dbc::Sort sortOfJson(const std::string& text)
 
 } // namespace
 
-dbc::Value parseQuery(const std::vector<std::string>& words)
+dbc::Value parseQuery(const std::vector<std::string>& words, const std::string& advice)
 {
     if (words.empty())
         return {};
     if (words.size() == 1)
-        return isDocument(words[0]) ? parseJson(words[0], "the query") : dbc::Value{conditionOf(words[0])};
+        return isDocument(words[0]) ? parseJson(words[0], "the query") : dbc::Value{conditionOf(words[0], advice)};
     // As a list, because two conditions may have the same field.
     dbc::Value list = dbc::Value::array();
     for (const std::string& word : words)
-        list.push({conditionOf(word)});
+        list.push({conditionOf(word, advice)});
     return {{"$and", std::move(list)}};
 }
 

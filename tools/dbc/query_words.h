@@ -24,7 +24,8 @@ extern const char* const fieldsHelp;
 ///
 /// A value is JSON (5, true, "5", {"$oid": "..."}) or a time (2023-01-31, 2023-01-31T12:30:00Z). Anything else is a
 /// string. In fields whose name ends in "_id", 24 hexadecimal digits are an object id. A field may be a dotted path.
-dbc::Value parseQuery(const std::vector<std::string>& words);
+/// @param advice  appended to the error for a word that is not a condition
+dbc::Value parseQuery(const std::vector<std::string>& words, const std::string& advice = std::string());
 
 /// Parses a sort order: fields separated by commas, with "-" before a descending one; or JSON.
 dbc::Sort parseSort(const std::string& text);

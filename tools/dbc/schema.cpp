@@ -231,7 +231,7 @@ int schema(const GlobalOptions& global, const SchemaCommand& command)
     }
     if (!global.connection.quiet)
     {
-        std::cout << sample.documents << " documents\n" << std::flush;
+        std::cout << counted(sample.documents, "document") << '\n' << std::flush;
         std::cerr << "sample: " << sample.choice << '\n';
     }
     return sample.documents > 0 ? Success : NothingFound;

@@ -6,6 +6,7 @@
 #include "failure.h"
 #include "json_syntax.h"
 #include "scalar_text.h"
+#include "texts.h"
 
 #include <algorithm>
 #include <array>
@@ -323,7 +324,7 @@ std::optional<dbc::Value> TableReader::next()
     if (!skip())
         return std::nullopt;
     if (m_cells.size() != m_columns.size())
-        fail(std::to_string(m_cells.size()) + " values for " + std::to_string(m_columns.size()) + " columns");
+        fail(counted(m_cells.size(), "value") + " for " + counted(m_columns.size(), "column"));
     dbc::Value document;
     for (std::size_t index = 0; index < m_cells.size(); ++index)
     {

@@ -5,7 +5,14 @@
 
 #include "dbc/value.h"
 
+#include <cstdint>
 #include <string>
+
+/// 1 document, 2 documents ...
+inline std::string counted(std::uint64_t count, const char* noun)
+{
+    return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
+}
 
 /// Returns the 24 hexadecimal digits of an object id, or the JSON of any other value.
 std::string idText(const dbc::Value& id);

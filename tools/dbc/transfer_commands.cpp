@@ -43,7 +43,7 @@ class Export
 {
 public:
     Export(const GlobalOptions& global, const ExportCommand& command)
-        : m_global(global), m_command(command), m_query(parseQuery(command.query)),
+        : m_global(global), m_command(command), m_query(parseQuery(command.query, "; use -f for a file")),
           m_client(connect(global.connection)), m_collection(collectionOf(*m_client, command.collection)),
           m_losses(command.losses)
     {}
