@@ -46,6 +46,8 @@ load helper
     echo "s3cret/@:" >"$folder/password"
     dbc users add "$database" "$name" --new-password-file "$folder/password"
     expect_status 0
+    expect_out ""
+    [[ $err == "added $name" ]] || fail "messages: $err"
     dbc users ls "$database"
     expect_status 0
     [[ $out == "$name"* ]] || fail "$out"
@@ -53,11 +55,16 @@ load helper
     expect_status 0
     DBC_NEW_PASSWORD=other dbc users passwd "$database" "$name"
     expect_status 0
+    [[ $err == "changed the password of $name" ]] || fail "messages: $err"
+    dbc --quiet users passwd "$database" "$name" --new-password-file "$folder/password"
+    expect_no_messages
+    DBC_NEW_PASSWORD=other dbc users passwd "$database" "$name"
     DBC_URI="mongodb://${place%%/*}/?authSource=$database" dbc --user "$name" --password-file "$folder/password" doctor
     expect_status 3
     [[ $out != *s3cret* && $err != *s3cret* ]] || fail "the password is shown"
     dbc users rm "$database" "$name"
     expect_status 0
+    [[ $err == "removed $name" ]] || fail "messages: $err"
     dbc users rm "$database" "$name"
     expect_status 1
     dbc users ls "$database"

@@ -13,13 +13,20 @@ load helper
     head -c 300000 /dev/urandom >"$folder/data"
     dbc files put "$database" "$folder/data" --name photo
     expect_status 0
+    expect_out ""
+    [[ $err == "stored photo, 300000 bytes" ]] || fail "messages: $err"
     dbc files put "$database" - --name words <<<"from standard input"
     dbc files ls "$database"
     expect_out $'photo\nwords'
     dbc files get "$database" photo "$folder/back"
+    expect_out ""
+    [[ $err == "fetched photo, 300000 bytes" ]] || fail "messages: $err"
     cmp "$folder/data" "$folder/back" || fail "the file came back changed"
     dbc files get "$database" words -
     expect_out "from standard input"
+    [[ $err == "fetched words, 20 bytes" ]] || fail "messages: $err"
+    dbc --quiet files get "$database" words -
+    expect_no_messages
     dbc files rm "$database" PHOTO
     expect_out "removed 1"
     dbc files rm "$database" photo

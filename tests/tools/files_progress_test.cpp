@@ -66,7 +66,7 @@ TEST_F(FilesProgress, IsNotShownWhenQuietOrWithoutATerminal)
 
     ToolProcess inAFile(line("put", {m_folder.path("large")}));
     EXPECT_EQ(inAFile.wait(), 0);
-    EXPECT_EQ(inAFile.messages(), "");
+    EXPECT_EQ(inAFile.messages(), "stored large, 1044480 bytes\n");
 }
 
 } // namespace

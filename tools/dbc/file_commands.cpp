@@ -62,6 +62,13 @@ std::uint64_t lengthOf(const std::string& path)
     return error ? 0 : length;
 }
 
+// Standard output may be the content of a file.
+void report(const GlobalOptions& global, const char* what, const std::string& name, std::uint64_t length)
+{
+    if (!global.connection.quiet)
+        std::cerr << what << ' ' << name << ", " << counted(length, "byte") << '\n';
+}
+
 // Removes an incomplete upload. Does not throw, because the caller reports the error of the upload.
 void removePart(dbc::FileStore& store, const dbc::Value& id)
 {
@@ -76,7 +83,7 @@ void removePart(dbc::FileStore& store, const dbc::Value& id)
     }
 }
 
-void upload(dbc::FileStore& store, const std::string& name, std::istream& source, Progress& progress)
+std::uint64_t upload(dbc::FileStore& store, const std::string& name, std::istream& source, Progress& progress)
 {
     const InterruptWatch watch;
     dbc::UploadOptions options;
@@ -87,10 +94,11 @@ void upload(dbc::FileStore& store, const std::string& name, std::istream& source
     };
     try
     {
-        store.upload(name, source, options);
+        const std::uint64_t length = store.upload(name, source, options).length;
         throwIfInterrupted();        // Ctrl-C ends the input early, so the stored file may be incomplete
         if (std::ferror(stdin) != 0) // std::cin reports an error as the end of the input
             throw Failure(UsageError, "standard input cannot be read");
+        return length;
     }
     catch (const std::exception&)
     {
@@ -118,13 +126,18 @@ int put(const GlobalOptions& global, const FileCommand& command)
         throw Failure(UsageError, "cannot read " + command.path);
     const auto client = connect(global.connection);
     dbc::FileStore store = storeOf(*client, command);
-    Progress progress(name, isStandardInput ? 0 : lengthOf(command.path), global.connection.quiet,
-                      Progress::Unit::Bytes);
-    upload(store, name, source, progress);
+    std::uint64_t length = 0;
+    {
+        Progress progress(name, isStandardInput ? 0 : lengthOf(command.path), global.connection.quiet,
+                          Progress::Unit::Bytes);
+        length = upload(store, name, source, progress);
+    }
+    report(global, "stored", name, length);
     return Success;
 }
 
-void copyTo(std::ostream& target, const GlobalOptions& global, const FileCommand& command)
+// Returns the number of bytes.
+std::uint64_t copyTo(std::ostream& target, const GlobalOptions& global, const FileCommand& command)
 {
     const auto client = connect(global.connection);
     dbc::FileStore store = storeOf(*client, command);
@@ -143,7 +156,7 @@ void copyTo(std::ostream& target, const GlobalOptions& global, const FileCommand
     const InterruptWatch watch;
     try
     {
-        store.download(command.name, target, options);
+        length = store.download(command.name, target, options).length;
     }
     catch (const std::runtime_error& error)
     {
@@ -156,19 +169,23 @@ void copyTo(std::ostream& target, const GlobalOptions& global, const FileCommand
     }
     if (!target.flush())
         throw Failure(UsageError, "the output cannot be written");
+    return length;
 }
 
 // An older file is replaced only when the copy is complete.
 int get(const GlobalOptions& global, const FileCommand& command)
 {
+    std::uint64_t length = 0;
     if (command.path == "-")
+        length = copyTo(std::cout, global, command);
+    else
     {
-        copyTo(std::cout, global, command);
-        return Success;
+        ReplacedFile file(command.path.empty() ? std::filesystem::path(command.name).filename().string()
+                                               : command.path);
+        length = copyTo(file.stream(), global, command);
+        file.commit();
     }
-    ReplacedFile file(command.path.empty() ? std::filesystem::path(command.name).filename().string() : command.path);
-    copyTo(file.stream(), global, command);
-    file.commit();
+    report(global, "fetched", command.name, length);
     return Success;
 }
 

@@ -60,29 +60,36 @@ ObjectProperties customDataOf(const UserCommand& command)
     return toProperties(parseDocument(command.customData, "--data"), "--data");
 }
 
+int report(const GlobalOptions& global, const char* what, const UserCommand& command)
+{
+    if (!global.connection.quiet)
+        std::cerr << what << ' ' << command.name << '\n';
+    return Success;
+}
+
 int add(const GlobalOptions& global, const UserCommand& command)
 {
     connect(global.connection)
         ->addUser(command.database, command.name, newPassword(command), rolesOf(command), customDataOf(command));
-    return Success;
+    return report(global, "added", command);
 }
 
 int changePassword(const GlobalOptions& global, const UserCommand& command)
 {
     connect(global.connection)->changeUserPassword(command.database, command.name, newPassword(command));
-    return Success;
+    return report(global, "changed the password of", command);
 }
 
 int update(const GlobalOptions& global, const UserCommand& command)
 {
     connect(global.connection)->updateUser(command.database, command.name, rolesOf(command), customDataOf(command));
-    return Success;
+    return report(global, "updated", command);
 }
 
 int remove(const GlobalOptions& global, const UserCommand& command)
 {
     connect(global.connection)->removeUser(command.database, command.name);
-    return Success;
+    return report(global, "removed", command);
 }
 
 int list(const GlobalOptions& global, const UserCommand& command)
