@@ -33,9 +33,7 @@ struct Database::State
 
 namespace {
 
-using Names = std::unique_ptr<char*, DestroyWith<bson_strfreev>>;
-
-std::vector<std::string> listed(const Names& names, const char* message, const bson_error_t& error)
+std::vector<std::string> listed(const BsonTextList& names, const char* message, const bson_error_t& error)
 {
     if (!names)
         throwServerError(message, error);
@@ -84,7 +82,7 @@ Database::~Database() = default;
 std::vector<std::string> Database::names(DataBaseClient& client)
 {
     bson_error_t error{};
-    const Names names(
+    const BsonTextList names(
         mongoc_client_get_database_names_with_opts(ClientAccess(client).connected().get(), nullptr, &error));
     return listed(names, "Listing databases failed", error);
 }
@@ -97,7 +95,7 @@ std::vector<std::string> Database::collectionNames()
 {
     const DatabaseHandle database = d->open();
     bson_error_t error{};
-    const Names names(mongoc_database_get_collection_names_with_opts(database.get(), nullptr, &error));
+    const BsonTextList names(mongoc_database_get_collection_names_with_opts(database.get(), nullptr, &error));
     return listed(names, "Listing collections failed", error);
 }
 

@@ -27,6 +27,8 @@ struct DestroyBson
 
 using BsonPointer = std::unique_ptr<void, DestroyBson>;
 using BsonText = std::unique_ptr<char, DestroyWith<bson_free>>;
+/// Ends with a null pointer.
+using BsonTextList = std::unique_ptr<char*, DestroyWith<bson_strfreev>>;
 
 /// A document in automatic storage. It needs no memory until it is filled, so a converter may initialize it again.
 class OwnedBson
