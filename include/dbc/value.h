@@ -367,8 +367,9 @@ public:
     /// @{
 
     /// Returns the value as a T, or an empty optional if it has another type. Numbers are converted if the result is
-    /// exact. T is a type that converts to a value, except const char*. A std::string_view is a view into this value.
-    /// For a std::vector, every element must be convertible; for a std::map, every field.
+    /// exact. T is a type that converts to a value, except const char*, std::optional and std::vector<Field>. A
+    /// std::string_view is a view into this value. For a std::vector, every element must be convertible; for a
+    /// std::map, every field, and the last of equal keys is used.
     template <typename T>
     std::optional<T> get() const;
     /// Returns the value that findPath() finds, as get() does.
