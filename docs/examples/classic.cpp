@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// The classic interface beside collections. Needs a server: scripts/with-server.
+// The classic interface and collections in one program. Needs a server: scripts/with-server.
 #include "example.h"
 
 #include "test_server.h"

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// The life of a client and of its result lists. Needs a server: scripts/with-server.
+// A client and its result lists. Needs a server: scripts/with-server.
 #include "example.h"
 
 #include "test_server.h"

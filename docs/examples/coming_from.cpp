@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// Makes every call in the table of docs/guide/coming_from.md; scripts/docs compares. Needs a server:
+// Makes every call in the tables of docs/guide/coming_from.md; scripts/docs checks this. Needs a server:
 // scripts/with-server.
 #include "example.h"
 

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// Reading the text of an exception. Needs no server.
+// Parsing the text of an exception. Needs no server.
 #include "example.h"
 
 #include <database_client.h>

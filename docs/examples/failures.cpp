@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// What an operation throws, and what a program can do about it. Needs a server: scripts/with-server.
+// Exceptions of operations, and how to handle them. Needs a server: scripts/with-server.
 #include "example.h"
 
 #include "test_server.h"

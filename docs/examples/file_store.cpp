@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// Files with metadata, in parts and as streams. Needs a server: scripts/with-server.
+// Files with metadata, partial reads and streams. Needs a server: scripts/with-server.
 #include "example.h"
 
 #include "test_server.h"

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// Reading without adding, arrays in order, times. Needs no server.
+// Reading without adding keys, arrays in order, times. Needs no server.
 #include "example.h"
 
 #include <dbc/access.h>

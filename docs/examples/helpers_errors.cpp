@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// What can be done about a failure. Needs a server: scripts/with-server.
+// The kind of an error. Needs a server: scripts/with-server.
 #include "example.h"
 
 #include "test_server.h"

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// Streams around files. Needs a server: scripts/with-server.
+// Files as streams. Needs a server: scripts/with-server.
 #include "example.h"
 
 #include "test_server.h"

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// The query operators that ObjectFilter has no call for. Needs no server.
+// Query operators for which ObjectFilter has no member function. Needs no server.
 #include "example.h"
 
 #include <dbc/filter.h>

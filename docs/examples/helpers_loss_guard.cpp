@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// What a document of the server loses in the document model. Needs no server.
+// Fields that an ObjectProperties cannot hold. Needs no server.
 #include "example.h"
 
 #include <dbc/loss_guard.h>

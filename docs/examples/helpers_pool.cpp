@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// Clients for several threads. Needs a server: scripts/with-server.
+// A pool of clients for several threads. Needs a server: scripts/with-server.
 #include "example.h"
 
 #include "test_server.h"

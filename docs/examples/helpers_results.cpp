@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// Results that own the documents found. Needs a server: scripts/with-server.
+// Result lists that own their documents. Needs a server: scripts/with-server.
 #include "example.h"
 
 #include "test_server.h"

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// Scopes that put the cursor back. Needs no server.
+// Scopes that move the cursor back. Needs no server.
 #include "example.h"
 
 #include <dbc/scopes.h>
@@ -10,7 +10,7 @@
 
 namespace {
 
-// Throws with the cursor two groups deep.
+// Throws while the cursor is in the second of two groups.
 void readPort(const ObjectProperties& settings)
 {
     const dbc::GroupScope server(settings, "server");

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// JSON text in and out.
+// Reading and writing JSON.
 #include "example.h"
 
 #include <dbc/access.h>

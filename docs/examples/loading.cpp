@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// The library loaded when the program runs. Not linked with it.
+// Loading the library at run time. This program is not linked with the library.
 #include <database_client.h>
 #include <object_properties.h>
 

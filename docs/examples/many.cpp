@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// Counting, pages, imports and bulk writes. Needs a server: scripts/with-server.
+// Counting, paging, importing and bulk writes. Needs a server: scripts/with-server.
 #include "example.h"
 
 #include "test_server.h"

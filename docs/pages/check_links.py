@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Fails unless every link and every image of the HTML files in a folder leads to a file there, and to a place in it.
+"""Checks the links and images of the HTML files in a folder. Fails if a file or an anchor does not exist.
 
 usage: check_links.py FOLDER
 """
@@ -26,19 +26,19 @@ class Page(HTMLParser):
 
 def main(folder):
     pages = {path.name: Page(path.read_text(encoding="utf-8")) for path in folder.glob("*.html")}
-    # The navigation and the search are scripts that hold links.
+    # The navigation and the search are scripts that contain links.
     for path in [*folder.glob("*.js"), *folder.glob("search/*.js")]:
         script = Page("")
         text = path.read_text(encoding="utf-8", errors="replace")
         script.targets = {t.removeprefix("../") for t in re.findall(r"""["']([\w./-]+\.html(?:#[\w.-]+)?)["']""", text)}
         pages[path.name] = script
     links, broken = 0, []
-    # A letter that is escaped here shifts all others, and the search finds nothing.
+    # An escaped letter in this file shifts the index of all others, so the search finds nothing.
     if "\\" in (folder / "search/searchdata.js").read_text(encoding="utf-8"):
-        broken.append("search/searchdata.js: a name begins with a character that is no letter")
+        broken.append("search/searchdata.js: a name begins with a character that is not a letter")
     for name, page in pages.items():
         for target in sorted(page.targets):
-            # Doxygen writes the last one on pages of classes whose nested classes are all private.
+            # Doxygen writes #nested-classes on a page even if all nested classes are private.
             if re.match(r"[a-z]+:", target) or target.startswith("//") or target == "#nested-classes":
                 continue
             links += 1

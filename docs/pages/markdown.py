@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
 """Prepares the Markdown of this repository for Doxygen.
 
-usage: markdown.py FILE            prints FILE with stable names: its title gets the label of the page, its headings
-                                   labels of their own, and links to other Markdown files become references to them
-       markdown.py --topics FILE   prints a small page for every topic in the table of FILE, so that the search of the
-                                   pages, which looks at titles only, finds it
+usage: markdown.py FILE            prints FILE with a label for its title and for each heading, and with references
+                                   instead of links to other Markdown files
+       markdown.py --topics FILE   prints a small page for every topic in the table of FILE. The search of the HTML
+                                   pages finds only titles, so it finds these
 
 Without labels, the names of the HTML files depend on the version of Doxygen.
 """
@@ -16,7 +16,7 @@ ROOT = Path(__file__).resolve().parents[2]
 
 
 def label(page):
-    """The label of a page: docs/guide/client.md is client, docs/decisions/0001-... is decision_0001."""
+    """Returns the label of a page: client for docs/guide/client.md, decision_0001 for docs/decisions/0001-..."""
     path = Path(page)
     if path.parent.name == "decisions":
         return "decision_" + path.stem.split("-")[0]
@@ -25,12 +25,12 @@ def label(page):
 
 
 def slug(heading):
-    """The anchor of a heading, as code hosts make it."""
+    """Returns the anchor of a heading, in the form of GitHub and similar sites."""
     return re.sub(r"[^\w-]", "", heading.lower().replace(" ", "-"))
 
 
 def reference(page, target, text):
-    """A link of the Markdown file page as a reference, when it leads to a Markdown file of this repository."""
+    """Returns the reference for a link in page, or None if the target is not a Markdown file of this repository."""
     path, _, anchor = target.partition("#")
     if re.match(r"\w+:", target) or not (path.endswith(".md") or (not path and anchor)):
         return None
@@ -42,7 +42,7 @@ def reference(page, target, text):
 
 
 def labelled(page, text, used):
-    """The text, whose first line is the title of the page if used is empty, with a label at every heading."""
+    """Adds a label to every heading of the text. If used is empty, the first heading is the title of the page."""
 
     def heading(match):
         marks, title, given = match.groups()
@@ -52,7 +52,7 @@ def labelled(page, text, used):
         if name in used:
             return match[0]
         used.add(name)
-        return "%s %s {#%s}" % (marks, title.replace("`", ""), name)  # Doxygen shows the tags of code in a heading
+        return "%s %s {#%s}" % (marks, title.replace("`", ""), name)  # in a heading, Doxygen would show the tags of code
 
     return re.sub(r"^(#+) (.*?)(?: *\{#(.*)\})?$", heading, text, flags=re.MULTILINE)
 
@@ -63,7 +63,7 @@ def converted(page):
     for number, part in enumerate(re.split(r"(^```.*?^```$)", page.read_text(encoding="utf-8"), flags=re.M | re.S)):
         if number % 2 == 0:
             part = labelled(page, part, used)
-            part = re.sub(r"(!\[[^]]*\]\()[^)]*/", r"\1", part)  # Doxygen looks for images by their names
+            part = re.sub(r"(!\[[^]]*\]\()[^)]*/", r"\1", part)  # Doxygen finds images by name, without a folder
             part = re.sub(r"(?<!!)\[([^]]*)\]\(([^) ]*)\)", lambda m: reference(page, m[2], m[1]) or m[0], part)
         yield part
 
@@ -78,7 +78,7 @@ def topics(page):
         if not links:
             sys.exit("%s: no link in the row of %s" % (page, row[1]))
         for word in row[1].split(", "):
-            word = word.strip("`").lstrip("$_")  # the index of the search is by letters
+            word = word.strip("`").lstrip("$_")  # the index of the search has one list for each letter
             name = "topic_" + re.sub(r"\W", "_", word.lower())
             if name in used:
                 continue
