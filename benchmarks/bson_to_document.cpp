@@ -1,9 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// How long does it take to read BSON into a document, beside libraries that build a tree from the same bytes, and
-// beside libbson's plain iteration over them, which builds nothing? The document's destruction is measured in
-// free_document.
+// How long does it take to read BSON into a document, compared with libraries that build a tree from the same bytes,
+// and with an iteration by libbson, which builds nothing? free_document measures the destruction of the document.
 
 #include "bson_to_properties.h"
 #include "driver/bson_handles.h"

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// How long does it take to fill a document call by call, beside operator[] of nlohmann/json? "again" sets every value
-// of a document that has them all: setting by key without creating.
+// How long does it take to fill a document call by call, compared with operator[] of nlohmann/json? "again" sets the
+// values of fields that exist already.
 
 #include "object_properties.h"
 #include "support/measure.h"

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// How long does it take to build a query of 20 conditions call by call, beside nlohmann/json building the same query?
+// How long does it take to build a query of 20 conditions call by call, compared with nlohmann/json?
 
 #include "object_filter.h"
 #include "support/measure.h"
@@ -27,7 +27,7 @@ const std::vector<std::string>& keys()
     return list;
 }
 
-// {"field_0": {"$gt": 0}, "field_1": "text", ...}: numbers compared and texts equal, in turn.
+// {"field_0": {"$gt": 0}, "field_1": "text", ...}: alternately a comparison of numbers and an equal string.
 void build(ObjectFilter& filter)
 {
     for (std::size_t i = 0; i < conditions; ++i)

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// How long does a deep copy take, beside that of the same document in nlohmann/json? Its destruction is not in it.
+// How long does a deep copy take, compared with nlohmann/json? The destruction of the copy is not measured.
 
 #include "object_properties.h"
 #include "support/measure.h"

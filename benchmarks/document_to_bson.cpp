@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// How long does it take to write a document as BSON, beside the same bytes appended by hand with libbson and beside
-// nlohmann/json?
+// How long does it take to write a document as BSON, compared with nlohmann/json, and with a program that calls the
+// append functions of libbson itself?
 
 #include "properties_to_bson.h"
 

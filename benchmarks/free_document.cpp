@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// How long does it take to free a document, beside the same document in nlohmann/json?
+// How long does it take to free a document, compared with nlohmann/json?
 
 #include "object_properties.h"
 #include "support/measure.h"
@@ -29,7 +29,7 @@ void withNlohmannJson(benchmark::State& state, const Shape& shape)
 }
 
 const bool registered = addAll(allShapes(), [](const Shape& shape) {
-    // Its one block is freed in a moment and filled in thousands: minutes of preparation for a figure about malloc.
+    // Left out: freeing its one block takes much less time than filling it, so the preparation would take minutes.
     if (&shape == &largeBinary())
         return;
     add("free", shape.name, "database_client", [&shape](auto& state) { withDatabaseClient(state, shape); });

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// Does the time per field stay the same as documents grow? Complexity() prints the growth that fits best.
+// Does the time per field stay the same if documents are larger? Complexity() prints the growth that fits best.
 
 #include "bson_to_properties.h"
 #include "driver/bson_handles.h"
@@ -19,7 +19,7 @@ namespace {
 
 const auto prepareNothing = [](auto&) {};
 
-/// Sends standard output to nowhere while it lives.
+/// Redirects standard output to /dev/null until it is destroyed.
 class SilentOutput
 {
 public:

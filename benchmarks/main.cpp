@@ -7,8 +7,8 @@
 
 int main(int argc, char** argv)
 {
-    // The heap of a process that has been running for a while: memory that was freed is used again. Otherwise the
-    // benchmark that frees most is charged for giving pages back to the system and asking for them again.
+    // malloc does not return freed memory to the system, as in a process that has run for a while. Otherwise the
+    // benchmark that frees most would also measure the system calls for returning and requesting memory.
     mallopt(M_TRIM_THRESHOLD, 1 << 30);
     mallopt(M_MMAP_THRESHOLD, 1 << 30);
     benchmark::Initialize(&argc, argv);

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// How many bytes of memory does a field of a flat record cost? Counted are the bytes that the allocator hands out, its
-// rounding included, from the first to the last allocation of the live document.
+// How many bytes of memory does a field of a flat record take? Counts the bytes of all blocks of the document, rounded
+// up as the allocator does.
 
 #include "bson_to_properties.h"
 #include "object_properties.h"

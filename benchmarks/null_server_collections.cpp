@@ -1,11 +1,12 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// How much CPU time do collections and cursors add to the plain driver? A server that answers from memory takes the
-// place of a real one, whose work on the same processors would be in the figures.
-// - inserts: insertMany() of 10,000 documents beside the driver's bulk write of the same documents as BSON
-// - cursors: a cursor over 100,000 documents in each form beside a plain cursor
-// Median of rounds taken in turn. With the name of a form only that one runs, twice: callgrind counts the second time.
+// How much CPU time do collections and cursors add to the driver? Instead of a real server, which would use the same
+// processors, a server in this process sends prepared replies.
+// - inserts: insertMany() of 10,000 documents, compared with the driver's bulk write of the same documents as BSON
+// - cursors: a cursor over 100,000 documents in each form, compared with a cursor of the driver
+// Prints the medians of alternating rounds. With the name of a form, runs only this form, twice: callgrind counts the
+// second time.
 //
 // usage: null_server_collections inserts|cursors [ROUNDS]
 //        valgrind --tool=callgrind --collect-atstart=no null_server_collections inserts|cursors FORM
@@ -33,7 +34,7 @@ namespace {
 const char* const databaseName = "benchmark";
 const char* const collectionName = "records";
 
-/// One way to do the work. What prepares it is not measured.
+/// One of the operations to compare. Its preparation is not measured.
 struct Work
 {
     const char* name;
@@ -41,7 +42,7 @@ struct Work
     std::function<void()> run;
 };
 
-/// The library and the plain driver, connected to the same server.
+/// A client of the library and a client of the driver, connected to the same server.
 class Clients
 {
 public:
@@ -58,7 +59,7 @@ public:
     NullServer server;
 
 private:
-    // The first client of a process starts the driver.
+    // The first client of a process initialises the driver.
     mongoc_client_t* startDriver()
     {
         m_library.isConnected();
@@ -76,7 +77,8 @@ double median(std::vector<double> values)
     return values[values.size() / 2];
 }
 
-// CPU time per document of each work, in turns, so that what slows the machine down meets all.
+// Measures the CPU time per document of each operation, in alternating rounds, so that a slow moment affects all of
+// them.
 std::vector<double> microseconds(std::size_t rounds, std::size_t documents, const std::vector<Work>& works)
 {
     std::vector<std::vector<double>> times(works.size());
@@ -96,7 +98,7 @@ std::vector<double> microseconds(std::size_t rounds, std::size_t documents, cons
     return medians;
 }
 
-// The first work is that of the plain driver.
+// The first operation is that of the driver alone.
 void report(const char* what, std::size_t documents, const std::vector<Work>& works, const std::string& argument)
 {
     for (const Work& work : works)
@@ -149,7 +151,7 @@ void measureInserts(const std::string& argument)
     const Shape& shape = flatRecord();
     ObjectProperties properties;
     build(shape.steps, properties);
-    // Each document has memory of its own, as documents that a program has made.
+    // Each document has its own memory, as in a program.
     const std::vector<Bytes> bytes(documents, shape.canonicalBytes);
     const std::vector<dbc::Value> values(
         documents, dbc::Value::fromBson(shape.canonicalBytes.data(), shape.canonicalBytes.size()));

@@ -1,8 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// How long does it take to read a value by its key, one segment, beside at() of nlohmann/json? Every value of the
-// document, or of the group at the cursor, is read once, texts as copies, in the order in which they were written.
+// How long does it take to read a value by its key, without a path, compared with at() of nlohmann/json? Reads every
+// value of the document, or of the group at the cursor, once, in the order in which they were written. Strings are
+// copied.
 
 #include "object_properties.h"
 #include "support/measure.h"
@@ -78,7 +79,7 @@ std::size_t sumOf(const std::vector<Step>& steps)
     return sum;
 }
 
-// The values of the group that the key names, of the document itself for the empty key.
+// The values of the group with this key, or of the document for the empty key.
 std::vector<Step> valuesOf(const Shape& shape, const std::string& group)
 {
     std::vector<Step> values;

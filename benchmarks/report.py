@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
-"""Prints the table of ratios from the JSON of a benchmark run, and draws it.
+"""Makes the tables of ratios, and a chart, from the JSON output of a benchmark run.
 
 usage: report.py [BENCHMARKS.json...] [--memory FILE] [--server FILE] [--svg FILE] [--markdown]
 
 A ratio is the median time of the library divided by the median time of the peer, both from the repetitions of one run;
-below 1 the library is faster. A goal is the largest ratio wanted.
+below 1 the library is faster. A goal is the largest acceptable ratio.
 """
 
 import argparse
@@ -88,7 +88,7 @@ def memory_row(path):
     return ("memory", SHAPES["flat"], "bytes per field", float(found[1]), 400) if found else None
 
 
-# operation, what the figure is, goal, pattern of the line with the figure
+# operation, meaning of the figure, goal, pattern of the line with the figure
 LINES = [
     ("find through the server", "own us per document", 4, r"find: own ([-0-9.]+) us"),
     ("insert through the server", "own us per document", 5, r"insert: own ([-0-9.]+) us"),

@@ -1,10 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// What do collections bring with a real server, and how much memory does a cursor take?
-// - inserts DOCUMENTS: documents per second of insertMany() beside a loop over write()
-// - cursors DOCUMENTS: peak memory of a cursor over a collection in each form beside a plain cursor, each in a process
-//   of its own
+// How fast is insertMany() with a real server, and how much memory does a cursor take?
+// - inserts DOCUMENTS: documents per second of insertMany(), compared with a loop over write()
+// - cursors DOCUMENTS: peak memory of a cursor over a collection in each form, compared with a cursor of the driver.
+//   Each runs in its own process
 //
 // usage: scripts/with-server server_collections inserts|cursors NUMBER
 
@@ -71,7 +71,7 @@ void measureInserts(std::size_t documents)
     Library library;
     dbc::Collection target = library.collection();
 
-    // In turns, so that what slows the machine down meets both.
+    // In alternating rounds, so that a slow moment of the machine affects both.
     constexpr int rounds = 3;
     const std::size_t single = std::min<std::size_t>(documents, 1000);
     std::vector<double> loop;

@@ -1,13 +1,12 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// How much memory do large files take on their way to and from the server, and how much of that is the library's?
-// - stores MIB: peak memory and CPU time while a file is stored, by the plain driver and by the library
-// - reads MIB [KIB]: the same while it is read; its chunks, of 255 KiB or as given, are put there beforehand by plain
-//   inserts
+// How much memory does it take to store and read large files, and how much of it does the library take?
+// - stores MIB: peak memory and CPU time while a file is stored, by the driver and by the library
+// - reads MIB [KIB]: the same while a file is read. Plain inserts store its chunks before, by default of 255 KiB
 //
-// Each side runs in a process of its own, so that neither finds memory that the other has left. What goes on is said on
-// standard error.
+// Driver and library run in separate processes, so that neither uses memory that the other has freed. Progress is
+// printed to standard error.
 //
 // usage: scripts/with-server server_files stores MIB | reads MIB [KIB]
 
@@ -40,7 +39,7 @@ const char* const storeName = "fs";
 const char* const fileName = "large";
 constexpr std::size_t mebibyte = std::size_t{1} << 20;
 
-/// A database of its own, dropped at the end.
+/// A database with a unique name, dropped at the end.
 class Database
 {
 public:
@@ -82,7 +81,7 @@ public:
 
 // --- one side in a process of its own ------------------------------------------------------------------------------
 
-/// What one side took.
+/// The memory and time of the driver or the library.
 struct Cost
 {
     double peak = 0;         ///< MiB above the start
@@ -99,7 +98,7 @@ Cost costOf(const std::function<void()>& work)
     return cost;
 }
 
-// How far the process has read the file, from the kernel's record of its open files.
+// Returns the position of the process in the file, from /proc.
 double mebibytesRead(pid_t process, const char* path)
 {
     const std::string place = "/proc/" + std::to_string(process);
@@ -148,7 +147,7 @@ void print(const char* what, std::size_t mib, const Cost& library, const Cost& d
 
 // --- the plain driver ------------------------------------------------------------------------------------------------
 
-/// The driver alone, as a program would use it without the library.
+/// The driver, used without the library.
 class PlainStore
 {
 public:
@@ -191,7 +190,7 @@ Cost storeWithDriver(const Database& database, const char* path)
     return costOf([&] {
         mongoc_gridfs_file_opt_t options{};
         options.filename = fileName;
-        // Freed by the next call, which reads it to its end.
+        // The next call reads the stream to its end and frees it.
         mongoc_stream_t* const source = mongoc_stream_file_new_for_path(path, O_RDONLY, 0);
         check(source != nullptr, "opening the local file");
         const GridFsFileHandle file(mongoc_gridfs_create_file_from_stream(store.get(), source, &options));
@@ -219,7 +218,7 @@ Cost readWithDriver(const Database& database, std::size_t size)
 
 // --- the library -----------------------------------------------------------------------------------------------------
 
-/// Counts what is written and keeps none of it.
+/// Counts the bytes that are written and discards them.
 class CountingBuffer : public std::streambuf
 {
 public:
@@ -240,7 +239,7 @@ private:
     std::size_t m_count = 0;
 };
 
-// Connected, and the store opened once, as the plain one is.
+// Connects, and opens the store once, like the driver.
 void open(DataBaseClient& library, const Database& database)
 {
     library.connect(serverUri());
@@ -277,7 +276,7 @@ void dropInItsOwnProcess(const Database& database)
     });
 }
 
-// The database is dropped in between: the time to store a chunk may grow with the chunks that are there.
+// Drops the database in between, because the time to store a chunk may grow with the number of stored chunks.
 void measureStores(const Database& database, std::size_t mib)
 {
     const LocalFile file(mib);
@@ -296,7 +295,7 @@ void insert(const CollectionHandle& collection, const bson_t& document)
     check(mongoc_collection_insert_one(collection.get(), &document, nullptr, nullptr, &error), error.message);
 }
 
-// The records of a stored file, without the driver's updates of each chunk.
+// Inserts the documents of a stored file, without the driver's updates of each chunk.
 Cost insertFile(const Database& database, std::size_t size, std::size_t chunkSize)
 {
     const PlainStore store(database); // makes the indexes

@@ -1,9 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// What does the library add to the plain driver when a server is behind it?
-// - finds DOCUMENTS: CPU time per document that find() costs above a plain cursor, median of rounds taken in turn
-// - inserts DOCUMENTS: the same for write() above a plain insert
+// How much time and memory does the library add to the driver, with a real server?
+// - finds DOCUMENTS: CPU time per document that find() takes in addition to a cursor of the driver; the median of
+//   alternating rounds
+// - inserts DOCUMENTS: the same for write() in addition to an insert of the driver
 // - results DOCUMENTS: peak memory while a result list is built
 //
 // usage: scripts/with-server server_operations finds|inserts|results NUMBER
@@ -33,8 +34,8 @@ namespace {
 
 const char* const collectionName = "records";
 
-/// A database of its own on the server of scripts/with-server, dropped at the end, for the library and the plain
-/// driver.
+/// A database with a unique name on the server of scripts/with-server, for the library and the driver. Dropped at the
+/// end.
 class Server
 {
 public:
@@ -132,7 +133,7 @@ double median(std::vector<double> values)
     return values[values.size() / 2];
 }
 
-// The library and the plain driver in turn, so that what slows the machine down meets both.
+// Library and driver in alternating rounds, so that a slow moment of the machine affects both.
 void compare(const char* what, std::size_t rounds, std::size_t documents, const std::function<void()>& withLibrary,
              const std::function<void()>& withDriver)
 {

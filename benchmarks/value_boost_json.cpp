@@ -1,7 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// The rows of value.cpp for Boost.JSON: how long it takes to copy, free and read a value. It has no BSON, and no bytes.
+// How long does it take to copy, free and read a dbc::Value, compared with Boost.JSON? Boost.JSON supports neither BSON
+// nor binary values.
 
 #include "support/measure.h"
 #include "support/read_top_level.h"

@@ -1,8 +1,8 @@
 # SPDX-FileCopyrightText: 2026 The database_client authors
 # SPDX-License-Identifier: MIT
 
-# The Debian packages: libdatabase-client1 with the component "runtime", libdatabase-client-dev with "development",
-# libdatabase-client-tools with "tools". Over libmongoc 2.x the first is libdatabase-client1-mongoc2.
+# The Debian packages: libdatabase-client1 contains the component "runtime", libdatabase-client-dev "development", and
+# libdatabase-client-tools "tools". With libmongoc 2.x, the name of the first is libdatabase-client1-mongoc2.
 set(runtime_package libdatabase-client${PROJECT_VERSION_MAJOR}${database_client_soname_suffix})
 set(runtime_packages
   libdatabase-client${PROJECT_VERSION_MAJOR}
@@ -23,8 +23,8 @@ interface with typed documents and query filters remains available.
 .
 ")
 
-# Documents that every package has to hold.
-string(TIMESTAMP changelog_date "%a, %d %b %Y %H:%M:%S +0000" UTC) # SOURCE_DATE_EPOCH, where it is set
+# The documents that every package must contain.
+string(TIMESTAMP changelog_date "%a, %d %b %Y %H:%M:%S +0000" UTC) # uses SOURCE_DATE_EPOCH if it is set
 set(documents ${PROJECT_BINARY_DIR}/packaging)
 configure_file(${CMAKE_CURRENT_LIST_DIR}/debian/changelog.in ${documents}/changelog.Debian @ONLY)
 file(STRINGS ${PROJECT_SOURCE_DIR}/LICENSE licence_lines)
@@ -38,7 +38,7 @@ endforeach()
 string(REPLACE "\n The above" "\n .\n The above" debian_licence "${debian_licence}")
 string(REPLACE "\n THE SOFTWARE IS" "\n .\n THE SOFTWARE IS" debian_licence "${debian_licence}")
 configure_file(${CMAKE_CURRENT_LIST_DIR}/debian/copyright.in ${documents}/copyright @ONLY)
-# Without name and time in the header the same sources give the same package.
+# Without name and time in the gzip header, the same sources always produce the same package.
 execute_process(COMMAND gzip --best --no-name --force --keep changelog.Debian
   WORKING_DIRECTORY ${documents} COMMAND_ERROR_IS_FATAL ANY)
 foreach(component IN ITEMS runtime development tools)
@@ -67,18 +67,18 @@ set(CPACK_DEBIAN_PACKAGE_SOURCE database-client)
 
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME ${runtime_package})
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
-set(CPACK_DEBIAN_RUNTIME_DESCRIPTION "${long_description}This package holds the shared library.")
+set(CPACK_DEBIAN_RUNTIME_DESCRIPTION "${long_description}This package contains the shared library.")
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SHLIBDEPS ON)
-# The two drivers must not meet in one process.
+# A process must not load both versions of the driver.
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONFLICTS ${runtime_packages})
-# What dpkg-shlibdeps reads for a program that links the library: it needs this version or a later one.
+# For dpkg-shlibdeps: a program that is linked with the library needs this version or a later one.
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
 
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME ${development_package})
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION
-  "${long_description}This package holds what a program is built with: the headers, the CMake
+  "${long_description}This package contains the files for building programs: the headers, the CMake
 package database_client and the pkg-config file.")
 math(EXPR next_driver_major "${database_client_driver_major} + 1")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS
@@ -87,10 +87,11 @@ set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS
 set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME ${tools_package})
 set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION database)
 set(CPACK_DEBIAN_TOOLS_DESCRIPTION
-  "${long_description}This package holds dbc, which finds, changes, imports and exports documents,
+  "${long_description}This package contains dbc, which finds, changes, imports and exports documents,
 stores files and administers users from the command line.")
 set(CPACK_DEBIAN_TOOLS_PACKAGE_SHLIBDEPS ON)
-# Its own library is in no package yet while the packages are made: found here, and named by hand.
+# While the packages are built, no installed package contains the library. dpkg-shlibdeps finds it in this folder, and
+# the dependency is added here.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR}/src)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS "${runtime_package} (= ${debian_version})")
 

@@ -1,9 +1,9 @@
 # SPDX-FileCopyrightText: 2026 The database_client authors
 # SPDX-License-Identifier: MIT
 
-# Run by CPack after the packages are made: what CPack of version 3.25 cannot say.
-# - ldconfig runs by a trigger, once for all packages of an installation, not by a script of each package.
-# - Several architectures of the libraries can be installed side by side; one program serves all.
+# CPack runs this script after it has built the packages, for two settings that CPack 3.25 does not have:
+# - A trigger runs ldconfig once for all packages of an installation, instead of a script in each package.
+# - The libraries of several architectures can be installed side by side; one dbc works for all (Multi-Arch).
 foreach(package IN LISTS CPACK_PACKAGE_FILES)
   set(tree ${CPACK_TEMPORARY_DIRECTORY}/repack)
   file(REMOVE_RECURSE ${tree})

@@ -17,7 +17,7 @@
 #define CALLGRIND_TOGGLE_COLLECT
 #endif
 
-/// CPU time of this thread in seconds: what other processes do on a shared machine is not in it.
+/// CPU time of this thread in seconds. Other processes on a shared machine hardly affect it.
 inline double threadSeconds()
 {
     timespec now{};
@@ -25,11 +25,11 @@ inline double threadSeconds()
     return static_cast<double>(now.tv_sec) + 1e-9 * static_cast<double>(now.tv_nsec);
 }
 
-/// Times @p work alone, over many slots in a row: what @p prepare does before and the slots' destruction afterwards are
-/// not in the figures. @p done says whether the work on a slot was done; it is asked before the first measurement.
-/// Under callgrind only @p work is counted, for one row of slots.
-/// @param fields  fields that one call of @p work handles, for the items per second
-/// @param bytes   size of what it handles: the larger, the fewer slots in a row, so that a row stays within the caches
+/// Measures only @p work, over a row of slots: neither @p prepare nor the destruction of the slots. @p done returns
+/// whether the work on a slot was done; it is called before the first measurement. Callgrind counts only the
+/// instructions of @p work, for one row of slots.
+/// @param fields  number of fields that one call of @p work handles, for the items per second
+/// @param bytes   size of the data of one slot: a row has fewer slots if it is large, so that it fits into the caches
 template <typename Slot, typename Prepare, typename Work, typename Done>
 void measure(benchmark::State& state, std::size_t fields, std::size_t bytes, Prepare prepare, Work work, Done done)
 {
@@ -70,7 +70,7 @@ benchmark::internal::Benchmark* add(const std::string& operation, const std::str
     return benchmark::RegisterBenchmark(name.c_str(), function)->UseManualTime();
 }
 
-/// For `const bool registered = addAll(...)` at namespace scope: every shape of a list through one function.
+/// Calls a function for every shape. For `const bool registered = addAll(...)` at namespace scope.
 template <typename Shapes, typename Function>
 bool addAll(const Shapes& shapes, Function function)
 {

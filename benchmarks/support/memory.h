@@ -8,7 +8,7 @@
 #include <fstream>
 #include <string>
 
-/// A field of the kernel's record of this process, such as VmRSS, in MiB.
+/// A field of /proc/self/status, such as VmRSS, in MiB.
 inline double mebibytes(const char* field)
 {
     std::ifstream status("/proc/self/status");
@@ -20,7 +20,7 @@ inline double mebibytes(const char* field)
     return 0;
 }
 
-/// Peak of the resident memory while @p work runs, in MiB above what the process has when it begins.
+/// Peak of the resident memory while @p work runs, in MiB above the resident memory at its start.
 template <typename Work>
 double peakOf(Work work)
 {

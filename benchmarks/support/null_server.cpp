@@ -34,7 +34,7 @@ Bytes batchOf(const std::vector<std::uint8_t>& document, std::size_t count, cons
 
 } // namespace
 
-// Every command is answered by the gateway itself, so nothing is ever sent to the port behind it.
+// The gateway itself replies to every command, so nothing is sent to its server port.
 NullServer::NullServer() : m_gateway("mongodb://127.0.0.1:1/", test_support::WireGateway::Rewrite::Nothing)
 {
     m_gateway.record(false);

@@ -10,17 +10,17 @@
 #include <string>
 #include <vector>
 
-/// Answers a client of this process with prepared replies and stores nothing, in threads of its own: the CPU time of
-/// the client's thread is then the client's work alone.
+/// A server that sends prepared replies and stores nothing. It runs in its own threads of this process, so the CPU time
+/// of the client's thread contains only the work of the client.
 class NullServer
 {
 public:
     NullServer();
 
     std::string uri() const { return m_gateway.uri(); }
-    /// Answers each insert as if it had stored @p documents.
+    /// Replies to each insert as if it had stored @p documents.
     void answerInserts(std::size_t documents);
-    /// Answers the next find, and what follows it, with @p batches times @p perBatch copies of @p document.
+    /// Replies to the next find and its getMores with @p batches batches of @p perBatch copies of @p document.
     void answerFind(const std::vector<std::uint8_t>& document, std::size_t batches, std::size_t perBatch);
 
 private:

@@ -17,9 +17,10 @@
 #include <functional>
 #include <type_traits>
 
-/// Runs @p side in a process of its own, so that it finds no memory that another one has left, and returns its result.
-/// The driver must not have been started before: it does not outlive a fork.
-/// @param wait  called meanwhile with the end of a pipe, which is readable when the process is done, and its id
+/// Runs @p side in a new process, so that it does not use memory that was freed before, and returns its result. Call it
+/// before the driver is initialised, because the driver cannot be used after a fork.
+/// @param wait  called meanwhile with the end of a pipe, which is readable when the process is done, and with the
+/// process id
 template <typename Side, typename Result = std::invoke_result_t<Side>>
 Result inItsOwnProcess(const char* what, Side side, const std::function<void(int pipe, pid_t process)>& wait = {})
 {

@@ -9,7 +9,7 @@
 #include <cstddef>
 #include <vector>
 
-/// The values of the document itself, in the order in which they were written.
+/// The values of the first level of the document, in the order in which they were written.
 inline std::vector<Step> topLevelOf(const Shape& shape)
 {
     std::vector<Step> steps;
@@ -25,8 +25,8 @@ inline std::vector<Step> topLevelOf(const Shape& shape)
     return steps;
 }
 
-/// Reads every value of the document itself by its key. @p numberOf returns the integer of a step, 1 or 0 for a double
-/// above 0 or not, and the size of a text.
+/// Reads every value of the first level by its key. @p numberOf returns an integer for each: the value of an integer, 1
+/// for a double above 0 and 0 for any other, or the size of a string.
 template <typename Object, typename NumberOf>
 void readTopLevel(benchmark::State& state, const Shape& shape, const Object& object, NumberOf numberOf)
 {

@@ -7,7 +7,7 @@
 #include <stdexcept>
 #include <string>
 
-/// Ends the benchmark when the work was not done: a figure of something else is none.
+/// Ends the benchmark with an error if the work was not done, because the figure would be wrong.
 inline void check(bool done, const char* what)
 {
     if (!done)

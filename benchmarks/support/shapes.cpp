@@ -59,7 +59,7 @@ Shape shapeOf(const std::string& name, const std::vector<Step>& steps)
     return shape;
 }
 
-/// Notes the steps of a shape.
+/// Records the steps of a shape.
 class Writer
 {
 public:
@@ -107,7 +107,7 @@ void writeAddress(Writer& writer, const std::string& key)
         .endGroup();
 }
 
-// One of a thousand fields: the kinds of a flat record in turn.
+// One of a thousand fields. Their types repeat those of the flat record.
 void writeNumbered(Writer& writer, std::size_t index)
 {
     const std::string key = numbered("field_", index);

@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-/// A kind of document that programs keep, as BSON. Only types that every peer knows are in it.
+/// A typical document of programs, as BSON. It has only types that every peer supports.
 struct Shape
 {
     std::string name;

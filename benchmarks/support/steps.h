@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-/// One call that builds a document: a value, or the begin or the end of a nested one.
+/// One call that builds a document: a value, or the begin or end of a nested document or array.
 struct Step
 {
     enum class Kind
@@ -39,9 +39,9 @@ struct Step
 
 std::vector<Step> stepsOf(const std::vector<std::uint8_t>& bson);
 
-/// Follows the steps with the append functions of libbson. @p bson must be initialised.
+/// Executes the steps with the append functions of libbson. @p bson must be initialised.
 void build(const std::vector<Step>& steps, bson_t* bson);
-/// Follows the steps with the setters of the document, from its cursor.
+/// Executes the steps with the setters of the document, from its cursor.
 void build(const std::vector<Step>& steps, ObjectProperties& document);
-/// Follows the steps with operator[] and push_back() of nlohmann/json.
+/// Executes the steps with operator[] and push_back() of nlohmann/json.
 void build(const std::vector<Step>& steps, nlohmann::json& json);
