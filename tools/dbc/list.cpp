@@ -97,7 +97,7 @@ void addListCommand(CLI::App& program, const GlobalOptions& global, Work& work)
     const auto command = std::make_shared<ListCommand>();
     CLI::App* app = program.add_subcommand("ls", "List the databases, or the collections of one");
     app->add_option("database", command->database,
-                    "Database whose collections are listed, with number and bytes of documents; default: the "
-                    "databases, with bytes on disk");
+                    "Database whose collections are listed, with number and size of documents; default: the "
+                    "databases, with size on disk");
     setWork(*app, global, work, command, &list);
 }
