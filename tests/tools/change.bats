@@ -1,4 +1,4 @@
-# What dbc writes: insert, update and remove.
+# dbc insert, update and remove.
 load helper
 
 @test "insert prints the ids of the documents" {
@@ -25,7 +25,7 @@ load helper
     printf '{"_id": 5}\n{"_id": 1}\n{"_id": 6}\n' >"$folder/lines"
     dbc insert "$database.c" <"$folder/lines"
     expect_status 4
-    expect_out 5 # what was stored before the error
+    expect_out 5 # the documents before the error
     printf '{"_id": 7}\n{"_id": \n' >"$folder/lines"
     dbc insert "$database.c" <"$folder/lines"
     expect_status 2
@@ -37,7 +37,7 @@ load helper
     dbc insert "$database.c" '{"_id": 1}'
     dbc insert "$database.c" '{"_id": 1}'
     expect_status 4
-    expect_err "(code: 11000)" # the text differs from server to server
+    expect_err "(code: 11000)" # the text depends on the server
 }
 
 @test "update changes the first match or all matches" {
@@ -144,7 +144,7 @@ load helper
 }
 
 @test "an unacknowledged write is reported as sent" {
-    local uri=$DBC_URI # with or without options of its own
+    local uri=$DBC_URI # may contain options
     [[ $uri == *\?* ]] && uri+='&w=0' || uri+='?w=0'
     printf '{"n": 1}\n{"n": 2}\n{"n": 3}\n' >"$folder/lines"
     dbc --uri "$uri" import "$database.c" -f "$folder/lines" --batch 2

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # usage: completion_test.sh SHELL PROGRAM SOURCES
-# Completes command lines with the completion of dbc for bash, zsh or fish, in that shell. What the help of the program
-# lists must be completed. Needs no server. Ends with status 77 if the shell is not installed.
+# Tests the completion of dbc in bash, zsh or fish. It must complete everything that the help of the program lists.
+# Needs no server. Exits with status 77 if the shell is not installed.
 set -euo pipefail
 
 shell=$1
@@ -16,16 +16,17 @@ trap 'rm -rf "$folder"' EXIT
 cd "$folder"
 touch a-file
 
-# Each takes command lines from standard input, completes the last word and prints the candidates of each in a line.
+# Each function reads command lines from standard input, completes the last word, and prints one line of candidates for
+# each command line.
 complete_with_bash() {
     source "$sources/dbc.bash-completion"
     local line
     while IFS= read -r line; do
-        # As bash cuts: "=" and ":" are words.
+        # Like bash, splits at "=" and ":", which become words.
         read -ra COMP_WORDS <<<"$(sed 's/[=:]/ & /g' <<<"$line")"
         if [[ $line == *[\ =:] ]]; then COMP_WORDS+=(""); fi
         COMP_CWORD=$((${#COMP_WORDS[@]} - 1))
-        _dbc dbc || true # compopt knows of no completion here
+        _dbc dbc || true # compopt fails outside of a completion
         echo "${COMPREPLY[*]}"
     done
 }
@@ -55,7 +56,8 @@ complete_with_fish() {
 }
 
 failed=0
-# completes "LINE" "EXPECTED": the last word of the line, empty after a space. "LINE" "-- EXPECTED": among others.
+# completes LINE EXPECTED: checks the candidates for the last word of LINE, which is empty after a space. If EXPECTED
+# begins with "-- ", there may be other candidates, too.
 lines=()
 expectations=()
 completes() {
@@ -63,7 +65,7 @@ completes() {
     expectations+=("$2")
 }
 
-# The names in the lists of a help text, which begin a line.
+# Prints the names in the lists of a help text. Each begins a line.
 commands_of() { dbc "$@" --help | sed -nE '/^(Subcommands|SUBCOMMANDS):/,/^[^ ]*$/s/^  ([a-z]+).*/\1/p'; }
 options_of() { dbc "$@" --help | sed -nE 's/^  (-[a-zA-Z], *)?(--[a-z][a-z-]*).*/\2/p'; }
 

@@ -22,7 +22,7 @@ load helper
         dbc export "$database.d"
         cmp "$folder/first" "$folder/out" || fail "$format came back changed: $(<"$folder/table.$format") $out"
     done
-    # Document 4 has the fields of its object in another order: columns have one.
+    # Document 4 has the fields of its object in another order, but the columns have only one order.
     dbc export "$database.c" _id=4 --format csv
     expect_out "_id:int,o.z:string,o.x.y:int,m:int,oid:objectId
 4,null,2,1,507f1f77bcf86cd799439011"

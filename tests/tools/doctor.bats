@@ -43,7 +43,7 @@ start_tls_server() { # NAME
         -keyout "$folder/$1.key" -out "$folder/$1" 2>/dev/null
     mkfifo "$folder/$1.out"
     openssl s_server -www -accept 127.0.0.1:0 -key "$folder/$1.key" -cert "$folder/$1" >"$folder/$1.out" 2>/dev/null &
-    exec {output}<"$folder/$1.out" # stays open, so that the server can go on printing
+    exec {output}<"$folder/$1.out" # stays open, so that the server can continue to print
     until [[ $line == ACCEPT* ]]; do read -r line <&"$output" || fail "openssl does not listen"; done
     address=${line#ACCEPT }
 }

@@ -1,4 +1,4 @@
-# dbc export to JSON, and what of an older file remains.
+# dbc export to JSON, and how it replaces an older file.
 load helper
 
 @test "export and import keep every type" {
@@ -22,9 +22,9 @@ load helper
     dbc export "$database.c" -f "$folder/target/file" --losses refuse
     expect_status 4
     (
-        trap '' XFSZ # a file that grows too large is then an error, as a full disk is
+        trap '' XFSZ # then a file that is too large causes an error, like a full disk
         ulimit -f 0
-        # The messages go to a pipe: a file could not grow either.
+        # The messages go to a pipe, because the limit also applies to a file.
         { status=0 && "$program" export "$database.c" -f "$folder/target/file" 2>&1 || status=$?; [[ $status == 2 ]]; } | cat >/dev/null
     ) || fail "a file that cannot grow"
     [[ $(<"$folder/target/file") == older ]] || fail "the older file is gone"

@@ -1,5 +1,4 @@
-# What the files *.bats share. Each test has a database and a folder of its own, and runs the program $DBC_PROGRAM as a
-# person types it.
+# Functions for the *.bats files. Each test has its own database and folder, and runs the program $DBC_PROGRAM.
 
 setup() {
     export DBC_URI=${DATABASE_CLIENT_TEST_URI:?run through scripts/with-server}
@@ -9,7 +8,7 @@ setup() {
 }
 
 teardown() {
-    # A program that runs on after a failed check would keep bats waiting for its output.
+    # If a program still ran after a failed check, bats would wait for its output.
     kill $(jobs -p) 2>/dev/null || true
     "$program" --uri "$DATABASE_CLIENT_TEST_URI" drop --database --yes "$database" >/dev/null 2>&1 || true
 }
@@ -19,8 +18,8 @@ fail() { # MESSAGE
     return 1
 }
 
-# dbc ARGUMENT... ; its output is in $out, its messages in $err, its status in $status.
-dbc() {
+# Runs dbc. Sets $out to its standard output, $err to its standard error, and $status to its exit status.
+dbc() { # ARGUMENT...
     status=0
     "$program" "$@" >"$folder/out" 2>"$folder/err" || status=$?
     out=$(<"$folder/out")
@@ -37,13 +36,14 @@ expect_usage_error() { # MESSAGE ARGUMENT...
     [[ $err == "dbc: $1" ]] || fail "messages: $err; expected: dbc: $1"
 }
 
-fill() { # documents with n from 0 to $1 - 1
+# Inserts documents with n from 0 to COUNT - 1.
+fill() { # COUNT
     local number
     for ((number = 0; number < $1; ++number)); do printf '{"n": %d, "even": %s}\n' "$number" "$((number % 2))"; done |
         "$program" -q import "$database.c" 2>/dev/null
 }
 
-# Runs a command on a terminal. What it prints there is in the file $folder/terminal.
+# Runs a command on a terminal. Its output is in the file $folder/terminal.
 on_terminal() { # COMMAND
     script -qec "$1" "$folder/terminal" >/dev/null
 }

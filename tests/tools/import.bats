@@ -113,7 +113,7 @@ load helper
     dbc import "$database.c" -f "$folder/broken" --batch 7 --state "$folder/state"
     expect_status 2
     expect_err "28 documents; continue with the same command"
-    # As after kill -9: the last batch was stored, but not yet noted. It is met again and passed over.
+    # As after kill -9: the last batch was stored, but not recorded. It is read again and skipped.
     local run
     run=$(dbc find "$database.c" --limit 1 --fields '{"_id": 1}' && grep -o '[0-9a-f]\{24\}' <<<"$out")
     echo "21:$run" >"$folder/state"

@@ -1,4 +1,4 @@
-# How dbc ends if the user interrupts it.
+# How dbc reacts to Ctrl-C.
 load helper
 
 @test "an interrupt ends an import that has stored documents" {
@@ -9,7 +9,7 @@ load helper
     printf '{"n": 1}\n' >&9
     until [[ -s $folder/state ]]; do kill -0 "$pid"; done
     kill -INT "$pid"
-    trap '' PIPE # the program may be gone before it is told more
+    trap '' PIPE # the program may end before the input does
     printf '{"n": 2}\n' >&9 || true
     exec 9>&-
     status=0
@@ -29,7 +29,7 @@ load helper
         "$program" "$command" "$database.c" >"$folder/$command" 2>"$folder/err" &
         pid=$!
         exec 8<"$folder/$command"
-        read -r line <&8 # the rest does not fit into the pipe: it is still writing
+        read -r line <&8 # the rest does not fit into the pipe, so the program is still writing
         kill -INT "$pid"
         cat <&8 >/dev/null
         exec 8<&-

@@ -1,4 +1,4 @@
-# Large documents and many of them, imported and exported.
+# Import and export of large documents and of many documents.
 load helper
 
 @test "documents up to the limit of the server are imported and exported, larger ones are rejected" {

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # usage: manual_test.sh PROGRAM PAGE
-# Compares the manual page with the help of the program: every command with its options and examples.
+# Checks that the manual page has every command of the help of the program, with its options and examples.
 set -euo pipefail
 
 program=$1
@@ -11,7 +11,7 @@ miss() {
     failed=1
 }
 
-if command -v man >/dev/null; then # a mistake in the language of the page is a warning
+if command -v man >/dev/null; then # man prints a warning if the markup of the page is wrong
     warnings=$(MANROFFSEQ='' LC_ALL=C.UTF-8 MANWIDTH=200 man --warnings -l "$page" 2>&1 >/dev/null)
     [[ -z $warnings ]] || miss "$warnings"
 fi
@@ -19,7 +19,7 @@ fi
 commands_of() { "$program" "$@" --help | sed -nE '/^(Subcommands|SUBCOMMANDS):/,/^[^ ]*$/s/^  ([a-z]+).*/\1/p'; }
 options_of() { "$program" "$@" --help | sed -nE 's/^  (-[a-zA-Z], *)?(--[a-z][a-z-]*).*/\2/p'; }
 examples_of() { "$program" "$@" --help | sed -n '/^Examples:/,$s/^  dbc/dbc/p'; }
-# The text of a section without the marks of the page's language.
+# Prints the text of a section without markup.
 plain() { sed 's/\\f[A-Z]//g; s/\\-/-/g; s/\\e/\\/g; s/\\&//g'; }
 section() { sed -nE "/^\.S[SH] \"?dbc ${*}[ \"]/,/^\.S[SH]/p" "$page" | plain; }
 

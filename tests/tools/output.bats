@@ -1,4 +1,4 @@
-# How dbc prints: formatted JSON, colours, progress.
+# Output of dbc: formatted JSON, colours, progress.
 load helper
 
 @test "--pretty prints one field a line" {
@@ -50,7 +50,7 @@ load helper
     fill 20
     dbc check "$database.c"
     expect_no_messages
-    # The program's standard error is the terminal that script makes.
+    # The standard error of the program is the terminal that the program "script" creates.
     on_terminal "$program check $database.c" </dev/null
     grep -q 'checking \[' "$folder/terminal" || fail "no bar: $(<"$folder/terminal")"
     on_terminal "$program --quiet check $database.c" </dev/null

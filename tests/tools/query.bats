@@ -1,4 +1,4 @@
-# What dbc reads: find, count, distinct, aggregate, check and schema, and their conditions.
+# dbc find, count, distinct, aggregate, check and schema, and their queries.
 load helper
 
 @test "find prints documents as they are stored" {
@@ -6,7 +6,7 @@ load helper
     expect_status 0
     dbc find "$database.c"
     expect_status 0
-    expect_no_messages # of the driver either
+    expect_no_messages # also none of the driver
     expect_out '{ "_id" : 1, "z" : null, "a" : [ 0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11 ], "d" : { "$date" : "2020-01-01T00:00:00Z" } }'
 }
 
