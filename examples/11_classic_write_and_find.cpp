@@ -48,7 +48,7 @@ try
     client.connect(uriFrom(argc, argv));
     const std::string database = databaseOf(client);
 
-    std::string id; // made by write(), 24 hexadecimal digits
+    std::string id; // write() sets it to 24 hexadecimal digits
     client.write(database, "cities", city("Berlin", 3700000, true), id);
     client.write(database, "cities", city("Bonn", 330000, false));
     client.write(database, "cities", city("Hamburg", 1800000, false));
@@ -58,7 +58,7 @@ try
     client.find(database, "cities", largestTowns(), ObjectProperties(), found, 1, 0); // limit 1, skip 0
     for (const ObjectProperties& document : found)
         print(document);
-    client.remove(database, "cities", ObjectProperties()); // an empty query matches everything
+    client.remove(database, "cities", ObjectProperties()); // the empty query matches every document
 }
 catch (const std::exception& problem)
 {

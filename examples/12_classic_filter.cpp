@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// Builds a query call by call, shows it as JSON and uses it.
+// Builds a query call by call, prints it as JSON and uses it.
 #include "example.h"
 
 #include <dbc/access.h>

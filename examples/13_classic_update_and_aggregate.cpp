@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// Changes documents with update operators and lets the server group and sum.
+// Changes documents with update operators, and aggregates them on the server.
 #include "example.h"
 
 #include <dbc/results.h>

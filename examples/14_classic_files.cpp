@@ -46,11 +46,11 @@ try
     client.writeFile(database, "letters", "copy.txt", letter.path);
     printNames(client, database);
 
-    std::stringstream content; // any iostream
+    std::stringstream content; // or any other std::iostream
     client.readFile(database, "letters", "letter.txt", &content);
     std::cout << content.str();
 
-    client.removeFile(database, "letters", "LETTER.TXT"); // removes every file of this name, ignoring case
+    client.removeFile(database, "letters", "LETTER.TXT"); // removes every file of this name; ignores case
     client.removeFile(database, "letters", "copy.txt");
     printNames(client, database);
 }

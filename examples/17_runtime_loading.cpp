@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// Loads the library at run time: this program is not linked with it. Three factories are looked up by name; everything
-// else is called through the virtual interfaces. Members that are not virtual, such as DataBaseClient::instance(), and
-// objects made without a factory would need the library at link time.
+// Loads the library at run time: this program is not linked with it. It finds three factories by name, and calls only
+// virtual functions of the objects. Functions that are not virtual, such as DataBaseClient::instance(), and objects
+// made without a factory need a linked library.
 #include <database_client.h>
 #include <dbc/results.h>
 #include <object_filter.h>
@@ -48,7 +48,7 @@ void run(const Library& library, const std::string& uri)
 
     const auto filter = make<ObjectFilter>(library, "createObjectFilter");
     filter->setFilterString(OperationTypeRegex, "name", "^lis", "i");
-    // Built in place: neither copied nor destroyed as a temporary, for which the library would have to be linked.
+    // Constructed in place: copying or destroying a temporary object needs a linked library.
     const std::unique_ptr<ObjectProperties> query(new ObjectProperties(filter->toObjectProeprties()));
 
     dbc::Results found;
@@ -60,7 +60,7 @@ void run(const Library& library, const std::string& uri)
 
 } // namespace
 
-// LIBRARY is libdatabase_client.so.1, or libdatabase_client.so.1-mongoc2 for a library over libmongoc 2.x.
+// LIBRARY is libdatabase_client.so.1, or libdatabase_client.so.1-mongoc2 if the library is built with libmongoc 2.x.
 int main(int argc, char** argv)
 try
 {

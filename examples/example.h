@@ -8,14 +8,14 @@
 #include <cstdlib>
 #include <string>
 
-// Where the examples find their server: the first argument, else MONGODB_URI, else this machine.
+// The connection string: the first argument, otherwise MONGODB_URI, otherwise a server on this machine.
 inline std::string uriFrom(int argc, char** argv)
 {
     const char* const fromEnvironment = std::getenv("MONGODB_URI");
     return argc > 1 ? argv[1] : fromEnvironment ? fromEnvironment : "mongodb://127.0.0.1:27017/";
 }
 
-// The database that the connection string names, as in mongodb://host/name.
+// The database in the connection string, as in mongodb://host/name.
 inline std::string databaseOf(DataBaseClient& client)
 {
     std::string name;

@@ -11,8 +11,8 @@ namespace tour {
 
 namespace {
 
-// Sorted by one field: fields are written in the order of their names, so
-// {"count": -1, "_id": 1} would sort by "_id".
+// Sorts by one field only: fields are sent in the order of their keys, so
+// {"count": -1, "_id": 1} would sort by "_id" first.
 void commonTypes(Tour& tour)
 {
     Step step("the five most common types of subdivision", "group");
@@ -42,8 +42,7 @@ void commonTypes(Tour& tour)
 
 void matchThenGroup(Tour& tour)
 {
-    Step step("countries whose subdivisions have parts of their own",
-              "match");
+    Step step("countries whose subdivisions have subdivisions", "match");
     //! [match]
     const ObjectProperties pipeline = dbc::pipeline(
         {{{"$match", {{"parent", {{"$exists", true}}}}}},
@@ -86,7 +85,7 @@ void unwind(Tour& tour)
                            counted);
     //! [unwind]
     step.done(counted.size());
-    agree("answers", counted.size(), 1);
+    agree("results", counted.size(), 1);
     show(toJson(counted.front()));
 
     std::size_t expected = 0;

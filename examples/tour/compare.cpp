@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// Chapter "compare": what comes back is what was sent, value by value, and
-// what to mind when comparing.
+// Chapter "compare": reads all documents and compares every value with the
+// one that was sent.
 #include "tour.h"
 
 #include <algorithm>
@@ -23,7 +23,7 @@ bool sameValue(Property& a, Property& b)
     case PropertyType::Undefined:
     case PropertyType::Group:
     case PropertyType::Array:
-        return true; // their content is in the children
+        return true; // compared by their children
     case PropertyType::String:
     case PropertyType::Id:
         return std::string(a.textView()) == b.textView();
@@ -37,7 +37,7 @@ bool sameValue(Property& a, Property& b)
         return a.currentValueAsTime(0) == b.currentValueAsTime(0);
     case PropertyType::Double:
         return a.currentValueAsDouble(0) ==
-               b.currentValueAsDouble(0); // exactly, not just nearly
+               b.currentValueAsDouble(0); // exactly equal
     case PropertyType::Binary:
         return a.bytesView() == b.bytesView();
     case PropertyType::Regex:
@@ -47,15 +47,15 @@ bool sameValue(Property& a, Property& b)
     return false;
 }
 
-// The children of a node in the order of their keys; those of an array by
-// number, where the tree itself has 10 before 2. dbc::elements() does it for
-// an array in a document, here it is done for any node.
+// The children of a node in the order of their keys; those of an array in the
+// order of their numbers, because the tree itself has 10 before 2.
+// dbc::elements() does this only for an array of a document.
 std::vector<std::shared_ptr<Property>> childrenInOrder(const Property& node)
 {
     std::vector<std::shared_ptr<Property>> children;
     children.reserve(node.childCount());
-    for (const auto& [key, child] : node) // not childByIndex(i), which starts
-                                          // at the first child every time
+    for (const auto& [key, child] : node) // childByIndex(i) would walk to the
+                                          // child every time
     {
         children.push_back(child);
     }
@@ -72,9 +72,9 @@ std::vector<std::shared_ptr<Property>> childrenInOrder(const Property& node)
     return children;
 }
 
-// The path at which two subtrees differ first; nothing when they are equal.
-// Elements of an array are compared by their places: their keys are numbers
-// in one document and all the same in the other.
+// The path of the first difference between two subtrees; no value if they are
+// equal. Elements of an array are compared by their positions, because their
+// keys are numbers in one document and all the same in the other.
 std::optional<std::string> difference(Property& sent, Property& came)
 {
     if (sent.type() != came.type() ||
@@ -109,7 +109,7 @@ std::map<std::string, const Record*> byId(const std::vector<Record>& records)
 }
 
 // Reads the collection and compares each document with the one that was sent.
-// Returns what came.
+// Returns the documents.
 template <typename Record>
 dbc::Results compareAll(Tour& tour, const char* collection,
                         const std::vector<Record>& records)
@@ -133,7 +133,7 @@ dbc::Results compareAll(Tour& tour, const char* collection,
                 std::string(collection) +
                 ": a document that was never written: " + toJson(document));
         }
-        document.remove("_id"); // the server's, not ours
+        document.remove("_id"); // added by write()
         const std::optional<std::string> found =
             difference(*origin->second->document.root(), *document.root());
         if (found)
@@ -150,14 +150,14 @@ dbc::Results compareAll(Tour& tour, const char* collection,
     return came;
 }
 
-// The text of a document that was read shows its arrays in the order of the
+// The JSON of a document that was read has its arrays in the order of the
 // tree: 0, 1, 10, 2 ...
 void showTheArrayTrap(Tour& tour, const dbc::Results& came)
 {
     std::map<std::string, const Country*> sent;
     for (const Country& country : tour.countries)
         sent[country.code] = &country;
-    Step step("compare the same countries as JSON text", "to_json");
+    Step step("compare the same countries as JSON", "to_json");
     std::size_t differ = 0;
     std::size_t beyondTen = 0;
     for (const ObjectProperties& document : came)
@@ -169,9 +169,8 @@ void showTheArrayTrap(Tour& tour, const dbc::Results& came)
     step.done(came.size(), "documents", 0);
     show(std::to_string(differ) + " differ; " + std::to_string(beyondTen) +
          " have more than ten subdivisions");
-    note("an array that was read keeps its elements as 0, 1, 10, 11, 2 ...: "
-         "put them in order by number "
-         "(dbc::elements())");
+    note("an array that was read has its elements in the order 0, 1, 10, 11, "
+         "2 ...; dbc::elements() sorts them by number");
 }
 
 } // namespace

@@ -1,9 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// What the library leaves to the driver: dropping a database. Everything else
-// of the tour needs the library alone. The driver is running by then: the
-// first DataBaseClient has started it.
+// Drops a database with the driver; the rest of the tour uses only the
+// library. The first DataBaseClient has initialised the driver.
 #include "driver.h"
 
 #include <dbc/log.h>
@@ -36,7 +35,8 @@ using ClientHandle =
 using DatabaseHandle =
     std::unique_ptr<mongoc_database_t, DestroyWith<mongoc_database_destroy>>;
 
-// An invalid connection string is reported in one line, ours.
+// Turns off the driver's log: the tour prints its own error message for an
+// invalid connection string.
 class SilentDriver
 {
 public:

@@ -9,30 +9,29 @@ class DataBaseClient;
 
 namespace tour {
 
-/// Connects, and asks the server one question, because
-/// DataBaseClient::connect() sends nothing.
-/// @throws std::runtime_error "Connection failed", or "no answer from the
-/// server" with it
+/// Connects, and sends one query, because DataBaseClient::connect() sends
+/// nothing.
+/// @throws std::runtime_error "Connection failed" or "no answer from the
+/// server", each with the reason
 void connect(DataBaseClient& client, const std::string& uri,
              const std::string& database);
 
-/// Prints the driver's errors and warnings on standard error, and none of its
-/// other messages. FerretDB does not have the command endSessions, and the
-/// driver warns of that at every disconnect: this warning is left out as
-/// well.
+/// Prints only errors and warnings of the driver, to standard error. Leaves
+/// out the warning about endSessions: FerretDB does not have this command, so
+/// the driver would log it at every disconnect.
 void quietDriverLog();
 
-/// A database that the tour has made on a server: dropped at the end, and
-/// also when the tour fails on the way.
+/// A database that the tour has created. It is dropped at the end, also if
+/// the tour fails.
 class OwnDatabase
 {
 public:
     OwnDatabase(std::string uri, std::string name);
     OwnDatabase(const OwnDatabase&) = delete;
     OwnDatabase& operator=(const OwnDatabase&) = delete;
-    /// Drops what drop() has not.
+    /// Drops the database, unless drop() was called.
     ~OwnDatabase();
-    /// @throws std::runtime_error with the server's answer
+    /// @throws std::runtime_error with the error of the server
     void drop();
 
 private:

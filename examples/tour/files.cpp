@@ -1,8 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// Chapter "files": files of this system are stored, listed, read back and
-// removed.
+// Chapter "files": stores, lists, reads and removes files of this system.
 #include "tour.h"
 
 #include <dbc/files.h>
@@ -28,7 +27,7 @@ constexpr const char* store =
 
 struct File
 {
-    std::string name; ///< what the server knows it by
+    std::string name; ///< name on the server
     std::string path;
     std::size_t size = 0;
     std::uint32_t checksum = 0; ///< CRC-32
@@ -42,8 +41,8 @@ std::string lowerCase(std::string text)
     return text;
 }
 
-// Takes the file unless it cannot be read, or another one's name differs from
-// its own in letter case alone: removeFile() could not tell the two apart.
+// Adds the file to the list, unless it cannot be read, or its name differs
+// only in case from that of another file: removeFile() would remove both.
 void take(const fs::path& path, const fs::path& folder,
           std::vector<File>& files)
 {
@@ -68,7 +67,7 @@ void take(const fs::path& path, const fs::path& folder,
     files.push_back(file);
 }
 
-// Real files: the records themselves, then what the share folders hold.
+// Real files: the data of the tour, and files of the system.
 std::vector<File> someFiles(const std::string& data)
 {
     constexpr std::size_t most = 20;
@@ -78,8 +77,7 @@ std::vector<File> someFiles(const std::string& data)
           fs::path("/usr/share/licenses"), fs::path("/usr/share/doc"),
           fs::path("/usr/local/share")})
     {
-        std::error_code
-            none; // a folder that is missing or closed is passed over
+        std::error_code none; // leaves out a folder that cannot be read
         fs::recursive_directory_iterator entry(
             folder, fs::directory_options::skip_permission_denied, none);
         for (; !none && entry != fs::recursive_directory_iterator() &&
@@ -145,7 +143,7 @@ void readBack(Tour& tour, const std::vector<File>& files)
     std::size_t done = 0;
     for (const File& file : files)
     {
-        // Any iostream will do; this one counts and makes the checksum.
+        // Any iostream works; this one computes the checksum.
         //! [read_file]
         std::ofstream nowhere("/dev/null");
         dbc::Download download(nowhere);
@@ -171,8 +169,8 @@ void removeAll(Tour& tour, const std::vector<File>& files)
 {
     const File& twice = files.front();
     tour.client->writeFile(tour.database, store, twice.name, twice.path);
-    note("a name can be stored more than once, and removeFile() takes them "
-         "all, letter case set aside");
+    note("several files can have the same name; removeFile() removes all of "
+         "them, and ignores case");
 
     Step step("remove them", "remove_file");
     std::size_t done = 0;

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 // Chapter "filter": queries built call by call with ObjectFilter. Every
-// answer is compared with a plain loop.
+// result is compared with that of a loop.
 #include "tour.h"
 
 #include <object_filter.h>
@@ -35,7 +35,7 @@ void run(Tour& tour, const std::string& what, const std::string& code,
 
 void range(Tour& tour)
 {
-    // Outside a list, conditions on one key merge.
+    // Outside a list, conditions on the same key are merged.
     //! [range]
     ObjectFilter filter;
     filter.setFilterInt(OperationTypeGreaterOrEqual, "numeric", 100);
@@ -51,15 +51,15 @@ void regularExpression(Tour& tour)
     ObjectFilter filter;
     filter.setFilterString(OperationTypeRegex, "code", "^b[a-e]$", "i");
     //! [regex]
-    run(tour, "a regular expression, upper and lower case alike", "regex",
-        filter, [](const Country& c) {
+    run(tour, "a regular expression that ignores case", "regex", filter,
+        [](const Country& c) {
             return c.code[0] == 'B' && c.code[1] <= 'E';
         });
 }
 
 void absentField(Tour& tour)
 {
-    // The value plays no part.
+    // The value is ignored.
     //! [missing_field]
     ObjectFilter filter;
     filter.setFilterBool(OperationTypeNotExists, "names.official", true);
@@ -68,8 +68,7 @@ void absentField(Tour& tour)
         [](const Country& c) { return c.officialName.empty(); });
 }
 
-// Lists open and close like brackets. Inside one, every condition is an
-// element of its own.
+// Inside a list, every condition is a separate element.
 ObjectFilter shortOrUndivided()
 {
     //! [lists]
@@ -102,8 +101,7 @@ void lists(Tour& tour)
         isShortOrUndivided);
 }
 
-// A filter can be an element of another one's list: conditions that belong
-// together are written once.
+// A filter can be an element of a list of another filter.
 void oneInsideAnother(Tour& tour)
 {
     //! [include]
@@ -115,7 +113,7 @@ void oneInsideAnother(Tour& tour)
     filter.setFilterString(OperationTypeNotEqual, "code", "WF", "");
     filter.finish_and();
     //! [include]
-    run(tour, "that filter inside another one, with an id and a time",
+    run(tour, "that filter inside another filter, with an id and a time",
         "include", filter, [](const Country& c) {
             return isShortOrUndivided(c) && c.code != "WF";
         });

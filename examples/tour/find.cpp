@@ -11,14 +11,14 @@ namespace tour {
 
 namespace {
 
-// {"code": "DE"}: the fields of a query are values that must be equal.
+// {"code": "DE"} matches if the field "code" has this value.
 void oneByField(Tour& tour)
 {
     const Country& wanted = tour.countries.back();
     Step step("query: the country whose code is " + wanted.code, "by_field");
     //! [by_field]
     const ObjectProperties query = dbc::document({{"code", wanted.code}});
-    dbc::Results found; // owns what the client appends
+    dbc::Results found; // owns the documents
     tour.client->read(tour.database, countriesCollection, query, found);
     //! [by_field]
     step.done(found.size());
@@ -31,12 +31,12 @@ void oneByField(Tour& tour)
          " bytes");
 }
 
-// On the server "." leads into a group, and to the library "." is a character
-// like any other.
+// In a query, "." refers to a field of a nested document. In the library, "."
+// is an ordinary character.
 void oneByNestedField(Tour& tour)
 {
     const Subdivision& wanted = tour.subdivisions.back();
-    Step step("query: the country that holds " + wanted.code,
+    Step step("query: the country that contains " + wanted.code,
               "by_nested_field");
     //! [by_nested_field]
     const ObjectProperties query =
@@ -45,13 +45,13 @@ void oneByNestedField(Tour& tour)
     tour.client->read(tour.database, countriesCollection, query, found);
     //! [by_nested_field]
     step.done(found.size());
-    agree("countries that hold it", found.size(), 1);
-    show(dbc::getOr(found.front(), "name", "?") + " holds " + wanted.name);
+    agree("countries that contain it", found.size(), 1);
+    show(dbc::getOr(found.front(), "name", "?") + " contains " + wanted.name);
 }
 
 // A query with an order has the form {"$query": {...}, "$orderby": {...}}.
-// Fields are written in the order of their names, so an order by several
-// fields sorts by the alphabetically first one first.
+// Fields are sent in the order of their keys, so with several fields the
+// server sorts by the alphabetically first one first.
 void someInOrder(Tour& tour)
 {
     Step step("projection, order, limit 3, skip 2: undivided, from Z to A",
@@ -90,12 +90,12 @@ void allPageByPage(Tour& tour)
     constexpr int pageSize = 1000;
     Step step("all subdivisions in pages of " + std::to_string(pageSize),
               "pages");
-    // An empty query matches everything; without an order the pages of a
-    // changing collection may overlap.
+    // The empty query matches everything. Without an order, pages may
+    // overlap.
     //! [pages]
     const ObjectProperties query =
         dbc::document({{"$query", {}}, {"$orderby", {{"code", 1}}}});
-    dbc::Results found; // find() appends: one list takes all pages
+    dbc::Results found; // find() appends all pages
     for (int skip = 0; found.size() == static_cast<std::size_t>(skip);
          skip += pageSize)
     {

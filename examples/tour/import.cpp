@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// Chapter "import": the same records twice, with one command for each
-// document and with many documents in a command.
+// Chapter "import": inserts the same records twice, with one command for each
+// document, and with many documents in one command.
 #include "tour.h"
 
 #include <dbc/collection.h>
@@ -34,7 +34,7 @@ double importOneByOne(Tour& tour,
 double importTogether(Tour& tour,
                       const std::vector<ObjectProperties>& documents)
 {
-    Step step("insertMany(): thousands of documents in a command",
+    Step step("insertMany(): thousands of documents in one command",
               "import_many");
     //! [import_many]
     dbc::Collection together(*tour.client, tour.database, "together");
@@ -73,8 +73,8 @@ void importRecords(Tour& tour)
                   "write(): %.3f s; insertMany(): %.3f s; ratio %.1f", loop,
                   many, loop / many);
     show(line);
-    note("for a file, give insertMany() a function that returns the next "
-         "document: then memory holds one batch");
+    note("to import a file, pass a function to insertMany() that returns the "
+         "next document: then only one batch is in memory");
 }
 
 } // namespace tour

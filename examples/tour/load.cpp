@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// Chapter "load": JSON text becomes documents, through JsonToProperties and
+// Chapter "load": converts JSON to documents with JsonToProperties and with
 // the setters of ObjectProperties.
 #include "tour.h"
 
@@ -62,15 +62,16 @@ void load(Tour& tour)
         countriesFrom(readJsonFile(tour.options.data + "/iso_3166-1.json"));
     countries.done(tour.countries.size(), "records", 0);
 
-    Step subdivisions("read iso_3166-2.json, with lists in their order",
-                      "elements");
+    Step subdivisions(
+        "read iso_3166-2.json, elements in the order of their numbers",
+        "elements");
     tour.subdivisions = subdivisionsFrom(
         readJsonFile(tour.options.data + "/iso_3166-2.json"));
     subdivisions.done(tour.subdivisions.size(), "records", 0);
     if (tour.countries.empty() || tour.subdivisions.empty())
         throw std::runtime_error("no records in " + tour.options.data);
 
-    Step documents("make typed documents of them", "make_document");
+    Step documents("make typed documents of the records", "make_document");
     giveCountriesTheirParts(tour);
     fillDocuments(tour);
     documents.done(tour.countries.size() + tour.subdivisions.size(),

@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// A tour of the library on real data: reads the ISO 3166 records of countries
-// and their subdivisions and takes them through everything that the library
-// does. Start reading at load.cpp; each chapter is one function in one file.
+// A tour of the library with real data: the ISO 3166 records of countries and
+// their subdivisions. Each chapter is one function in one file. Start reading
+// at load.cpp.
 #include "driver.h"
 #include "tour.h"
 
@@ -29,17 +29,17 @@ constexpr Chapter chapters[] = {
     {"load", "ISO country and subdivision records become typed documents",
      tour::load, false},
     {"write", "insert thousands of documents", tour::write, true},
-    {"import", "many documents in a command, beside one command for each",
+    {"import", "many documents in one command, and one by one",
      tour::importRecords, true},
     {"find", "query, projection, order, limit and skip", tour::find, true},
-    {"filter", "queries built call by call, and the JSON they make",
-     tour::filter, true},
-    {"update", "operators, every match at once, upsert", tour::update, true},
+    {"filter", "queries built call by call, printed as JSON", tour::filter,
+     true},
+    {"update", "update operators, all matches, upsert", tour::update, true},
     {"aggregate", "group, sort and count on the server", tour::aggregate,
      true},
     {"compare", "read everything back and compare every value", tour::compare,
      true},
-    {"remove", "delete what matches a query", tour::remove, true},
+    {"remove", "remove the documents that match a query", tour::remove, true},
     {"files", "store, list, read back and remove files of this system",
      tour::files, true},
     {"users", "add, use, change and remove a user (needs --auth-uri)",
@@ -96,7 +96,7 @@ void run(Tour& tour, const std::vector<std::string>& wanted)
     }
 }
 
-// All of them, but the users only when there is a server to have them on.
+// Runs all chapters; the chapter "users" only if --auth-uri is given.
 void runAll(Tour& tour)
 {
     std::vector<std::string> wanted = names();
@@ -106,9 +106,9 @@ void runAll(Tour& tour)
     run(tour, wanted);
     if (!withUsers)
     {
-        std::cout << "left out chapter users: it needs --auth-uri, an "
-                     "administrator on a server\n"
-                     "with authentication\n";
+        std::cout << "left out the chapter users: it needs --auth-uri, the "
+                     "connection string of an\n"
+                     "administrator on a server with authentication\n";
     }
 }
 
@@ -126,24 +126,24 @@ void tour::title(const std::string& name)
 int main(int argc, char** argv)
 try
 {
-    CLI::App app(
-        "A tour of the library on real data. Without CHAPTER: all of them.");
+    CLI::App app("A tour of the library on real data. Without CHAPTER, runs "
+                 "all chapters.");
     tour::Options options;
     options.uri = "mongodb://127.0.0.1:27017/?serverSelectionTimeoutMS=3000";
     options.data = "/usr/share/iso-codes/json";
     bool onlyList = false;
     std::vector<std::string> wanted;
-    app.add_option(
-           "--uri", options.uri,
-           "the server; a database is made there and dropped at the end")
+    app.add_option("--uri", options.uri,
+                   "connection string of the server; the tour creates a "
+                   "database there and drops it at the end")
         ->capture_default_str();
     app.add_option("--auth-uri", options.authUri,
-                   "an administrator on a server with authentication, for "
-                   "chapter users");
+                   "connection string of an administrator on a server with "
+                   "authentication; for the chapter users");
     app.add_option("--data", options.data,
-                   "folder of iso_3166-1.json and iso_3166-2.json")
+                   "folder with iso_3166-1.json and iso_3166-2.json")
         ->capture_default_str();
-    app.add_flag("--list", onlyList, "name the chapters and end");
+    app.add_flag("--list", onlyList, "print the names of the chapters");
     app.add_option("CHAPTER", wanted, "chapters to run")
         ->check(CLI::IsMember(names()));
     CLI11_PARSE(app, argc, argv);
@@ -162,7 +162,7 @@ try
     }
     tour::endOnInterrupt();
     tour::quietDriverLog();
-    tour::secondsSinceStart(); // the clock starts here
+    tour::secondsSinceStart(); // starts the clock
     Tour tour;
     tour.options = options;
     wanted.empty() ? runAll(tour) : run(tour, wanted);
@@ -171,7 +171,7 @@ try
 catch (const tour::Interrupted&)
 {
     std::cerr << "tour: interrupted\n";
-    return 130; // as the shell has it for a program that Ctrl-C ended
+    return 130; // as a shell reports a program that Ctrl-C ended
 }
 catch (const std::exception& problem)
 {

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// Records become documents: JSON text to a tree, a tree to plain structs,
-// plain structs to typed documents.
+// Converts the records: JSON to a tree, the tree to structs, the structs to
+// typed documents.
 #include "records.h"
 
 #include <dbc/access.h>
@@ -20,9 +20,8 @@ namespace tour {
 
 namespace {
 
-// The elements of a list, in their order. dbc::elements() sorts them by
-// number: the tree itself keeps children in the order of their keys as text,
-// 0, 1, 10, 11, 2 ...
+// The elements of an array. dbc::elements() sorts them by their numbers. The
+// tree itself sorts children by their keys as strings: 0, 1, 10, 11, 2 ...
 std::vector<std::shared_ptr<Property>> recordsIn(const ObjectProperties& json,
                                                  const std::string& key)
 {
@@ -39,8 +38,7 @@ std::vector<std::shared_ptr<Property>> recordsIn(const ObjectProperties& json,
     return elements;
 }
 
-// A look-up that adds nothing; valueAsString() would leave a missing field
-// behind.
+// Adds nothing to the record; valueAsString() would add a missing field.
 std::string text(Property& record, const std::string& field)
 {
     const std::shared_ptr<Property> found = record.propertyBySingleKey(field);
@@ -118,9 +116,9 @@ void fillDocument(Subdivision& subdivision, const std::string& batch,
 
 namespace {
 
-// In an array every setter and every beginGroup() adds an element. One key
-// for all of them keeps the order of the calls; with keys 0, 1, 2 ... of
-// your own the eleventh element would follow the second.
+// In an array every setter and every beginGroup() adds an element. With one
+// key for all elements, they stay in the order of the calls. With the keys 0,
+// 1, 2 ... the eleventh element would follow the second.
 void fillArrays(Country& country)
 {
     ObjectProperties& document = country.document;
@@ -167,10 +165,10 @@ void fillDocument(Country& country, std::size_t allSubdivisions,
     dbc::Crc32 checksum;
     checksum.add(country.name.data(), country.name.size());
     document.setValueLongLong("checksum",
-                              checksum.value()); // beyond the reach of int32
+                              checksum.value()); // too large for an Int32
 
     {
-        // A nested document: until the scope ends, keys are below it.
+        // A nested document: keys are below it until the scope ends.
         //! [make_document]
         const dbc::GroupScope names(document, "names");
         document.setValueString("alpha3", country.alpha3);

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// Chapter "remove": every document that matches goes, without asking again.
+// Chapter "remove": removes every document that matches a query.
 #include "tour.h"
 
 #include <object_filter.h>
@@ -46,10 +46,10 @@ void remove(Tour& tour)
     parish.setFilterString(OperationTypeEqual, "type", "Parish", "");
     removeMatching(tour, "parishes", "remove", parish.toObjectProeprties(),
                    static_cast<std::size_t>(parishes));
-    removeMatching(tour, "parishes, again: no match is no error", "remove",
+    removeMatching(tour, "parishes again: no match is not an error", "remove",
                    parish.toObjectProeprties(), 0);
 
-    note("an empty query matches everything");
+    note("the empty query matches every document");
     removeMatching(tour, "the rest", "remove", ObjectProperties(),
                    tour.subdivisions.size() -
                        static_cast<std::size_t>(parishes));

@@ -42,7 +42,7 @@ struct Total
 };
 Total allSteps;
 
-// Continued lines are indented by further @p indent spaces.
+// If a line is too long, its further lines have @p indent more spaces.
 void print(const std::string& front, const std::string& line,
            std::size_t indent)
 {
@@ -144,14 +144,14 @@ void summary()
         << " and " << counted(allSteps.files, "files") << "\nin "
         << counted(allSteps.operations, "operations") << " of the client, in "
         << seconds << ".\n"
-        << "\nWhere to go on:\n"
-           "  README.md                        a first program of your own\n"
+        << "\nWhat to read next:\n"
+           "  README.md                        a first program\n"
            "  examples/01_crud.cpp             small programs, one for each "
            "task\n"
            "  examples/tour/find.cpp           the code of this tour, one "
-           "file a chapter\n"
+           "file per chapter\n"
            "  docs/guide/quick_start.md        the guide; scripts/docs makes "
-           "pages of it\n"
+           "HTML pages\n"
            "  docs/guide/dbc.md                the command-line tool\n"
         << std::flush;
 }
@@ -172,7 +172,7 @@ void show(const std::string& line)
 
 void showShort(const std::string& line)
 {
-    constexpr std::size_t most = screen - 10; // six in front, and " ..."
+    constexpr std::size_t most = screen - 10; // less 6 spaces and " ..."
     if (characters(line) <= most + 4)
     {
         show(line);
@@ -208,8 +208,8 @@ void agree(const std::string& what, std::size_t server, std::size_t records)
     if (server != records)
     {
         throw std::runtime_error(
-            what + ": the server answered " + std::to_string(server) +
-            ", a loop over the records " + std::to_string(records));
+            what + ": the server has " + std::to_string(server) +
+            ", a loop over the records has " + std::to_string(records));
     }
 }
 

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// What several chapters use.
+// Functions that several chapters use.
 #include "tour.h"
 
 #include <json_to_properties.h>

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// The tour's own source text, and lines that fit on a screen.
+// The tour's own source code, and lines that fit on a screen.
 #include "text.h"
 
 #include <algorithm>
@@ -27,7 +27,7 @@ std::vector<std::string> partOfSources(const std::string& name)
     for (const std::string_view source : sources)
     {
         std::istringstream text{std::string(source)};
-        std::optional<std::size_t> indent; // of the mark that began the part
+        std::optional<std::size_t> indent; // of the line that began the part
         for (std::string line; std::getline(text, line);)
         {
             if (line.substr(indentation(line)) == mark)
@@ -60,7 +60,7 @@ std::vector<std::string> wrapped(const std::string& line, std::size_t width,
     std::string rest = line;
     while (characters(rest) > width)
     {
-        // A space within the indentation is no place to break.
+        // Does not break the line within its indentation.
         const std::size_t from = indentation(rest);
         std::size_t end = std::string::npos;
         for (std::size_t space = rest.find(' ', from);

@@ -18,26 +18,26 @@
 
 namespace tour {
 
-/// What the command line says.
+/// Options of the command line.
 struct Options
 {
     std::string uri;
-    std::string authUri; ///< an administrator on a server with
-                         ///< authentication; empty if not given
-    std::string data; ///< the folder of iso_3166-1.json and iso_3166-2.json
+    std::string authUri; ///< connection string of an administrator on a
+                         ///< server with authentication; empty if not given
+    std::string data;    ///< folder with iso_3166-1.json and iso_3166-2.json
 };
 
-/// What the chapters share: the client, the database that the tour makes and
-/// drops, and the records in it.
+/// Data that the chapters share: the client, the database that the tour
+/// creates and drops, and the records.
 struct Tour
 {
     Options options;
     std::unique_ptr<DataBaseClient>
         client; ///< connected before the first chapter that needs a server
-    std::string database; ///< a name of its own for every run
+    std::string database; ///< a unique name for each run
     std::string batch;    ///< an id that marks the documents of this run
-    std::vector<Country> countries; ///< as read from the files, each with the
-                                    ///< document made of it
+    std::vector<Country> countries; ///< as read from the files, each with its
+                                    ///< document
     std::vector<Subdivision> subdivisions;
     bool stored = false; ///< whether the documents are on the server
 };
@@ -48,7 +48,7 @@ constexpr const char* subdivisionsCollection = "subdivisions";
 /// Prints the number, the name and the subject of a chapter.
 void title(const std::string& name);
 
-// One function a chapter, in the order of the tour.
+// One function for each chapter, in the order of the tour.
 void load(Tour& tour);
 void write(Tour& tour);
 void importRecords(Tour& tour);
@@ -61,17 +61,17 @@ void remove(Tour& tour);
 void files(Tour& tour);
 void users(Tour& tour);
 
-/// Does in short what the earlier chapters do, when a later one is run alone.
+/// Run the earlier chapters that a chapter needs, if they have not run.
 void needRecords(Tour& tour);
 void needStored(Tour& tour);
 
-/// How many documents of the collection match, counted by reading their ids.
+/// Counts the matching documents of the collection by reading their ids.
 std::size_t count(Tour& tour, const std::string& collection,
                   const ObjectProperties& query);
 
-/// A document from JSON text that is known to be valid.
+/// A document from valid JSON. @throws std::logic_error if it is not valid
 ObjectProperties fromJson(const std::string& json);
-/// A document as JSON text.
+/// A document as JSON.
 std::string toJson(const ObjectProperties& document);
 
 } // namespace tour

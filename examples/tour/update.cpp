@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// Chapter "update": the document passed is the operand of the operator that
-// the command names.
+// Chapter "update": the command selects an operator, and the document is its
+// operand.
 #include "tour.h"
 
 #include <algorithm>
@@ -20,7 +20,7 @@ std::size_t countWith(Tour& tour, const std::string& field)
                  dbc::document({{field, {{"$exists", true}}}}));
 }
 
-// Counts the countries that have the fields of everyMatch() before and after.
+// Compares the number of countries that have the fields of everyMatch().
 void showFields(Tour& tour, std::size_t visited, std::size_t seen)
 {
     const std::size_t withVisited = countWith(tour, "visited");
@@ -31,7 +31,7 @@ void showFields(Tour& tour, std::size_t visited, std::size_t seen)
     agree("seen", withSeen, seen);
 }
 
-// A field is added, renamed and removed in every country that has no
+// Adds, renames and removes a field of every country that has no
 // subdivisions.
 void everyMatch(Tour& tour)
 {
@@ -69,8 +69,7 @@ void everyMatch(Tour& tour)
     showFields(tour, 0, 0);
 }
 
-// Runs one change of the document that @p query finds, and shows what became
-// of it.
+// Changes the document that @p query matches, and prints the result.
 void change(Tour& tour, const ObjectProperties& query,
             const std::string& what, const std::string& code,
             const std::function<void()>& update)
@@ -86,22 +85,23 @@ void change(Tour& tour, const ObjectProperties& query,
     show("now " + toJson(found.front()));
 }
 
-// The document that has this id is changed, or inserted if it does not exist.
+// Inserts a document with a given id, and changes it.
 void oneDocument(Tour& tour)
 {
     DataBaseClient& client = *tour.client;
     const std::string& database = tour.database;
-    // Here, and not in write(), an id can be chosen.
+    // update() accepts an id of the caller, unlike write().
     const ObjectProperties query =
         dbc::document({{"_id", dbc::ObjectId{client.createId()}}});
-    change(
-        tour, query, "upsert: there is no such document yet", "upsert", [&] {
-            //! [upsert]
-            client.update(database, notesCollection, query,
-                          fromJson(R"({"title": "to see", "codes": ["DE"]})"),
-                          UpdateFlagUpsert, UpdateCommandSet);
-            //! [upsert]
-        });
+    change(tour, query, "upsert: the document does not exist yet", "upsert",
+           [&] {
+               //! [upsert]
+               client.update(
+                   database, notesCollection, query,
+                   fromJson(R"({"title": "to see", "codes": ["DE"]})"),
+                   UpdateFlagUpsert, UpdateCommandSet);
+               //! [upsert]
+           });
     change(tour, query, "$push", "push_fr", [&] {
         //! [push_fr]
         client.update(database, notesCollection, query,
@@ -109,13 +109,14 @@ void oneDocument(Tour& tour)
                       UpdateCommandPush);
         //! [push_fr]
     });
-    change(tour, query, "$addToSet: it is there already", "add_to_set", [&] {
-        //! [add_to_set]
-        client.update(database, notesCollection, query,
-                      fromJson(R"({"codes": "FR"})"), UpdateFlagNone,
-                      UpdateCommandAddToSet);
-        //! [add_to_set]
-    });
+    change(tour, query, "$addToSet: the value is in the array already",
+           "add_to_set", [&] {
+               //! [add_to_set]
+               client.update(database, notesCollection, query,
+                             fromJson(R"({"codes": "FR"})"), UpdateFlagNone,
+                             UpdateCommandAddToSet);
+               //! [add_to_set]
+           });
     change(tour, query, "$push", "push_it", [&] {
         //! [push_it]
         client.update(database, notesCollection, query,
@@ -138,27 +139,28 @@ void oneDocument(Tour& tour)
                       UpdateCommandPull);
         //! [pull]
     });
-    change(tour, query, "replace: no operator, a whole document", "replace",
-           [&] {
+    change(tour, query, "replace: a whole document without operators",
+           "replace", [&] {
                //! [replace]
                client.update(database, notesCollection, query,
                              fromJson(R"({"title": "seen"})"), UpdateFlagNone,
                              UpdateCommandReplace);
                //! [replace]
            });
-    change(tour, query, "replace with any other operator", "increment", [&] {
-        //! [increment]
-        client.update(database, notesCollection, query,
-                      fromJson(R"({"$inc": {"visits": 2}})"), UpdateFlagNone,
-                      UpdateCommandReplace);
-        //! [increment]
-    });
+    change(tour, query, "replace: a document with any operators", "increment",
+           [&] {
+               //! [increment]
+               client.update(database, notesCollection, query,
+                             fromJson(R"({"$inc": {"visits": 2}})"),
+                             UpdateFlagNone, UpdateCommandReplace);
+               //! [increment]
+           });
 }
 
 void refused(Tour& tour)
 {
     const ObjectProperties operand = dbc::document({{"title", 1}});
-    Step step("$push to a field that is no array", "push_refused");
+    Step step("$push to a field that is not an array", "push_refused");
     const std::string said = answer([&] {
         //! [push_refused]
         tour.client->update(tour.database, notesCollection,

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// Chapter "users": a user is added, logs in, gets another password and is
-// removed, on a server with authentication.
+// Chapter "users": adds a user, logs in as this user, changes the password
+// and removes the user, on a server with authentication.
 #include "tour.h"
 
 #include "driver.h"
@@ -17,8 +17,8 @@ namespace {
 
 constexpr const char* userName = "traveller";
 
-// The administrator's address with another user, who is known to the database
-// of the tour.
+// The administrator's connection string with the new user, who belongs to the
+// database of the tour.
 std::string uriFor(const Tour& tour, const std::string& password)
 {
     const std::string& uri = tour.options.authUri;
@@ -32,8 +32,8 @@ std::string uriFor(const Tour& tour, const std::string& password)
            uri.substr(host, end - host) + "/" + tour.database;
 }
 
-// connect() sends nothing: whether a password is right shows at the first
-// operation.
+// connect() sends nothing: the first operation fails if the password is
+// wrong.
 std::string logIn(const Tour& tour, const std::string& password)
 {
     //! [log_in]
@@ -70,7 +70,7 @@ void tryPassword(const Tour& tour, const std::string& what,
 
 ObjectProperties rolesIn(const std::string& database)
 {
-    // A list: its members are 0, 1, 2 ...
+    // A list with the keys 0, 1, 2 ...
     //! [roles]
     ObjectProperties roles =
         dbc::document({{"0", {{"role", "readWrite"}, {"db", database}}}});
@@ -95,8 +95,8 @@ void work(const Tour& tour, const std::string& password)
     show(toJson(found.front()));
 }
 
-/// Removes the user when the chapter ends early: dropping a database leaves
-/// its users in place.
+/// Removes the user also if the chapter fails: dropping a database does not
+/// remove its users.
 class AddedUser
 {
 public:
@@ -127,7 +127,7 @@ private:
 AddedUser add(const Tour& tour, DataBaseClient& administrator,
               const std::string& password)
 {
-    Step step("add a user with a role and data of its own", "add_user");
+    Step step("add a user with a role and custom data", "add_user");
     //! [add_user]
     const ObjectProperties customData = dbc::document({{"purpose", "tour"}});
     administrator.addUser(tour.database, userName, password,
@@ -140,7 +140,7 @@ AddedUser add(const Tour& tour, DataBaseClient& administrator,
 void change(const Tour& tour, DataBaseClient& administrator,
             const std::string& password)
 {
-    Step step("change its password", "change_password");
+    Step step("change the password", "change_password");
     //! [change_password]
     administrator.changeUserPassword(tour.database, userName, password);
     //! [change_password]
@@ -151,7 +151,7 @@ void giveRoles(const Tour& tour, DataBaseClient& administrator)
 {
     const ObjectProperties customData =
         dbc::document({{"purpose", "second visit"}});
-    Step step("set its roles and data again", "update_user");
+    Step step("replace the roles and the custom data", "update_user");
     showCode("roles");
     const std::string said = answer([&] {
         //! [update_user]
@@ -163,10 +163,8 @@ void giveRoles(const Tour& tour, DataBaseClient& administrator)
     showShort(said);
     if (said != "accepted")
     {
-        // FerretDB v1: it refuses any role, and the gateway before it sends
-        // none.
-        note("a server that keeps neither roles nor data has nothing to "
-             "change here");
+        // FerretDB v1 rejects roles, so the gateway removes them.
+        note("this server stores neither roles nor custom data of users");
     }
 }
 

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// Chapter "write": documents go to the server, one insert each.
+// Chapter "write": inserts the documents one by one.
 #include "tour.h"
 
 namespace tour {
@@ -22,18 +22,18 @@ void writeAll(Tour& tour, const char* collection, Records& records)
         step.progress(++done, records.size());
     }
     step.done(done, "documents", done);
-    show("the id of the last one, made by write(): " + records.back().id);
+    show("id of the last document, made by write(): " + records.back().id);
 }
 
-// write() appends a new "_id" whatever the document holds: a document that
-// was read goes back with update(), or without its own "_id".
+// write() always appends a new "_id". To store a document that was read, use
+// update(), or remove its "_id" first.
 void showTheIdTrap(Tour& tour)
 {
     //! [write_with_id]
     const dbc::ObjectId id{tour.client->createId()};
     const ObjectProperties document = dbc::document({{"_id", id}});
     //! [write_with_id]
-    Step step("write a document that has an \"_id\" of its own",
+    Step step("write a document that already has an \"_id\"",
               "write_with_id");
     const std::string said = answer([&] {
         //! [write_with_id]
@@ -42,8 +42,8 @@ void showTheIdTrap(Tour& tour)
     });
     step.done(said == "accepted" ? 1 : 0);
     showShort(said);
-    note("write() always adds an \"_id\"; to choose it yourself: update() "
-         "with UpdateFlagUpsert, as in chapter update");
+    note("write() always adds an \"_id\"; to choose it yourself, use "
+         "update() with UpdateFlagUpsert, as in the chapter update");
 }
 
 } // namespace

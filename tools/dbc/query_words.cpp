@@ -18,9 +18,8 @@ const char* const queryHelp =
     "Query: one JSON document, or conditions that must all match:\n"
     "field=value field!=value field>value field>=value field<value field<=value field~pattern field~/pattern/flags "
     "field? !field\n"
-    "A value is JSON (5, true, null, [1, 2]), a time (2023-01-31, 2023-01-31T12:30Z) or else a string; quotes make it "
-    "a "
-    "string in any case: 'when=\"2023-01-31\"'";
+    "A value is JSON (5, true, null, [1, 2]) or a time (2023-01-31, 2023-01-31T12:30Z). Anything else is a string. "
+    "A value in quotes is always a string: 'when=\"2023-01-31\"'";
 
 const char* const sortHelp =
     R"(Sort order: name,-age sorts by name ascending, then by age descending; or JSON: {"name": 1, "age": -1})";

@@ -145,7 +145,8 @@ void addUserCommands(CLI::App& program, const GlobalOptions& global, Work& work)
         *addCommand(*users, global, work, "passwd", "Change the password of a user", command, changePassword),
         *command);
     addRoleOptions(*addCommand(*users, global, work, "update",
-                               "Replace the roles and the data of a user; removes what is not given", command, update),
+                               "Replace the roles and the custom data of a user; without an option, removes them",
+                               command, update),
                    *command);
     addCommand(*users, global, work, "rm", "Remove a user", command, remove);
     addCommand(*users, global, work, "ls", "List the users of a database with their roles", command, list);
