@@ -4,12 +4,12 @@
 // Documents, filters and converters if memory runs out.
 
 #include "allocation_failure.h"
+#include "bson_handles.h"
 #include "bson_to_properties.h"
 #include "factories.h"
 #include "json_to_properties.h"
 #include "object_filter.h"
 #include "object_properties.h"
-#include "owned_bson.h"
 #include "properties_to_bson.h"
 #include "properties_to_json.h"
 
@@ -53,7 +53,7 @@ struct Documents
         document.setValueString("used", longText);
         EXPECT_EQ(document.valueAsString("used", ""), longText);
         const ObjectProperties copy(document);
-        test_support::OwnedBson written;
+        OwnedBson written;
         EXPECT_TRUE(PropertiesToBson::convert(copy, written.get()));
         other.beginGroup("");
         other.setValueString("used", longText);
@@ -61,7 +61,7 @@ struct Documents
 
     ObjectProperties document;
     ObjectProperties other;
-    test_support::OwnedBson bson;
+    OwnedBson bson;
     std::string json;
 };
 
@@ -146,7 +146,7 @@ const test_support::AllocatingOperation<Documents> documentOperations[] = {
     {"moveTo", [](Documents& d) { d.document.moveTo(d.document.root()); }},
     {"propertiesToBson",
      [](Documents& d) {
-         test_support::OwnedBson target;
+         OwnedBson target;
          PropertiesToBson::convert(d.document, target.get());
      }},
     {"bsonToProperties", [](Documents& d) { BsonToProperties::convert(d.bson.get(), &d.document); }},

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
+#include "bson_handles.h"
 #include "connected_client.h"
-#include "owned_bson.h"
 #include "pattern_text.h"
 
 #include <algorithm>

@@ -4,7 +4,6 @@
 #include "database_client.h"
 #include "object_filter.h"
 #include "object_properties.h"
-#include "owned_bson.h"
 #include "properties_to_bson.h"
 #include "row_name.h"
 #include "test_server.h"
@@ -375,7 +374,7 @@ TEST(FilterOnTheWire, IsTheQueryByteForByte)
     filter.finish_and();
     filter.finish_or();
     const ObjectProperties query = filter.toObjectProeprties();
-    test_support::OwnedBson bson;
+    OwnedBson bson;
     ASSERT_TRUE(PropertiesToBson::convert(query, bson.get()));
     const test_support::ScratchDatabase database;
     auto& gateway = test_support::TestServer::instance().gateway();

@@ -43,7 +43,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         require(document.isEmpty(), "what is refused leaves the target alone");
         return 0;
     }
-    test_support::OwnedBson written;
+    OwnedBson written;
     requireFixedPoint(document, written);
 
     std::string json = "replaced";

@@ -36,7 +36,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         require(document.isEmpty(), "what is refused leaves the target alone");
         return 0;
     }
-    test_support::OwnedBson bson;
+    OwnedBson bson;
     requireFixedPoint(document, bson);
 
     std::string first;

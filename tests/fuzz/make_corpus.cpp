@@ -3,8 +3,8 @@
 
 // Writes the inputs from which the fuzzers start, one file for each kind of content: make_corpus FOLDER
 
+#include "bson_handles.h"
 #include "model/operation.h"
-#include "owned_bson.h"
 
 #include <bson/bson.h>
 
@@ -89,7 +89,7 @@ void makeConversions(const std::filesystem::path& root)
     {
         jsonCorpus.add(name, text);
         bson_error_t error;
-        test_support::OwnedBson bson;
+        OwnedBson bson;
         if (!bson_init_from_json(bson.get(), text.c_str(), -1, &error))
             throw std::runtime_error(name + ": " + error.message);
         bsonCorpus.add(name, bson.get());
@@ -100,12 +100,12 @@ void makeConversions(const std::filesystem::path& root)
     jsonCorpus.add("legacy-forms",
                    R"({"b": {"$binary": "AQID", "$type": "00"}, "r": {"$regex": "a", "$options": "i"}})");
 
-    test_support::OwnedBson repeated;
+    OwnedBson repeated;
     BSON_APPEND_INT32(repeated.get(), "a", 1);
     BSON_APPEND_UTF8(repeated.get(), "a", "second");
     BSON_APPEND_INT32(repeated.get(), "a/b", 3);
     bsonCorpus.add("repeated-keys", repeated.get());
-    test_support::OwnedBson latin;
+    OwnedBson latin;
     BSON_APPEND_UTF8(latin.get(), "a", "\xe4");
     bsonCorpus.add("text-that-is-not-utf-8", latin.get());
     std::string whole(reinterpret_cast<const char*>(bson_get_data(repeated.get())), repeated.get()->len);
@@ -170,16 +170,16 @@ void makeServerDocuments(const std::filesystem::path& root)
     for (const auto& [name, text] : documents)
     {
         bson_error_t error;
-        test_support::OwnedBson bson;
+        OwnedBson bson;
         if (!bson_init_from_json(bson.get(), text.c_str(), -1, &error))
             throw std::runtime_error(name + ": " + error.message);
         corpus.add(name, bson.get());
         const std::string bytes(reinterpret_cast<const char*>(bson_get_data(bson.get())), bson.get()->len);
         corpus.add(name + "-cut-short", bytes.substr(0, bytes.size() / 2));
     }
-    test_support::OwnedBson inner;
+    OwnedBson inner;
     BSON_APPEND_INT32(inner.get(), "a", 1);
-    test_support::OwnedBson record;
+    OwnedBson record;
     BSON_APPEND_DOCUMENT(record.get(), "_id", inner.get());
     BSON_APPEND_INT32(record.get(), "length", 1);
     BSON_APPEND_INT32(record.get(), "chunkSize", 1);

@@ -3,9 +3,9 @@
 
 #pragma once
 
+#include "bson_handles.h"
 #include "bson_to_properties.h"
 #include "object_properties.h"
-#include "owned_bson.h"
 #include "properties_to_bson.h"
 #include "require.h"
 
@@ -35,7 +35,7 @@ inline bool isWellFormed(const bson_t* bson)
 
 /// The document as bytes. They become the same document again, and that one the same bytes: what a document can hold is
 /// a fixed point of the conversion.
-inline void requireFixedPoint(const ObjectProperties& document, test_support::OwnedBson& bson)
+inline void requireFixedPoint(const ObjectProperties& document, OwnedBson& bson)
 {
     require(PropertiesToBson::convert(document, bson.get()), "a document converts");
     require(isWellFormed(bson.get()), "what it converts to is well formed");
@@ -43,12 +43,12 @@ inline void requireFixedPoint(const ObjectProperties& document, test_support::Ow
     ObjectProperties again;
     require(BsonToProperties::convert(bson.get(), &again), "what was written can be read");
     require(again.type() == Group && again.current() == again.root(), "the cursor is where it was");
-    test_support::OwnedBson second;
+    OwnedBson second;
     require(PropertiesToBson::convert(again, second.get()), "what was read converts");
     require(bson_equal(bson.get(), second.get()), "the second conversion gives the bytes of the first");
 
     const ObjectProperties copy(again);
-    test_support::OwnedBson third;
+    OwnedBson third;
     require(PropertiesToBson::convert(copy, third.get()), "a copy converts");
     require(bson_equal(bson.get(), third.get()), "a copy gives the same bytes");
 }

@@ -6,7 +6,6 @@
 #include "database_client.h"
 #include "dbc/results.h"
 #include "object_properties.h"
-#include "owned_bson.h"
 #include "properties_to_bson.h"
 #include "test_server.h"
 
@@ -112,11 +111,11 @@ void insertMany(ScratchDatabase& database, const std::string& collection, int co
     constexpr int batch = 1000;
     for (int first = 0; first < count; first += batch)
     {
-        std::vector<std::unique_ptr<test_support::OwnedBson>> owned;
-        std::vector<const _bson_t*> documents; // not bson_t: a template argument drops its alignment attribute
+        std::vector<std::unique_ptr<OwnedBson>> owned;
+        std::vector<const _bson_t*> documents; // without the alignment that a template argument cannot carry
         for (int i = 0; i < batch; ++i)
         {
-            owned.push_back(std::make_unique<test_support::OwnedBson>());
+            owned.push_back(std::make_unique<OwnedBson>());
             BSON_APPEND_INT32(owned.back()->get(), "n", first + i);
             documents.push_back(owned.back()->get());
         }

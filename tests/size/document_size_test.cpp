@@ -3,12 +3,12 @@
 
 // Very wide documents and filters, and very deep JSON.
 
+#include "bson_handles.h"
 #include "bson_to_properties.h"
 #include "captured_output.h"
 #include "json_to_properties.h"
 #include "object_filter.h"
 #include "object_properties.h"
-#include "owned_bson.h"
 #include "properties_to_bson.h"
 #include "stacks.h"
 
@@ -37,7 +37,7 @@ TEST(WideDocument, KeepsEveryFieldThroughBsonAndCopy)
     for (int i = 0; i < many(); ++i)
         document.setValueInt32(std::to_string(i), i);
     EXPECT_EQ(document.childCount(), static_cast<std::size_t>(many()));
-    test_support::OwnedBson bson;
+    OwnedBson bson;
     ASSERT_TRUE(PropertiesToBson::convert(document, bson.get()));
     ObjectProperties again;
     ASSERT_TRUE(BsonToProperties::convert(bson.get(), &again));
@@ -57,7 +57,7 @@ TEST(WideDocument, KeepsEveryElementOfAnArray)
     for (int i = 0; i < many(); ++i)
         document.setValueInt32("same", i);
     ObjectProperties again;
-    test_support::OwnedBson bson;
+    OwnedBson bson;
     ASSERT_TRUE(PropertiesToBson::convert(document, bson.get()));
     ASSERT_TRUE(BsonToProperties::convert(bson.get(), &again));
     again.beginArray("list");

@@ -3,7 +3,7 @@
 
 #include "bson_rewrite.h"
 
-#include "owned_bson.h"
+#include "bson_handles.h"
 
 #include <bson/bson.h>
 

@@ -4,7 +4,6 @@
 #pragma once
 
 #include "mongoc_handles.h"
-#include "owned_bson.h"
 
 #include <algorithm>
 #include <cstdint>

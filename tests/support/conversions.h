@@ -4,10 +4,10 @@
 #pragma once
 
 #include "bson_bytes.h"
+#include "bson_handles.h"
 #include "bson_to_properties.h"
 #include "driver.h"
 #include "object_properties.h"
-#include "owned_bson.h"
 #include "properties_to_bson.h"
 #include "tree_text.h"
 
@@ -15,7 +15,6 @@
 #include <string>
 
 using test_support::BsonBytes;
-using test_support::OwnedBson;
 using test_support::treeText;
 
 /// A document to append to. A separate type, because a template argument drops the alignment attribute of bson_t.

@@ -3,8 +3,8 @@
 
 #pragma once
 
+#include "bson_handles.h"
 #include "object_filter.h"
-#include "owned_bson.h"
 #include "properties_to_bson.h"
 
 #include <bson/bson.h>
@@ -120,7 +120,7 @@ inline Query expected(const std::vector<Bytes>& members)
 
 inline Query of(const ObjectProperties& document)
 {
-    test_support::OwnedBson bson;
+    OwnedBson bson;
     if (!PropertiesToBson::convert(document, bson.get()))
         return {};
     return {Bytes(reinterpret_cast<const char*>(bson_get_data(bson.get())), bson.get()->len)};

@@ -3,7 +3,6 @@
 
 #include "test_server.h"
 
-#include "owned_bson.h"
 #include "spawn_settings.h"
 
 #include <poll.h>

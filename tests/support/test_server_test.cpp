@@ -3,8 +3,6 @@
 
 #include "test_server.h"
 
-#include "owned_bson.h"
-
 #include <gtest/gtest.h>
 
 #include <stdexcept>

@@ -3,7 +3,7 @@
 
 #include "wire_gateway.h"
 
-#include "owned_bson.h"
+#include "bson_handles.h"
 #include "wire_message.h"
 #include "wire_socket.h"
 

@@ -6,7 +6,6 @@
 #include "connection_options.h"
 #include "driver.h"
 #include "mongoc_handles.h"
-#include "owned_bson.h"
 #include "test_server.h"
 #include "wire_message.h"
 #include "wire_socket.h"

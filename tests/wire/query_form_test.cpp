@@ -9,7 +9,6 @@
 #include "driver_texts.h"
 #include "json_to_properties.h"
 #include "mongoc_handles.h"
-#include "owned_bson.h"
 #include "row_name.h"
 
 #include <limits>

@@ -4,11 +4,11 @@
 // What the driver would end the process over becomes the operation's own error. Nothing listens where the clients are
 // connected to: an error about servers would mean that something was to be sent.
 
+#include "bson_handles.h"
 #include "database_client.h"
 #include "database_client/sendable.h"
 #include "driver_texts.h"
 #include "object_properties.h"
-#include "owned_bson.h"
 #include "properties_to_bson.h"
 #include "row_name.h"
 
@@ -298,7 +298,7 @@ TEST_F(RefusedDocument, PartThatWasWrittenIsWellFormed)
 {
     ObjectProperties document = nested(1001);
     document.setValueInt32("/z", 1);
-    test_support::OwnedBson bson;
+    OwnedBson bson;
 
     EXPECT_FALSE(appendSendable(document, bson.get()));
 
@@ -311,7 +311,7 @@ TEST_F(RefusedDocument, DepthOfBytesHasTheSameLimit)
 {
     for (const int levels : {1, 1000, 1001, 100'000})
     {
-        test_support::OwnedBson bson;
+        OwnedBson bson;
         PropertiesToBson::convert(nested(levels), bson.get());
         EXPECT_EQ(canBeSent(bson.get()), levels <= 1000) << levels << " levels";
     }
@@ -322,10 +322,10 @@ TEST_F(RefusedDocument, ScopesOfCodeCountAsLevels)
 {
     for (const int levels : {1, 1000, 1001, 5000})
     {
-        test_support::OwnedBson bson;
+        OwnedBson bson;
         for (int level = 0; level < levels; ++level)
         {
-            test_support::OwnedBson outer;
+            OwnedBson outer;
             BSON_APPEND_CODE_WITH_SCOPE(outer.get(), "", "", bson.get());
             bson_destroy(bson.get());
             bson_copy_to(outer.get(), bson.get());
