@@ -3,6 +3,7 @@
 
 #include "conversions.h"
 #include "json_to_properties.h"
+#include "little_endian.h"
 #include "properties_to_json.h"
 #include "stacks.h"
 
@@ -28,8 +29,7 @@ std::vector<std::uint8_t> nestedBytes(int levels)
     bytes.reserve(static_cast<std::size_t>(perLevel) * static_cast<std::size_t>(levels) + 5);
     for (int level = 0; level <= levels; ++level)
     {
-        bytes.resize(bytes.size() + 4);
-        test_support::putInt32(bytes, bytes.size() - 4, (levels - level) * perLevel + 5);
+        test_support::appendInt32(bytes, (levels - level) * perLevel + 5);
         if (level == levels)
             break;
         const bool isArray = level % 2 == 1;

@@ -68,11 +68,4 @@ private:
     bool m_valid = false;
 };
 
-/// Writes a 32-bit number as BSON does, the lowest byte first.
-inline void putInt32(std::vector<std::uint8_t>& bytes, std::size_t position, std::int32_t value)
-{
-    const std::uint32_t little = BSON_UINT32_TO_LE(static_cast<std::uint32_t>(value));
-    std::memcpy(bytes.data() + position, &little, sizeof(little));
-}
-
 } // namespace test_support

@@ -4,6 +4,7 @@
 #include "bson_rewrite.h"
 
 #include "bson_handles.h"
+#include "little_endian.h"
 
 #include <bson/bson.h>
 
@@ -20,17 +21,10 @@ namespace {
 constexpr std::size_t lengthSize = 4;
 constexpr std::size_t smallestDocument = 5;
 
-std::uint32_t readLength(const std::uint8_t* from)
+// A negative length becomes one that no document has.
+std::size_t readLength(const std::uint8_t* from)
 {
-    std::uint32_t value = 0;
-    std::memcpy(&value, from, sizeof value);
-    return BSON_UINT32_FROM_LE(value);
-}
-
-void writeLength(Bytes& output, std::size_t at, std::size_t length)
-{
-    const std::uint32_t value = BSON_UINT32_TO_LE(static_cast<std::uint32_t>(length));
-    std::memcpy(output.data() + at, &value, sizeof value);
+    return static_cast<std::uint32_t>(readInt32(from));
 }
 
 /// Returns the size of the value of an element in bytes. Empty if it is larger than @p available.
@@ -111,7 +105,7 @@ public:
             return std::nullopt;
         copyUpTo(m_length);
         for (const Patch& patch : m_lengths)
-            writeLength(m_output, patch.at, patch.length);
+            putInt32(m_output.data() + patch.at, static_cast<std::int32_t>(patch.length));
         return std::move(m_output);
     }
 

@@ -3,7 +3,9 @@
 
 #include "wire_message.h"
 
+#include "bson_handles.h"
 #include "driver_texts.h"
+#include "little_endian.h"
 
 #include <bson/bson.h>
 
@@ -26,21 +28,6 @@ constexpr std::size_t checksumSize = 4;
 
 constexpr std::uint8_t bodySection = 0;
 constexpr std::uint8_t sequenceSection = 1;
-
-std::int32_t readInt32(const std::uint8_t* from)
-{
-    std::uint32_t value = 0;
-    std::memcpy(&value, from, sizeof value);
-    return static_cast<std::int32_t>(BSON_UINT32_FROM_LE(value));
-}
-
-void appendInt32(Bytes& bytes, std::int32_t number)
-{
-    const std::uint32_t value = BSON_UINT32_TO_LE(static_cast<std::uint32_t>(number));
-    const std::size_t at = bytes.size();
-    bytes.resize(at + sizeof value);
-    std::memcpy(bytes.data() + at, &value, sizeof value);
-}
 
 void append(Bytes& bytes, const std::uint8_t* from, std::size_t length)
 {
@@ -249,7 +236,7 @@ std::string relaxedJson(const Bytes& document)
     bson_t view;
     if (!bson_init_static(&view, document.data(), document.size()))
         return {};
-    const std::unique_ptr<char, decltype(&bson_free)> text(bson_as_relaxed_extended_json(&view, nullptr), &bson_free);
+    const BsonText text(bson_as_relaxed_extended_json(&view, nullptr));
     return text ? inWordsOf123(text.get()) : std::string();
 }
 
@@ -270,8 +257,7 @@ std::size_t announcedLength(const std::uint8_t* header)
 
 void setAnnouncedLength(Bytes& message)
 {
-    const std::uint32_t value = BSON_UINT32_TO_LE(static_cast<std::uint32_t>(message.size()));
-    std::memcpy(message.data(), &value, sizeof value);
+    putInt32(message.data(), static_cast<std::int32_t>(message.size()));
 }
 
 std::int32_t WireMessage::opCode() const
@@ -343,10 +329,7 @@ std::optional<Bytes> WireMessage::rewritten(WireGateway::Rewrite rewrite) const
     std::size_t sequenceAt = 0;
     const auto closeSequence = [&] {
         if (sequenceAt != 0)
-        {
-            const std::uint32_t size = BSON_UINT32_TO_LE(static_cast<std::uint32_t>(output.size() - sequenceAt));
-            std::memcpy(output.data() + sequenceAt, &size, sizeof size);
-        }
+            putInt32(output.data() + sequenceAt, static_cast<std::int32_t>(output.size() - sequenceAt));
         sequenceAt = 0;
     };
     const auto body = [&](const Reader& part) {

@@ -4,6 +4,7 @@
 #include "bson_bytes.h"
 #include "driver_texts.h"
 #include "every_type.h"
+#include "little_endian.h"
 #include "row_name.h"
 
 #include <gtest/gtest.h>
@@ -41,7 +42,7 @@ Bytes bytesOf(const std::string& hex)
 Bytes documentOf(const std::string& element)
 {
     Bytes bytes = bytesOf("00000000" + element + "00");
-    test_support::putInt32(bytes, 0, static_cast<std::int32_t>(bytes.size()));
+    test_support::putInt32(bytes.data(), static_cast<std::int32_t>(bytes.size()));
     return bytes;
 }
 
@@ -90,7 +91,7 @@ TEST_P(ValueBsonElement, IsRefusedWhenItIsCutShort)
             continue;
         // The same with a length that says so.
         cut.back() = 0;
-        test_support::putInt32(cut, 0, static_cast<std::int32_t>(size));
+        test_support::putInt32(cut.data(), static_cast<std::int32_t>(size));
         try
         {
             const Value value = read(cut);

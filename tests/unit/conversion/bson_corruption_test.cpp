@@ -5,6 +5,7 @@
 // made from them must hold; the bytes stand in storage of exactly their length.
 
 #include "conversions.h"
+#include "little_endian.h"
 
 #include <gtest/gtest.h>
 
@@ -182,7 +183,7 @@ TEST(CorruptBson, CutAtEveryByteKeepsTheFieldsBeforeTheCut)
     {
         Bytes cut(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(length));
         EXPECT_FALSE(BorrowedBson(cut).isValid()) << length;
-        putInt32(cut, 0, static_cast<std::int32_t>(length));
+        putInt32(cut.data(), static_cast<std::int32_t>(length));
         cut.back() = 0;
         expectReadAsFarAsTheDriverGoes(cut);
     }
@@ -226,7 +227,7 @@ TEST(CorruptBson, WithAWrongLengthAnywhereIsReadAsFarAsTheDriverGoes)
         for (const std::int32_t length : {INT32_MIN, -1, 0, 1, 4, 5, 6, 100, size - 1, size, size + 1, INT32_MAX})
         {
             Bytes wrong = whole;
-            putInt32(wrong, position, length);
+            putInt32(wrong.data() + position, length);
             expectReadAsFarAsTheDriverGoes(wrong);
         }
     }
@@ -268,7 +269,7 @@ TEST(CorruptBson, InsideAGroupStopsThatGroupAndTheRestIsRead)
     bson_append_int32(bson.get(), "z", -1, 26);
     Bytes bytes = BsonBytes(bson.get()).bytes();
     // The length of the text b: four bytes of the document, type, key and length of g, the field a, type and key of b.
-    putInt32(bytes, 4 + 3 + 4 + 7 + 3, 1000);
+    putInt32(bytes.data() + 4 + 3 + 4 + 7 + 3, 1000);
 
     const BorrowedBson borrowed(bytes);
     ASSERT_TRUE(borrowed.isValid());

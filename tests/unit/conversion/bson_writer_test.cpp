@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "conversions.h"
+#include "little_endian.h"
 #include "property_internals.h"
 #include "row_name.h"
 
@@ -387,9 +388,7 @@ public:
         : m_memory(mmap(nullptr, capacity, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0)),
           m_buffer(static_cast<std::uint8_t*>(m_memory))
     {
-        const auto length = static_cast<std::uint32_t>(BSON_MAX_SIZE - space);
-        const std::uint32_t little = BSON_UINT32_TO_LE(length);
-        std::memcpy(m_buffer, &little, sizeof(little));
+        test_support::putInt32(m_buffer, static_cast<std::int32_t>(BSON_MAX_SIZE - space));
         m_bson = bson_new_from_buffer(&m_buffer, &m_length, nullptr, nullptr);
     }
 
