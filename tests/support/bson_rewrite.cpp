@@ -241,8 +241,9 @@ private:
 Bytes bsonFromJson(const std::string& json)
 {
     bson_error_t error{};
-    OwnedBson document;
-    if (!bson_init_from_json(document.get(), json.c_str(), static_cast<ssize_t>(json.size()), &error))
+    const BsonPointer document(bson_new_from_json(reinterpret_cast<const std::uint8_t*>(json.data()),
+                                                  static_cast<ssize_t>(json.size()), &error));
+    if (!document)
         throw std::invalid_argument(std::string("not a document: ") + error.message);
     const std::uint8_t* data = bson_get_data(document.get());
     return {data, data + document.get()->len};

@@ -102,9 +102,8 @@ struct Query
         bson_t view;
         if (bson_init_static(&view, reinterpret_cast<const std::uint8_t*>(query.bytes.data()), query.bytes.size()))
         {
-            char* json = bson_as_relaxed_extended_json(&view, nullptr);
-            out << (json ? json : "no JSON");
-            bson_free(json);
+            const BsonText json(bson_as_relaxed_extended_json(&view, nullptr));
+            out << (json ? json.get() : "no JSON");
         }
         out << "\n  bytes: ";
         for (const char byte : query.bytes)

@@ -3,7 +3,7 @@
 
 #include "collection/driver_error.h"
 
-#include <mongoc/mongoc.h>
+#include "mongoc_handles.h"
 
 #include <gtest/gtest.h>
 
@@ -16,18 +16,6 @@ namespace {
 
 using dbc::ErrorKind;
 
-struct Reply
-{
-    explicit Reply(const std::string& json)
-        : bson(bson_new_from_json(reinterpret_cast<const std::uint8_t*>(json.data()), static_cast<ssize_t>(json.size()),
-                                  nullptr))
-    {}
-    Reply(const Reply&) = delete;
-    Reply& operator=(const Reply&) = delete;
-    ~Reply() { bson_destroy(bson); }
-    bson_t* bson;
-};
-
 bson_error_t driverError(std::uint32_t domain, std::uint32_t code, const char* text)
 {
     bson_error_t error{};
@@ -37,10 +25,10 @@ bson_error_t driverError(std::uint32_t domain, std::uint32_t code, const char* t
 
 dbc::ServerError thrown(const char* message, const bson_error_t& error, const char* json = "{}")
 {
-    const Reply reply(json);
+    const BsonPointer reply(bson_new_from_json(reinterpret_cast<const std::uint8_t*>(json), -1, nullptr));
     try
     {
-        dbc::throwServerError(message, error, reply.bson);
+        dbc::throwServerError(message, error, reply.get());
     }
     catch (const dbc::ServerError& caught)
     {

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "bson_bytes.h"
+#include "bson_handles.h"
 #include "driver_texts.h"
 #include "every_type.h"
 #include "little_endian.h"
@@ -262,14 +263,13 @@ TEST(ValueBson, RenumbersTheElementsOfAnArray)
 TEST(ValueBson, NumbersMoreThanTenThousandElements)
 {
     const Value list = std::vector<int>(10001, 1);
-    bson_t driver = BSON_INITIALIZER;
+    OwnedBson driver;
     for (int index = 0; index < 10001; ++index)
     {
         const std::string key = std::to_string(index);
-        BSON_APPEND_INT32(&driver, key.c_str(), 1);
+        BSON_APPEND_INT32(driver.get(), key.c_str(), 1);
     }
-    EXPECT_EQ(BsonBytes(list.toBson()), BsonBytes(&driver));
-    bson_destroy(&driver);
+    EXPECT_EQ(BsonBytes(list.toBson()), BsonBytes(driver.get()));
 }
 
 TEST(ValueBson, WritesStringsAndBytesOfEverySize)
@@ -278,16 +278,14 @@ TEST(ValueBson, WritesStringsAndBytesOfEverySize)
     {
         const std::string text(size, 'x');
         const Value value = {{"a", {{text, text}, {"b", dbc::Bytes(size, 'x')}}}, {"n", 1}};
-        bson_t inner = BSON_INITIALIZER;
-        bson_append_utf8(&inner, text.data(), static_cast<int>(size), text.data(), static_cast<int>(size));
-        bson_append_binary(&inner, "b", 1, BSON_SUBTYPE_BINARY, reinterpret_cast<const std::uint8_t*>(text.data()),
+        OwnedBson inner;
+        bson_append_utf8(inner.get(), text.data(), static_cast<int>(size), text.data(), static_cast<int>(size));
+        bson_append_binary(inner.get(), "b", 1, BSON_SUBTYPE_BINARY, reinterpret_cast<const std::uint8_t*>(text.data()),
                            static_cast<std::uint32_t>(size));
-        bson_t driver = BSON_INITIALIZER;
-        BSON_APPEND_DOCUMENT(&driver, "a", &inner);
-        BSON_APPEND_INT32(&driver, "n", 1);
-        EXPECT_EQ(BsonBytes(value.toBson()), BsonBytes(&driver)) << size;
-        bson_destroy(&inner);
-        bson_destroy(&driver);
+        OwnedBson driver;
+        BSON_APPEND_DOCUMENT(driver.get(), "a", inner.get());
+        BSON_APPEND_INT32(driver.get(), "n", 1);
+        EXPECT_EQ(BsonBytes(value.toBson()), BsonBytes(driver.get())) << size;
     }
 }
 

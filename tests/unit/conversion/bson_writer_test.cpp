@@ -389,20 +389,20 @@ public:
           m_buffer(static_cast<std::uint8_t*>(m_memory))
     {
         test_support::putInt32(m_buffer, static_cast<std::int32_t>(BSON_MAX_SIZE - space));
-        m_bson = bson_new_from_buffer(&m_buffer, &m_length, nullptr, nullptr);
+        m_bson.reset(bson_new_from_buffer(&m_buffer, &m_length, nullptr, nullptr));
     }
 
     ~AlmostFullBson()
     {
-        bson_destroy(m_bson);
+        m_bson.reset();
         munmap(m_memory, capacity);
     }
 
     AlmostFullBson(const AlmostFullBson&) = delete;
     AlmostFullBson& operator=(const AlmostFullBson&) = delete;
 
-    bson_t* get() const noexcept { return m_bson; }
-    std::uint32_t length() const noexcept { return m_bson->len; }
+    bson_t* get() const noexcept { return m_bson.get(); }
+    std::uint32_t length() const noexcept { return m_bson.get()->len; }
 
 private:
     static constexpr std::size_t capacity = BSON_MAX_SIZE;
@@ -410,7 +410,7 @@ private:
     void* m_memory;
     std::uint8_t* m_buffer;
     std::size_t m_length = capacity;
-    bson_t* m_bson = nullptr;
+    BsonPointer m_bson;
 };
 
 } // namespace

@@ -4,11 +4,11 @@
 #include "dbc/connection_string.h"
 
 #include "database_client.h"
+#include "mongoc_handles.h"
 
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <mongoc/mongoc.h>
 #include <string>
 
 namespace {
@@ -63,16 +63,15 @@ TEST(ConnectionString, IsParsedByTheDriverIntoTheSameParts)
     const std::string password = "p:@/?#[]% é";
     const std::string text = ConnectionString().host("h", 7).user(user, password).database("d").text();
     bson_error_t error{};
-    mongoc_uri_t* uri = mongoc_uri_new_with_error(text.c_str(), &error);
-    ASSERT_NE(uri, nullptr) << error.message;
-    EXPECT_EQ(mongoc_uri_get_username(uri), user);
-    EXPECT_EQ(mongoc_uri_get_password(uri), password);
-    EXPECT_STREQ(mongoc_uri_get_database(uri), "d");
-    EXPECT_STREQ(mongoc_uri_get_hosts(uri)->host_and_port, "h:7");
-    mongoc_uri_destroy(uri);
+    const UriHandle uri(mongoc_uri_new_with_error(text.c_str(), &error));
+    ASSERT_TRUE(uri) << error.message;
+    EXPECT_EQ(mongoc_uri_get_username(uri.get()), user);
+    EXPECT_EQ(mongoc_uri_get_password(uri.get()), password);
+    EXPECT_STREQ(mongoc_uri_get_database(uri.get()), "d");
+    EXPECT_STREQ(mongoc_uri_get_hosts(uri.get())->host_and_port, "h:7");
 
-    const std::string trap = DataBaseClient::uri("h", 7, user, password, "d");
-    EXPECT_EQ(mongoc_uri_new_with_error(trap.c_str(), &error), nullptr) << "the trap: uri() escapes nothing";
+    const UriHandle trap(mongoc_uri_new(DataBaseClient::uri("h", 7, user, password, "d").c_str()));
+    EXPECT_FALSE(trap) << "the trap: uri() escapes nothing";
 }
 
 } // namespace
