@@ -10,6 +10,7 @@
 #include "dbc/results.h"
 #include "object_properties.h"
 #include "test_server.h"
+#include "thrown_text.h"
 
 #include <gtest/gtest.h>
 
@@ -47,15 +48,7 @@ public:
     std::string find()
     {
         dbc::Results results;
-        try
-        {
-            m_client.read("parity", "c", ObjectProperties(), results);
-        }
-        catch (const std::runtime_error& error)
-        {
-            return error.what();
-        }
-        return "";
+        return thrownText([&] { m_client.read("parity", "c", ObjectProperties(), results); });
     }
 
 private:
@@ -85,7 +78,8 @@ public:
         bson_error_t error{};
         if (!mongoc_cursor_error(cursor.get(), &error))
             return "";
-        return std::string("Find error.: ") + error.message + "(code: " + std::to_string(error.code) + ")";
+        return std::string("runtime_error: Find error.: ") + error.message + "(code: " + std::to_string(error.code) +
+               ")";
     }
 
 private:

@@ -5,8 +5,10 @@
 
 #include "connection_options.h"
 #include "database_client.h"
+#include "dbc/results.h"
 #include "object_properties.h"
 #include "test_server.h"
+#include "thrown_text.h"
 
 #include <gtest/gtest.h>
 
@@ -24,6 +26,7 @@ namespace {
 
 using test_support::Fault;
 using test_support::ServerProcess;
+using test_support::thrownText;
 using test_support::WireGateway;
 using test_support::withOptions;
 
@@ -35,14 +38,11 @@ const std::string untilThePauseIsOver = "serverSelectionTryOnce=false";
 
 std::set<std::string> idsOf(DataBaseClient& client, const std::string& collection)
 {
-    std::list<ObjectProperties*> results;
+    dbc::Results results;
     client.read("restart", collection, ObjectProperties(), results);
     std::set<std::string> ids;
-    for (ObjectProperties* result : results)
-    {
-        ids.insert(result->valueAsId("_id", ""));
-        delete result;
-    }
+    for (const ObjectProperties& result : results)
+        ids.insert(result.valueAsId("_id", ""));
     return ids;
 }
 
@@ -92,15 +92,7 @@ private:
         for (;;)
         {
             std::string id;
-            std::string failure;
-            try
-            {
-                client.write("restart", "c", document, id);
-            }
-            catch (const std::exception& error)
-            {
-                failure = error.what();
-            }
+            const std::string failure = thrownText([&] { client.write("restart", "c", document, id); });
             const std::lock_guard<std::mutex> lock(m_mutex);
             if (failure.empty())
                 m_acknowledged.push_back(id);
@@ -148,7 +140,7 @@ TEST_F(ServerRestart, LosesNoWriteThatWasAcknowledgedAndTheSameClientWorksAgain)
     writer.end();
 
     for (const auto& failure : writer.failures())
-        EXPECT_EQ(failure.find("Error occurred while insert operation: "), 0U) << failure;
+        EXPECT_EQ(failure.rfind("runtime_error: Error occurred while insert operation: ", 0), 0U) << failure;
     DataBaseClient client;
     client.connect(withOptions(m_server->uri(), limits));
     const auto stored = idsOf(client, "c");
@@ -168,29 +160,19 @@ TEST_F(ServerRestart, KeepsTheResultsDeliveredBeforeAndTheNextReadDeliversAll)
         client.write("restart", "c", ObjectProperties());
 
     gateway.inject(Fault::holdReply().onCommand("getMore"));
-    std::list<ObjectProperties*> results;
+    dbc::Results results;
     std::string failure;
-    std::thread reader([&] {
-        try
-        {
-            client.read("restart", "c", ObjectProperties(), results);
-        }
-        catch (const std::runtime_error& error)
-        {
-            failure = error.what();
-        }
-    });
+    std::thread reader(
+        [&] { failure = thrownText([&] { client.read("restart", "c", ObjectProperties(), results); }); });
     EXPECT_TRUE(gateway.waitForHeldReplies(1));
     m_server->stop();
     gateway.closeConnections();
     reader.join();
     gateway.clearFaults();
 
-    EXPECT_EQ(failure.find("Find error.: "), 0U) << failure;
+    EXPECT_EQ(failure.rfind("runtime_error: Find error.: ", 0), 0U) << failure;
     EXPECT_GT(results.size(), 0U);
     EXPECT_LT(results.size(), count);
-    for (const ObjectProperties* result : results)
-        delete result;
 
     m_server->start();
     EXPECT_EQ(idsOf(client, "c").size(), count) << "the same client works again";
@@ -202,32 +184,23 @@ TEST_F(ServerRestart, MakesEveryOperationThrowItsOwnExceptionWhileTheServerIsDow
     client.connect(withOptions(m_server->uri(), "serverSelectionTimeoutMS=200&connectTimeoutMS=200"));
     m_server->stop();
     const ObjectProperties empty;
-    const auto failureOf = [](const auto& call) {
-        try
-        {
-            call();
-        }
-        catch (const std::runtime_error& error)
-        {
-            const std::string text = error.what();
-            return text.substr(0, text.find(": "));
-        }
-        return std::string("none");
+    const auto expectFailure = [](const char* message, const auto& call) {
+        const std::string text = thrownText(call);
+        EXPECT_EQ(text.rfind(std::string("runtime_error: ") + message + ": ", 0), 0U) << text;
     };
-    std::list<ObjectProperties*> results;
+    dbc::Results results;
     std::list<std::string> names;
-    EXPECT_EQ(failureOf([&] { client.write("d", "c", empty); }), "Error occurred while insert operation");
-    EXPECT_EQ(failureOf([&] { client.update("d", "c", empty, empty, UpdateFlagNone, UpdateCommandSet); }),
-              "Updating failed");
-    EXPECT_EQ(failureOf([&] { client.remove("d", "c", empty); }), "Error occurred while remove operation");
-    EXPECT_EQ(failureOf([&] { client.read("d", "c", empty, results); }), "Find error.");
-    EXPECT_EQ(failureOf([&] { client.aggregate("d", "c", empty, results); }), "Aggregation error.");
-    EXPECT_EQ(failureOf([&] { client.addUser("d", "u", "p", empty, empty); }), "Error occurred while adding user");
-    EXPECT_EQ(failureOf([&] { client.updateUser("d", "u", empty, empty); }), "Error occurred while updating user");
-    EXPECT_EQ(failureOf([&] { client.changeUserPassword("d", "u", "p"); }), "Error occurred while changing password");
-    EXPECT_EQ(failureOf([&] { client.removeUser("d", "u"); }), "Error occurred while removing user");
-    EXPECT_EQ(failureOf([&] { client.listFiles("d", "f", names); }),
-              "Error occurred while mongoc_client_get_gridfs operation");
+    expectFailure("Error occurred while insert operation", [&] { client.write("d", "c", empty); });
+    expectFailure("Updating failed", [&] { client.update("d", "c", empty, empty, UpdateFlagNone, UpdateCommandSet); });
+    expectFailure("Error occurred while remove operation", [&] { client.remove("d", "c", empty); });
+    expectFailure("Find error.", [&] { client.read("d", "c", empty, results); });
+    expectFailure("Aggregation error.", [&] { client.aggregate("d", "c", empty, results); });
+    expectFailure("Error occurred while adding user", [&] { client.addUser("d", "u", "p", empty, empty); });
+    expectFailure("Error occurred while updating user", [&] { client.updateUser("d", "u", empty, empty); });
+    expectFailure("Error occurred while changing password", [&] { client.changeUserPassword("d", "u", "p"); });
+    expectFailure("Error occurred while removing user", [&] { client.removeUser("d", "u"); });
+    expectFailure("Error occurred while mongoc_client_get_gridfs operation",
+                  [&] { client.listFiles("d", "f", names); });
     EXPECT_TRUE(results.empty());
     EXPECT_TRUE(names.empty());
     EXPECT_TRUE(client.isConnected());

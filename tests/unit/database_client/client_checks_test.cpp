@@ -4,17 +4,19 @@
 #include "database_client.h"
 #include "object_properties.h"
 #include "row_name.h"
+#include "thrown_text.h"
 
 #include <gtest/gtest.h>
 
 #include <functional>
 #include <list>
 #include <sstream>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
 namespace {
+
+using test_support::thrownText;
 
 struct Operation
 {
@@ -101,32 +103,23 @@ const Operation operations[] = {
      [](DataBaseClient& client, const Texts& names) { client.removeFile(names[0], names[1], names[2]); }},
 };
 
-std::string refusal(const Operation& operation, DataBaseClient& client, const Texts& names)
-{
-    try
-    {
-        operation.call(client, names);
-    }
-    catch (const std::invalid_argument& error)
-    {
-        return error.what();
-    }
-    catch (const std::runtime_error& error)
-    {
-        return std::string("runtime_error: ") + error.what();
-    }
-    return "nothing was thrown";
-}
+const std::string notConnected = "invalid_argument: Connection is not established. Run connect before";
 
 class ClientOperation : public testing::TestWithParam<Operation>
-{};
+{
+protected:
+    static std::string refusal(DataBaseClient& client, const Texts& names)
+    {
+        return thrownText([&] { GetParam().call(client, names); });
+    }
+};
 
 TEST_P(ClientOperation, RequiresAConnectionBeforeItChecksAnyArgument)
 {
     DataBaseClient client;
     const Texts names(GetParam().argumentNames.size(), "");
 
-    EXPECT_EQ(refusal(GetParam(), client, names), "Connection is not established. Run connect before");
+    EXPECT_EQ(refusal(client, names), notConnected);
 }
 
 TEST_P(ClientOperation, RequiresAConnectionAgainAfterDisconnect)
@@ -136,7 +129,7 @@ TEST_P(ClientOperation, RequiresAConnectionAgainAfterDisconnect)
     client.disconnect();
     const Texts names(GetParam().argumentNames.size(), "given");
 
-    EXPECT_EQ(refusal(GetParam(), client, names), "Connection is not established. Run connect before");
+    EXPECT_EQ(refusal(client, names), notConnected);
 }
 
 TEST_P(ClientOperation, NamesTheFirstArgumentThatIsEmpty)
@@ -149,7 +142,7 @@ TEST_P(ClientOperation, NamesTheFirstArgumentThatIsEmpty)
         Texts names(count, "");
         std::fill_n(names.begin(), given, "given");
 
-        EXPECT_EQ(refusal(GetParam(), client, names), GetParam().argumentNames[given] + " is empty");
+        EXPECT_EQ(refusal(client, names), "invalid_argument: " + GetParam().argumentNames[given] + " is empty");
         EXPECT_TRUE(client.isConnected());
     }
 }
@@ -164,7 +157,7 @@ TEST_P(ClientOperation, TreatsANameThatBeginsWithAZeroByteAsEmpty)
         Texts names(count, "given");
         names[index] = std::string("\0x", 2);
 
-        EXPECT_EQ(refusal(GetParam(), client, names), GetParam().argumentNames[index] + " is empty");
+        EXPECT_EQ(refusal(client, names), "invalid_argument: " + GetParam().argumentNames[index] + " is empty");
     }
 }
 
@@ -173,23 +166,13 @@ INSTANTIATE_TEST_SUITE_P(Operations, ClientOperation, testing::ValuesIn(operatio
 TEST(FullCollectionName, IsCheckedAfterTheConnectionIfItIsEmpty)
 {
     DataBaseClient client;
-    EXPECT_THROW(client.write("", empty()), std::invalid_argument);
+    EXPECT_EQ(thrownText([&] { client.write("", empty()); }), notConnected);
     client.connect("mongodb://127.0.0.1:1/");
 
-    const auto refused = [&client](const std::string& name) {
-        try
-        {
-            client.remove(name, empty());
-        }
-        catch (const std::invalid_argument& error)
-        {
-            return std::string(error.what());
-        }
-        return std::string("nothing was thrown");
-    };
-    EXPECT_EQ(refused(""), "Database name is empty");
-    EXPECT_EQ(refused(".x"), "Database name is empty");
-    EXPECT_EQ(refused("x."), "Collection name is empty");
+    const auto refused = [&client](const char* name) { return thrownText([&] { client.remove(name, empty()); }); };
+    EXPECT_EQ(refused(""), "invalid_argument: Database name is empty");
+    EXPECT_EQ(refused(".x"), "invalid_argument: Database name is empty");
+    EXPECT_EQ(refused("x."), "invalid_argument: Collection name is empty");
 }
 
 TEST(ReadFile, WithoutAStreamFailsOnlyAfterTheNamesWereChecked)
@@ -197,16 +180,10 @@ TEST(ReadFile, WithoutAStreamFailsOnlyAfterTheNamesWereChecked)
     DataBaseClient client;
     client.connect("mongodb://127.0.0.1:1/");
 
-    EXPECT_THROW(client.readFile("", "fs", "name", nullptr), std::invalid_argument);
-    try
-    {
-        client.readFile("database", "fs", "name", nullptr);
-        FAIL() << "a null stream was accepted";
-    }
-    catch (const std::runtime_error& error)
-    {
-        EXPECT_STREQ(error.what(), "Error: iostream is not initialized");
-    }
+    EXPECT_EQ(thrownText([&] { client.readFile("", "fs", "name", nullptr); }),
+              "invalid_argument: Database name is empty");
+    EXPECT_EQ(thrownText([&] { client.readFile("database", "fs", "name", nullptr); }),
+              "runtime_error: Error: iostream is not initialized");
 }
 
 TEST(Update, RefusesAnUnknownCommandBeforeAnUnknownFlagAndBothBeforeAnythingIsSent)
@@ -214,23 +191,17 @@ TEST(Update, RefusesAnUnknownCommandBeforeAnUnknownFlagAndBothBeforeAnythingIsSe
     DataBaseClient client;
     client.connect("mongodb://127.0.0.1:1/");
     const auto refused = [&client](int flag, int command) {
-        try
-        {
+        return thrownText([&] {
             client.update("d", "c", empty(), empty(), static_cast<UpdateFlag>(flag),
                           static_cast<UpdateCommand>(command));
-        }
-        catch (const std::invalid_argument& error)
-        {
-            return std::string(error.what());
-        }
-        return std::string("nothing was thrown");
+        });
     };
-    EXPECT_EQ(refused(0, 0), "Uncknown command");
-    EXPECT_EQ(refused(3, 0), "Uncknown command");
-    EXPECT_EQ(refused(0, 10), "Uncknown command");
-    EXPECT_EQ(refused(3, 10), "Uncknown command");
-    EXPECT_EQ(refused(3, 1), "Uncknown update flag");
-    EXPECT_EQ(refused(3, 9), "Uncknown update flag");
+    EXPECT_EQ(refused(0, 0), "invalid_argument: Uncknown command");
+    EXPECT_EQ(refused(3, 0), "invalid_argument: Uncknown command");
+    EXPECT_EQ(refused(0, 10), "invalid_argument: Uncknown command");
+    EXPECT_EQ(refused(3, 10), "invalid_argument: Uncknown command");
+    EXPECT_EQ(refused(3, 1), "invalid_argument: Uncknown update flag");
+    EXPECT_EQ(refused(3, 9), "invalid_argument: Uncknown update flag");
 }
 
 } // namespace

@@ -11,13 +11,13 @@
 #include "object_properties.h"
 #include "properties_to_bson.h"
 #include "row_name.h"
+#include "thrown_text.h"
 
 #include <gtest/gtest.h>
 
 #include <functional>
 #include <list>
 #include <sstream>
-#include <stdexcept>
 #include <string>
 
 namespace {
@@ -30,19 +30,7 @@ public:
     {
         DataBaseClient client;
         client.connect("mongodb://127.0.0.1:1/?serverSelectionTimeoutMS=1");
-        try
-        {
-            call(client);
-        }
-        catch (const std::invalid_argument& error)
-        {
-            return error.what();
-        }
-        catch (const std::runtime_error& error)
-        {
-            return std::string("runtime_error: ") + error.what();
-        }
-        return "nothing was thrown";
+        return test_support::thrownText([&] { call(client); });
     }
 
     static std::string findRefusal(const ObjectProperties& query, const ObjectProperties& projection = {})
@@ -88,7 +76,7 @@ TEST_P(QueryOfKind, AsTheValueOfDollarQueryIsABadCondition)
     ObjectProperties query;
     GetParam().fill(query);
 
-    EXPECT_EQ(findRefusal(query), "Bad condition");
+    EXPECT_EQ(findRefusal(query), "invalid_argument: Bad condition");
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -172,78 +160,78 @@ const ObjectProperties& empty()
 
 INSTANTIATE_TEST_SUITE_P(
     Operations, DeepDocument,
-    testing::Values(DeepRow{"Write", "Bad properties",
+    testing::Values(DeepRow{"Write", "invalid_argument: Bad properties",
                             [](DataBaseClient& client, const ObjectProperties& deep) { client.write("d", "c", deep); }},
-                    DeepRow{"WriteWithId", "Bad properties",
+                    DeepRow{"WriteWithId", "invalid_argument: Bad properties",
                             [](DataBaseClient& client, const ObjectProperties& deep) {
                                 std::string id;
                                 client.write("d", "c", deep, id);
                             }},
-                    DeepRow{"WriteByFullName", "Bad properties",
+                    DeepRow{"WriteByFullName", "invalid_argument: Bad properties",
                             [](DataBaseClient& client, const ObjectProperties& deep) { client.write("d.c", deep); }},
-                    DeepRow{"UpdateReplacement", "Bad properties",
+                    DeepRow{"UpdateReplacement", "invalid_argument: Bad properties",
                             [](DataBaseClient& client, const ObjectProperties& deep) {
                                 client.update("d", "c", empty(), deep, UpdateFlagNone, UpdateCommandReplace);
                             }},
-                    DeepRow{"UpdateDocument", "Bad properties",
+                    DeepRow{"UpdateDocument", "invalid_argument: Bad properties",
                             [](DataBaseClient& client, const ObjectProperties& deep) {
                                 client.update("d", "c", empty(), deep, UpdateFlagNone, UpdateCommandSet);
                             }},
-                    DeepRow{"UpdateCondition", "Bad condition",
+                    DeepRow{"UpdateCondition", "invalid_argument: Bad condition",
                             [](DataBaseClient& client, const ObjectProperties& deep) {
                                 client.update("d", "c", deep, empty(), UpdateFlagNone, UpdateCommandSet);
                             }},
                     DeepRow{
-                        "Remove", "Bad condition",
+                        "Remove", "invalid_argument: Bad condition",
                         [](DataBaseClient& client, const ObjectProperties& deep) { client.remove("d", "c", deep); }},
-                    DeepRow{"RemoveByFullName", "Bad condition",
+                    DeepRow{"RemoveByFullName", "invalid_argument: Bad condition",
                             [](DataBaseClient& client, const ObjectProperties& deep) { client.remove("d.c", deep); }},
-                    DeepRow{"Read", "Bad condition",
+                    DeepRow{"Read", "invalid_argument: Bad condition",
                             [](DataBaseClient& client, const ObjectProperties& deep) {
                                 std::list<ObjectProperties*> results;
                                 client.read("d", "c", deep, results);
                             }},
-                    DeepRow{"ReadByFullName", "Bad condition",
+                    DeepRow{"ReadByFullName", "invalid_argument: Bad condition",
                             [](DataBaseClient& client, const ObjectProperties& deep) {
                                 std::list<ObjectProperties*> results;
                                 client.read("d.c", deep, results);
                             }},
-                    DeepRow{"FindCondition", "Bad condition",
+                    DeepRow{"FindCondition", "invalid_argument: Bad condition",
                             [](DataBaseClient& client, const ObjectProperties& deep) {
                                 std::list<ObjectProperties*> results;
                                 client.find("d", "c", deep, empty(), results, 0, 0);
                             }},
-                    DeepRow{"FindProjection", "Bad propjection",
+                    DeepRow{"FindProjection", "invalid_argument: Bad propjection",
                             [](DataBaseClient& client, const ObjectProperties& deep) {
                                 std::list<ObjectProperties*> results;
                                 client.find("d", "c", empty(), deep, results, 0, 0);
                             }},
-                    DeepRow{"Aggregate", "Bad pipeline",
+                    DeepRow{"Aggregate", "invalid_argument: Bad pipeline",
                             [](DataBaseClient& client, const ObjectProperties& deep) {
                                 std::list<ObjectProperties*> results;
                                 client.aggregate("d", "c", deep, results);
                             }},
-                    DeepRow{"AddUserRoles", "Bad roles.",
+                    DeepRow{"AddUserRoles", "invalid_argument: Bad roles.",
                             [](DataBaseClient& client, const ObjectProperties& deep) {
                                 client.addUser("d", "u", "p", deep, empty());
                             }},
-                    DeepRow{"AddUserCustomData", "Bad custom data",
+                    DeepRow{"AddUserCustomData", "invalid_argument: Bad custom data",
                             [](DataBaseClient& client, const ObjectProperties& deep) {
                                 client.addUser("d", "u", "p", empty(), deep);
                             }},
-                    DeepRow{"AddUserWithoutPasswordRoles", "Bad roles.",
+                    DeepRow{"AddUserWithoutPasswordRoles", "invalid_argument: Bad roles.",
                             [](DataBaseClient& client, const ObjectProperties& deep) {
                                 client.addUser("d", "u", "", deep, empty());
                             }},
-                    DeepRow{"AddUserWithoutPasswordCustomData", "Bad custom data",
+                    DeepRow{"AddUserWithoutPasswordCustomData", "invalid_argument: Bad custom data",
                             [](DataBaseClient& client, const ObjectProperties& deep) {
                                 client.addUser("d", "u", "", empty(), deep);
                             }},
-                    DeepRow{"UpdateUserRoles", "Bad roles.",
+                    DeepRow{"UpdateUserRoles", "invalid_argument: Bad roles.",
                             [](DataBaseClient& client, const ObjectProperties& deep) {
                                 client.updateUser("d", "u", deep, empty());
                             }},
-                    DeepRow{"UpdateUserCustomData", "Bad custom data",
+                    DeepRow{"UpdateUserCustomData", "invalid_argument: Bad custom data",
                             [](DataBaseClient& client, const ObjectProperties& deep) {
                                 client.updateUser("d", "u", empty(), deep);
                             }}),
@@ -254,20 +242,22 @@ TEST_F(RefusedDocument, UpdateNamesTheDocumentBeforeTheCondition)
     const ObjectProperties deep = nested(2000);
     EXPECT_EQ(
         refusal([&](DataBaseClient& client) { client.update("d", "c", deep, deep, UpdateFlagNone, UpdateCommandSet); }),
-        "Bad properties");
+        "invalid_argument: Bad properties");
 }
 
 TEST_F(RefusedDocument, UsersNameTheRolesBeforeTheCustomData)
 {
     const ObjectProperties deep = nested(2000);
-    EXPECT_EQ(refusal([&](DataBaseClient& client) { client.addUser("d", "u", "p", deep, deep); }), "Bad roles.");
-    EXPECT_EQ(refusal([&](DataBaseClient& client) { client.updateUser("d", "u", deep, deep); }), "Bad roles.");
+    EXPECT_EQ(refusal([&](DataBaseClient& client) { client.addUser("d", "u", "p", deep, deep); }),
+              "invalid_argument: Bad roles.");
+    EXPECT_EQ(refusal([&](DataBaseClient& client) { client.updateUser("d", "u", deep, deep); }),
+              "invalid_argument: Bad roles.");
 }
 
 TEST_F(RefusedDocument, FindNamesTheConditionBeforeTheProjection)
 {
     const ObjectProperties deep = nested(2000);
-    EXPECT_EQ(findRefusal(deep, deep), "Bad condition");
+    EXPECT_EQ(findRefusal(deep, deep), "invalid_argument: Bad condition");
 }
 
 // No level takes fewer bytes than one under an empty key.
@@ -279,8 +269,8 @@ TEST_F(RefusedDocument, DepthUnderEmptyKeysCountsLikeAnyOther)
         auto node = document.root();
         for (int level = 0; level < levels; ++level)
             node = node->createSingleGroup("");
-        const std::string expected =
-            levels > 1000 ? "Bad condition" : "runtime_error: Find error.: Invalid filter: empty key(code: 16)";
+        const std::string expected = levels > 1000 ? "invalid_argument: Bad condition"
+                                                   : "runtime_error: Find error.: Invalid filter: empty key(code: 16)";
         EXPECT_EQ(test_support::inWordsOf123(findRefusal(document)), expected);
     }
 }
@@ -291,7 +281,7 @@ TEST_F(RefusedDocument, OneDeepBranchIsEnough)
     document.beginGroup("/b/c");
     document.setValueInt32("/z", 1);
 
-    EXPECT_EQ(findRefusal(document), "Bad condition");
+    EXPECT_EQ(findRefusal(document), "invalid_argument: Bad condition");
 }
 
 TEST_F(RefusedDocument, PartThatWasWrittenIsWellFormed)

@@ -4,6 +4,7 @@
 #include "dbc/files.h"
 
 #include "object_properties.h"
+#include "thrown_text.h"
 
 #include <gtest/gtest.h>
 
@@ -23,6 +24,7 @@ namespace {
 using dbc::Cancelled;
 using dbc::Crc32;
 using dbc::Download;
+using test_support::thrownText;
 
 // Reads and writes as the client does, without a server: pieces of 4096 bytes, the stream's state never looked at.
 class LocalFiles : public DataBaseClient
@@ -232,15 +234,7 @@ TEST(StoringAStream, ReportsTheFirstFailureWhenTheRemovalFailsToo)
     LocalFiles client;
     client.writeFails = client.removeFails = true;
     std::istringstream source("text");
-    try
-    {
-        dbc::writeFile(client, "d", "fs", "name", source);
-        FAIL() << "nothing was thrown";
-    }
-    catch (const std::runtime_error& error)
-    {
-        EXPECT_STREQ(error.what(), "no write");
-    }
+    EXPECT_EQ(thrownText([&] { dbc::writeFile(client, "d", "fs", "name", source); }), "runtime_error: no write");
 }
 
 TEST(StoringAStream, PassesAnEmptyNameToTheClient)
@@ -248,15 +242,8 @@ TEST(StoringAStream, PassesAnEmptyNameToTheClient)
     DataBaseClient client;
     client.connect("mongodb://127.0.0.1:1/");
     std::istringstream source("text");
-    try
-    {
-        dbc::writeFile(client, "d", "fs", "", source);
-        FAIL() << "nothing was thrown";
-    }
-    catch (const std::invalid_argument& error)
-    {
-        EXPECT_STREQ(error.what(), "GridFS file name is empty");
-    }
+    EXPECT_EQ(thrownText([&] { dbc::writeFile(client, "d", "fs", "", source); }),
+              "invalid_argument: GridFS file name is empty");
 }
 
 TEST(StoringAStream, ThatBreaksStoresNothing)
