@@ -23,35 +23,35 @@ std::string failureOf(DataBaseClient& client, const std::string& uri)
     return test_support::thrownText([&] { client.connect(uri); });
 }
 
-TEST(ConnectionString, NamesHostPortAndDatabase)
+TEST(ClientUri, NamesHostPortAndDatabase)
 {
     EXPECT_EQ(DataBaseClient::uri("dbhost", 27017, "", "", "test"), "mongodb://dbhost:27017/test");
 }
 
-TEST(ConnectionString, CarriesUserAndPassword)
+TEST(ClientUri, CarriesUserAndPassword)
 {
     EXPECT_EQ(DataBaseClient::uri("dbhost", 27017, "u", "p", "test"), "mongodb://u:p@dbhost:27017/test");
 }
 
-TEST(ConnectionString, ContainsCredentialsOnlyIfUserAndPasswordAreSet)
+TEST(ClientUri, ContainsCredentialsOnlyIfUserAndPasswordAreSet)
 {
     EXPECT_EQ(DataBaseClient::uri("h", 1, "", "p", "d"), "mongodb://h:1/d");
     EXPECT_EQ(DataBaseClient::uri("h", 1, "u", "", "d"), "mongodb://h:1/d");
 }
 
-TEST(ConnectionString, EndsInASlashWithoutADatabase)
+TEST(ClientUri, EndsInASlashWithoutADatabase)
 {
     EXPECT_EQ(DataBaseClient::uri("h", 1, "u", "p", ""), "mongodb://u:p@h:1/");
     EXPECT_EQ(DataBaseClient::uri("dbhost", 27017, "", "", ""), "mongodb://dbhost:27017/");
 }
 
-TEST(ConnectionString, WritesAnyPortWithItsSign)
+TEST(ClientUri, WritesAnyPortWithItsSign)
 {
     EXPECT_EQ(DataBaseClient::uri("h", -5, "", "", "d"), "mongodb://h:-5/d");
     EXPECT_EQ(DataBaseClient::uri("h", 123456, "", "", "d"), "mongodb://h:123456/d");
 }
 
-TEST(ConnectionString, EscapesNothing)
+TEST(ClientUri, EscapesNothing)
 {
     EXPECT_EQ(DataBaseClient::uri("h", 1, "u@/", "p:%", "d?"), "mongodb://u@/:p:%@h:1/d?");
 }

@@ -133,10 +133,10 @@ void PrintTo(const DeepRow& row, std::ostream* out)
     *out << row.name;
 }
 
-class DeepDocument : public RefusedDocument, public testing::WithParamInterface<DeepRow>
+class NestedArgument : public RefusedDocument, public testing::WithParamInterface<DeepRow>
 {};
 
-TEST_P(DeepDocument, IsRefusedBeforeTheDriverExhaustsTheStack)
+TEST_P(NestedArgument, IsRefusedBeforeTheDriverExhaustsTheStack)
 {
     for (const int levels : {1001, 20'000})
     {
@@ -146,7 +146,7 @@ TEST_P(DeepDocument, IsRefusedBeforeTheDriverExhaustsTheStack)
     }
 }
 
-TEST_P(DeepDocument, OfAThousandLevelsGoesToTheDriver)
+TEST_P(NestedArgument, OfAThousandLevelsGoesToTheDriver)
 {
     const ObjectProperties document = nested(1000);
     EXPECT_TRUE(reachesTheDriver(refusal([&](DataBaseClient& client) { GetParam().call(client, document); })));
@@ -159,7 +159,7 @@ const ObjectProperties& empty()
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Operations, DeepDocument,
+    Operations, NestedArgument,
     testing::Values(DeepRow{"Write", "invalid_argument: Bad properties",
                             [](DataBaseClient& client, const ObjectProperties& deep) { client.write("d", "c", deep); }},
                     DeepRow{"WriteWithId", "invalid_argument: Bad properties",
