@@ -101,19 +101,5 @@ TEST_F(DocumentWrite, RejectedByTheServerThrowsItsTextAndCodeAndKeepsTheNewId)
     EXPECT_EQ(scratch().count("c"), 2U);
 }
 
-TEST_F(DocumentWrite, OfATooLargeDocumentFailsBeforeAnythingIsSent)
-{
-    ObjectProperties document;
-    document.setValueString("text", std::string(17 * 1024 * 1024, 'x'));
-    gateway().clear();
-
-    const std::string text = thrownText([&] { client().write(database(), "c", document); });
-
-    EXPECT_EQ(text.rfind("runtime_error: Error occurred while insert operation: Document 0 is too large", 0), 0U)
-        << text;
-    EXPECT_EQ(text.substr(text.size() - 10), "(code: 18)") << text;
-    EXPECT_TRUE(gateway().commands("insert").empty());
-}
-
 } // namespace
 } // namespace test_support

@@ -121,16 +121,5 @@ TEST_F(UserAdministration, OperationsOnAnUnknownUserThrowTheirOwnMessages)
     EXPECT_EQ(remove.substr(remove.size() - 10), "(code: 11)") << remove;
 }
 
-TEST_F(UserAdministration, NameAndPasswordOfReservedCharactersLogInEscaped)
-{
-    client().addUser(database(), userName("u@:/"), "p%?#", ObjectProperties(), ObjectProperties());
-
-    DataBaseClient other;
-    other.connect("mongodb://" + userName("u") + "%40%3A%2F:p%25%3F%23@127.0.0.1:" +
-                  std::to_string(TestServer::instance().authGateway().port()) + "/" + database());
-    dbc::Results results;
-    EXPECT_NE(thrownText([&] { other.read(database(), "c", ObjectProperties(), results); }), refused);
-}
-
 } // namespace
 } // namespace test_support

@@ -323,6 +323,8 @@ TEST_P(BulkFault, ReportsWhatWasDoneAndLeavesTheClientUsable)
         EXPECT_EQ(errors, row.errors);
         EXPECT_EQ(error.result().inserted, static_cast<std::int64_t>(row.inserted.size()));
         EXPECT_EQ(indexesOf(error.result().insertedIds), row.inserted);
+        for (const dbc::IndexedId& inserted : error.result().insertedIds)
+            EXPECT_EQ(inserted.id, Value(inserted.index < 2 ? inserted.index + 1 : inserted.index - 2));
         EXPECT_EQ(indexesOf(error.result().upsertedIds), row.upserted);
         EXPECT_EQ(error.result().matched, row.matched);
         EXPECT_EQ(error.result().removed, row.removed);

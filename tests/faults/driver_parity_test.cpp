@@ -461,6 +461,7 @@ std::unique_ptr<Certificates> TlsParity::certificates;
 TEST_F(TlsParity, SelfSignedCertificateIsRefusedWithTheSameText)
 {
     expectRefused(options("wrong"), "tls=true");
+    expectRefused(options("here"), "tls=true");
 }
 
 TEST_F(TlsParity, CertificateOfAnUnknownAuthorityIsRefusedWithTheSameText)

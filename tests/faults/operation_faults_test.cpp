@@ -275,35 +275,5 @@ TEST(WriteFault, WithoutAnErrorOfTheDriverThrowsTheMessageAlone)
               "runtime_error: Error occurred while insert operation");
 }
 
-TEST(ServerFault, OfARestartIsReportedAndTheClientRecovers)
-{
-    if (!ServerProcess::available())
-        GTEST_SKIP() << "the server given by MONGODB_URI cannot be stopped";
-    ServerProcess server;
-    WireGateway gateway(server.uri(), server.rewrite());
-    DataBaseClient client;
-    // With these options the driver waits until its pause is over, 5 s after a failed scan. By default it fails at
-    // once.
-    client.connect(withOptions(gateway.uri(), "serverSelectionTryOnce=false&serverSelectionTimeoutMS=20000"));
-    std::string id;
-    client.write("restart", "c", ObjectProperties(), id);
-
-    server.stop();
-    EXPECT_NE(thrownText([&] { client.write("restart", "c", ObjectProperties()); }), "");
-    server.start();
-
-    dbc::Results results;
-    std::string text;
-    for (int attempt = 0; attempt < 10; ++attempt) // the first ones may use connections to the old server
-    {
-        text = thrownText([&] { client.read("restart", "c", ObjectProperties(), results); });
-        if (text.empty())
-            break;
-    }
-    EXPECT_EQ(text, "");
-    ASSERT_EQ(results.size(), 1U);
-    EXPECT_EQ(results.front().valueAsId("_id", ""), id);
-}
-
 } // namespace
 } // namespace test_support

@@ -110,11 +110,6 @@ TEST(Secrets, DoNotAppearWhenAUserCommandIsRefused)
     EXPECT_EQ(changing.find(secret), std::string::npos) << changing;
 }
 
-TEST(ReservedCharacters, AreWrittenIntoTheConnectionStringAsTheyAre)
-{
-    EXPECT_EQ(DataBaseClient::uri("h", 1, "u/s", "p@s:w?", "d b"), "mongodb://u/s:p@s:w?@h:1/d b");
-}
-
 TEST(ReservedCharacters, OfAPasswordReachTheServerWhenTheyAreEscaped)
 {
     const std::string password = secret + ":/?#[]@!$&'()*+,;=% \"<>\\^`{|}";

@@ -206,20 +206,7 @@ TEST_F(ServerRestart, MakesEveryOperationThrowItsOwnExceptionWhileTheServerIsDow
     EXPECT_TRUE(client.isConnected());
 }
 
-// Measures no time: the server never replies, so only the socket timeout can end the operation.
-TEST_F(ServerRestart, EndsAnOperationAtTheSocketTimeoutIfTheServerNeverReplies)
-{
-    WireGateway gateway(m_server->uri(), m_server->rewrite());
-    DataBaseClient client;
-    client.connect(
-        withOptions(gateway.uri(), "socketTimeoutMS=300&serverSelectionTimeoutMS=20000&" + untilThePauseIsOver));
-    client.write("restart", "c", ObjectProperties());
-    gateway.inject(Fault::holdReply().onCommand("insert"));
-    EXPECT_THROW(client.write("restart", "c", ObjectProperties()), std::runtime_error);
-    gateway.clearFaults();
-    EXPECT_NO_THROW(client.write("restart", "c", ObjectProperties())) << "the same client works again";
-}
-
+// No clock is read: the server never answers, so only the limit of the connection string can end the operation.
 TEST_F(ServerRestart, EndsAnOperationAtTheServerSelectionTimeoutIfNothingAccepts)
 {
     WireGateway gateway(m_server->uri(), m_server->rewrite());

@@ -72,26 +72,6 @@ TEST_F(Tls, WorksWithTheAuthorityThatSignedTheServer)
     EXPECT_EQ(writeThrough(withOptions(server.uri(), trusting("right"))), "");
 }
 
-TEST_F(Tls, IsRefusedWithAnotherAuthority)
-{
-    const ServerProcess server(serverCertificate("here"));
-    EXPECT_NE(writeThrough(withOptions(server.uri(), trusting("wrong"))), "");
-}
-
-TEST_F(Tls, IsRefusedWithoutAnAuthority)
-{
-    const ServerProcess server(serverCertificate("here"));
-    EXPECT_NE(writeThrough(withOptions(server.uri(), "tls=true")), "");
-}
-
-TEST_F(Tls, IsRefusedWhenTheCertificateIsForAnotherHost)
-{
-    const ServerProcess server(serverCertificate("elsewhere"));
-    EXPECT_NE(writeThrough(withOptions(server.uri(), trusting("right"))), "");
-    EXPECT_EQ(writeThrough(withOptions(server.uri(), trusting("right") + "&tlsAllowInvalidHostnames=true")), "")
-        << "the host name was the only reason";
-}
-
 TEST_F(Tls, IsRefusedWhenTheAuthorityCannotBeRead)
 {
     const ServerProcess server(serverCertificate("here"));

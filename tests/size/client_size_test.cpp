@@ -61,15 +61,18 @@ TEST_F(LargeDocument, IsWrittenAndFoundJustBelowTheLimit)
     EXPECT_EQ(results.front().valueAsBinary("b", {}), document.valueAsBinary("b", {}));
 }
 
-TEST_F(LargeDocument, IsRefusedBeyondTheLimitAndNothingIsWritten)
+TEST_F(LargeDocument, IsRefusedBeyondTheLimitBeforeAnythingIsSent)
 {
     m_client.write(m_database.name(), "c", ObjectProperties());
+    TestServer::instance().gateway().clear();
     for (const std::size_t size : {limit + 17 * 1024, 2 * limit, 4 * limit})
     {
         EXPECT_THAT(
             failureOf(documentOf(size)),
-            testing::MatchesRegex("runtime_error: Error occurred while insert operation: .+\\(code: [0-9]+\\)"));
+            testing::MatchesRegex(
+                "runtime_error: Error occurred while insert operation: Document 0 is too large.+\\(code: 18\\)"));
     }
+    EXPECT_TRUE(TestServer::instance().gateway().commands("insert").empty());
     EXPECT_EQ(m_database.count("c"), 1U);
     EXPECT_EQ(failureOf(ObjectProperties()), "") << "the client works on";
 }

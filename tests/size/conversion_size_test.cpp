@@ -71,15 +71,17 @@ TEST_P(DeepConversion, ToJsonEndsWhereTheDriverDoes)
 TEST_P(DeepConversion, FromJsonDeeperThanTheDriverReadsIsRefused)
 {
     test_support::runWithStack(GetParam().bytes, [] {
-        std::string json;
-        for (int level = 0; level < depth; ++level)
-            json += "{\"g\":";
-        json += "1" + std::string(static_cast<std::size_t>(depth), '}');
-        ObjectProperties document;
-
-        EXPECT_FALSE(JsonToProperties::convert(json, &document));
-
-        EXPECT_TRUE(document.isEmpty());
+        const auto levels = static_cast<std::size_t>(depth);
+        std::string groups;
+        for (std::size_t level = 0; level < levels; ++level)
+            groups += "{\"g\":";
+        groups += "1" + std::string(levels, '}');
+        for (const std::string& json : {groups, std::string(levels, '[') + std::string(levels, ']')})
+        {
+            ObjectProperties document;
+            EXPECT_FALSE(JsonToProperties::convert(json, &document));
+            EXPECT_TRUE(document.isEmpty());
+        }
     });
 }
 

@@ -1,12 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// Very wide documents and filters, and very deep JSON.
+// Very wide documents and filters.
 
 #include "bson_handles.h"
 #include "bson_to_properties.h"
 #include "captured_output.h"
-#include "json_to_properties.h"
 #include "object_filter.h"
 #include "object_properties.h"
 #include "properties_to_bson.h"
@@ -17,19 +16,6 @@
 #include <string>
 
 namespace {
-
-TEST(DeepText, IsRejectedOrReadAsJson)
-{
-    test_support::runWithStack(8U << 20U, [] {
-        ObjectProperties document;
-        const auto length = static_cast<std::size_t>(many());
-        const std::string text = std::string(length, '[') + std::string(length, ']');
-        if (!JsonToProperties::convert(text, &document))
-        {
-            EXPECT_TRUE(document.isEmpty());
-        }
-    });
-}
 
 TEST(WideDocument, KeepsEveryFieldThroughBsonAndCopy)
 {
@@ -48,20 +34,6 @@ TEST(WideDocument, KeepsEveryFieldThroughBsonAndCopy)
     EXPECT_EQ(sum, static_cast<long long>(many()) * (many() - 1) / 2);
     const test_support::CapturedOutput output;
     copy.printAsJson();
-}
-
-TEST(WideDocument, KeepsEveryElementOfAnArray)
-{
-    ObjectProperties document;
-    document.beginArray("list");
-    for (int i = 0; i < many(); ++i)
-        document.setValueInt32("same", i);
-    ObjectProperties again;
-    OwnedBson bson;
-    ASSERT_TRUE(PropertiesToBson::convert(document, bson.get()));
-    ASSERT_TRUE(BsonToProperties::convert(bson.get(), &again));
-    again.beginArray("list");
-    EXPECT_EQ(again.childCount(), static_cast<std::size_t>(many()));
 }
 
 TEST(WideFilter, KeepsEveryConditionOfAList)

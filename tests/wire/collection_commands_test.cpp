@@ -481,20 +481,6 @@ TEST_F(CollectionCommand, InsertManyWhoseCommandIsRefusedReportsTheServersReply)
     }
 }
 
-TEST_F(CollectionCommand, BulkWriteThatFailsInTheMiddleReportsWhatWasDone)
-{
-    Bulk bulk;
-    bulk.insertOne({{"_id", 1}}).insertOne({{"_id", 2}}).removeOne({{"_id", 1}}).insertOne({{"_id", 3}});
-    gateway().inject(Fault::dropBeforeForwarding().onCommand("insert").number(2));
-
-    const FailedInsert failure = failedInsert([&] { collection().bulkWrite(bulk); });
-
-    EXPECT_EQ(failure.inserted, 2);
-    EXPECT_EQ(failure.ids, (std::vector<Value>{1, 2}));
-    EXPECT_EQ(failure.kind, dbc::ErrorKind::Network);
-    EXPECT_EQ(failure.text.substr(0, 19), "Bulk write failed: ");
-}
-
 TEST_F(CollectionCommand, DocumentOverTheServersLimitIsTooLarge)
 {
     try

@@ -112,22 +112,6 @@ TEST_F(CollectionQuery, FindOneAndReplaceAndRemoveReturnTheDocumentBefore)
                  R"({ "findAndModify" : "c", "query" : {  }, "sort" : { "a" : 1 }, "remove" : true })");
 }
 
-TEST_F(CollectionQuery, FindOneAndReportsTheServersError)
-{
-    reply("findAndModify", R"({"ok": 0, "errmsg": "no", "code": 11000, "codeName": "DuplicateKey"})");
-    try
-    {
-        collection().findOneAndUpdate({}, {{"$set", {{"a", 1}}}});
-        FAIL() << "nothing was thrown";
-    }
-    catch (const dbc::ServerError& error)
-    {
-        EXPECT_STREQ(error.what(), "Find and update failed: no(code: 11000)");
-        EXPECT_EQ(error.kind(), dbc::ErrorKind::DuplicateKey);
-        EXPECT_EQ(error.codeName(), "DuplicateKey");
-    }
-}
-
 TEST_F(CollectionQuery, CountCountsMatches)
 {
     EXPECT_EQ(collection().count({}), 3);
@@ -154,8 +138,6 @@ TEST_F(CollectionQuery, CountCarriesItsOptions)
                  R"({ "aggregate" : "c", "cursor" : {  }, "pipeline" : [ { "$match" : { "a" : 1 } }, { "$skip" : 1 }, )"
                  R"({ "$limit" : 5 }, { "$group" : { "_id" : 1, "n" : { "$sum" : 1 } } } ], )"
                  R"("collation" : { "locale" : "de" }, "maxTimeMS" : 1000, "hint" : "i", "comment" : "why" })");
-    reply("aggregate", R"({"ok": 0, "errmsg": "no", "code": 13})");
-    EXPECT_EQ(thrownText([&] { collection().count({}); }), "runtime_error: Count failed: no(code: 13)");
 }
 
 TEST_F(CollectionQuery, DistinctReturnsTheDifferentValues)
@@ -242,8 +224,6 @@ TEST_F(CollectionQuery, DropAndRenameChangeTheCollectionAsAWhole)
     collection().drop();
     collection().drop();
     EXPECT_EQ(scratch().collections(), std::vector<std::string>{"third"});
-    gateway().inject(Fault::answer(R"({"ok": 0, "errmsg": "no", "code": 13})").onCommand("drop"));
-    EXPECT_EQ(thrownText([&] { collection().drop(); }), "runtime_error: Dropping the collection failed: no(code: 13)");
 }
 
 } // namespace

@@ -221,26 +221,6 @@ TEST_F(CursorCommand, ContinuesAfterADisconnect)
     EXPECT_EQ(count, 10U);
 }
 
-TEST_F(CursorCommand, RefusedByTheServerIsAnErrorAtOnce)
-{
-    gateway().inject(
-        Fault::answer(R"({"ok": 0, "errmsg": "no", "code": 50, "codeName": "MaxTimeMSExpired"})").onCommand("find"));
-    try
-    {
-        collection().find({});
-        FAIL() << "nothing was thrown";
-    }
-    catch (const dbc::ServerError& error)
-    {
-        EXPECT_STREQ(error.what(), "Find failed: no(code: 50)");
-        EXPECT_EQ(error.codeName(), "MaxTimeMSExpired");
-        EXPECT_EQ(error.kind(), dbc::ErrorKind::Timeout);
-    }
-    gateway().inject(Fault::answer(R"({"ok": 0, "errmsg": "no", "code": 13})").onCommand("aggregate"));
-    EXPECT_EQ(thrownText([&] { collection().aggregate(dbc::array({})); }),
-              "runtime_error: Aggregation failed: no(code: 13)");
-}
-
 struct MiddleFault
 {
     const char* name;

@@ -254,37 +254,6 @@ TEST_F(FileStoreOnServer, ProgressCountsBytesAndCancels)
     EXPECT_EQ(steps, (std::vector<std::uint64_t>{5, 15}));
 }
 
-TEST_F(FileStoreOnServer, FailedUploadLeavesNothing)
-{
-    struct Row
-    {
-        const char* name;
-        std::size_t insert;
-        Fault fault;
-    };
-    const Row rows[] = {
-        {"chunk refused", 1, Fault::answer(R"({"ok": 0, "errmsg": "full", "code": 14031})")},
-        {"record refused", 2, Fault::answer(R"({"ok": 0, "errmsg": "full", "code": 14031})")},
-        {"reply to the chunks lost", 1, Fault::dropAfterForwarding()},
-        {"reply to the record lost", 2, Fault::dropAfterForwarding()},
-    };
-    upload("first", "x"); // creates the indexes
-    for (const Row& row : rows)
-    {
-        gateway().inject(Fault(row.fault).onCommand("insert").number(row.insert));
-        EXPECT_EQ(thrownText([&] { upload("f", letters(25)); }).substr(0, 30), "runtime_error: Upload failed: ")
-            << row.name;
-        EXPECT_EQ(gateway().pendingFaults(), 0U);
-        // After a lost connection, the pause of the driver may have prevented the removal. A stored file must then be
-        // complete.
-        const std::size_t left = records();
-        EXPECT_TRUE(left == 1 || download("f") == letters(25)) << row.name;
-        store().remove("f");
-        gateway().clearFaults();
-    }
-    EXPECT_EQ(download("first"), "x");
-}
-
 TEST_F(FileStoreOnServer, UploadFailsIfItsContentIsNoLongerThere)
 {
     upload("first", "x"); // creates the indexes

@@ -110,24 +110,5 @@ TEST_F(UserCommand, ThatRemovesAUserNamesIt)
     EXPECT_EQ(sent(), R"(d: { "dropUser" : "u" })");
 }
 
-TEST_F(UserCommand, ThatIsRefusedThrowsTheOperationsOwnTextWithoutThePassword)
-{
-    gateway().clearFaults();
-    for (const char* const name : {"createUser", "updateUser", "dropUser"})
-        gateway().inject(Fault::answer(R"({"ok": 0, "errmsg": "no", "code": 13})").onCommand(name).andLater());
-    const ObjectProperties none;
-
-    EXPECT_EQ(thrownText([&] { client().addUser("d", "u", "secret", none, none); }),
-              "runtime_error: Error occurred while adding user: no(code: 13)");
-    EXPECT_EQ(thrownText([&] { client().addUser("d", "u", "", none, none); }),
-              "runtime_error: Error occurred while adding user: no(code: 13)");
-    EXPECT_EQ(thrownText([&] { client().updateUser("d", "u", none, none); }),
-              "runtime_error: Error occurred while updating user: no(code: 13)");
-    EXPECT_EQ(thrownText([&] { client().changeUserPassword("d", "u", "secret"); }),
-              "runtime_error: Error occurred while changing password: no(code: 13)");
-    EXPECT_EQ(thrownText([&] { client().removeUser("d", "u"); }),
-              "runtime_error: Error occurred while removing user: no(code: 13)");
-}
-
 } // namespace
 } // namespace test_support

@@ -146,6 +146,7 @@ INSTANTIATE_TEST_SUITE_P(
         KindRow{MONGOC_ERROR_SERVER, 262, refusal, ErrorKind::Timeout, true},
         KindRow{MONGOC_ERROR_QUERY, 11600, refusal, ErrorKind::Other, true},
         KindRow{MONGOC_ERROR_QUERY, 112, refusal, ErrorKind::Other, true},
+        KindRow{MONGOC_ERROR_QUERY, 11000, refusal, ErrorKind::DuplicateKey, false},
         KindRow{MONGOC_ERROR_COMMAND, 11000, writeError, ErrorKind::DuplicateKey, false},
         KindRow{MONGOC_ERROR_COMMAND, 22, writeError, ErrorKind::Other, false},
         KindRow{MONGOC_ERROR_COMMAND, 17419, writeError, ErrorKind::TooLarge, false},

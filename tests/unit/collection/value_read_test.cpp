@@ -180,56 +180,6 @@ TEST(ValueRead, FindsKeysThatChangedAfterManySearches)
     EXPECT_EQ(copied.find("renamed")->get<int>(), 5);
 }
 
-TEST(ValueRead, MayBeDoneBySeveralThreads)
-{
-    Value value;
-    for (int number = 0; number < 200; ++number)
-        value.append("k" + std::to_string(number), number);
-    const Value& shared = value;
-    std::vector<std::thread> threads;
-    std::vector<int> sums(4);
-    for (int& sum : sums)
-    {
-        threads.emplace_back([&shared, &sum] {
-            for (int number = 0; number < 200; ++number)
-                sum += shared.getOr("k" + std::to_string(number), 0);
-        });
-    }
-    for (std::thread& thread : threads)
-        thread.join();
-    EXPECT_EQ(sums, std::vector<int>(4, 199 * 100));
-}
-
-// The functions that are not const may be called too, as a loop over the fields does.
-TEST(ValueRead, MayBeDoneBySeveralThreadsInAValueThatIsNotConst)
-{
-    Value shared;
-    for (int number = 0; number < 200; ++number)
-        shared.append("k" + std::to_string(number), number);
-    std::vector<std::thread> threads;
-    std::vector<int> sums(4);
-    for (std::size_t thread = 0; thread < sums.size(); ++thread)
-    {
-        threads.emplace_back([&shared, &sum = sums[thread], isLoop = thread % 2 == 0] {
-            for (int round = 0; round < 100; ++round)
-            {
-                sum = 0;
-                if (isLoop)
-                {
-                    for (const auto& [key, value] : shared.fields())
-                        sum += *value.get<int>();
-                    continue;
-                }
-                for (int number = 0; number < 200; ++number)
-                    sum += *shared.find("k" + std::to_string(number))->get<int>();
-            }
-        });
-    }
-    for (std::thread& thread : threads)
-        thread.join();
-    EXPECT_EQ(sums, std::vector<int>(4, 199 * 100));
-}
-
 // Objects of many keys, whose first searches make an index, inside each other.
 Value nestedObjects()
 {

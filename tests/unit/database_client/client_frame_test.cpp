@@ -53,7 +53,7 @@ TEST(ClientUri, WritesAnyPortWithItsSign)
 
 TEST(ClientUri, EscapesNothing)
 {
-    EXPECT_EQ(DataBaseClient::uri("h", 1, "u@/", "p:%", "d?"), "mongodb://u@/:p:%@h:1/d?");
+    EXPECT_EQ(DataBaseClient::uri("h", 1, "u@/", "p@s:w%?", "d b?"), "mongodb://u@/:p@s:w%?@h:1/d b?");
 }
 
 TEST(Connection, ToAnUnreachableServerSucceedsAtOnce)
