@@ -16,8 +16,6 @@ constexpr std::size_t chunkSize = 261'120; // the driver's
 class StreamedFile : public ConnectedClient
 {
 public:
-    ~StreamedFile() override { gateway().clearFaults(); }
-
     void store(const std::string& name, const std::string& text)
     {
         std::istringstream source(text);
@@ -36,12 +34,6 @@ public:
         std::list<std::string> names;
         client().listFiles(database(), "fs", names);
         return names;
-    }
-
-    void expectNothingStored()
-    {
-        EXPECT_EQ(scratch().count("fs.files"), 0U);
-        EXPECT_EQ(scratch().count("fs.chunks"), 0U);
     }
 };
 
@@ -85,75 +77,6 @@ TEST_F(StreamedFile, HasATemporaryNameUntilEveryChunkIsStored)
     }
     EXPECT_EQ(updates.back().target, "fs.files");
     EXPECT_EQ(updates.back().json("updates.0.u"), R"({ "$set" : { "filename" : "name" } })");
-}
-
-TEST_F(StreamedFile, IsRemovedWhenTheConnectionBreaksInTheMiddle)
-{
-    for (const char* const target : {"fs.chunks", "fs.files"})
-    {
-        gateway().inject(Fault::dropBeforeForwarding().onCommand("update").onTarget(target).number(2));
-        EXPECT_NE(thrownText([&] { store("name", patternText(4 * chunkSize)); }), "");
-        expectNothingStored();
-    }
-}
-
-TEST_F(StreamedFile, IsRemovedIfTheServerDoesNotSetTheFinalName)
-{
-    gateway().clear();
-    store("name", "text");
-    const std::size_t updates = gateway().commands("update").size(); // the last one gives the name
-    client().removeFile(database(), "fs", "name");
-    gateway().inject(Fault::answer(R"({"ok": 0, "errmsg": "no", "code": 13})").onCommand("update").number(updates));
-
-    EXPECT_EQ(thrownText([&] { store("name", "text"); }), "runtime_error: Updating failed: no(code: 13)");
-
-    expectNothingStored();
-}
-
-TEST_F(StreamedFile, ThatIsRemovedWhileItIsStoredIsAnError)
-{
-    // Held back in the middle, while another client removes what is there.
-    const auto removeAll = [this](Bytes&) {
-        DataBaseClient other;
-        other.connect(TestServer::instance().directUri());
-        for (const char* const collection : {"fs.files", "fs.chunks"})
-            other.remove(database(), collection, ObjectProperties());
-    };
-    for (const std::size_t chunk : {2U, 4U})
-    {
-        gateway().inject(Fault::changeReply(removeAll).onCommand("update").onTarget("fs.chunks").number(chunk));
-        EXPECT_EQ(thrownText([&] { store("name", patternText(4 * chunkSize)); }),
-                  "runtime_error: The file was removed while it was being stored");
-        expectNothingStored();
-    }
-}
-
-TEST_F(StreamedFile, ThatIsRemovedWhileItGetsItsNameIsAnError)
-{
-    const auto removeAll = [this](Bytes&) {
-        DataBaseClient other;
-        other.connect(TestServer::instance().directUri());
-        other.remove(database(), "fs.files", ObjectProperties());
-    };
-    // The reply that says that the first chunk is there.
-    gateway().inject(Fault::changeReply(removeAll).onCommand("find").onTarget("fs.chunks"));
-    EXPECT_EQ(thrownText([&] { store("name", "text"); }),
-              "runtime_error: The file was removed while it was being stored");
-    EXPECT_EQ(scratch().count("fs.files"), 0U);
-}
-
-TEST_F(StreamedFile, KeepsItsTemporaryNameWhenItCannotBeRemovedEither)
-{
-    gateway().inject(Fault::answer(R"({"ok": 0, "errmsg": "first", "code": 13})")
-                         .onCommand("update")
-                         .onTarget("fs.chunks")
-                         .number(2));
-    gateway().inject(Fault::answer(R"({"ok": 0, "errmsg": "second", "code": 13})").onCommand("delete"));
-
-    EXPECT_NE(thrownText([&] { store("name", patternText(4 * chunkSize)); }), "");
-
-    ASSERT_EQ(listed().size(), 1U);
-    EXPECT_EQ(dbc::finalFileName(listed().front()), "name");
 }
 
 } // namespace

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// Bulk writes that fail in the middle: the results in the exception, the stored documents, and the remaining
-// operations.
+// A bulk write or an insertMany that fails in the middle: which results the exception has, what is stored, and what
+// happens to the rest.
 
 #include "connected_client.h"
 
@@ -10,7 +10,6 @@
 #include "row_name.h"
 
 #include <cstdint>
-#include <optional>
 #include <ostream>
 
 namespace test_support {
@@ -43,8 +42,8 @@ struct BulkRow
     bool ordered;
     const char* command;
     std::size_t number;
-    std::optional<Fault> fault;
-    // Expected contents of the error.
+    Fault fault;
+    // What the error tells.
     ErrorKind kind;
     bool mayRetry;
     std::vector<IndexAndCode> errors;
@@ -78,179 +77,41 @@ Fault unconfirmedRemoval()
     return Fault::replaceReply(R"({"ok": 1, "n": 1, "writeConcernError": {"code": 64, "errmsg": "too slow"}})");
 }
 
+// clang-format off
 const BulkRow rows[] = {
-    {"RefusedCommand", true, "update", 1, refusal(13), ErrorKind::NotAuthorized, false, {}, 0, 0, {0, 1}, {}, "1 2"},
-    {"RefusedCommandOfAnUnorderedWrite",
-     false,
-     "update",
-     1,
-     refusal(13),
-     ErrorKind::NotAuthorized,
-     false,
-     {},
-     0,
-     1,
-     {0, 1, 5, 6},
-     {},
-     "1 3 4"},
-    {"ServerThatEnds", true, "update", 1, refusal(91), ErrorKind::Other, true, {}, 0, 0, {0, 1}, {}, "1 2"},
-    {"DroppedBeforeTheFirstCommand",
-     true,
-     "insert",
-     1,
-     Fault::dropBeforeForwarding(),
-     ErrorKind::Network,
-     true,
-     {},
-     0,
-     0,
-     {},
-     {},
-     ""},
-    {"DroppedAfterTheFirstCommand",
-     true,
-     "insert",
-     1,
-     Fault::dropAfterForwarding(),
-     ErrorKind::Network,
-     true,
-     {},
-     0,
-     0,
-     {},
-     {},
-     "1 2"},
-    {"DroppedBeforeTheSecondCommand",
-     true,
-     "update",
-     1,
-     Fault::dropBeforeForwarding(),
-     ErrorKind::Network,
-     true,
-     {},
-     0,
-     0,
-     {0, 1},
-     {},
-     "1 2"},
-    {"DroppedBeforeTheSecondCommandOfAnUnorderedWrite",
-     false,
-     "update",
-     1,
-     Fault::dropBeforeForwarding(),
-     ErrorKind::Network,
-     true,
-     {},
-     0,
-     0,
-     {0, 1},
-     {},
-     "1 2"},
-    {"DroppedAfterTheSecondCommand",
-     true,
-     "update",
-     1,
-     Fault::dropAfterForwarding(),
-     ErrorKind::Network,
-     true,
-     {},
-     0,
-     0,
-     {0, 1},
-     {},
-     "1 2 9"},
-    {"DroppedInsideTheSecondReply",
-     true,
-     "update",
-     1,
-     Fault::cutReply(20),
-     ErrorKind::Network,
-     true,
-     {},
-     0,
-     0,
-     {0, 1},
-     {},
-     "1 2 9"},
-    {"DroppedBeforeTheThirdCommand",
-     true,
-     "delete",
-     1,
-     Fault::dropBeforeForwarding(),
-     ErrorKind::Network,
-     true,
-     {},
-     1,
-     0,
-     {0, 1},
-     {2},
-     "1 2 9"},
-    {"DroppedBeforeTheLastCommand",
-     true,
-     "insert",
-     2,
-     Fault::dropBeforeForwarding(),
-     ErrorKind::Network,
-     true,
-     {},
-     1,
-     1,
-     {0, 1},
-     {2},
-     "1 9"},
-    {"DroppedAfterTheLastCommand",
-     true,
-     "insert",
-     2,
-     Fault::dropAfterForwarding(),
-     ErrorKind::Network,
-     true,
-     {},
-     1,
-     1,
-     {0, 1},
-     {2},
-     "1 3 4 9"},
-    {"RefusedOperation",
-     true,
-     "update",
-     1,
-     refusedUpdate(),
-     ErrorKind::Other,
-     false,
-     {{3, 121}},
-     0,
-     0,
-     {0, 1},
-     {2},
-     "1 2"},
-    {"RefusedOperationOfAnUnorderedWrite",
-     false,
-     "update",
-     1,
-     refusedUpdate(),
-     ErrorKind::Other,
-     false,
-     {{3, 121}},
-     0,
-     1,
-     {0, 1, 5, 6},
-     {2},
-     "1 3 4"},
-    {"WriteThatIsNotConfirmedInTime",
-     true,
-     "delete",
-     1,
-     unconfirmedRemoval(),
-     ErrorKind::Timeout,
-     false,
-     {},
-     1,
-     1,
-     {0, 1, 5, 6},
-     {2},
-     "1 3 4 9"},
+    {"RefusedCommand", true, "update", 1, refusal(13), ErrorKind::NotAuthorized, false,
+     {}, 0, 0, {0, 1}, {}, "1 2"},
+    {"RefusedCommandOfAnUnorderedWrite", false, "update", 1, refusal(13), ErrorKind::NotAuthorized, false,
+     {}, 0, 1, {0, 1, 5, 6}, {}, "1 3 4"},
+    {"ServerThatEnds", true, "update", 1, refusal(91), ErrorKind::Other, true,
+     {}, 0, 0, {0, 1}, {}, "1 2"},
+    {"DroppedBeforeTheFirstCommand", true, "insert", 1, Fault::dropBeforeForwarding(), ErrorKind::Network, true,
+     {}, 0, 0, {}, {}, ""},
+    {"DroppedAfterTheFirstCommand", true, "insert", 1, Fault::dropAfterForwarding(), ErrorKind::Network, true,
+     {}, 0, 0, {}, {}, "1 2"},
+    {"DroppedBeforeTheSecondCommand", true, "update", 1, Fault::dropBeforeForwarding(), ErrorKind::Network, true,
+     {}, 0, 0, {0, 1}, {}, "1 2"},
+    {"DroppedBeforeTheSecondCommandOfAnUnorderedWrite", false, "update", 1, Fault::dropBeforeForwarding(),
+     ErrorKind::Network, true,
+     {}, 0, 0, {0, 1}, {}, "1 2"},
+    {"DroppedAfterTheSecondCommand", true, "update", 1, Fault::dropAfterForwarding(), ErrorKind::Network, true,
+     {}, 0, 0, {0, 1}, {}, "1 2 9"},
+    {"DroppedInsideTheSecondReply", true, "update", 1, Fault::cutReply(20), ErrorKind::Network, true,
+     {}, 0, 0, {0, 1}, {}, "1 2 9"},
+    {"DroppedBeforeTheThirdCommand", true, "delete", 1, Fault::dropBeforeForwarding(), ErrorKind::Network, true,
+     {}, 1, 0, {0, 1}, {2}, "1 2 9"},
+    {"DroppedBeforeTheLastCommand", true, "insert", 2, Fault::dropBeforeForwarding(), ErrorKind::Network, true,
+     {}, 1, 1, {0, 1}, {2}, "1 9"},
+    {"DroppedAfterTheLastCommand", true, "insert", 2, Fault::dropAfterForwarding(), ErrorKind::Network, true,
+     {}, 1, 1, {0, 1}, {2}, "1 3 4 9"},
+    {"RefusedOperation", true, "update", 1, refusedUpdate(), ErrorKind::Other, false,
+     {{3, 121}}, 0, 0, {0, 1}, {2}, "1 2"},
+    {"RefusedOperationOfAnUnorderedWrite", false, "update", 1, refusedUpdate(), ErrorKind::Other, false,
+     {{3, 121}}, 0, 1, {0, 1, 5, 6}, {2}, "1 3 4"},
+    {"WriteThatIsNotConfirmedInTime", true, "delete", 1, unconfirmedRemoval(), ErrorKind::Timeout, false,
+     {}, 1, 1, {0, 1, 5, 6}, {2}, "1 3 4 9"},
 };
+// clang-format on
 
 class BulkFault : public ConnectedClient, public testing::WithParamInterface<BulkRow>
 {
@@ -305,31 +166,25 @@ TEST_P(BulkFault, ReportsWhatWasDoneAndLeavesTheClientUsable)
     const BulkRow& row = GetParam();
     BulkOptions options;
     options.ordered = row.ordered;
-    gateway().inject(Fault(*row.fault).onCommand(row.command).number(row.number).andLater());
+    gateway().inject(Fault(row.fault).onCommand(row.command).number(row.number).andLater());
 
-    try
-    {
-        collection().bulkWrite(bulk(), options);
-        ADD_FAILURE() << "nothing was thrown";
-    }
-    catch (const BulkError& error)
-    {
-        EXPECT_EQ(std::string(error.what()).rfind("Bulk write failed: ", 0), 0U) << error.what();
-        EXPECT_EQ(error.kind(), row.kind) << error.what();
-        EXPECT_EQ(error.mayRetry(), row.mayRetry);
-        std::vector<IndexAndCode> errors;
-        for (const dbc::WriteError& refused : error.errors())
-            errors.push_back({refused.index, refused.code});
-        EXPECT_EQ(errors, row.errors);
-        EXPECT_EQ(error.result().inserted, static_cast<std::int64_t>(row.inserted.size()));
-        EXPECT_EQ(indexesOf(error.result().insertedIds), row.inserted);
-        for (const dbc::IndexedId& inserted : error.result().insertedIds)
-            EXPECT_EQ(inserted.id, Value(inserted.index < 2 ? inserted.index + 1 : inserted.index - 2));
-        EXPECT_EQ(indexesOf(error.result().upsertedIds), row.upserted);
-        EXPECT_EQ(error.result().matched, row.matched);
-        EXPECT_EQ(error.result().removed, row.removed);
-        EXPECT_TRUE(error.result().acknowledged);
-    }
+    const auto error = thrownError<BulkError>([&] { collection().bulkWrite(bulk(), options); });
+
+    EXPECT_EQ(std::string(error.what()).rfind("Bulk write failed: ", 0), 0U) << error.what();
+    EXPECT_EQ(error.kind(), row.kind) << error.what();
+    EXPECT_EQ(error.mayRetry(), row.mayRetry);
+    std::vector<IndexAndCode> errors;
+    for (const dbc::WriteError& refused : error.errors())
+        errors.push_back({refused.index, refused.code});
+    EXPECT_EQ(errors, row.errors);
+    EXPECT_EQ(error.result().inserted, static_cast<std::int64_t>(row.inserted.size()));
+    EXPECT_EQ(indexesOf(error.result().insertedIds), row.inserted);
+    for (const dbc::IndexedId& inserted : error.result().insertedIds)
+        EXPECT_EQ(inserted.id, Value(inserted.index < 2 ? inserted.index + 1 : inserted.index - 2));
+    EXPECT_EQ(indexesOf(error.result().upsertedIds), row.upserted);
+    EXPECT_EQ(error.result().matched, row.matched);
+    EXPECT_EQ(error.result().removed, row.removed);
+    EXPECT_TRUE(error.result().acknowledged);
     EXPECT_EQ(gateway().pendingFaults(), 0U);
     gateway().clearFaults();
 
@@ -340,55 +195,56 @@ TEST_P(BulkFault, ReportsWhatWasDoneAndLeavesTheClientUsable)
 
 INSTANTIATE_TEST_SUITE_P(Rows, BulkFault, testing::ValuesIn(rows), RowName());
 
-TEST_F(ConnectedClient, UnorderedBulkWriteReportsTheIdsBesideARefusedOne)
+/// A collection "c", written to without an order.
+class UnorderedBulkFault : public ConnectedClient
 {
-    Collection collection(client(), database(), "c");
-    collection.insertOne({{"_id", 2}});
+public:
+    UnorderedBulkFault() : m_collection(client(), database(), "c") { m_options.ordered = false; }
+    ~UnorderedBulkFault() override { gateway().clearFaults(); }
+
+    Collection& collection() { return m_collection; }
+    BulkError failed(const Bulk& bulk)
+    {
+        return thrownError<BulkError>([&] { m_collection.bulkWrite(bulk, m_options); });
+    }
+
+private:
+    Collection m_collection;
+    BulkOptions m_options;
+};
+
+TEST_F(UnorderedBulkFault, ReportsTheIdsBesideARefusedOne)
+{
+    collection().insertOne({{"_id", 2}});
     Bulk bulk;
     bulk.insertOne({{"_id", 1}}).insertOne({{"_id", 2}}).removeOne({{"_id", 7}}).insertOne({{"_id", 3}});
-    BulkOptions options;
-    options.ordered = false;
-    try
-    {
-        collection.bulkWrite(bulk, options);
-        FAIL() << "nothing was thrown";
-    }
-    catch (const BulkError& error)
-    {
-        EXPECT_EQ(error.kind(), ErrorKind::DuplicateKey);
-        EXPECT_EQ(indexesOf(error.result().insertedIds), (std::vector<std::size_t>{0, 3}));
-        ASSERT_EQ(error.errors().size(), 1U);
-        EXPECT_EQ(error.errors()[0].index, 1U);
-        EXPECT_EQ(error.errors()[0].kind, ErrorKind::DuplicateKey);
-    }
+
+    const BulkError error = failed(bulk);
+
+    EXPECT_EQ(error.kind(), ErrorKind::DuplicateKey);
+    EXPECT_EQ(indexesOf(error.result().insertedIds), (std::vector<std::size_t>{0, 3}));
+    ASSERT_EQ(error.errors().size(), 1U);
+    EXPECT_EQ(error.errors()[0].index, 1U);
+    EXPECT_EQ(error.errors()[0].kind, ErrorKind::DuplicateKey);
 }
 
-// The driver reports that two documents were inserted, but not by which command.
-TEST_F(ConnectedClient, UnorderedBulkWriteReportsTheIdsOfTheCommandThatWasNotRefused)
+// The driver counts two inserts and does not say of which command.
+TEST_F(UnorderedBulkFault, ReportsTheIdsOfTheCommandThatWasNotRefused)
 {
-    Collection collection(client(), database(), "c");
     Bulk bulk;
     bulk.insertOne({{"_id", 1}}).insertOne({{"_id", 2}}).removeOne({{"_id", 7}});
     bulk.insertOne({{"_id", 3}}).insertOne({{"_id", 4}});
-    BulkOptions options;
-    options.ordered = false;
     gateway().inject(refusal(13).onCommand("insert"));
-    try
-    {
-        collection.bulkWrite(bulk, options);
-        FAIL() << "nothing was thrown";
-    }
-    catch (const BulkError& error)
-    {
-        EXPECT_STREQ(error.what(), "Bulk write failed: no(code: 13)");
-        EXPECT_EQ(error.kind(), ErrorKind::NotAuthorized);
-        EXPECT_EQ(indexesOf(error.result().insertedIds), (std::vector<std::size_t>{3, 4}));
-    }
+
+    const BulkError error = failed(bulk);
+
+    EXPECT_STREQ(error.what(), "Bulk write failed: no(code: 13)");
+    EXPECT_EQ(error.kind(), ErrorKind::NotAuthorized);
+    EXPECT_EQ(indexesOf(error.result().insertedIds), (std::vector<std::size_t>{3, 4}));
 }
 
-TEST_F(ConnectedClient, UnorderedBulkWriteReportsARefusalAlsoWhenItNeedsSeveralCommandsOfOneType)
+TEST_F(UnorderedBulkFault, ReportsARefusalAlsoIfItNeedsSeveralCommandsOfOneType)
 {
-    Collection collection(client(), database(), "c");
     Bulk many;
     for (int id = 0; id <= 100000; ++id) // one more than a server accepts in one command
         many.insertOne({{"_id", id}});
@@ -396,8 +252,6 @@ TEST_F(ConnectedClient, UnorderedBulkWriteReportsARefusalAlsoWhenItNeedsSeveralC
     const std::string text(12U << 20U, 'x');
     for (int id = 0; id < 4; ++id) // more bytes than a server accepts in one command
         large.insertOne({{"_id", id}, {"text", text}});
-    BulkOptions options;
-    options.ordered = false;
     for (const Bulk* const bulk : {&many, &large})
     {
         const std::vector<std::size_t> behind =
@@ -405,19 +259,120 @@ TEST_F(ConnectedClient, UnorderedBulkWriteReportsARefusalAlsoWhenItNeedsSeveralC
         const std::string reply = R"({"ok": 1, "n": )" + std::to_string(behind.size()) + "}";
         gateway().inject(refusal(13).onCommand("insert"));
         gateway().inject(Fault::answer(reply).onCommand("insert").number(2));
-        try
-        {
-            collection.bulkWrite(*bulk, options);
-            ADD_FAILURE() << "nothing was thrown";
-        }
-        catch (const BulkError& error)
-        {
-            EXPECT_STREQ(error.what(), "Bulk write failed: no(code: 13)");
-            EXPECT_EQ(indexesOf(error.result().insertedIds), behind);
-        }
+
+        const BulkError error = failed(*bulk);
+
+        EXPECT_STREQ(error.what(), "Bulk write failed: no(code: 13)");
+        EXPECT_EQ(indexesOf(error.result().insertedIds), behind);
         EXPECT_EQ(gateway().pendingFaults(), 0U);
         gateway().clearFaults();
     }
+}
+
+/// insertMany() of documents whose "_id" is a number, into a collection "c".
+class InsertManyFault : public ConnectedClient
+{
+public:
+    InsertManyFault() : m_collection(client(), database(), "c") {}
+    ~InsertManyFault() override { gateway().clearFaults(); }
+
+    BulkError failed(const std::vector<int>& ids, bool isOrdered, const std::string& text = "")
+    {
+        std::vector<Value> documents;
+        for (const int id : ids)
+            documents.push_back(Value{{"_id", id}, {"text", text}});
+        dbc::InsertManyOptions options;
+        options.ordered = isOrdered;
+        return thrownError<BulkError>([&] { m_collection.insertMany(documents, options); });
+    }
+
+    // The "_id" of each document that the error reports as inserted.
+    static std::vector<Value> inserted(const BulkError& error)
+    {
+        EXPECT_EQ(error.result().inserted, static_cast<std::int64_t>(error.result().insertedIds.size()));
+        std::vector<Value> ids;
+        for (const dbc::IndexedId& id : error.result().insertedIds)
+            ids.push_back(id.id);
+        return ids;
+    }
+
+    static std::vector<std::size_t> refused(const BulkError& error)
+    {
+        std::vector<std::size_t> indexes;
+        for (const dbc::WriteError& refusal : error.errors())
+            indexes.push_back(refusal.index);
+        return indexes;
+    }
+
+    /// Four documents with such a text fill a command.
+    static std::string mebibyte() { return std::string(1U << 20U, 'x'); }
+
+private:
+    Collection m_collection;
+};
+
+TEST_F(InsertManyFault, StopsAnOrderedWriteAtTheFirstRefusal)
+{
+    const BulkError error = failed({1, 2, 1, 3}, true);
+
+    EXPECT_EQ(inserted(error), (std::vector<Value>{1, 2}));
+    EXPECT_EQ(refused(error), std::vector<std::size_t>{2});
+    EXPECT_EQ(error.kind(), ErrorKind::DuplicateKey);
+    const std::string text = error.what();
+    EXPECT_EQ(text.substr(0, 15), "Insert failed: ");
+    EXPECT_EQ(text.substr(text.size() - 13), "(code: 11000)");
+    EXPECT_EQ(scratch().count("c"), 2U);
+}
+
+TEST_F(InsertManyFault, LetsAnUnorderedWriteInsertTheRest)
+{
+    const BulkError error = failed({1, 1, 2, 2, 3}, false);
+
+    EXPECT_EQ(inserted(error), (std::vector<Value>{1, 2, 3}));
+    EXPECT_EQ(refused(error), (std::vector<std::size_t>{1, 3}));
+    EXPECT_EQ(scratch().count("c"), 3U);
+}
+
+TEST_F(InsertManyFault, LetsAnUnorderedWriteContinueWithTheNextBatch)
+{
+    scratch().insert("c", R"({"_id": 2})");
+
+    const BulkError error = failed({1, 2, 3, 4, 5, 6}, false, mebibyte());
+
+    EXPECT_EQ(inserted(error), (std::vector<Value>{1, 3, 4, 5, 6}));
+    EXPECT_EQ(refused(error), std::vector<std::size_t>{1});
+}
+
+TEST_F(InsertManyFault, OfTheConnectionReportsTheBatchesBefore)
+{
+    for (const bool isOrdered : {true, false})
+    {
+        gateway().inject(Fault::dropBeforeForwarding().onCommand("insert").number(2));
+
+        const BulkError error = failed({1, 2, 3, 4, 5, 6, 7, 8, 9, 10}, isOrdered, mebibyte());
+
+        EXPECT_EQ(inserted(error), (std::vector<Value>{1, 2, 3, 4}));
+        EXPECT_EQ(refused(error), std::vector<std::size_t>{});
+        EXPECT_EQ(error.kind(), ErrorKind::Network);
+        EXPECT_EQ(scratch().count("c"), 4U);
+        scratch().run(R"({"drop": "c"})");
+    }
+}
+
+TEST_F(InsertManyFault, OfACommandHasTheServersReply)
+{
+    gateway().inject(Fault::answer(R"({"ok": 0, "errmsg": "full", "code": 14031, "codeName": "OutOfDiskSpace",
+                                       "errorLabels": ["SomeLabel"]})")
+                         .onCommand("insert")
+                         .number(2));
+
+    const BulkError error = failed({1, 2, 3, 4, 5, 6, 7, 8, 9, 10}, true, mebibyte());
+
+    EXPECT_STREQ(error.what(), "Insert failed: full(code: 14031)");
+    EXPECT_TRUE(error.errors().empty());
+    EXPECT_EQ(error.result().inserted, 4);
+    EXPECT_TRUE(error.hasLabel("SomeLabel"));
+    EXPECT_FALSE(error.mayRetry());
 }
 
 } // namespace

@@ -27,4 +27,19 @@ std::string thrownText(Call call)
     return "";
 }
 
+/// The Error that a call throws. Anything else that it throws, or nothing, fails the test.
+template <typename Error, typename Call>
+Error thrownError(Call call)
+{
+    try
+    {
+        call();
+    }
+    catch (const Error& error)
+    {
+        return error;
+    }
+    throw std::logic_error("nothing was thrown");
+}
+
 } // namespace test_support

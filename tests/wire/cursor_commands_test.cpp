@@ -4,12 +4,9 @@
 #include "connected_client.h"
 
 #include "command_text.h"
-#include "connection_options.h"
 #include "dbc/collection.h"
 
-#include <algorithm>
 #include <chrono>
-#include <cstring>
 #include <stdexcept>
 
 namespace test_support {
@@ -41,13 +38,6 @@ public:
         options.sort = {{"_id"}};
         options.batchSize = count;
         return m_collection.find({}, options);
-    }
-
-    Cursor aggregateInBatchesOf(int count)
-    {
-        dbc::AggregateOptions options;
-        options.batchSize = count;
-        return m_collection.aggregate(dbc::array({Value{{"$sort", {{"_id", 1}}}}}), options);
     }
 
 private:
@@ -219,100 +209,6 @@ TEST_F(CursorCommand, ContinuesAfterADisconnect)
         ++count;
 
     EXPECT_EQ(count, 10U);
-}
-
-struct MiddleFault
-{
-    const char* name;
-    Fault fault;
-    dbc::ErrorKind kind;
-    bool mayRetry;
-};
-
-Fault refusedWith(int code)
-{
-    return Fault::answer(R"({"ok": 0, "errmsg": "no", "code": )" + std::to_string(code) + "}");
-}
-
-TEST_F(CursorCommand, FaultInTheMiddleIsAnErrorAfterTheDocumentsBefore)
-{
-    client().connect(withOptions(gateway().uri(), "socketTimeoutMS=1000"));
-    const MiddleFault faults[] = {
-        {"cursor removed", refusedWith(43), dbc::ErrorKind::NotFound, false},
-        {"time limit", refusedWith(50), dbc::ErrorKind::Timeout, false},
-        {"cursor killed", refusedWith(237), dbc::ErrorKind::Other, false},
-        {"no longer primary", refusedWith(10107), dbc::ErrorKind::Other, true},
-        {"dropped before", Fault::dropBeforeForwarding(), dbc::ErrorKind::Network, true},
-        {"dropped after", Fault::dropAfterForwarding(), dbc::ErrorKind::Network, true},
-        {"cut", Fault::cutReply(30), dbc::ErrorKind::Network, true},
-        {"late", Fault::holdReply(), dbc::ErrorKind::Network, true},
-    };
-    for (const bool isAggregation : {false, true})
-    {
-        for (const MiddleFault& row : faults)
-        {
-            SCOPED_TRACE(row.name);
-            Cursor cursor = isAggregation ? aggregateInBatchesOf(4) : openInBatchesOf(4);
-            gateway().inject(Fault(row.fault).onCommand("getMore").andLater());
-            std::size_t count = 0;
-            try
-            {
-                while (cursor.next())
-                    ++count;
-                ADD_FAILURE() << "nothing was thrown";
-            }
-            catch (const dbc::ServerError& error)
-            {
-                EXPECT_EQ(error.kind(), row.kind) << error.what();
-                EXPECT_EQ(error.mayRetry(), row.mayRetry);
-                const std::string message = isAggregation ? "Aggregation failed: " : "Find failed: ";
-                EXPECT_EQ(std::string(error.what()).rfind(message, 0), 0U) << error.what();
-            }
-            EXPECT_EQ(count, 4U);
-            EXPECT_FALSE(cursor.next());
-            EXPECT_THROW(cursor.bson(), std::logic_error);
-            gateway().clearFaults();
-            EXPECT_EQ(thrownText([&] { EXPECT_EQ(collection().count({}), 10); }), "");
-        }
-    }
-}
-
-TEST_F(CursorCommand, KilledOnTheServerIsNotFoundAfterTheDocumentsBefore)
-{
-    Cursor cursor = openInBatchesOf(4);
-    for (int count = 0; count < 8; ++count)
-        ASSERT_TRUE(cursor.next());
-    const std::string id = gateway().commands("getMore").at(0).json("getMore");
-    scratch().run(R"({"killCursors": "c", "cursors": [{"$numberLong": ")" + id + R"("}]})");
-    try
-    {
-        cursor.next();
-        FAIL() << "nothing was thrown";
-    }
-    catch (const dbc::ServerError& error)
-    {
-        EXPECT_EQ(error.code(), 43);
-        EXPECT_EQ(error.kind(), dbc::ErrorKind::NotFound);
-        EXPECT_FALSE(error.mayRetry());
-    }
-    EXPECT_FALSE(cursor.next());
-    EXPECT_EQ(collection().count({}), 10);
-}
-
-TEST_F(CursorCommand, ThrowsForAMalformedDocumentAndContinuesWithTheNext)
-{
-    gateway().inject(Fault::changeReply([](Bytes& reply) {
-                         const std::string field("\x02text\0", 6);
-                         const auto found = std::search(reply.begin(), reply.end(), field.begin(), field.end());
-                         if (found != reply.end())
-                             *found = 0x7e; // not a BSON type
-                     }).onCommand("find"));
-    Cursor cursor = openInBatchesOf(0);
-
-    ASSERT_TRUE(cursor.next());
-    EXPECT_THROW(cursor.value(), dbc::FormatError);
-    ASSERT_TRUE(cursor.next());
-    EXPECT_EQ(cursor.value(), (Value{{"_id", 2}, {"text", "t2"}}));
 }
 
 TEST_F(CursorCommand, IsNotSentWhenAnArgumentIsRefused)
