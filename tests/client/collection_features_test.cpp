@@ -107,15 +107,11 @@ TEST_F(CollectionFeature, PartialIndexIsUniqueForItsDocumentsOnly)
     collection().insertMany({{{"name", "a"}, {"active", false}}, {{"name", "a"}, {"active", false}}});
     collection().insertOne({{"name", "a"}, {"active", true}});
 
-    try
-    {
+    const auto error = thrownError<dbc::ServerError>([&] {
         collection().insertOne({{"name", "a"}, {"active", true}});
-        FAIL() << "no exception";
-    }
-    catch (const dbc::ServerError& error)
-    {
-        EXPECT_EQ(error.kind(), dbc::ErrorKind::DuplicateKey);
-    }
+    });
+
+    EXPECT_EQ(error.kind(), dbc::ErrorKind::DuplicateKey);
 }
 
 TEST_F(CollectionFeature, TextIndexFindsWords)
@@ -134,15 +130,9 @@ TEST_F(CollectionFeature, ValidationRulesRefuseADocument)
 
     validated.insertOne({{"a", 1}});
 
-    try
-    {
-        validated.insertOne({{"a", "one"}});
-        FAIL() << "no exception";
-    }
-    catch (const dbc::ServerError& error)
-    {
-        EXPECT_EQ(error.code(), 121);
-    }
+    const auto error = thrownError<dbc::ServerError>([&] { validated.insertOne({{"a", "one"}}); });
+
+    EXPECT_EQ(error.code(), 121);
     EXPECT_EQ(validated.count({}), 1);
 }
 

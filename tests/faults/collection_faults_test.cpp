@@ -235,16 +235,9 @@ public:
         Subject subject(client(), database(), "c" + std::to_string(m_subjects++));
         // Affects later commands too, because the driver retries reads itself.
         gateway().inject(std::move(fault).onCommand(row.command).andLater());
-        try
-        {
-            row.run(subject);
-            ADD_FAILURE() << "nothing was thrown";
-        }
-        catch (const ServerError& error)
-        {
-            EXPECT_EQ(std::string(error.what()).rfind(std::string(row.message) + ": ", 0), 0U) << error.what();
-            check(error);
-        }
+        const auto error = thrownError<ServerError>([&] { row.run(subject); });
+        EXPECT_EQ(std::string(error.what()).rfind(std::string(row.message) + ": ", 0), 0U) << error.what();
+        check(error);
         EXPECT_EQ(gateway().pendingFaults(), 0U);
         gateway().clearFaults();
         EXPECT_TRUE(client().isConnected());

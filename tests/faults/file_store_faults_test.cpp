@@ -101,17 +101,12 @@ public:
                              .onTarget(prefix + command.target)
                              .number(command.number)
                              .andLater());
-        try
-        {
-            call();
-            ADD_FAILURE() << "nothing was thrown";
-        }
-        catch (const ServerError& error)
-        {
-            EXPECT_EQ(std::string(error.what()).rfind(std::string(message) + ": ", 0), 0U) << error.what();
-            EXPECT_EQ(error.kind(), row.kind) << error.what();
-            EXPECT_EQ(error.mayRetry(), row.type != Break::Refusal);
-        }
+
+        const auto error = thrownError<ServerError>(call);
+
+        EXPECT_EQ(std::string(error.what()).rfind(std::string(message) + ": ", 0), 0U) << error.what();
+        EXPECT_EQ(error.kind(), row.kind) << error.what();
+        EXPECT_EQ(error.mayRetry(), row.type != Break::Refusal);
         EXPECT_EQ(gateway().pendingFaults(), 0U);
         gateway().clearFaults();
     }

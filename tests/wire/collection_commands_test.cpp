@@ -310,17 +310,12 @@ TEST_F(CollectionCommand, IsNotSentWithAnUpdateThatTheDriverRefuses)
 {
     Bulk bulk;
     bulk.removeOne({}).updateOne({}, {{"a", 1}});
-    try
-    {
-        collection().bulkWrite(bulk);
-        FAIL() << "nothing was thrown";
-    }
-    catch (const dbc::BulkError& error)
-    {
-        EXPECT_EQ(error.kind(), dbc::ErrorKind::BadArgument);
-        ASSERT_EQ(error.errors().size(), 1U);
-        EXPECT_EQ(error.errors()[0].index, 1U);
-    }
+
+    const auto error = thrownError<dbc::BulkError>([&] { collection().bulkWrite(bulk); });
+
+    EXPECT_EQ(error.kind(), dbc::ErrorKind::BadArgument);
+    ASSERT_EQ(error.errors().size(), 1U);
+    EXPECT_EQ(error.errors()[0].index, 1U);
     EXPECT_EQ(gateway().names(), std::vector<std::string>{});
 }
 
@@ -355,15 +350,10 @@ TEST_F(CollectionCommand, ResultHasTheCountsAndTheUpsertedId)
 
 TEST_F(CollectionCommand, DocumentOverTheServersLimitIsTooLarge)
 {
-    try
-    {
+    const auto error = thrownError<dbc::ServerError>([&] {
         collection().insertOne({{"text", std::string(17 << 20, 'x')}});
-        FAIL() << "nothing was thrown";
-    }
-    catch (const dbc::ServerError& error)
-    {
-        EXPECT_EQ(error.kind(), dbc::ErrorKind::TooLarge);
-    }
+    });
+    EXPECT_EQ(error.kind(), dbc::ErrorKind::TooLarge);
 }
 
 TEST_F(CollectionCommand, ExceptionOfAGeneratorPassesOnAndLeavesTheClientUsable)

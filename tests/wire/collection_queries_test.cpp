@@ -196,15 +196,8 @@ TEST_F(CollectionQuery, CreateIndexCarriesEveryOption)
 
 TEST_F(CollectionQuery, UnknownIndexIsNotFound)
 {
-    try
-    {
-        collection().dropIndex("missing");
-        FAIL() << "nothing was thrown";
-    }
-    catch (const dbc::ServerError& error)
-    {
-        EXPECT_EQ(error.kind(), dbc::ErrorKind::NotFound) << error.what();
-    }
+    const auto error = thrownError<dbc::ServerError>([&] { collection().dropIndex("missing"); });
+    EXPECT_EQ(error.kind(), dbc::ErrorKind::NotFound) << error.what();
     EXPECT_EQ(thrownText([&] { collection().dropIndex(""); }), "invalid_argument: Index name is empty");
     EXPECT_EQ(thrownText([&] { collection().createIndex({}); }), "invalid_argument: Index keys are empty");
     EXPECT_TRUE(Collection(client(), database(), "missing").indexes().empty());

@@ -75,17 +75,11 @@ TEST_F(DatabaseCommand, RunsAnyCommandAndReturnsTheReply)
 
 TEST_F(DatabaseCommand, RefusedByTheServerIsAnErrorWithItsCode)
 {
-    try
-    {
-        target().command({{"noSuchCommand", 1}});
-        FAIL() << "nothing was thrown";
-    }
-    catch (const dbc::ServerError& error)
-    {
-        EXPECT_EQ(error.code(), 59) << error.what();
-        EXPECT_EQ(error.codeName(), "CommandNotFound");
-        EXPECT_EQ(std::string(error.what()).substr(0, 16), "Command failed: ");
-    }
+    const auto error = thrownError<dbc::ServerError>([&] { target().command({{"noSuchCommand", 1}}); });
+
+    EXPECT_EQ(error.code(), 59) << error.what();
+    EXPECT_EQ(error.codeName(), "CommandNotFound");
+    EXPECT_EQ(std::string(error.what()).substr(0, 16), "Command failed: ");
 }
 
 TEST_F(DatabaseCommand, OfUsersCarriesNameRolesAndPassword)
@@ -161,15 +155,8 @@ TEST(DatabaseUsers, AreCreatedListedAndRemovedOnAServerWithAuthentication)
     database.setPassword("ada", "new");
     database.removeUser("ada");
     EXPECT_TRUE(database.users().empty());
-    try
-    {
-        database.removeUser("ada");
-        FAIL() << "nothing was thrown";
-    }
-    catch (const dbc::ServerError& error)
-    {
-        EXPECT_EQ(error.kind(), dbc::ErrorKind::NotFound) << error.what();
-    }
+    const auto error = thrownError<dbc::ServerError>([&] { database.removeUser("ada"); });
+    EXPECT_EQ(error.kind(), dbc::ErrorKind::NotFound) << error.what();
 }
 
 } // namespace

@@ -270,15 +270,10 @@ TEST_F(FileStoreOnServer, UploadWithAnIdThatIsTakenLeavesTheOtherFile)
     std::istringstream first("first");
     store().upload("f", first, options);
     std::istringstream second("second");
-    try
-    {
-        store().upload("g", second, options);
-        FAIL() << "nothing was thrown";
-    }
-    catch (const dbc::ServerError& error)
-    {
-        EXPECT_EQ(error.kind(), dbc::ErrorKind::DuplicateKey);
-    }
+
+    const auto error = thrownError<dbc::ServerError>([&] { store().upload("g", second, options); });
+
+    EXPECT_EQ(error.kind(), dbc::ErrorKind::DuplicateKey);
     EXPECT_EQ(download("f"), "first");
     EXPECT_EQ(records(), 1U);
     EXPECT_EQ(chunks(), 1U);
@@ -355,16 +350,9 @@ TEST_F(FileStoreOnServer, ArgumentsAreRefusedBeforeAnythingIsSent)
     EXPECT_EQ(thrownText([&] { store().upload("f", source, options); }),
               "invalid_argument: Content type contains a zero byte");
     EXPECT_EQ(gateway().names(), std::vector<std::string>{});
-    try
-    {
-        store().download("missing", target);
-        FAIL() << "nothing was thrown";
-    }
-    catch (const dbc::ServerError& error)
-    {
-        EXPECT_STREQ(error.what(), "Download failed: there is no such file");
-        EXPECT_EQ(error.kind(), dbc::ErrorKind::NotFound);
-    }
+    const auto error = thrownError<dbc::ServerError>([&] { store().download("missing", target); });
+    EXPECT_STREQ(error.what(), "Download failed: there is no such file");
+    EXPECT_EQ(error.kind(), dbc::ErrorKind::NotFound);
 }
 
 TEST_F(FileStoreOnServer, UploadIsAcknowledgedDespiteAnUnacknowledgedWriteConcern)

@@ -4,6 +4,7 @@
 #include "collection/driver_error.h"
 
 #include "mongoc_handles.h"
+#include "thrown_text.h"
 
 #include <gtest/gtest.h>
 
@@ -26,14 +27,7 @@ bson_error_t driverError(std::uint32_t domain, std::uint32_t code, const char* t
 dbc::ServerError thrown(const char* message, const bson_error_t& error, const char* json = "{}")
 {
     const BsonPointer reply(bson_new_from_json(reinterpret_cast<const std::uint8_t*>(json), -1, nullptr));
-    try
-    {
-        dbc::throwServerError(message, error, reply.get());
-    }
-    catch (const dbc::ServerError& caught)
-    {
-        return caught;
-    }
+    return test_support::thrownError<dbc::ServerError>([&] { dbc::throwServerError(message, error, reply.get()); });
 }
 
 TEST(ServerError, TextJoinsMessageDriverTextAndCode)

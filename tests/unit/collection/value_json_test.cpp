@@ -3,6 +3,7 @@
 
 #include "driver_texts.h"
 #include "every_type.h"
+#include "thrown_text.h"
 
 #include <gtest/gtest.h>
 
@@ -61,16 +62,10 @@ class ValueJsonFault : public testing::TestWithParam<Fault>
 
 TEST_P(ValueJsonFault, IsRejectedWithItsPositionAndReason)
 {
-    try
-    {
-        const Value value = Value::fromJson(GetParam().json);
-        FAIL() << "was read as " << value;
-    }
-    catch (const FormatError& error)
-    {
-        EXPECT_EQ(error.position(), GetParam().position) << error.what();
-        EXPECT_EQ(std::string(error.what()).rfind(GetParam().message, 0), 0U) << error.what();
-    }
+    const auto error =
+        test_support::thrownError<FormatError>([] { static_cast<void>(Value::fromJson(GetParam().json)); });
+    EXPECT_EQ(error.position(), GetParam().position) << error.what();
+    EXPECT_EQ(std::string(error.what()).rfind(GetParam().message, 0), 0U) << error.what();
 }
 
 INSTANTIATE_TEST_SUITE_P(
