@@ -7,8 +7,7 @@
 #include "object_filter.h"
 #include "object_properties.h"
 #include "property.h"
-
-#include "private_member.h"
+#include "property_internals.h"
 
 #include <gtest/gtest.h>
 
@@ -30,13 +29,6 @@ std::size_t offsetOf(const Class& object, Member Class::*member)
 }
 
 } // namespace
-
-struct PropertyItemField
-{
-    using Member = Property::PropertyItem Property::*;
-    friend Member revealed(PropertyItemField);
-};
-template struct RevealMember<PropertyItemField, &Property::m_item>;
 
 struct PropertyChildrenField
 {
@@ -87,13 +79,6 @@ struct ItemKeyField
 };
 template struct RevealMember<ItemKeyField, &Property::PropertyItem::m_key>;
 
-struct ItemKindField
-{
-    using Member = PropertyType Property::PropertyItem::*;
-    friend Member revealed(ItemKindField);
-};
-template struct RevealMember<ItemKindField, &Property::PropertyItem::m_type>;
-
 TEST(Layout, PublicClassesHaveATableAndOnePointer)
 {
     EXPECT_EQ(sizeof(ObjectProperties), 16U);
@@ -113,7 +98,7 @@ TEST(Layout, TheFieldsOfANodeAreItemChildrenAndParent)
 {
     const std::shared_ptr<Property> node = Property::create();
 
-    EXPECT_EQ(offsetOf(*node, revealed(PropertyItemField())), 24U);
+    EXPECT_EQ(offsetOf(*node, revealed(ItemOfNode())), 24U);
     EXPECT_EQ(offsetOf(*node, revealed(PropertyChildrenField())), 160U);
     EXPECT_EQ(offsetOf(*node, revealed(PropertyParentField())), 208U);
 }
@@ -127,7 +112,7 @@ TEST(Layout, TheFieldsOfAnItemAreValueBytesPatternOptionsKeyAndType)
     EXPECT_EQ(offsetOf(item, revealed(ItemPatternField())), 32U);
     EXPECT_EQ(offsetOf(item, revealed(ItemOptionsField())), 64U);
     EXPECT_EQ(offsetOf(item, revealed(ItemKeyField())), 96U);
-    EXPECT_EQ(offsetOf(item, revealed(ItemKindField())), 128U);
+    EXPECT_EQ(offsetOf(item, revealed(StoredKind())), 128U);
 }
 
 TEST(Layout, OnlyDocumentsAndFiltersAreCopied)

@@ -1,19 +1,19 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-// Programs call the public classes through tables of virtual operations that were laid out when they were compiled. On
-// x86-64 a pointer to a virtual member holds 1 + 8 * slot. One row for each operation, in slot order: a row may never
-// move, and new operations are never virtual.
+// Programs call the public classes through tables of virtual operations that were laid out when they were compiled. One
+// row for each operation, in slot order, with its signature: a row may never move, and new operations are never
+// virtual.
 
 #include "database_client.h"
 #include "object_filter.h"
 #include "object_properties.h"
 #include "property.h"
+#include "virtual_slots.h"
 
 #include <gtest/gtest.h>
 
 #include <cstddef>
-#include <cstring>
 #include <iosfwd>
 #include <list>
 #include <string>
@@ -26,27 +26,10 @@
 
 namespace {
 
-struct Operation
-{
-    std::string name;
-    std::ptrdiff_t slot;
-};
-
-// The signature is part of the row: a pointer of any other type does not compile.
-template <typename Signature, typename Class>
-Operation operation(const char* name, Signature Class::*member)
-{
-    struct
-    {
-        std::ptrdiff_t pointer;
-        std::ptrdiff_t adjustment;
-    } layout;
-    static_assert(sizeof(member) == sizeof(layout), "the layout of the common C++ ABI");
-    std::memcpy(&layout, &member, sizeof(layout));
-    EXPECT_EQ(layout.adjustment, 0) << name;
-    EXPECT_EQ(layout.pointer % 8, 1) << name << " is not virtual";
-    return {name, layout.pointer / 8};
-}
+using test_support::behindTheDestructor;
+using test_support::expectSlotsInOrder;
+using test_support::operation;
+using Operations = std::vector<test_support::VirtualOperation>;
 
 // Slots of the table with this symbol: its size less the two words in front of the slots.
 std::ptrdiff_t slotsOfTable(const char* symbol)
@@ -59,16 +42,10 @@ std::ptrdiff_t slotsOfTable(const char* symbol)
     return static_cast<std::ptrdiff_t>(static_cast<const ElfW(Sym)*>(entry)->st_size / sizeof(void*)) - 2;
 }
 
-void expectTable(const char* symbol, const std::vector<Operation>& operations, std::ptrdiff_t first)
+void expectTable(const char* symbol, const Operations& operations, std::ptrdiff_t first)
 {
-    std::ptrdiff_t slot = first;
-    for (const Operation& row : operations)
-        EXPECT_EQ(row.slot, slot++) << row.name;
-    EXPECT_EQ(slotsOfTable(symbol), slot) << "the table is closed";
+    EXPECT_EQ(slotsOfTable(symbol), expectSlotsInOrder(operations, first)) << "the table is closed";
 }
-
-// The destructor has two entries: that of a complete object, and that which also frees its memory.
-constexpr std::ptrdiff_t behindTheDestructor = 2;
 
 using Text = std::string;
 using Bytes = std::vector<unsigned char>;
@@ -92,7 +69,7 @@ TEST(SlotOrder, OfObjectPropertiesIsFixed)
 {
     using D = ObjectProperties;
     EXPECT_TRUE(std::has_virtual_destructor_v<D>);
-    const std::vector<Operation> operations = {
+    const Operations operations = {
         operation<bool(const int&) const>("beginObject", &D::beginObject),
         operation<void() const>("endObject", &D::endObject),
         operation<std::size_t() const>("childCount", &D::childCount),
@@ -174,7 +151,7 @@ TEST(SlotOrder, OfObjectFilterIsFixed)
     using F = ObjectFilter;
     using Op = OperationType;
     EXPECT_TRUE(std::has_virtual_destructor_v<F>);
-    const std::vector<Operation> operations = {
+    const Operations operations = {
         operation<void()>("start_and", &F::start_and),
         operation<void()>("finish_and", &F::finish_and),
         operation<void()>("start_or", &F::start_or),
@@ -203,7 +180,7 @@ TEST(SlotOrder, OfDataBaseClientIsFixed)
     using C = DataBaseClient;
     using Document = ObjectProperties;
     EXPECT_TRUE(std::has_virtual_destructor_v<C>);
-    const std::vector<Operation> operations = {
+    const Operations operations = {
         operation<void(const Text&, const Text&, const int&, const Text&, const Text&)>("connect with a login",
                                                                                         &C::connect),
         operation<void(const Text&)>("connect with a connection string", &C::connect),

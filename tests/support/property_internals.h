@@ -3,10 +3,16 @@
 
 #pragma once
 
-#include "private_member.h"
 #include "property.h"
 
-/// The stored type of an item.
+/// Shows a private member to a test: an explicit instantiation may name it. For states that no caller can make.
+template <typename Tag, typename Tag::Member Pointer>
+struct RevealMember
+{
+    friend typename Tag::Member revealed(Tag /*tag*/) { return Pointer; }
+};
+
+/// The kind that an item stores.
 struct StoredKind
 {
     using Member = PropertyType Property::PropertyItem::*;

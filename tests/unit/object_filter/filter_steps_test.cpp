@@ -3,26 +3,21 @@
 
 #include "object_filter/object_filter_d.h"
 #include "query_bytes.h"
-#include "virtual_slot.h"
+#include "virtual_slots.h"
 
 #include <gtest/gtest.h>
 
-#include <cstddef>
 #include <limits>
 #include <string>
 #include <vector>
 
 using query::Bytes;
 using query::expected;
+using test_support::expectSlotsInOrder;
+using test_support::operation;
 using Calls = std::vector<std::string>;
 
 namespace {
-
-struct Slot
-{
-    const char* name;
-    std::size_t slot;
-};
 
 // Tells which steps ran, and can be set to a depth that no test would reach by opening lists.
 class RecordingFilter : public ObjectFilterPrivate
@@ -114,37 +109,35 @@ query::Query queryOf(const ObjectFilterPrivate& filter)
 TEST(FilterSteps, KeepTheirSlotOrder)
 {
     using F = ObjectFilterPrivate;
-    const Slot slots[] = {
-        {"copy", virtualSlot(&F::copy)},
-        {"start_and", virtualSlot(&F::start_and)},
-        {"finish_and", virtualSlot(&F::finish_and)},
-        {"start_or", virtualSlot(&F::start_or)},
-        {"finish_or", virtualSlot(&F::finish_or)},
-        {"beginGroup", virtualSlot(&F::beginGroup)},
-        {"endGroup", virtualSlot(&F::endGroup)},
-        {"setFilterString", virtualSlot(&F::setFilterString)},
-        {"setFilterBool", virtualSlot(&F::setFilterBool)},
-        {"setFilterInt", virtualSlot(&F::setFilterInt)},
-        {"setFilterDouble", virtualSlot(&F::setFilterDouble)},
-        {"setFilterLongLong", virtualSlot(&F::setFilterLongLong)},
-        {"setFilterTime", virtualSlot(&F::setFilterTime)},
-        {"setFilterId", virtualSlot(&F::setFilterId)},
-        {"include", virtualSlot(&F::include)},
-        {"exclude", virtualSlot(&F::exclude)},
-        {"isEmpty", virtualSlot(&F::isEmpty)},
-        {"toObjectProeprties", virtualSlot(&F::toObjectProeprties)},
-        {"fromObjectProperties", virtualSlot(&F::fromObjectProperties)},
-        {"d", virtualSlot(&F::d)},
-        {"setD", virtualSlot(&F::setD)},
-        {"operationTypeName", virtualSlot(&F::operationTypeName)},
-        {"arrayOperationName", virtualSlot(&F::arrayOperationName)},
-        {"finish_array_operation", virtualSlot(&F::finish_array_operation)},
-        {"begin_operation", virtualSlot(&F::begin_operation)},
-        {"end_operation", virtualSlot(&F::end_operation)},
+    const std::vector<test_support::VirtualOperation> operations = {
+        operation("copy", &F::copy),
+        operation("start_and", &F::start_and),
+        operation("finish_and", &F::finish_and),
+        operation("start_or", &F::start_or),
+        operation("finish_or", &F::finish_or),
+        operation("beginGroup", &F::beginGroup),
+        operation("endGroup", &F::endGroup),
+        operation("setFilterString", &F::setFilterString),
+        operation("setFilterBool", &F::setFilterBool),
+        operation("setFilterInt", &F::setFilterInt),
+        operation("setFilterDouble", &F::setFilterDouble),
+        operation("setFilterLongLong", &F::setFilterLongLong),
+        operation("setFilterTime", &F::setFilterTime),
+        operation("setFilterId", &F::setFilterId),
+        operation("include", &F::include),
+        operation("exclude", &F::exclude),
+        operation("isEmpty", &F::isEmpty),
+        operation("toObjectProeprties", &F::toObjectProeprties),
+        operation("fromObjectProperties", &F::fromObjectProperties),
+        operation("d", &F::d),
+        operation("setD", &F::setD),
+        operation("operationTypeName", &F::operationTypeName),
+        operation("arrayOperationName", &F::arrayOperationName),
+        operation("finish_array_operation", &F::finish_array_operation),
+        operation("begin_operation", &F::begin_operation),
+        operation("end_operation", &F::end_operation),
     };
-    std::size_t next = 2;
-    for (const Slot& entry : slots)
-        EXPECT_EQ(entry.slot, next++) << entry.name;
+    expectSlotsInOrder(operations, test_support::behindTheDestructor);
 }
 
 TEST(FilterSteps, StoreADocumentAHundredListsAndTheirNumber)
