@@ -9,9 +9,9 @@
 #include "dbc/results.h"
 #include "factories.h"
 #include "object_properties.h"
+#include "scratch_folder.h"
 #include "shared_client.h"
 
-#include <fstream>
 #include <iostream>
 #include <list>
 #include <memory>
@@ -50,10 +50,10 @@ void expectFailure(Call call)
     {}
 }
 
-std::string inputFile()
+const std::string& inputFile()
 {
-    const std::string path = testing::TempDir() + "client_allocation_test.input";
-    std::ofstream(path) << std::string(5000, 'x');
+    static const test_support::ScratchFolder folder;
+    static const std::string path = folder.write("input", std::string(5000, 'x'));
     return path;
 }
 

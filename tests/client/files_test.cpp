@@ -4,12 +4,12 @@
 #include "bson_handles.h"
 #include "connected_client.h"
 #include "pattern_text.h"
+#include "scratch_folder.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <cstdint>
 #include <filesystem>
-#include <fstream>
 #include <sstream>
 
 #include <unistd.h>
@@ -24,26 +24,8 @@ constexpr std::size_t chunkSize = 261'120; // the driver's
 class StoredFile : public ConnectedClient
 {
 public:
-    StoredFile()
-    {
-        std::string pattern = (std::filesystem::temp_directory_path() / "stored-file-XXXXXX").string();
-        m_directory = mkdtemp(pattern.data());
-    }
-    ~StoredFile() override
-    {
-        std::error_code ignored;
-        std::filesystem::remove_all(m_directory, ignored);
-    }
-
-    const std::filesystem::path& directory() const { return m_directory; }
-
-    std::string source(const std::string& text)
-    {
-        const std::filesystem::path path = m_directory / "source";
-        std::ofstream(path, std::ios::binary | std::ios::trunc)
-            .write(text.data(), static_cast<std::streamsize>(text.size()));
-        return path.string();
-    }
+    const ScratchFolder& folder() const { return m_folder; }
+    std::string source(const std::string& text) { return m_folder.write("source", text); }
 
     void store(const std::string& name, const std::string& text)
     {
@@ -75,7 +57,7 @@ public:
     static constexpr const char* readingError = "runtime_error: Error occurred while read gridFS file operation";
 
 private:
-    std::filesystem::path m_directory;
+    ScratchFolder m_folder;
 };
 
 class StoredFileOfSize : public StoredFile, public testing::WithParamInterface<std::size_t>
@@ -210,14 +192,14 @@ TEST_F(StoredFile, IsFoundOnlyInTheStoreItWasWrittenTo)
 
 TEST_F(StoredFile, FromAMissingSourceThrows)
 {
-    EXPECT_EQ(thrownText([&] { client().writeFile(database(), "fs", "file", (directory() / "missing").string()); }),
+    EXPECT_EQ(thrownText([&] { client().writeFile(database(), "fs", "file", folder().path("missing")); }),
               "runtime_error: Error occurred while mongoc_stream_file_new_for_path operation");
     EXPECT_EQ(listed(), Names{});
 }
 
 TEST_F(StoredFile, FromADirectoryThrows)
 {
-    EXPECT_EQ(thrownText([&] { client().writeFile(database(), "fs", "file", directory().string()); }),
+    EXPECT_EQ(thrownText([&] { client().writeFile(database(), "fs", "file", folder().path()); }),
               "runtime_error: Error occurred while mongoc_gridfs_create_file_from_stream operation");
     EXPECT_EQ(listed(), Names{});
 }
@@ -240,7 +222,7 @@ TEST_F(StoredFile, LeavesNoDescriptorOpen)
     const auto before = openDescriptors();
 
     store("file", "text");
-    thrownText([&] { client().writeFile(database(), "fs", "file", directory().string()); });
+    thrownText([&] { client().writeFile(database(), "fs", "file", folder().path()); });
 
     EXPECT_EQ(openDescriptors(), before);
 }

@@ -3,11 +3,9 @@
 
 #pragma once
 
-#include <stdlib.h>
+#include "scratch_folder.h"
 
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <map>
 #include <stdexcept>
 #include <string>
@@ -21,24 +19,13 @@ class Certificates
 public:
     Certificates()
     {
-        std::string directory = (std::filesystem::temp_directory_path() / "database_client-tls.XXXXXX").string();
-        if (!mkdtemp(directory.data()))
-            throw std::runtime_error("no directory for certificates");
-        m_directory = directory;
         makeSelfSigned("right");
         makeSelfSigned("wrong");
     }
-    ~Certificates()
-    {
-        std::error_code ignored;
-        std::filesystem::remove_all(m_directory, ignored);
-    }
-    Certificates(const Certificates&) = delete;
-    Certificates& operator=(const Certificates&) = delete;
 
-    std::string certificate(const std::string& name) const { return m_directory + "/" + name + ".pem"; }
-    std::string key(const std::string& name) const { return m_directory + "/" + name + ".key"; }
-    std::string staple(const std::string& name) const { return m_directory + "/" + name + ".ocsp"; }
+    std::string certificate(const std::string& name) const { return m_folder.path(name + ".pem"); }
+    std::string key(const std::string& name) const { return m_folder.path(name + ".key"); }
+    std::string staple(const std::string& name) const { return m_folder.path(name + ".ocsp"); }
 
     void makeSelfSigned(const std::string& name) const
     {
@@ -51,7 +38,7 @@ public:
     void makeServer(const std::string& name, const std::string& address, const std::string& extensions = "")
     {
         m_serials[name] = std::to_string(1000 + m_serials.size());
-        std::ofstream(m_directory + "/" + name + ".ext") << "subjectAltName=" << address << '\n' << extensions << '\n';
+        m_folder.write(name + ".ext", "subjectAltName=" + address + '\n' + extensions + '\n');
         run("req -subj /CN=" + name + newKey(name) + " -out " + name + ".csr");
         run("x509 -req -days 2 -set_serial 0x" + m_serials[name] + " -in " + name +
             ".csr -CA right.pem -CAkey right.key"
@@ -63,9 +50,8 @@ public:
     void makeStaple(const std::string& name, bool isRevoked) const
     {
         const std::string& serial = m_serials.at(name);
-        std::ofstream(m_directory + "/" + name + ".index")
-            << (isRevoked ? "R\t400101000000Z\t200101000000Z\t" : "V\t400101000000Z\t\t") << serial
-            << "\tunknown\t/CN=" << name << '\n';
+        m_folder.write(name + ".index", (isRevoked ? "R\t400101000000Z\t200101000000Z\t" : "V\t400101000000Z\t\t") +
+                                            serial + "\tunknown\t/CN=" + name + '\n');
         run("ocsp -index " + name +
             ".index -CA right.pem -rsigner right.pem -rkey right.key -issuer right.pem"
             " -serial 0x" +
@@ -80,13 +66,13 @@ private:
 
     void run(const std::string& arguments) const
     {
-        const std::string command = "cd '" + m_directory + "' && openssl " + arguments + " >log 2>&1";
+        const std::string command = "cd '" + m_folder.path() + "' && openssl " + arguments + " >log 2>&1";
         if (std::system(command.c_str()) != 0)
             throw std::runtime_error("openssl " + arguments);
     }
 
-    std::string m_directory;
-    std::map<std::string, std::string> m_serials; // hexadecimal digits
+    ScratchFolder m_folder;
+    std::map<std::string, std::string> m_serials; // hexadecimal
 };
 
 } // namespace test_support

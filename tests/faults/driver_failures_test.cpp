@@ -11,9 +11,8 @@
 #include "dbc/file_store.h"
 #include "pattern_text.h"
 #include "row_name.h"
+#include "scratch_folder.h"
 
-#include <filesystem>
-#include <fstream>
 #include <functional>
 #include <istream>
 #include <set>
@@ -148,28 +147,20 @@ public:
     {
         for (const char* const name : {"createUser", "updateUser", "dropUser"})
             gateway().inject(Fault::answer(R"({"ok": 1})").onCommand(name).andLater());
-        m_source = (std::filesystem::temp_directory_path() / ("source-" + database())).string();
-        const std::string text = patternText(300'000); // two chunks
-        std::ofstream(m_source, std::ios::binary).write(text.data(), static_cast<std::streamsize>(text.size()));
         for (int index = 0; index < 3; ++index)
         {
             scratch().insert("c", R"({"_id": )" + std::to_string(index) +
                                       R"(, "a": "a text of some length, to be allocated"})");
         }
-        client().writeFile(database(), "fs", "kept", m_source);
-        std::filesystem::resize_file(m_source, 5000);
-        client().writeFile(database(), "fs", "Gone", m_source);
+        client().writeFile(database(), "fs", "kept", m_folder.write("source", patternText(300'000))); // two chunks
+        client().writeFile(database(), "fs", "Gone", m_folder.write("source", patternText(5000)));
     }
-    ~DriverFailure() override
-    {
-        gateway().clearFaults();
-        std::filesystem::remove(m_source);
-    }
+    ~DriverFailure() override { gateway().clearFaults(); }
 
-    void run() { GetParam().run(client(), database(), m_source); }
+    void run() { GetParam().run(client(), database(), m_folder.path("source")); }
 
 private:
-    std::string m_source;
+    ScratchFolder m_folder;
 };
 
 TEST_P(DriverFailure, OfAnyCallThrowsAndLeaksNothing)

@@ -4,16 +4,13 @@
 #include "dbc/build.h"
 #include "failure.h"
 #include "scalar_text.h"
+#include "scratch_folder.h"
 #include "table.h"
 
 #include <gtest/gtest.h>
 
-#include <unistd.h>
-
 #include <cmath>
 #include <cstdint>
-#include <cstdio>
-#include <fstream>
 #include <limits>
 #include <random>
 #include <sstream>
@@ -46,10 +43,8 @@ std::string tableOf(const std::vector<dbc::Value>& documents, char separator, bo
 
 std::vector<dbc::Value> documentsOf(const std::string& table, char separator, const std::string& header = "")
 {
-    const std::string path = testing::TempDir() + "dbc_table_test_" + std::to_string(::getpid());
-    std::ofstream(path, std::ios::binary) << table;
-    InputFile input(path);
-    std::remove(path.c_str());
+    const ScratchFolder folder;
+    InputFile input(folder.write("table", table));
     TableReader reader(input, separator, header);
     std::vector<dbc::Value> documents;
     while (auto document = reader.next())

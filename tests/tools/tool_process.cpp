@@ -11,13 +11,10 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
-#include <fstream>
-#include <iterator>
 #include <system_error>
 
 namespace test_support {
@@ -29,50 +26,7 @@ void check(bool done, const std::string& what)
         throw std::system_error(errno, std::generic_category(), what);
 }
 
-std::string contentOf(const std::string& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(file), {});
-}
-
 } // namespace
-
-// --- ScratchFolder ---------------------------------------------------------------------------------------------------
-
-ScratchFolder::ScratchFolder()
-{
-    std::string path = (std::filesystem::temp_directory_path() / "dbc_test_XXXXXX").string();
-    check(::mkdtemp(path.data()) != nullptr, path);
-    m_path = path;
-}
-
-ScratchFolder::~ScratchFolder()
-{
-    std::error_code error;
-    std::filesystem::remove_all(m_path, error);
-}
-
-void ScratchFolder::write(const std::string& name, const std::string& content) const
-{
-    std::ofstream file(path(name), std::ios::binary);
-    check(static_cast<bool>(file << content << std::flush), name);
-}
-
-std::string ScratchFolder::read(const std::string& name) const
-{
-    return contentOf(path(name));
-}
-
-std::vector<std::string> ScratchFolder::names() const
-{
-    std::vector<std::string> result;
-    for (const auto& entry : std::filesystem::directory_iterator(m_path))
-        result.push_back(entry.path().filename().string());
-    std::sort(result.begin(), result.end());
-    return result;
-}
-
-// --- ToolProcess -----------------------------------------------------------------------------------------------------
 
 ToolProcess::ToolProcess(std::vector<std::string> arguments, Messages messages)
 {

@@ -3,34 +3,15 @@
 
 #pragma once
 
+#include "scratch_folder.h"
 #include "wire_socket.h"
 
 #include <sys/types.h>
 
-#include <filesystem>
 #include <string>
 #include <vector>
 
 namespace test_support {
-
-/// A folder of the test's own, removed with all that is in it.
-class ScratchFolder
-{
-public:
-    ScratchFolder();
-    ~ScratchFolder();
-    ScratchFolder(const ScratchFolder&) = delete;
-    ScratchFolder& operator=(const ScratchFolder&) = delete;
-
-    std::string path(const std::string& name) const { return (m_path / name).string(); }
-    void write(const std::string& name, const std::string& content) const;
-    std::string read(const std::string& name) const;
-    /// In the order of their names.
-    std::vector<std::string> names() const;
-
-private:
-    std::filesystem::path m_path;
-};
 
 /// The tool dbc, running. Ends with the object, if it has not before.
 class ToolProcess

@@ -3,11 +3,10 @@
 
 #include "connected_client.h"
 #include "pattern_text.h"
+#include "scratch_folder.h"
 
 #include <algorithm>
 #include <cstdint>
-#include <filesystem>
-#include <fstream>
 #include <sstream>
 
 namespace test_support {
@@ -84,13 +83,11 @@ std::string chunkOf(const RecordedCommand& command)
 TEST_F(FileCommand, OfAWriteOfSixtyFourMebibytesCarriesEveryByteOnce)
 {
     const std::string text = patternText(64U * 1024 * 1024);
-    const std::filesystem::path path = std::filesystem::temp_directory_path() / ("large-" + database());
-    std::ofstream(path, std::ios::binary).write(text.data(), static_cast<std::streamsize>(text.size()));
-    // The gateway replies, because some servers need time proportional to the square of the number of chunks.
+    const ScratchFolder folder;
+    // Answered here: some servers take a time that grows with the square of the number of chunks.
     gateway().inject(Fault::answer(R"({"ok": 1, "n": 1, "nModified": 1})").onCommand("update").andLater());
 
-    client().writeFile(database(), "fs", "large", path.string());
-    std::filesystem::remove(path);
+    client().writeFile(database(), "fs", "large", folder.write("large", text));
 
     std::string carried;
     for (const RecordedCommand& command : gateway().commands("update"))
