@@ -12,6 +12,7 @@
 #include "object_properties.h"
 #include "properties_to_bson.h"
 #include "properties_to_json.h"
+#include "row_name.h"
 
 #include <memory>
 #include <string>
@@ -158,8 +159,7 @@ const test_support::AllocatingOperation<Documents> documentOperations[] = {
     {"jsonToProperties", [](Documents& d) { JsonToProperties::convert(d.json, &d.document); }},
 };
 
-INSTANTIATE_TEST_SUITE_P(Document, DocumentOperationWithoutMemory, testing::ValuesIn(documentOperations),
-                         [](const auto& row) { return row.param.name; });
+INSTANTIATE_TEST_SUITE_P(Document, DocumentOperationWithoutMemory, testing::ValuesIn(documentOperations), RowName());
 
 void fill(ObjectFilter& filter)
 {
@@ -226,7 +226,6 @@ const test_support::AllocatingOperation<Filters> filterOperations[] = {
     {"assignment", [](Filters& f) { f.filter = std::as_const(f.other); }},
 };
 
-INSTANTIATE_TEST_SUITE_P(Filter, FilterOperationWithoutMemory, testing::ValuesIn(filterOperations),
-                         [](const auto& row) { return row.param.name; });
+INSTANTIATE_TEST_SUITE_P(Filter, FilterOperationWithoutMemory, testing::ValuesIn(filterOperations), RowName());
 
 } // namespace

@@ -5,6 +5,7 @@
 
 #include "allocation_failure.h"
 #include "property.h"
+#include "row_name.h"
 
 #include <memory>
 #include <string>
@@ -116,7 +117,6 @@ const Operation operations[] = {
     {"copyOfAnAncestor", [](Nodes& n) { n.node->propertyByKey("group")->copy(*n.node); }},
 };
 
-INSTANTIATE_TEST_SUITE_P(Node, NodeOperationWithoutMemory, testing::ValuesIn(operations),
-                         [](const auto& row) { return row.param.name; });
+INSTANTIATE_TEST_SUITE_P(Node, NodeOperationWithoutMemory, testing::ValuesIn(operations), RowName());
 
 } // namespace

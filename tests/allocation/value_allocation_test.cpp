@@ -5,6 +5,7 @@
 
 #include "allocation_failure.h"
 #include "dbc/build.h"
+#include "row_name.h"
 
 #include <cstdint>
 #include <string>
@@ -92,8 +93,7 @@ const test_support::AllocatingOperation<Values> operations[] = {
      }},
 };
 
-INSTANTIATE_TEST_SUITE_P(All, ValueOperationWithoutMemory, testing::ValuesIn(operations),
-                         [](const auto& row) { return std::string(row.param.name); });
+INSTANTIATE_TEST_SUITE_P(All, ValueOperationWithoutMemory, testing::ValuesIn(operations), RowName());
 
 TEST(ValueSearch, NeedsNoMemory)
 {

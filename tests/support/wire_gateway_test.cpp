@@ -6,6 +6,7 @@
 #include "connection_options.h"
 #include "driver.h"
 #include "mongoc_handles.h"
+#include "row_name.h"
 #include "test_server.h"
 #include "wire_message.h"
 #include "wire_socket.h"
@@ -609,7 +610,7 @@ INSTANTIATE_TEST_SUITE_P(
                     BrokenReply{"AReplyCutAfterItsHeader", [] { return Fault::cutReply(16); }, 1},
                     BrokenReply{"AReplyCutInItsDocument", [] { return Fault::cutReply(30); }, 1},
                     BrokenReply{"ARawReplyThatIsNone", [] { return Fault::rawReply(Bytes(16, 0xFF)); }, 1}),
-    [](const auto& tested) { return tested.param.name; });
+    RowName());
 
 TEST_F(Gateway, SendsBrokenMessagesAsTheyWereOrdered)
 {

@@ -148,7 +148,7 @@ INSTANTIATE_TEST_SUITE_P(
         Element{"maxKey", "7F 6100", R"({ "$maxKey" : 1 })"}, Element{"minKey", "FF 6100", R"({ "$minKey" : 1 })"},
         Element{"twoFieldsOfOneKey", "10 6100 01000000 10 6100 02000000",
                 R"({ "$numberInt" : "1" }, "a" : { "$numberInt" : "2" })"}),
-    [](const auto& row) { return std::string(row.param.name); });
+    RowName());
 
 struct Wrong
 {
@@ -199,7 +199,7 @@ INSTANTIATE_TEST_SUITE_P(
         Wrong{"expressionWithoutEnd", "0B 6100 62", "BSON: a key without a zero byte at its end, at byte 7"},
         Wrong{"codeOfWrongLength", "0F 6100 17000000 02000000 6200 0C000000 10 6300 01000000 00",
               "BSON: code with a scope and a wrong length, at byte 4"}),
-    [](const auto& row) { return std::string(row.param.name); });
+    RowName());
 
 TEST(ValueBson, IsReadAndWrittenByteForByteWithAFieldOfEveryType)
 {

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "dbc/errors.h"
+#include "row_name.h"
 
 #include <gtest/gtest.h>
 
@@ -72,7 +73,7 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"TimeoutWithoutCode", "Updating failed: connection timeout", ErrorKind::Timeout, std::nullopt},
         Row{"RefusedWithoutCode", "Updating failed: connection refused", ErrorKind::Network, std::nullopt},
         Row{"Empty", "", ErrorKind::Other, std::nullopt}),
-    [](const auto& row) { return row.param.name; });
+    RowName());
 
 TEST(Errors, OfArgumentsDifferFromAMissingConnection)
 {

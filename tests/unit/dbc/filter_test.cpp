@@ -4,6 +4,7 @@
 #include "dbc/filter.h"
 
 #include "json_text.h"
+#include "row_name.h"
 
 #include <gtest/gtest.h>
 
@@ -112,7 +113,7 @@ INSTANTIATE_TEST_SUITE_P(
                     ROW(Type, R"({ "a" : { "$type" : "string" } })"),
                     ROW(ElemMatch, R"({ "a" : { "$elemMatch" : { "x" : 1, "y" : { "$gt" : 2 } } } })"),
                     ROW(Mod, R"({ "a" : { "$mod" : [ 4, 1 ] } })")),
-    [](const auto& row) { return row.param.name; });
+    RowName());
 
 TEST(Conditions, OnOneKeyMergeOutsideAList)
 {

@@ -8,6 +8,7 @@
 #include "driver.h"
 #include "object_properties.h"
 #include "properties_to_bson.h"
+#include "row_name.h"
 
 #include <gtest/gtest.h>
 
@@ -147,7 +148,7 @@ INSTANTIATE_TEST_SUITE_P(
                 BSON_APPEND_INT32(bson, "f", 2);
             },
             "f: duplicate key\n"}),
-    [](const auto& row) { return row.param.name; });
+    RowName());
 
 TEST(LossGuard, JoinsThePathOfANestedField)
 {
