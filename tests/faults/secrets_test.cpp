@@ -4,12 +4,12 @@
 // Passwords must not appear in messages, and passwords with reserved characters must work.
 
 #include "database_client.h"
+#include "dbc/connection_string.h"
 #include "object_properties.h"
 #include "test_server.h"
 
 #include <gtest/gtest.h>
 
-#include <cctype>
 #include <list>
 #include <stdexcept>
 #include <string>
@@ -17,6 +17,7 @@
 
 namespace {
 
+using dbc::percentEncoded;
 using test_support::TestServer;
 
 // A part of every password in this file, so that the tests also find a part of a password.
@@ -40,23 +41,7 @@ std::string everythingSaid(Call call)
     return said + testing::internal::GetCapturedStdout() + testing::internal::GetCapturedStderr();
 }
 
-// Percent-encodes a string, as a caller must do before it is put into a connection string.
-std::string escaped(const std::string& text)
-{
-    static const char* const digits = "0123456789ABCDEF";
-    std::string result;
-    for (const char character : text)
-    {
-        const auto byte = static_cast<unsigned char>(character);
-        if (std::isalnum(byte) || character == '-' || character == '_' || character == '.' || character == '~')
-            result += character;
-        else
-            result.append("%").append(1, digits[byte / 16]).append(1, digits[byte % 16]);
-    }
-    return result;
-}
-
-// Returns host and port of the gateway to the server with authentication.
+// Host and port of the gateway before the server that wants authentication.
 std::string authHost()
 {
     return "127.0.0.1:" + std::to_string(TestServer::instance().authGateway().port());
@@ -120,7 +105,8 @@ TEST(ReservedCharacters, OfAPasswordReachTheServerWhenTheyAreEscaped)
     root.addUser("admin", user, password, none, none);
 
     DataBaseClient client;
-    client.connect("mongodb://" + escaped(user) + ":" + escaped(password) + "@" + authHost() + "/?authSource=admin");
+    client.connect("mongodb://" + percentEncoded(user) + ":" + percentEncoded(password) + "@" + authHost() +
+                   "/?authSource=admin");
     const auto said = everythingSaid([&] {
         std::list<ObjectProperties*> results;
         client.read("secrets", "c", none, results);
@@ -129,7 +115,8 @@ TEST(ReservedCharacters, OfAPasswordReachTheServerWhenTheyAreEscaped)
 
     // The password differs at its start: libmongoc 1.30 reuses a login of this process if only later characters differ.
     DataBaseClient refused;
-    refused.connect("mongodb://" + escaped(user) + ":x" + escaped(password) + "@" + authHost() + "/?authSource=admin");
+    refused.connect("mongodb://" + percentEncoded(user) + ":x" + percentEncoded(password) + "@" + authHost() +
+                    "/?authSource=admin");
     const auto refusal = everythingSaid([&] { refused.write("secrets", "c", none); });
     EXPECT_NE(refusal.find("Authentication failed"), std::string::npos) << refusal;
     EXPECT_EQ(refusal.find(secret), std::string::npos) << refusal;
@@ -139,7 +126,7 @@ TEST(ReservedCharacters, OfAPasswordReachTheServerWhenTheyAreEscaped)
 TEST(ReservedCharacters, OfADatabaseNameAreReadBackWhenTheyAreEscaped)
 {
     DataBaseClient client;
-    client.connect("mongodb://h:1/" + escaped("a?b#c%"));
+    client.connect("mongodb://h:1/" + percentEncoded("a?b#c%"));
     std::string name;
     client.getDatabaseName(name);
     EXPECT_EQ(name, "a?b#c%");

@@ -7,6 +7,7 @@
 
 #include "captured_output.h"
 #include "connection_options.h"
+#include "dbc/connection_string.h"
 #include "wire_socket.h"
 
 #include <poll.h>
@@ -123,11 +124,9 @@ TEST_F(Connections, SucceedToAHostName)
 TEST_F(Connections, SucceedToAUnixSocket)
 {
     const LocalSocket local(gateway().port());
-    std::string path = local.path();
-    for (std::size_t at = 0; (at = path.find('/', at)) != std::string::npos;)
-        path.replace(at, 1, "%2F");
+    const std::string host = dbc::percentEncoded(local.path());
     expectReached(
-        withOptions(replaced(gateway().uri(), "127.0.0.1:" + std::to_string(gateway().port()), path), patience));
+        withOptions(replaced(gateway().uri(), "127.0.0.1:" + std::to_string(gateway().port()), host), patience));
 }
 
 TEST_F(Connections, ToAClosedPortFailWithTheAddressInTheError)

@@ -5,7 +5,7 @@
 #include "document_kinds.h"
 #include "factories.h"
 #include "object_properties.h"
-#include "properties_to_json.h"
+#include "tree_text.h"
 
 #include <gtest/gtest.h>
 
@@ -17,6 +17,8 @@
 
 namespace {
 
+using test_support::treeText;
+
 ObjectProperties sample()
 {
     ObjectProperties document;
@@ -27,13 +29,6 @@ ObjectProperties sample()
     document.setValueInt32("1", 2);
     document.beginGroup("/deep/inside");
     return document;
-}
-
-std::string textOf(const ObjectProperties& document)
-{
-    std::string text;
-    PropertiesToJson::convert(document, text);
-    return text;
 }
 
 void changeEverything(ObjectProperties& document)
@@ -60,7 +55,7 @@ TEST(DocumentCopy, HasTheContentOfTheSourceAndItsCursorAtTheRoot)
 
     const auto copy = std::make_unique<ObjectProperties>(source);
 
-    EXPECT_EQ(textOf(*copy), textOf(source));
+    EXPECT_EQ(treeText(*copy), treeText(source));
     EXPECT_EQ(copy->group(), "");
     EXPECT_EQ(source.group(), "inside");
 }
@@ -68,23 +63,23 @@ TEST(DocumentCopy, HasTheContentOfTheSourceAndItsCursorAtTheRoot)
 TEST(DocumentCopy, IsChangedWithoutChangingTheSource)
 {
     const ObjectProperties source = sample();
-    const std::string before = textOf(source);
+    const std::string before = treeText(source);
     ObjectProperties copy(source);
 
     changeEverything(copy);
 
-    EXPECT_EQ(textOf(source), before);
+    EXPECT_EQ(treeText(source), before);
 }
 
 TEST(DocumentCopy, OutlivesTheSource)
 {
     auto source = std::make_unique<ObjectProperties>(sample());
-    const std::string before = textOf(*source);
+    const std::string before = treeText(*source);
     const ObjectProperties copy(*source);
 
     source.reset();
 
-    EXPECT_EQ(textOf(copy), before);
+    EXPECT_EQ(treeText(copy), before);
 }
 
 TEST(DocumentCopy, AssignedReplacesTheContentAndMovesTheCursorToTheRoot)
@@ -97,21 +92,21 @@ TEST(DocumentCopy, AssignedReplacesTheContentAndMovesTheCursorToTheRoot)
     ObjectProperties& result = (target = source);
 
     EXPECT_EQ(&result, &target);
-    EXPECT_EQ(textOf(target), textOf(source));
+    EXPECT_EQ(treeText(target), treeText(source));
     EXPECT_EQ(target.group(), "");
     EXPECT_FALSE(target.contains("old"));
     changeEverything(target);
-    EXPECT_NE(textOf(target), textOf(source));
+    EXPECT_NE(treeText(target), treeText(source));
 }
 
 TEST(DocumentCopy, AssignedToItselfKeepsItsContent)
 {
     ObjectProperties document = sample();
-    const std::string before = textOf(document);
+    const std::string before = treeText(document);
 
     document = *&document;
 
-    EXPECT_EQ(textOf(document), before);
+    EXPECT_EQ(treeText(document), before);
     EXPECT_EQ(document.group(), "");
 }
 
@@ -177,12 +172,12 @@ TEST(DocumentMove, AssignedTakesOverNodesAndCursorAndFreesItsOwn)
 TEST(DocumentMove, AssignedToItselfKeepsItsContent)
 {
     ObjectProperties document = sample();
-    const std::string before = textOf(document);
+    const std::string before = treeText(document);
     ObjectProperties& same = document;
 
     document = std::move(same);
 
-    EXPECT_EQ(textOf(document), before);
+    EXPECT_EQ(treeText(document), before);
 }
 
 TEST(DocumentMove, AMovedFromDocumentCanBeDestroyed)
@@ -204,8 +199,8 @@ TEST(DocumentMove, AMovedFromDocumentCanBeAssignedTo)
     copied = first;
     moved = ObjectProperties(second);
 
-    EXPECT_EQ(textOf(copied), textOf(first));
-    EXPECT_EQ(textOf(moved), textOf(second));
+    EXPECT_EQ(treeText(copied), treeText(first));
+    EXPECT_EQ(treeText(moved), treeText(second));
     copied.setValueInt32("usable", 1);
     EXPECT_EQ(copied.valueAsInt32("usable", 0), 1);
     EXPECT_FALSE(first.contains("/usable"));
