@@ -32,8 +32,6 @@
 namespace test_support {
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
 constexpr std::string_view scheme = "mongodb://";
 
 /// The parts of a connection string that the gateway needs.
@@ -221,25 +219,9 @@ Fault Fault::shortenReply(std::size_t bytes)
     });
 }
 
-Fault Fault::malformedReply(Bytes bytes)
-{
-    return changeReply([bytes = std::move(bytes)](Bytes& reply) {
-        reply.resize(WireMessage::headerSize);
-        reply.insert(reply.end(), bytes.begin(), bytes.end());
-        setAnnouncedLength(reply);
-    });
-}
-
 Fault Fault::rawReply(Bytes bytes)
 {
     return changeReply([bytes = std::move(bytes)](Bytes& reply) { reply = bytes; });
-}
-
-Fault Fault::delayReply(std::chrono::milliseconds time)
-{
-    Fault fault(Kind::DelayReply);
-    fault.m_time = time;
-    return fault;
 }
 
 Fault Fault::holdReply()
@@ -553,8 +535,7 @@ private:
 
     /// Waits until condition() returns true. Returns false if the client closes its connection or the gateway stops.
     template <typename Condition>
-    bool waitUntil(const Connection& connection, Condition condition,
-                   std::optional<Clock::time_point> end = std::nullopt)
+    bool waitUntil(const Connection& connection, Condition condition)
     {
         for (;;)
         {
@@ -569,18 +550,8 @@ private:
                     return true;
                 }
             }
-            int timeout = -1;
-            if (end)
-            {
-                const auto left = std::chrono::ceil<std::chrono::milliseconds>(*end - Clock::now());
-                if (left.count() <= 0)
-                {
-                    return true;
-                }
-                timeout = static_cast<int>(left.count());
-            }
             pollfd waiting[] = {{connection.wakeup.descriptor(), POLLIN, 0}, {connection.client.get(), POLLRDHUP, 0}};
-            ::poll(waiting, 2, timeout);
+            ::poll(waiting, 2, -1);
             if (waiting[1].revents != 0)
             {
                 return false;
@@ -591,12 +562,7 @@ private:
 
     void openServer(Connection& connection)
     {
-        ServerAddress address;
-        {
-            const std::lock_guard lock(m_mutex);
-            address = m_server;
-        }
-        FileDescriptor server = connectTo(address.host, address.port);
+        FileDescriptor server = connectTo(m_server.host, m_server.port);
         const std::lock_guard lock(m_mutex);
         connection.server = std::move(server);
         if (m_stopping)
@@ -705,10 +671,6 @@ private:
         case Fault::Kind::ChangeReply:
             fault.m_change(reply);
             return sendToClient(connection, reply);
-        case Fault::Kind::DelayReply:
-            return waitUntil(
-                       connection, [] { return false; }, Clock::now() + fault.m_time) &&
-                   sendToClient(connection, reply);
         case Fault::Kind::HoldReply:
             return hold(connection) && sendToClient(connection, reply);
         }
@@ -734,7 +696,7 @@ private:
     const Rewrite m_rewrite;
     mutable std::mutex m_mutex;
     mutable std::condition_variable m_changed;
-    ServerAddress m_server;
+    const ServerAddress m_server;
     std::deque<RecordedCommand> m_records;
     std::list<Injected> m_faults;
     std::size_t m_accepted = 0;
@@ -761,20 +723,12 @@ WireGateway::~WireGateway() = default;
 
 std::string WireGateway::uri() const
 {
-    const std::lock_guard lock(d->m_mutex);
     return std::string(scheme) + d->m_server.credentials + "127.0.0.1:" + std::to_string(port()) + d->m_server.suffix;
 }
 
 std::uint16_t WireGateway::port() const
 {
     return d->m_port;
-}
-
-void WireGateway::setServer(const std::string& serverUri)
-{
-    ServerAddress address = parseUri(serverUri);
-    const std::lock_guard lock(d->m_mutex);
-    d->m_server = std::move(address);
 }
 
 std::vector<RecordedCommand> WireGateway::commands() const
@@ -901,11 +855,6 @@ bool WireGateway::waitForCommands(const std::string& name, std::size_t count, st
 bool WireGateway::waitForOpenConnections(std::size_t count, std::chrono::milliseconds patience) const
 {
     return d->waitFor(patience, [&] { return d->openConnections() == count; });
-}
-
-bool WireGateway::waitForFaults(std::chrono::milliseconds patience) const
-{
-    return d->waitFor(patience, [&] { return d->pendingFaults() == 0; });
 }
 
 bool WireGateway::waitForHeldReplies(std::size_t count, std::chrono::milliseconds patience) const

@@ -70,15 +70,11 @@ public:
     /// Cuts the reply to @p bytes, at least 16, and sets the length in the header to it. The message then ends inside
     /// its document.
     static Fault shortenReply(std::size_t bytes);
-    /// Replaces all bytes after the header of the reply by @p bytes, and sets the length in the header.
-    static Fault malformedReply(Bytes bytes);
-    /// Replaces the whole reply by these bytes.
+    /// These bytes, whatever they are, and nothing else.
     static Fault rawReply(Bytes bytes);
     /// Calls @p change with the whole reply, header included. The call is in a thread of the gateway.
     static Fault changeReply(std::function<void(Bytes&)> change);
-    /// Delays the reply by this time. Prefer holdReply(), which does not depend on the clock.
-    static Fault delayReply(std::chrono::milliseconds time);
-    /// Holds the reply until releaseReplies() is called or the client closes the connection.
+    /// The reply is kept until releaseReplies() or until the client gives up.
     static Fault holdReply();
 
     /// Affects only commands with this name, also if they are handshakes.
@@ -100,7 +96,6 @@ private:
         DropAfterForwarding,
         CutReply,
         ChangeReply,
-        DelayReply,
         HoldReply,
     };
     explicit Fault(Kind kind) : m_kind(kind) {}
@@ -110,7 +105,6 @@ private:
     Bytes m_bytes;
     std::function<void(Bytes&)> m_change;
     std::size_t m_count = 0;
-    std::chrono::milliseconds m_time{0};
     std::string m_name;
     std::string m_target;
     std::size_t m_number = 1;
@@ -146,8 +140,6 @@ public:
     /// options stay, except replicaSet and compressors, which do not work with the gateway.
     std::string uri() const;
     std::uint16_t port() const;
-    /// Sets the server for later connections, and for uri(). For a server that was started again on another port.
-    void setServer(const std::string& serverUri);
 
     // Recorded commands.
     /// Returns every command except handshakes, in the order of arrival.
@@ -185,7 +177,6 @@ public:
     bool waitForCommands(const std::string& name, std::size_t count,
                          std::chrono::milliseconds patience = longestWait) const;
     bool waitForOpenConnections(std::size_t count, std::chrono::milliseconds patience = longestWait) const;
-    bool waitForFaults(std::chrono::milliseconds patience = longestWait) const; ///< Until pendingFaults() is 0.
     bool waitForHeldReplies(std::size_t count, std::chrono::milliseconds patience = longestWait) const;
 
 private:
