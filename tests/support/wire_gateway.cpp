@@ -51,9 +51,7 @@ bool staysOut(std::string_view option)
     std::transform(name.begin(), name.end(), name.begin(),
                    [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
     if ((name == "tls" || name == "ssl") && option.substr(option.find('=') + 1) == "true")
-    {
         throw std::invalid_argument("TLS does not pass through the wire gateway");
-    }
     return name == "replicaset" || name == "compressors";
 }
 
@@ -78,9 +76,7 @@ ServerAddress parseUri(const std::string& uri)
 {
     std::string_view rest(uri);
     if (rest.substr(0, scheme.size()) != scheme)
-    {
         throw std::invalid_argument("the wire gateway needs a mongodb:// URI");
-    }
     rest.remove_prefix(scheme.size());
     const std::size_t authorityLength = std::min(rest.find_first_of("/?"), rest.size());
     std::string_view authority = rest.substr(0, authorityLength);
@@ -97,25 +93,17 @@ ServerAddress parseUri(const std::string& uri)
     const std::size_t hostEnd = bracketed ? authority.find(']') : authority.find(':');
     if (authority.empty() || authority.find_first_of(",%") != std::string_view::npos ||
         (bracketed && hostEnd == std::string_view::npos))
-    {
         throw std::invalid_argument("the wire gateway needs a URI with one host name or address");
-    }
     address.host = bracketed ? authority.substr(1, hostEnd - 1) : authority.substr(0, hostEnd);
     const std::size_t colon = authority.find(':', bracketed ? hostEnd : 0);
     if (colon != std::string_view::npos)
-    {
         address.port = authority.substr(colon + 1);
-    }
     const std::size_t question = rest.find('?');
     address.suffix = rest.substr(0, question);
     if (address.suffix.empty())
-    {
         address.suffix = "/";
-    }
     if (question != std::string_view::npos)
-    {
         address.suffix += keptOptions(rest.substr(question + 1));
-    }
     return address;
 }
 
@@ -140,19 +128,13 @@ std::optional<WireMessage> receiveMessage(int socket)
 {
     Bytes bytes(WireMessage::headerSize);
     if (!receiveAll(socket, bytes.data(), bytes.size()))
-    {
         return std::nullopt;
-    }
     const std::size_t length = announcedLength(bytes.data());
     if (length == 0)
-    {
         return std::nullopt;
-    }
     bytes.resize(length);
     if (!receiveAll(socket, bytes.data() + WireMessage::headerSize, length - WireMessage::headerSize))
-    {
         return std::nullopt;
-    }
     return WireMessage(std::move(bytes));
 }
 
@@ -292,9 +274,7 @@ private:
         ~Connection()
         {
             if (thread.joinable())
-            {
                 thread.join();
-            }
         }
         Connection(const Connection&) = delete;
         Connection& operator=(const Connection&) = delete;
@@ -304,9 +284,7 @@ private:
             for (const FileDescriptor* descriptor : {&client, &server})
             {
                 if (*descriptor)
-                {
                     ::shutdown(descriptor->get(), SHUT_RDWR);
-                }
             }
         }
 
@@ -330,17 +308,13 @@ private:
     void wakeAll()
     {
         for (const Connection& connection : m_connections)
-        {
             connection.wakeup.wake();
-        }
     }
 
     void shutdownAll()
     {
         for (const Connection& connection : m_connections)
-        {
             connection.shutdown();
-        }
     }
 
     std::size_t openConnections() const
@@ -365,9 +339,7 @@ private:
             const bool concerned = it->fault.concerns(command);
             const bool due = concerned && it->seen + 1 >= it->fault.m_number;
             if (concerned && !due)
-            {
                 ++it->seen;
-            }
             if (!due || chosen)
             {
                 ++it;
@@ -427,13 +399,9 @@ private:
         {
             FileDescriptor client(::accept4(m_listener.get(), nullptr, nullptr, SOCK_CLOEXEC));
             if (client)
-            {
                 startServing(std::move(client));
-            }
             else if (errno == EINVAL)
-            {
-                return; // the listening socket was shut down
-            }
+                return; // the listener was shut down
         }
     }
 
@@ -470,9 +438,7 @@ private:
             {
                 const auto message = receiveMessage(connection.client.get());
                 if (!message || !handle(connection, *message))
-                {
                     break;
-                }
             }
         }
         catch (const std::exception& problem)
@@ -494,17 +460,11 @@ private:
         {
             pollfd waiting[] = {{connection.client.get(), POLLIN, 0}, {connection.server.get(), POLLIN, 0}};
             if (::poll(waiting, 2, -1) < 0)
-            {
                 continue;
-            }
             if (waiting[0].revents != 0)
-            {
                 return true;
-            }
             if (waiting[1].revents != 0 && !receiveMessage(connection.server.get()))
-            {
                 return false;
-            }
         }
     }
 
@@ -524,9 +484,7 @@ private:
             command->order = m_received++;
             fault = faultFor(*command);
             if (m_recording)
-            {
                 m_records.push_back(std::move(*command));
-            }
             m_changed.notify_all();
         }
         return waitUntil(connection, [this] { return !m_paused; }) &&
@@ -542,20 +500,14 @@ private:
             {
                 const std::lock_guard lock(m_mutex);
                 if (m_stopping)
-                {
                     return false;
-                }
                 if (condition())
-                {
                     return true;
-                }
             }
             pollfd waiting[] = {{connection.wakeup.descriptor(), POLLIN, 0}, {connection.client.get(), POLLRDHUP, 0}};
             ::poll(waiting, 2, -1);
             if (waiting[1].revents != 0)
-            {
                 return false;
-            }
             connection.wakeup.drain();
         }
     }
@@ -566,9 +518,7 @@ private:
         const std::lock_guard lock(m_mutex);
         connection.server = std::move(server);
         if (m_stopping)
-        {
             connection.shutdown();
-        }
     }
 
     bool sendToServer(Connection& connection, const WireMessage& message)
@@ -595,34 +545,24 @@ private:
     {
         auto reply = receiveMessage(connection.server.get());
         while (reply && m_rewrite != Rewrite::Nothing && !reply->answers(request))
-        {
             reply = receiveMessage(connection.server.get());
-        }
         return reply;
     }
 
     bool forward(Connection& connection, const WireMessage& message)
     {
         if (!sendToServer(connection, message))
-        {
             return false;
-        }
         if (!message.expectsReply())
-        {
             return true;
-        }
         for (;;)
         {
             const auto reply = receiveReply(connection, message);
             if (!reply || !waitUntil(connection, [this] { return !m_paused; }) ||
                 !sendToClient(connection, reply->bytes()))
-            {
                 return false;
-            }
             if (!reply->hasMoreToCome())
-            {
                 return true;
-            }
         }
     }
 
@@ -634,21 +574,13 @@ private:
     bool misbehave(Connection& connection, const WireMessage& message, const Fault& fault)
     {
         if (fault.m_kind == Fault::Kind::DropBeforeForwarding)
-        {
             return false;
-        }
         if (fault.m_kind == Fault::Kind::Answer)
-        {
             return !message.expectsReply() || sendToClient(connection, message.replyWith(fault.m_bytes));
-        }
         if (!sendToServer(connection, message))
-        {
             return false;
-        }
         if (!message.expectsReply())
-        {
             return fault.m_kind != Fault::Kind::DropAfterForwarding;
-        }
         const auto reply = receiveReply(connection, message);
         return reply && spoil(connection, message, reply->bytes(), fault);
     }
@@ -748,9 +680,7 @@ std::vector<std::string> WireGateway::names() const
     for (const RecordedCommand& command : d->m_records)
     {
         if (!command.isHandshake)
-        {
             result.push_back(command.name);
-        }
     }
     return result;
 }

@@ -678,9 +678,7 @@ TEST_F(Gateway, RefusesAndAcceptsConnectionsInSeveralThreadsAtOnce)
         });
     }
     for (std::thread& thread : threads)
-    {
         thread.join();
-    }
 
     EXPECT_EQ(Client(gateway.uri()).ping(), "");
     gateway.refuseConnections();

@@ -42,9 +42,7 @@ FileDescriptor boundTo(std::uint16_t port)
     const sockaddr_in address = loopback(port);
     if (!made || ::setsockopt(made.get(), SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes) != 0 ||
         ::bind(made.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0)
-    {
         throwSystemError("cannot bind to 127.0.0.1");
-    }
     return made;
 }
 
@@ -56,13 +54,9 @@ bool transferAll(Byte* data, std::size_t length, Call call)
     {
         const ssize_t count = call(data, length);
         if (count < 0 && errno == EINTR)
-        {
             continue;
-        }
         if (count <= 0)
-        {
             return false;
-        }
         data += count;
         length -= static_cast<std::size_t>(count);
     }
@@ -89,9 +83,7 @@ int FileDescriptor::release()
 void FileDescriptor::reset()
 {
     if (m_descriptor >= 0)
-    {
         ::close(release());
-    }
 }
 
 FileDescriptor reservePort(std::uint16_t& port)
@@ -100,9 +92,7 @@ FileDescriptor reservePort(std::uint16_t& port)
     sockaddr_in address{};
     socklen_t length = sizeof address;
     if (::getsockname(made.get(), reinterpret_cast<sockaddr*>(&address), &length) != 0)
-    {
         throwSystemError("cannot tell the port");
-    }
     port = ntohs(address.sin_port);
     return made;
 }
@@ -111,9 +101,7 @@ FileDescriptor listenOn(std::uint16_t port)
 {
     FileDescriptor made = boundTo(port);
     if (::listen(made.get(), SOMAXCONN) != 0)
-    {
         throwSystemError("cannot listen on 127.0.0.1");
-    }
     return made;
 }
 
@@ -124,11 +112,9 @@ FileDescriptor connectTo(const std::string& host, const std::string& port)
     addrinfo* list = nullptr;
     const int failure = ::getaddrinfo(host.c_str(), port.c_str(), &hints, &list);
     if (failure != 0)
-    {
         throw std::runtime_error("cannot resolve " + host + ": " + ::gai_strerror(failure));
-    }
     const std::unique_ptr<addrinfo, decltype(&::freeaddrinfo)> owner(list, &::freeaddrinfo);
-    for (const addrinfo* entry = list; entry != nullptr; entry = entry->ai_next)
+    for (const addrinfo* entry = list; entry; entry = entry->ai_next)
     {
         FileDescriptor made(::socket(entry->ai_family, entry->ai_socktype | SOCK_CLOEXEC, entry->ai_protocol));
         if (made && ::connect(made.get(), entry->ai_addr, entry->ai_addrlen) == 0)
@@ -156,9 +142,7 @@ bool sendAll(int socket, const std::uint8_t* data, std::size_t length)
 Wakeup::Wakeup() : m_event(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))
 {
     if (!m_event)
-    {
         throwSystemError("cannot make an event descriptor");
-    }
 }
 
 void Wakeup::wake() const
