@@ -18,7 +18,7 @@
 namespace test_support {
 namespace {
 
-ObjectProperties documentOf(const char* json)
+ObjectProperties documentOf(const std::string& json)
 {
     ObjectProperties document;
     EXPECT_TRUE(JsonToProperties::convert(json, &document)) << json;
@@ -40,12 +40,12 @@ std::string canonicalText(const RecordedCommand& command)
 struct QueryRow
 {
     const char* name;
-    const char* query;
-    const char* projection;
+    std::string query;
+    std::string projection;
     int limit;
     int skip;
-    const char* command; ///< Empty if nothing is sent.
-    const char* error;
+    std::string command; ///< empty: nothing is sent
+    std::string error;
 };
 
 void PrintTo(const QueryRow& row, std::ostream* out)
@@ -76,259 +76,158 @@ TEST_P(QueryOnTheWire, IsSentAsTheRecordedCommand)
     EXPECT_EQ(inWordsOf123(error), row.error);
 }
 
+// The command of the query {"a": 1}, up to its options.
+const std::string found = R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } })";
+
+std::string commandWith(const std::string& options)
+{
+    return found + (options.empty() ? " }" : ", " + options + " }");
+}
+
+QueryRow query(const char* name, const std::string& options, int limit = 0, int skip = 0,
+               const std::string& projection = "{}")
+{
+    return {name, R"({"a": 1})", projection, limit, skip, commandWith(options), ""};
+}
+
+/// The query {"a": 1} in $query, beside another key.
+QueryRow modifier(const char* name, const std::string& key, const std::string& options, int limit = 0, int skip = 0,
+                  const std::string& projection = "{}")
+{
+    return {name, R"({"$query": {"a": 1}, )" + key + "}", projection, limit, skip, commandWith(options), ""};
+}
+
+QueryRow refused(const char* name, const std::string& text, const std::string& error)
+{
+    return {name, text, "{}", 0, 0, "", error};
+}
+
 INSTANTIATE_TEST_SUITE_P(
     Queries, QueryOnTheWire,
     testing::Values(
-        QueryRow{"Condition", R"({"a": 1})", R"({})", 0, 0,
+        QueryRow{"Condition", R"({"a": 1})", "{}", 0, 0,
                  R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } } })", ""},
         QueryRow{
-            "ConditionThatIsAnOperator", R"({"$or": [{"a": 1}, {"b": 2}]})", R"({})", 0, 0,
+            "ConditionThatIsAnOperator", R"({"$or": [{"a": 1}, {"b": 2}]})", "{}", 0, 0,
             R"({ "find" : "c", "filter" : { "$or" : [ { "a" : { "$numberInt" : "1" } }, { "b" : { "$numberInt" : "2" } } ] } })",
             ""},
-        QueryRow{"OrderByWithoutQuery", R"({"$orderby": {"b": -1}})", R"({})", 0, 0,
+        QueryRow{"OrderByWithoutQuery", R"({"$orderby": {"b": -1}})", "{}", 0, 0,
                  R"({ "find" : "c", "filter" : { "$orderby" : { "b" : { "$numberInt" : "-1" } } } })", ""},
-        QueryRow{"Query", R"({"$query": {"a": 1}})", R"({})", 0, 0,
+        QueryRow{"Query", R"({"$query": {"a": 1}})", "{}", 0, 0,
                  R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } } })", ""},
-        QueryRow{"EmptyQuery", R"({"$query": {}})", R"({})", 0, 0, R"({ "find" : "c", "filter" : {  } })", ""},
-        QueryRow{
-            "OrderBy", R"({"$query": {"a": 1}, "$orderby": {"b": -1}})", R"({})", 0, 0,
-            R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } }, "sort" : { "b" : { "$numberInt" : "-1" } } })",
-            ""},
-        QueryRow{
-            "OrderByTwoKeys", R"({"$query": {"a": 1}, "$orderby": {"b": -1, "c": {"$numberLong": "1"}}})", R"({})", 0,
-            0,
-            R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } }, "sort" : { "b" : { "$numberInt" : "-1" }, "c" : { "$numberLong" : "1" } } })",
-            ""},
-        QueryRow{
-            "HintByKeys", R"({"$query": {"a": 1}, "$hint": {"a": 1}})", R"({})", 0, 0,
-            R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } }, "hint" : { "a" : { "$numberInt" : "1" } } })",
-            ""},
-        QueryRow{"HintByName", R"({"$query": {"a": 1}, "$hint": "a_1"})", R"({})", 0, 0,
-                 R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } }, "hint" : "a_1" })", ""},
-        QueryRow{
-            "MaxTimeInt32", R"({"$query": {"a": 1}, "$maxTimeMS": 2500})", R"({})", 0, 0,
-            R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } }, "maxTimeMS" : { "$numberInt" : "2500" } })",
-            ""},
-        QueryRow{
-            "MaxTimeInt64", R"({"$query": {"a": 1}, "$maxTimeMS": {"$numberLong": "2500"}})", R"({})", 0, 0,
-            R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } }, "maxTimeMS" : { "$numberLong" : "2500" } })",
-            ""},
-        QueryRow{
-            "MaxTimeDouble", R"({"$query": {"a": 1}, "$maxTimeMS": 2500.0})", R"({})", 0, 0,
-            R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } }, "maxTimeMS" : { "$numberDouble" : "2500.0" } })",
-            ""},
-        QueryRow{"Comment", R"({"$query": {"a": 1}, "$comment": "why"})", R"({})", 0, 0,
-                 R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } }, "comment" : "why" })", ""},
-        QueryRow{"CommentDocument", R"({"$query": {"a": 1}, "$comment": {"by": "x"}})", R"({})", 0, 0,
-                 R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } }, "comment" : { "by" : "x" } })", ""},
-        QueryRow{
-            "Max", R"({"$query": {"a": 1}, "$max": {"a": 9}})", R"({})", 0, 0,
-            R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } }, "max" : { "a" : { "$numberInt" : "9" } } })",
-            ""},
-        QueryRow{
-            "Min", R"({"$query": {"a": 1}, "$min": {"a": 0}})", R"({})", 0, 0,
-            R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } }, "min" : { "a" : { "$numberInt" : "0" } } })",
-            ""},
-        QueryRow{"ReturnKey", R"({"$query": {"a": 1}, "$returnKey": true})", R"({})", 0, 0,
-                 R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } }, "returnKey" : true })", ""},
-        QueryRow{"ShowDiskLoc", R"({"$query": {"a": 1}, "$showDiskLoc": true})", R"({})", 0, 0,
-                 R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } }, "showRecordId" : true })", ""},
-        QueryRow{"ShowRecordId", R"({"$query": {"a": 1}, "$showRecordId": true})", R"({})", 0, 0,
-                 R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } }, "showRecordId" : true })", ""},
-        QueryRow{"Snapshot", R"({"$query": {"a": 1}, "$snapshot": true})", R"({})", 0, 0,
-                 R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } }, "snapshot" : true })", ""},
-        QueryRow{"Explain", R"({"$query": {"a": 1}, "$explain": true})", R"({})", 0, 0,
-                 R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } }, "explain" : true })", ""},
-        QueryRow{
-            "MaxScan", R"({"$query": {"a": 1}, "$maxScan": 10})", R"({})", 0, 0,
-            R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } }, "maxScan" : { "$numberInt" : "10" } })",
-            ""},
-        QueryRow{
-            "ReadPreference", R"({"$query": {"a": 1}, "$readPreference": {"mode": "secondaryPreferred"}})", R"({})", 0,
-            0,
-            R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } }, "readPreference" : { "mode" : "secondaryPreferred" } })",
-            ""},
-        QueryRow{
-            "Sort", R"({"$query": {"a": 1}, "$sort": {"b": 1}})", R"({})", 0, 0,
-            R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } }, "sort" : { "b" : { "$numberInt" : "1" } } })",
-            ""},
-        QueryRow{"Collation", R"({"$query": {"a": 1}, "$collation": {"locale": "fr"}})", R"({})", 0, 0,
-                 R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } }, "collation" : { "locale" : "fr" } })",
-                 ""},
-        QueryRow{
-            "BatchSizeInt64", R"({"$query": {"a": 1}, "$batchSize": {"$numberLong": "5"}})", R"({})", 0, 0,
-            R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } }, "batchSize" : { "$numberLong" : "5" } })",
-            ""},
-        QueryRow{
-            "BatchSizeInt32", R"({"$query": {"a": 1}, "$batchSize": 5})", R"({})", 0, 0,
-            R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } }, "batchSize" : { "$numberInt" : "5" } })",
-            ""},
-        QueryRow{"LimitInt64", R"({"$query": {"a": 1}, "$limit": {"$numberLong": "4"}})", R"({})", 0, 0,
-                 R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } }, "limit" : { "$numberLong" : "4" } })",
-                 ""},
-        QueryRow{"LimitInt32", R"({"$query": {"a": 1}, "$limit": 4})", R"({})", 0, 0,
-                 R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } }, "limit" : { "$numberInt" : "4" } })",
-                 ""},
-        QueryRow{"NegativeLimit", R"({"$query": {"a": 1}, "$limit": {"$numberLong": "-4"}})", R"({})", 0, 0,
-                 R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } }, "limit" : { "$numberLong" : "-4" } })",
-                 ""},
-        QueryRow{"SkipInt64", R"({"$query": {"a": 1}, "$skip": {"$numberLong": "4"}})", R"({})", 0, 0,
-                 R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } }, "skip" : { "$numberLong" : "4" } })",
-                 ""},
-        QueryRow{"SkipInt32", R"({"$query": {"a": 1}, "$skip": 4})", R"({})", 0, 0,
-                 R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } }, "skip" : { "$numberInt" : "4" } })",
-                 ""},
-        QueryRow{"SingleBatch", R"({"$query": {"a": 1}, "$singleBatch": true})", R"({})", 0, 0,
-                 R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } }, "singleBatch" : true })", ""},
-        QueryRow{
-            "Projection", R"({"$query": {"a": 1}, "$projection": {"a": 1}})", R"({})", 0, 0,
-            R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } }, "projection" : { "a" : { "$numberInt" : "1" } } })",
-            ""},
-        QueryRow{
-            "Filter", R"({"$query": {"a": 1}, "$filter": {"b": 1}})", R"({})", 0, 0,
-            R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } }, "filter" : { "b" : { "$numberInt" : "1" } } })",
-            ""},
-        QueryRow{"Tailable", R"({"$query": {"a": 1}, "$tailable": true})", R"({})", 0, 0,
-                 R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } }, "tailable" : true })", ""},
-        QueryRow{"AwaitData", R"({"$query": {"a": 1}, "$awaitData": true})", R"({})", 0, 0,
-                 R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } }, "awaitData" : true })", ""},
-        QueryRow{"NoCursorTimeout", R"({"$query": {"a": 1}, "$noCursorTimeout": true})", R"({})", 0, 0,
-                 R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } }, "noCursorTimeout" : true })", ""},
-        QueryRow{"AllowPartialResults", R"({"$query": {"a": 1}, "$allowPartialResults": true})", R"({})", 0, 0,
-                 R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } }, "allowPartialResults" : true })", ""},
-        QueryRow{"OplogReplay", R"({"$query": {"a": 1}, "$oplogReplay": true})", R"({})", 0, 0,
-                 R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } }, "oplogReplay" : true })", ""},
-        QueryRow{"AllowDiskUse", R"({"$query": {"a": 1}, "$allowDiskUse": true})", R"({})", 0, 0,
-                 R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } }, "allowDiskUse" : true })", ""},
-        QueryRow{
-            "Let", R"({"$query": {"a": 1}, "$let": {"x": 1}})", R"({})", 0, 0,
-            R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } }, "let" : { "x" : { "$numberInt" : "1" } } })",
-            ""},
-        QueryRow{
-            "ReadConcern", R"({"$query": {"a": 1}, "$readConcern": {"level": "local"}})", R"({})", 0, 0,
-            R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } }, "readConcern" : { "level" : "local" } })",
-            ""},
-        QueryRow{"MaxAwaitTime", R"({"$query": {"a": 1}, "$maxAwaitTimeMS": 10})", R"({})", 0, 0,
-                 R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } } })", ""},
-        QueryRow{
-            "Unknown", R"({"$query": {"a": 1}, "$unheardOf": 1})", R"({})", 0, 0,
-            R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } }, "unheardOf" : { "$numberInt" : "1" } })",
-            ""},
-        QueryRow{
+        QueryRow{"EmptyQuery", R"({"$query": {}})", "{}", 0, 0, R"({ "find" : "c", "filter" : {  } })", ""},
+        modifier("OrderBy", R"("$orderby": {"b": -1})", R"("sort" : { "b" : { "$numberInt" : "-1" } })"),
+        modifier("OrderByTwoKeys", R"("$orderby": {"b": -1, "c": {"$numberLong": "1"}})",
+                 R"("sort" : { "b" : { "$numberInt" : "-1" }, "c" : { "$numberLong" : "1" } })"),
+        modifier("HintByKeys", R"("$hint": {"a": 1})", R"("hint" : { "a" : { "$numberInt" : "1" } })"),
+        modifier("HintByName", R"("$hint": "a_1")", R"("hint" : "a_1")"),
+        modifier("MaxTimeInt32", R"("$maxTimeMS": 2500)", R"("maxTimeMS" : { "$numberInt" : "2500" })"),
+        modifier("MaxTimeInt64", R"("$maxTimeMS": {"$numberLong": "2500"})",
+                 R"("maxTimeMS" : { "$numberLong" : "2500" })"),
+        modifier("MaxTimeDouble", R"("$maxTimeMS": 2500.0)", R"("maxTimeMS" : { "$numberDouble" : "2500.0" })"),
+        modifier("Comment", R"("$comment": "why")", R"("comment" : "why")"),
+        modifier("CommentDocument", R"("$comment": {"by": "x"})", R"("comment" : { "by" : "x" })"),
+        modifier("Max", R"("$max": {"a": 9})", R"("max" : { "a" : { "$numberInt" : "9" } })"),
+        modifier("Min", R"("$min": {"a": 0})", R"("min" : { "a" : { "$numberInt" : "0" } })"),
+        modifier("ReturnKey", R"("$returnKey": true)", R"("returnKey" : true)"),
+        modifier("ShowDiskLoc", R"("$showDiskLoc": true)", R"("showRecordId" : true)"),
+        modifier("ShowRecordId", R"("$showRecordId": true)", R"("showRecordId" : true)"),
+        modifier("Snapshot", R"("$snapshot": true)", R"("snapshot" : true)"),
+        modifier("Explain", R"("$explain": true)", R"("explain" : true)"),
+        modifier("MaxScan", R"("$maxScan": 10)", R"("maxScan" : { "$numberInt" : "10" })"),
+        modifier("ReadPreference", R"("$readPreference": {"mode": "secondaryPreferred"})",
+                 R"("readPreference" : { "mode" : "secondaryPreferred" })"),
+        modifier("Sort", R"("$sort": {"b": 1})", R"("sort" : { "b" : { "$numberInt" : "1" } })"),
+        modifier("Collation", R"("$collation": {"locale": "fr"})", R"("collation" : { "locale" : "fr" })"),
+        modifier("BatchSizeInt64", R"("$batchSize": {"$numberLong": "5"})", R"("batchSize" : { "$numberLong" : "5" })"),
+        modifier("BatchSizeInt32", R"("$batchSize": 5)", R"("batchSize" : { "$numberInt" : "5" })"),
+        modifier("LimitInt64", R"("$limit": {"$numberLong": "4"})", R"("limit" : { "$numberLong" : "4" })"),
+        modifier("LimitInt32", R"("$limit": 4)", R"("limit" : { "$numberInt" : "4" })"),
+        modifier("NegativeLimit", R"("$limit": {"$numberLong": "-4"})", R"("limit" : { "$numberLong" : "-4" })"),
+        modifier("SkipInt64", R"("$skip": {"$numberLong": "4"})", R"("skip" : { "$numberLong" : "4" })"),
+        modifier("SkipInt32", R"("$skip": 4)", R"("skip" : { "$numberInt" : "4" })"),
+        modifier("SingleBatch", R"("$singleBatch": true)", R"("singleBatch" : true)"),
+        modifier("Projection", R"("$projection": {"a": 1})", R"("projection" : { "a" : { "$numberInt" : "1" } })"),
+        modifier("Filter", R"("$filter": {"b": 1})", R"("filter" : { "b" : { "$numberInt" : "1" } })"),
+        modifier("Tailable", R"("$tailable": true)", R"("tailable" : true)"),
+        modifier("AwaitData", R"("$awaitData": true)", R"("awaitData" : true)"),
+        modifier("NoCursorTimeout", R"("$noCursorTimeout": true)", R"("noCursorTimeout" : true)"),
+        modifier("AllowPartialResults", R"("$allowPartialResults": true)", R"("allowPartialResults" : true)"),
+        modifier("OplogReplay", R"("$oplogReplay": true)", R"("oplogReplay" : true)"),
+        modifier("AllowDiskUse", R"("$allowDiskUse": true)", R"("allowDiskUse" : true)"),
+        modifier("Let", R"("$let": {"x": 1})", R"("let" : { "x" : { "$numberInt" : "1" } })"),
+        modifier("ReadConcern", R"("$readConcern": {"level": "local"})", R"("readConcern" : { "level" : "local" })"),
+        modifier("MaxAwaitTime", R"("$maxAwaitTimeMS": 10)", ""),
+        modifier("Unknown", R"("$unheardOf": 1)", R"("unheardOf" : { "$numberInt" : "1" })"),
+        modifier(
             "AllModifiers",
-            R"({"$query": {"a": 1}, "$orderby": {"b": -1}, "$hint": "a_1", "$maxTimeMS": 2500, "$comment": "why", "$max": {"a": 9}, "$min": {"a": 0}, "$returnKey": true, "$showDiskLoc": true, "$snapshot": true, "$explain": true, "$maxScan": 10, "$readPreference": {"mode": "secondaryPreferred"}})",
-            R"({})", 0, 0,
-            R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } }, "comment" : "why", "explain" : true, "hint" : "a_1", "max" : { "a" : { "$numberInt" : "9" } }, "maxScan" : { "$numberInt" : "10" }, "maxTimeMS" : { "$numberInt" : "2500" }, "min" : { "a" : { "$numberInt" : "0" } }, "sort" : { "b" : { "$numberInt" : "-1" } }, "readPreference" : { "mode" : "secondaryPreferred" }, "returnKey" : true, "showRecordId" : true, "snapshot" : true })",
-            ""},
-        QueryRow{
+            R"("$orderby": {"b": -1}, "$hint": "a_1", "$maxTimeMS": 2500, "$comment": "why", "$max": {"a": 9}, "$min": {"a": 0}, "$returnKey": true, "$showDiskLoc": true, "$snapshot": true, "$explain": true, "$maxScan": 10, "$readPreference": {"mode": "secondaryPreferred"})",
+            R"("comment" : "why", "explain" : true, "hint" : "a_1", "max" : { "a" : { "$numberInt" : "9" } }, "maxScan" : { "$numberInt" : "10" }, "maxTimeMS" : { "$numberInt" : "2500" }, "min" : { "a" : { "$numberInt" : "0" } }, "sort" : { "b" : { "$numberInt" : "-1" } }, "readPreference" : { "mode" : "secondaryPreferred" }, "returnKey" : true, "showRecordId" : true, "snapshot" : true)"),
+        modifier(
             "AllModifiersWithEverything",
-            R"({"$query": {"a": 1}, "$orderby": {"b": -1}, "$hint": "a_1", "$maxTimeMS": 2500, "$comment": "why", "$max": {"a": 9}, "$min": {"a": 0}, "$returnKey": true, "$showDiskLoc": true, "$snapshot": true, "$explain": true, "$maxScan": 10, "$readPreference": {"mode": "secondaryPreferred"}})",
-            R"({"a": 1, "b": 1})", 5, 3,
-            R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } }, "comment" : "why", "explain" : true, "hint" : "a_1", "max" : { "a" : { "$numberInt" : "9" } }, "maxScan" : { "$numberInt" : "10" }, "maxTimeMS" : { "$numberInt" : "2500" }, "min" : { "a" : { "$numberInt" : "0" } }, "sort" : { "b" : { "$numberInt" : "-1" } }, "readPreference" : { "mode" : "secondaryPreferred" }, "returnKey" : true, "showRecordId" : true, "snapshot" : true, "projection" : { "a" : { "$numberInt" : "1" }, "b" : { "$numberInt" : "1" } }, "skip" : { "$numberLong" : "3" }, "limit" : { "$numberLong" : "5" } })",
-            ""},
-        QueryRow{
-            "OrderByAndSort", R"({"$query": {"a": 1}, "$orderby": {"b": -1}, "$sort": {"c": 1}})", R"({})", 0, 0,
-            R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } }, "sort" : { "b" : { "$numberInt" : "-1" } }, "sort" : { "c" : { "$numberInt" : "1" } } })",
-            ""},
-        QueryRow{
-            "BothNamesOfTheRecordId", R"({"$query": {"a": 1}, "$showDiskLoc": true, "$showRecordId": false})", R"({})",
-            0, 0,
-            R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } }, "showRecordId" : true, "showRecordId" : false })",
-            ""},
-        QueryRow{"ConditionLimit", R"({"a": 1})", R"({})", 5, 0,
-                 R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } }, "limit" : { "$numberLong" : "5" } })",
-                 ""},
-        QueryRow{
-            "ConditionNegativeLimit", R"({"a": 1})", R"({})", -2, 0,
-            R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } }, "limit" : { "$numberLong" : "2" }, "singleBatch" : true })",
-            ""},
-        QueryRow{
-            "ConditionSmallestLimit", R"({"a": 1})", R"({})", std::numeric_limits<int>::min(), 0,
-            R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } }, "limit" : { "$numberLong" : "2147483648" }, "singleBatch" : true })",
-            ""},
-        QueryRow{
-            "ConditionLargestLimit", R"({"a": 1})", R"({})", 2147483647, 0,
-            R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } }, "limit" : { "$numberLong" : "2147483647" } })",
-            ""},
-        QueryRow{"ConditionSkip", R"({"a": 1})", R"({})", 0, 3,
-                 R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } }, "skip" : { "$numberLong" : "3" } })",
-                 ""},
-        QueryRow{
-            "ConditionNegativeSkip", R"({"a": 1})", R"({})", 0, -1,
-            R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } }, "skip" : { "$numberLong" : "4294967295" } })",
-            ""},
-        QueryRow{
-            "ConditionProjection", R"({"a": 1})", R"({"b": 0})", 0, 0,
-            R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } }, "projection" : { "b" : { "$numberInt" : "0" } } })",
-            ""},
-        QueryRow{
-            "ConditionLimitSkipProjection", R"({"a": 1})", R"({"b": 0})", -2, 3,
-            R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } }, "projection" : { "b" : { "$numberInt" : "0" } }, "skip" : { "$numberLong" : "3" }, "limit" : { "$numberLong" : "2" }, "singleBatch" : true })",
-            ""},
-        QueryRow{
-            "OrderByLimitSkipProjection", R"({"$query": {"a": 1}, "$orderby": {"b": -1}})", R"({"b": 0})", 5, 3,
-            R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } }, "sort" : { "b" : { "$numberInt" : "-1" } }, "projection" : { "b" : { "$numberInt" : "0" } }, "skip" : { "$numberLong" : "3" }, "limit" : { "$numberLong" : "5" } })",
-            ""},
-        QueryRow{
-            "OrderByNegativeLimit", R"({"$query": {"a": 1}, "$orderby": {"b": -1}})", R"({})", -5, 0,
-            R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } }, "sort" : { "b" : { "$numberInt" : "-1" } }, "limit" : { "$numberLong" : "5" }, "singleBatch" : true })",
-            ""},
-        QueryRow{"LimitInt64AndLimit", R"({"$query": {"a": 1}, "$limit": {"$numberLong": "4"}})", R"({})", 5, 0,
-                 R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } }, "limit" : { "$numberLong" : "5" } })",
-                 ""},
-        QueryRow{"LimitInt32AndLimit", R"({"$query": {"a": 1}, "$limit": 4})", R"({})", 5, 0,
-                 R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } }, "limit" : { "$numberInt" : "4" } })",
-                 ""},
-        QueryRow{
-            "LimitInt64AndNegativeLimit", R"({"$query": {"a": 1}, "$limit": {"$numberLong": "4"}})", R"({})", -5, 0,
-            R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } }, "limit" : { "$numberLong" : "5" }, "singleBatch" : true })",
-            ""},
-        QueryRow{"LimitInt32AndNegativeLimit", R"({"$query": {"a": 1}, "$limit": 4})", R"({})", -5, 0,
-                 R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } }, "limit" : { "$numberInt" : "4" } })",
-                 ""},
-        QueryRow{
-            "SingleBatchAndNegativeLimit", R"({"$query": {"a": 1}, "$singleBatch": false})", R"({})", -5, 0,
-            R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } }, "singleBatch" : true, "limit" : { "$numberLong" : "5" } })",
-            ""},
-        QueryRow{
-            "SingleBatchNumberAndNegativeLimit", R"({"$query": {"a": 1}, "$singleBatch": 0})", R"({})", -5, 0,
-            R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } }, "singleBatch" : { "$numberInt" : "0" }, "limit" : { "$numberLong" : "5" } })",
-            ""},
-        QueryRow{"SkipInt64AndSkip", R"({"$query": {"a": 1}, "$skip": {"$numberLong": "4"}})", R"({})", 0, 5,
-                 R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } }, "skip" : { "$numberLong" : "5" } })",
-                 ""},
-        QueryRow{"SkipInt32AndSkip", R"({"$query": {"a": 1}, "$skip": 4})", R"({})", 0, 5,
-                 R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } }, "skip" : { "$numberInt" : "4" } })",
-                 ""},
-        QueryRow{
-            "SkipInt64AndNegativeSkip", R"({"$query": {"a": 1}, "$skip": {"$numberLong": "4"}})", R"({})", 0, -1,
-            R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } }, "skip" : { "$numberLong" : "4294967295" } })",
-            ""},
-        QueryRow{
-            "ProjectionAndProjection", R"({"$query": {"a": 1}, "$projection": {"a": 1}})", R"({"b": 0})", 0, 0,
-            R"({ "find" : "c", "filter" : { "a" : { "$numberInt" : "1" } }, "projection" : { "a" : { "$numberInt" : "1" } }, "projection" : { "b" : { "$numberInt" : "0" } } })",
-            ""},
-        QueryRow{"QueryAndPlainKey", R"({"$query": {"a": 1}, "b": 2})", R"({})", 0, 0, "",
-                 R"(runtime_error: Find error.: Cannot mix $query with non-dollar field 'b'(code: 16))"},
-        QueryRow{"PlainKeyBeforeQuery", R"({"$query": {"a": 1}, "!": 2})", R"({})", 0, 0, "",
-                 R"(runtime_error: Find error.: Cannot mix $query with non-dollar field '!'(code: 16))"},
-        QueryRow{"OrderByAndPlainKey", R"({"$query": {"a": 1}, "$orderby": {"b": 1}, "b": 2})", R"({})", 0, 0, "",
-                 R"(runtime_error: Find error.: Cannot mix $query with non-dollar field 'b'(code: 16))"},
-        QueryRow{"OnlyADollar", R"({"$query": {"a": 1}, "$": 2})", R"({})", 0, 0, "",
-                 R"(runtime_error: Find error.: Invalid opts: empty key(code: 16))"},
-        QueryRow{"TwoDollars", R"({"$query": {"a": 1}, "$$b": 2})", R"({})", 0, 0, "",
-                 R"(runtime_error: Find error.: Cannot use $-modifiers in opts: "$b"(code: 16))"},
-        QueryRow{"TwoDollarsAndPlainKey", R"({"$query": {"a": 1}, "$$b": 2, "b": 1})", R"({})", 0, 0, "",
-                 R"(runtime_error: Find error.: Cannot mix $query with non-dollar field 'b'(code: 16))"},
-        QueryRow{"QueryIsANumber", R"({"$query": 1})", R"({})", 0, 0, "", R"(invalid_argument: Bad condition)"},
-        QueryRow{"QueryIsAnArray", R"({"$query": [{"a": 1}]})", R"({})", 0, 0, "",
-                 R"(invalid_argument: Bad condition)"},
-        QueryRow{"BadReadConcern", R"({"$query": {"a": 1}, "$readConcern": 1})", R"({})", 0, 0, "",
-                 R"(runtime_error: Find error.: Invalid readConcern(code: 22))"},
-        QueryRow{"BadServer", R"({"$query": {"a": 1}, "$serverId": "x"})", R"({})", 0, 0, "",
-                 R"(runtime_error: Find error.: The serverId option must be an integer(code: 16))"},
-        QueryRow{"BadSession", R"({"$query": {"a": 1}, "$sessionId": 1})", R"({})", 0, 0, "",
-                 R"(runtime_error: Find error.: Invalid sessionId(code: 22))"}),
+            R"("$orderby": {"b": -1}, "$hint": "a_1", "$maxTimeMS": 2500, "$comment": "why", "$max": {"a": 9}, "$min": {"a": 0}, "$returnKey": true, "$showDiskLoc": true, "$snapshot": true, "$explain": true, "$maxScan": 10, "$readPreference": {"mode": "secondaryPreferred"})",
+            R"("comment" : "why", "explain" : true, "hint" : "a_1", "max" : { "a" : { "$numberInt" : "9" } }, "maxScan" : { "$numberInt" : "10" }, "maxTimeMS" : { "$numberInt" : "2500" }, "min" : { "a" : { "$numberInt" : "0" } }, "sort" : { "b" : { "$numberInt" : "-1" } }, "readPreference" : { "mode" : "secondaryPreferred" }, "returnKey" : true, "showRecordId" : true, "snapshot" : true, "projection" : { "a" : { "$numberInt" : "1" }, "b" : { "$numberInt" : "1" } }, "skip" : { "$numberLong" : "3" }, "limit" : { "$numberLong" : "5" })",
+            5, 3, R"({"a": 1, "b": 1})"),
+        modifier("OrderByAndSort", R"("$orderby": {"b": -1}, "$sort": {"c": 1})",
+                 R"("sort" : { "b" : { "$numberInt" : "-1" } }, "sort" : { "c" : { "$numberInt" : "1" } })"),
+        modifier("BothNamesOfTheRecordId", R"("$showDiskLoc": true, "$showRecordId": false)",
+                 R"("showRecordId" : true, "showRecordId" : false)"),
+        query("ConditionLimit", R"("limit" : { "$numberLong" : "5" })", 5),
+        query("ConditionNegativeLimit", R"("limit" : { "$numberLong" : "2" }, "singleBatch" : true)", -2),
+        query("ConditionSmallestLimit", R"("limit" : { "$numberLong" : "2147483648" }, "singleBatch" : true)",
+              std::numeric_limits<int>::min()),
+        query("ConditionLargestLimit", R"("limit" : { "$numberLong" : "2147483647" })", 2147483647),
+        query("ConditionSkip", R"("skip" : { "$numberLong" : "3" })", 0, 3),
+        query("ConditionNegativeSkip", R"("skip" : { "$numberLong" : "4294967295" })", 0, -1),
+        query("ConditionProjection", R"("projection" : { "b" : { "$numberInt" : "0" } })", 0, 0, R"({"b": 0})"),
+        query(
+            "ConditionLimitSkipProjection",
+            R"("projection" : { "b" : { "$numberInt" : "0" } }, "skip" : { "$numberLong" : "3" }, "limit" : { "$numberLong" : "2" }, "singleBatch" : true)",
+            -2, 3, R"({"b": 0})"),
+        modifier(
+            "OrderByLimitSkipProjection", R"("$orderby": {"b": -1})",
+            R"("sort" : { "b" : { "$numberInt" : "-1" } }, "projection" : { "b" : { "$numberInt" : "0" } }, "skip" : { "$numberLong" : "3" }, "limit" : { "$numberLong" : "5" })",
+            5, 3, R"({"b": 0})"),
+        modifier(
+            "OrderByNegativeLimit", R"("$orderby": {"b": -1})",
+            R"("sort" : { "b" : { "$numberInt" : "-1" } }, "limit" : { "$numberLong" : "5" }, "singleBatch" : true)",
+            -5),
+        modifier("LimitInt64AndLimit", R"("$limit": {"$numberLong": "4"})", R"("limit" : { "$numberLong" : "5" })", 5),
+        modifier("LimitInt32AndLimit", R"("$limit": 4)", R"("limit" : { "$numberInt" : "4" })", 5),
+        modifier("LimitInt64AndNegativeLimit", R"("$limit": {"$numberLong": "4"})",
+                 R"("limit" : { "$numberLong" : "5" }, "singleBatch" : true)", -5),
+        modifier("LimitInt32AndNegativeLimit", R"("$limit": 4)", R"("limit" : { "$numberInt" : "4" })", -5),
+        modifier("SingleBatchAndNegativeLimit", R"("$singleBatch": false)",
+                 R"("singleBatch" : true, "limit" : { "$numberLong" : "5" })", -5),
+        modifier("SingleBatchNumberAndNegativeLimit", R"("$singleBatch": 0)",
+                 R"("singleBatch" : { "$numberInt" : "0" }, "limit" : { "$numberLong" : "5" })", -5),
+        modifier("SkipInt64AndSkip", R"("$skip": {"$numberLong": "4"})", R"("skip" : { "$numberLong" : "5" })", 0, 5),
+        modifier("SkipInt32AndSkip", R"("$skip": 4)", R"("skip" : { "$numberInt" : "4" })", 0, 5),
+        modifier("SkipInt64AndNegativeSkip", R"("$skip": {"$numberLong": "4"})",
+                 R"("skip" : { "$numberLong" : "4294967295" })", 0, -1),
+        modifier("ProjectionAndProjection", R"("$projection": {"a": 1})",
+                 R"("projection" : { "a" : { "$numberInt" : "1" } }, "projection" : { "b" : { "$numberInt" : "0" } })",
+                 0, 0, R"({"b": 0})"),
+        refused("QueryAndPlainKey", R"({"$query": {"a": 1}, "b": 2})",
+                "runtime_error: Find error.: Cannot mix $query with non-dollar field 'b'(code: 16)"),
+        refused("PlainKeyBeforeQuery", R"({"$query": {"a": 1}, "!": 2})",
+                "runtime_error: Find error.: Cannot mix $query with non-dollar field '!'(code: 16)"),
+        refused("OrderByAndPlainKey", R"({"$query": {"a": 1}, "$orderby": {"b": 1}, "b": 2})",
+                "runtime_error: Find error.: Cannot mix $query with non-dollar field 'b'(code: 16)"),
+        refused("OnlyADollar", R"({"$query": {"a": 1}, "$": 2})",
+                "runtime_error: Find error.: Invalid opts: empty key(code: 16)"),
+        refused("TwoDollars", R"({"$query": {"a": 1}, "$$b": 2})",
+                R"(runtime_error: Find error.: Cannot use $-modifiers in opts: "$b"(code: 16))"),
+        refused("TwoDollarsAndPlainKey", R"({"$query": {"a": 1}, "$$b": 2, "b": 1})",
+                "runtime_error: Find error.: Cannot mix $query with non-dollar field 'b'(code: 16)"),
+        refused("QueryIsANumber", R"({"$query": 1})", "invalid_argument: Bad condition"),
+        refused("QueryIsAnArray", R"({"$query": [{"a": 1}]})", "invalid_argument: Bad condition"),
+        refused("BadReadConcern", R"({"$query": {"a": 1}, "$readConcern": 1})",
+                "runtime_error: Find error.: Invalid readConcern(code: 22)"),
+        refused("BadServer", R"({"$query": {"a": 1}, "$serverId": "x"})",
+                "runtime_error: Find error.: The serverId option must be an integer(code: 16)"),
+        refused("BadSession", R"({"$query": {"a": 1}, "$sessionId": 1})",
+                "runtime_error: Find error.: Invalid sessionId(code: 22)")),
     RowName());
 
 } // namespace
