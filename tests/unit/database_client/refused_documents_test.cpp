@@ -121,11 +121,14 @@ TEST_F(RefusedDocument, NestedDollarQueryGoesToTheServer)
     EXPECT_TRUE(reachesTheDriver(findRefusal(query)));
 }
 
+using Client = DataBaseClient;
+using Document = ObjectProperties;
+
 struct DeepRow
 {
     const char* name;
     const char* text;
-    std::function<void(DataBaseClient&, const ObjectProperties&)> call;
+    void (*call)(Client&, const Document&);
 };
 
 void PrintTo(const DeepRow& row, std::ostream* out)
@@ -141,7 +144,8 @@ TEST_P(NestedArgument, IsRefusedBeforeTheDriverExhaustsTheStack)
     for (const int levels : {1001, 20'000})
     {
         const ObjectProperties document = nested(levels);
-        EXPECT_EQ(refusal([&](DataBaseClient& client) { GetParam().call(client, document); }), GetParam().text)
+        EXPECT_EQ(refusal([&](Client& client) { GetParam().call(client, document); }),
+                  std::string("invalid_argument: ") + GetParam().text)
             << levels << " levels";
     }
 }
@@ -158,84 +162,68 @@ const ObjectProperties& empty()
     return document;
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Operations, NestedArgument,
-    testing::Values(DeepRow{"Write", "invalid_argument: Bad properties",
-                            [](DataBaseClient& client, const ObjectProperties& deep) { client.write("d", "c", deep); }},
-                    DeepRow{"WriteWithId", "invalid_argument: Bad properties",
-                            [](DataBaseClient& client, const ObjectProperties& deep) {
-                                std::string id;
-                                client.write("d", "c", deep, id);
-                            }},
-                    DeepRow{"WriteByFullName", "invalid_argument: Bad properties",
-                            [](DataBaseClient& client, const ObjectProperties& deep) { client.write("d.c", deep); }},
-                    DeepRow{"UpdateReplacement", "invalid_argument: Bad properties",
-                            [](DataBaseClient& client, const ObjectProperties& deep) {
-                                client.update("d", "c", empty(), deep, UpdateFlagNone, UpdateCommandReplace);
-                            }},
-                    DeepRow{"UpdateDocument", "invalid_argument: Bad properties",
-                            [](DataBaseClient& client, const ObjectProperties& deep) {
-                                client.update("d", "c", empty(), deep, UpdateFlagNone, UpdateCommandSet);
-                            }},
-                    DeepRow{"UpdateCondition", "invalid_argument: Bad condition",
-                            [](DataBaseClient& client, const ObjectProperties& deep) {
-                                client.update("d", "c", deep, empty(), UpdateFlagNone, UpdateCommandSet);
-                            }},
-                    DeepRow{
-                        "Remove", "invalid_argument: Bad condition",
-                        [](DataBaseClient& client, const ObjectProperties& deep) { client.remove("d", "c", deep); }},
-                    DeepRow{"RemoveByFullName", "invalid_argument: Bad condition",
-                            [](DataBaseClient& client, const ObjectProperties& deep) { client.remove("d.c", deep); }},
-                    DeepRow{"Read", "invalid_argument: Bad condition",
-                            [](DataBaseClient& client, const ObjectProperties& deep) {
-                                std::list<ObjectProperties*> results;
-                                client.read("d", "c", deep, results);
-                            }},
-                    DeepRow{"ReadByFullName", "invalid_argument: Bad condition",
-                            [](DataBaseClient& client, const ObjectProperties& deep) {
-                                std::list<ObjectProperties*> results;
-                                client.read("d.c", deep, results);
-                            }},
-                    DeepRow{"FindCondition", "invalid_argument: Bad condition",
-                            [](DataBaseClient& client, const ObjectProperties& deep) {
-                                std::list<ObjectProperties*> results;
-                                client.find("d", "c", deep, empty(), results, 0, 0);
-                            }},
-                    DeepRow{"FindProjection", "invalid_argument: Bad propjection",
-                            [](DataBaseClient& client, const ObjectProperties& deep) {
-                                std::list<ObjectProperties*> results;
-                                client.find("d", "c", empty(), deep, results, 0, 0);
-                            }},
-                    DeepRow{"Aggregate", "invalid_argument: Bad pipeline",
-                            [](DataBaseClient& client, const ObjectProperties& deep) {
-                                std::list<ObjectProperties*> results;
-                                client.aggregate("d", "c", deep, results);
-                            }},
-                    DeepRow{"AddUserRoles", "invalid_argument: Bad roles.",
-                            [](DataBaseClient& client, const ObjectProperties& deep) {
-                                client.addUser("d", "u", "p", deep, empty());
-                            }},
-                    DeepRow{"AddUserCustomData", "invalid_argument: Bad custom data",
-                            [](DataBaseClient& client, const ObjectProperties& deep) {
-                                client.addUser("d", "u", "p", empty(), deep);
-                            }},
-                    DeepRow{"AddUserWithoutPasswordRoles", "invalid_argument: Bad roles.",
-                            [](DataBaseClient& client, const ObjectProperties& deep) {
-                                client.addUser("d", "u", "", deep, empty());
-                            }},
-                    DeepRow{"AddUserWithoutPasswordCustomData", "invalid_argument: Bad custom data",
-                            [](DataBaseClient& client, const ObjectProperties& deep) {
-                                client.addUser("d", "u", "", empty(), deep);
-                            }},
-                    DeepRow{"UpdateUserRoles", "invalid_argument: Bad roles.",
-                            [](DataBaseClient& client, const ObjectProperties& deep) {
-                                client.updateUser("d", "u", deep, empty());
-                            }},
-                    DeepRow{"UpdateUserCustomData", "invalid_argument: Bad custom data",
-                            [](DataBaseClient& client, const ObjectProperties& deep) {
-                                client.updateUser("d", "u", empty(), deep);
-                            }}),
-    RowName());
+const DeepRow deepRows[] = {
+    {"Write", "Bad properties", [](Client& client, const Document& deep) { client.write("d", "c", deep); }},
+    {"WriteWithId", "Bad properties",
+     [](Client& client, const Document& deep) {
+         std::string id;
+         client.write("d", "c", deep, id);
+     }},
+    {"WriteByFullName", "Bad properties", [](Client& client, const Document& deep) { client.write("d.c", deep); }},
+    {"UpdateReplacement", "Bad properties",
+     [](Client& client, const Document& deep) {
+         client.update("d", "c", empty(), deep, UpdateFlagNone, UpdateCommandReplace);
+     }},
+    {"UpdateDocument", "Bad properties",
+     [](Client& client, const Document& deep) {
+         client.update("d", "c", empty(), deep, UpdateFlagNone, UpdateCommandSet);
+     }},
+    {"UpdateCondition", "Bad condition",
+     [](Client& client, const Document& deep) {
+         client.update("d", "c", deep, empty(), UpdateFlagNone, UpdateCommandSet);
+     }},
+    {"Remove", "Bad condition", [](Client& client, const Document& deep) { client.remove("d", "c", deep); }},
+    {"RemoveByFullName", "Bad condition", [](Client& client, const Document& deep) { client.remove("d.c", deep); }},
+    {"Read", "Bad condition",
+     [](Client& client, const Document& deep) {
+         std::list<ObjectProperties*> results;
+         client.read("d", "c", deep, results);
+     }},
+    {"ReadByFullName", "Bad condition",
+     [](Client& client, const Document& deep) {
+         std::list<ObjectProperties*> results;
+         client.read("d.c", deep, results);
+     }},
+    {"FindCondition", "Bad condition",
+     [](Client& client, const Document& deep) {
+         std::list<ObjectProperties*> results;
+         client.find("d", "c", deep, empty(), results, 0, 0);
+     }},
+    {"FindProjection", "Bad propjection",
+     [](Client& client, const Document& deep) {
+         std::list<ObjectProperties*> results;
+         client.find("d", "c", empty(), deep, results, 0, 0);
+     }},
+    {"Aggregate", "Bad pipeline",
+     [](Client& client, const Document& deep) {
+         std::list<ObjectProperties*> results;
+         client.aggregate("d", "c", deep, results);
+     }},
+    {"AddUserRoles", "Bad roles.",
+     [](Client& client, const Document& deep) { client.addUser("d", "u", "p", deep, empty()); }},
+    {"AddUserCustomData", "Bad custom data",
+     [](Client& client, const Document& deep) { client.addUser("d", "u", "p", empty(), deep); }},
+    {"AddUserWithoutPasswordRoles", "Bad roles.",
+     [](Client& client, const Document& deep) { client.addUser("d", "u", "", deep, empty()); }},
+    {"AddUserWithoutPasswordCustomData", "Bad custom data",
+     [](Client& client, const Document& deep) { client.addUser("d", "u", "", empty(), deep); }},
+    {"UpdateUserRoles", "Bad roles.",
+     [](Client& client, const Document& deep) { client.updateUser("d", "u", deep, empty()); }},
+    {"UpdateUserCustomData", "Bad custom data",
+     [](Client& client, const Document& deep) { client.updateUser("d", "u", empty(), deep); }},
+};
+
+INSTANTIATE_TEST_SUITE_P(Operations, NestedArgument, testing::ValuesIn(deepRows), RowName());
 
 TEST_F(RefusedDocument, UpdateNamesTheDocumentBeforeTheCondition)
 {
