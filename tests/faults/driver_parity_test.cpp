@@ -9,6 +9,7 @@
 #include "database_client.h"
 #include "dbc/results.h"
 #include "object_properties.h"
+#include "pretended_set.h"
 #include "test_server.h"
 #include "thrown_text.h"
 
@@ -148,16 +149,9 @@ Outcomes findsInASetWithADeadMember(const std::string& deadHost, Seeds seeds = S
     WireGateway gateway(TestServer::instance().directUri(), WireGateway::Rewrite::Nothing);
     std::uint16_t deadPort = 0;
     const FileDescriptor reservation = reservePort(deadPort);
-    const std::string primary = "127.0.0.1:" + std::to_string(gateway.port());
+    const std::string primary = hostOf(gateway);
     const std::string dead = deadHost + ":" + std::to_string(deadPort);
-    for (const char* const greeting : {"isMaster", "hello"})
-    {
-        gateway.inject(Fault::replaceReply(R"({"ok": 1, "ismaster": true, "setName": "set", "maxWireVersion": 17,
-            "maxBsonObjectSize": 16777216, "maxMessageSizeBytes": 48000000, "maxWriteBatchSize": 100000, "hosts": [")" +
-                                           primary + R"(", ")" + dead + R"("], "me": ")" + primary + "\"}")
-                           .onCommand(greeting)
-                           .andLater());
-    }
+    pretendSet(gateway, dead);
     std::string uri = withOptions(gateway.uri(), "replicaSet=set&heartbeatFrequencyMS=500");
     if (seeds == Seeds::AllMembers)
         uri.replace(uri.find(primary), primary.size(), primary + "," + dead);

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "connection_options.h"
+#include "pretended_set.h"
 #include "test_server.h"
 #include "tool_process.h"
 
@@ -14,37 +15,28 @@ namespace {
 class Doctor : public testing::Test
 {
 protected:
-    void pretendSetWith(const std::string& otherMember)
-    {
-        const std::string primary = R"({"ok": 1, "ismaster": true, "setName": "set", "maxWireVersion": 17,
-            "maxBsonObjectSize": 16777216, "maxMessageSizeBytes": 48000000, "maxWriteBatchSize": 100000, "hosts": [")" +
-                                    place() + R"(", ")" + otherMember + R"("], "me": ")" + place() + "\"}";
-        for (const char* const handshake : {"isMaster", "hello"})
-            gateway().inject(Fault::replaceReply(primary).onCommand(handshake).andLater());
-    }
-
     static std::string setUri(const std::string& furtherHosts = "")
     {
         std::string uri = gateway().uri();
-        uri.insert(uri.find(place()) + place().size(), furtherHosts);
+        uri.insert(uri.find(host()) + host().size(), furtherHosts);
         return withOptions(uri, "replicaSet=set");
     }
 
     void TearDown() override { gateway().clearFaults(); }
 
     static WireGateway& gateway() { return TestServer::instance().gateway(); }
-    static std::string place() { return "127.0.0.1:" + std::to_string(gateway().port()); }
+    static std::string host() { return hostOf(gateway()); }
 };
 
 TEST_F(Doctor, ReportsAnUnreachableHostAlthoughTheOthersWork)
 {
-    pretendSetWith("127.0.0.1:1");
+    pretendSet(gateway(), "127.0.0.1:1");
     ToolProcess tool({"--uri", setUri(",127.0.0.1:1"), "doctor"});
 
     EXPECT_EQ(tool.wait(), 3) << tool.messages();
 
     const std::string output = tool.output();
-    EXPECT_NE(output.find("ok    port: " + place() + " accepts connections\n"), std::string::npos) << output;
+    EXPECT_NE(output.find("ok    port: " + host() + " accepts connections\n"), std::string::npos) << output;
     EXPECT_NE(output.find("fail  port: 127.0.0.1:1 refuses"), std::string::npos) << output;
     EXPECT_NE(output.find("ok    login: "), std::string::npos) << output;
     EXPECT_EQ(output.find(" lists "), std::string::npos) << output;
@@ -52,20 +44,20 @@ TEST_F(Doctor, ReportsAnUnreachableHostAlthoughTheOthersWork)
 
 TEST_F(Doctor, ReportsAnUnreachableMemberThatTheConnectionStringDoesNotName)
 {
-    pretendSetWith("127.0.0.1:1");
+    pretendSet(gateway(), "127.0.0.1:1");
     ToolProcess tool({"--uri", setUri(), "doctor"});
 
     EXPECT_EQ(tool.wait(), 3) << tool.messages();
 
     const std::string output = tool.output();
-    EXPECT_NE(output.find("ok    member: " + place() + " lists 127.0.0.1:1\n"), std::string::npos) << output;
+    EXPECT_NE(output.find("ok    member: " + host() + " lists 127.0.0.1:1\n"), std::string::npos) << output;
     EXPECT_NE(output.find("fail  port: 127.0.0.1:1 refuses"), std::string::npos) << output;
     EXPECT_NE(output.find("ok    login: "), std::string::npos) << output;
 }
 
 TEST_F(Doctor, ReportsAMemberWhoseNameCannotBeResolved)
 {
-    pretendSetWith("no-such-host.invalid:27017");
+    pretendSet(gateway(), "no-such-host.invalid:27017");
     ToolProcess tool({"--uri", setUri(), "doctor"});
 
     EXPECT_EQ(tool.wait(), 3) << tool.messages();
@@ -80,7 +72,7 @@ TEST_F(Doctor, ReportsAMemberWhoseNameCannotBeResolved)
 
 TEST_F(Doctor, DoesNotAskForMembersIfTheDriverUsesOnlyOneHost)
 {
-    pretendSetWith("no-such-host.invalid:27017");
+    pretendSet(gateway(), "no-such-host.invalid:27017");
     for (const std::string& uri : {gateway().uri(), withOptions(setUri(), "directConnection=true")})
     {
         ToolProcess tool({"--uri", uri, "doctor"});
