@@ -8,6 +8,7 @@
 #include "factories.h"
 #include "object_filter.h"
 #include "object_properties.h"
+#include "thrown_text.h"
 
 #include <gtest/gtest.h>
 
@@ -15,13 +16,14 @@
 #include <list>
 #include <memory>
 #include <sstream>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
 #include <dlfcn.h>
 
 namespace {
+
+using test_support::thrownText;
 
 // Never unloaded: the driver is ended at exit, by code of the library.
 void* library()
@@ -54,21 +56,7 @@ protected:
     std::unique_ptr<DataBaseClient> client;
 };
 
-template <typename Exception>
-std::string textOf(const std::function<void()>& work)
-{
-    try
-    {
-        work();
-    }
-    catch (const Exception& error)
-    {
-        return error.what();
-    }
-    return "nothing was thrown";
-}
-
-const std::string notConnected = "Connection is not established. Run connect before";
+const std::string notConnected = "invalid_argument: Connection is not established. Run connect before";
 
 } // namespace
 
@@ -200,7 +188,7 @@ TEST_F(LoadedLibrary, AClientThatIsNotConnectedRefusesEveryOperation)
         [&] { client->removeFile("db", "fs", "file"); },
     };
     for (const Work& work : works)
-        EXPECT_EQ(textOf<std::invalid_argument>(work), notConnected);
+        EXPECT_EQ(thrownText(work), notConnected);
     EXPECT_TRUE(results.empty());
 }
 
@@ -221,8 +209,8 @@ TEST_F(LoadedLibrary, AClientConnectsAnswersAndDisconnects)
     client->getDatabaseName(name);
     EXPECT_EQ(name, "");
 
-    EXPECT_EQ(textOf<std::invalid_argument>([&] { client->write("", "c", *document); }), "Database name is empty");
-    EXPECT_EQ(textOf<std::runtime_error>([&] { client->connect("no connection string"); }), "Connection failed");
+    EXPECT_EQ(thrownText([&] { client->write("", "c", *document); }), "invalid_argument: Database name is empty");
+    EXPECT_EQ(thrownText([&] { client->connect("no connection string"); }), "runtime_error: Connection failed");
     EXPECT_FALSE(client->isConnected());
     client->disconnect();
 }

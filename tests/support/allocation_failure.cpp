@@ -7,16 +7,12 @@
 
 namespace {
 
-thread_local std::size_t allocationsUntilFailure = 0; // 0: no allocation fails
-thread_local bool failureHappened = false;
+thread_local std::size_t allocationsUntilFailure = 0; // 0: none fails
 thread_local long blocks = 0;
 
 bool failsNow() noexcept
 {
-    if (allocationsUntilFailure == 0 || --allocationsUntilFailure != 0)
-        return false;
-    failureHappened = true;
-    return true;
+    return allocationsUntilFailure > 0 && --allocationsUntilFailure == 0;
 }
 
 void* allocate(std::size_t size)
@@ -56,7 +52,6 @@ long liveBlocks()
 
 FailingAllocation::FailingAllocation(std::size_t number)
 {
-    failureHappened = false;
     allocationsUntilFailure = number;
 }
 
@@ -67,7 +62,7 @@ FailingAllocation::~FailingAllocation()
 
 bool FailingAllocation::happened() const
 {
-    return failureHappened;
+    return allocationsUntilFailure == 0;
 }
 
 } // namespace test_support
