@@ -2,9 +2,8 @@
 // SPDX-License-Identifier: MIT
 
 #include "document_kinds.h"
-#include "driver_texts.h"
+#include "json_text.h"
 #include "object_properties.h"
-#include "properties_to_json.h"
 
 #include <gtest/gtest.h>
 
@@ -14,16 +13,10 @@
 
 namespace {
 
+using test_support::jsonOf;
 using Keys = std::list<std::string>;
 
 const std::string longText = "a text that is long enough for the heap";
-
-std::string textOf(const ObjectProperties& document)
-{
-    std::string text;
-    PropertiesToJson::convert(document, text);
-    return test_support::inWordsOf123(text);
-}
 
 ObjectProperties members()
 {
@@ -54,7 +47,7 @@ TEST(DocumentInclude, CreatesTheGroupAndFillsItWithTheMembers)
 
     document.include("sub", members());
 
-    EXPECT_EQ(textOf(document), R"({ "a" : 1, "sub" : )" + membersText + " }");
+    EXPECT_EQ(jsonOf(document), R"({ "a" : 1, "sub" : )" + membersText + " }");
     EXPECT_EQ(document.type("sub"), static_cast<int>(Group));
     expectSoundTree(document.root());
 }
@@ -68,7 +61,7 @@ TEST(DocumentInclude, AgainReplacesTheMembers)
 
     document.include("sub", other);
 
-    EXPECT_EQ(textOf(document), R"({ "sub" : { "b" : true } })");
+    EXPECT_EQ(jsonOf(document), R"({ "sub" : { "b" : true } })");
 }
 
 TEST(DocumentInclude, KeepsTheKeyOfTheGroup)
@@ -90,7 +83,7 @@ TEST(DocumentInclude, DoesNotChangeTheOtherDocument)
     document.include("sub", other);
     document.setValueInt32("sub/x", 2);
 
-    EXPECT_EQ(textOf(other), membersText);
+    EXPECT_EQ(jsonOf(other), membersText);
     EXPECT_EQ(other.group(), "y");
 }
 
@@ -116,7 +109,7 @@ TEST(DocumentInclude, WithTheEmptyKeyReplacesTheWholeDocument)
 
         document.include(key, members());
 
-        EXPECT_EQ(textOf(document), membersText) << key;
+        EXPECT_EQ(jsonOf(document), membersText) << key;
         EXPECT_EQ(document.root()->key(), "") << key;
     }
 }
@@ -130,7 +123,7 @@ TEST(DocumentInclude, ReplacesAValueOfAnyTypeByAGroup)
 
         document.include("v", members());
 
-        EXPECT_EQ(textOf(document), R"({ "v" : )" + membersText + " }") << kind;
+        EXPECT_EQ(jsonOf(document), R"({ "v" : )" + membersText + " }") << kind;
         EXPECT_EQ(document.type("v"), static_cast<int>(Group)) << kind;
     }
 }
@@ -145,7 +138,7 @@ TEST(DocumentInclude, OfADocumentWhoseRootIsAValueMakesAnEmptyGroupAndReleasesTh
 
         document.include("sub", other);
 
-        EXPECT_EQ(textOf(document), R"({ "sub" : {  } })") << kind;
+        EXPECT_EQ(jsonOf(document), R"({ "sub" : {  } })") << kind;
         EXPECT_EQ(document.type("sub"), static_cast<int>(Group)) << kind;
     }
 }
@@ -162,7 +155,7 @@ TEST(DocumentInclude, OfADocumentWhoseRootIsAnArrayMakesAGroupOfItsElements)
     ObjectProperties document;
     document.include("sub", other);
 
-    EXPECT_EQ(textOf(document), R"({ "sub" : { "0" : 5 } })");
+    EXPECT_EQ(jsonOf(document), R"({ "sub" : { "0" : 5 } })");
 }
 
 TEST(DocumentInclude, WithTheKeyOfAnArrayMakesAGroupOfIt)
@@ -174,7 +167,7 @@ TEST(DocumentInclude, WithTheKeyOfAnArrayMakesAGroupOfIt)
 
     document.include("list", members());
 
-    EXPECT_EQ(textOf(document), R"({ "list" : )" + membersText + " }");
+    EXPECT_EQ(jsonOf(document), R"({ "list" : )" + membersText + " }");
 }
 
 TEST(DocumentInclude, OnAnArrayReplacesAGroupElementWithTheKeyAndOtherwiseAddsOne)
@@ -214,7 +207,7 @@ TEST(DocumentInclude, LeavesACursorInsideTheReplacedMembersOnTheRemovedNode)
 
     EXPECT_EQ(document.valueAsString("v", ""), longText);
     document.beginGroup("");
-    EXPECT_EQ(textOf(document), R"({ "sub" : )" + membersText + " }");
+    EXPECT_EQ(jsonOf(document), R"({ "sub" : )" + membersText + " }");
 }
 
 TEST(DocumentInclude, OfItselfPutsACopyOfTheDocumentIntoTheGroup)
@@ -223,7 +216,7 @@ TEST(DocumentInclude, OfItselfPutsACopyOfTheDocumentIntoTheGroup)
 
     document.include("y", document);
 
-    EXPECT_EQ(textOf(document), R"({ "x" : 1, "y" : )" + membersText + " }");
+    EXPECT_EQ(jsonOf(document), R"({ "x" : 1, "y" : )" + membersText + " }");
     expectSoundTree(document.root());
 }
 
@@ -246,7 +239,7 @@ TEST(DocumentInclude, OfItselfAtTheRootChangesNothing)
 
     document.include("", document);
 
-    EXPECT_EQ(textOf(document), membersText);
+    EXPECT_EQ(jsonOf(document), membersText);
 }
 
 TEST(DocumentInclude, OfItselfUnderAValueKeepsTheTreeConsistent)
@@ -271,8 +264,8 @@ TEST(DocumentExclude, MovesTheSubtreeIntoTheOtherDocument)
 
     document.exclude("sub", other);
 
-    EXPECT_EQ(textOf(document), R"({ "kept" : 1 })");
-    EXPECT_EQ(textOf(other), membersText);
+    EXPECT_EQ(jsonOf(document), R"({ "kept" : 1 })");
+    EXPECT_EQ(jsonOf(other), membersText);
     EXPECT_EQ(other.root()->key(), "");
     expectSoundTree(other.root());
 }
@@ -284,13 +277,13 @@ TEST(DocumentExclude, OfAMissingKeyLeavesBothDocumentsUnchanged)
     other.setValueString("old", longText);
     document.beginGroup("y");
     other.beginGroup("g");
-    const std::string before = textOf(other);
+    const std::string before = jsonOf(other);
 
     for (const char* key : {"missing", "/x/y", "", "/", "z/missing"})
         document.exclude(key, other);
 
-    EXPECT_EQ(textOf(document), membersText);
-    EXPECT_EQ(textOf(other), before);
+    EXPECT_EQ(jsonOf(document), membersText);
+    EXPECT_EQ(jsonOf(other), before);
     EXPECT_EQ(document.group(), "y");
     EXPECT_EQ(other.group(), "g");
 }
@@ -320,7 +313,7 @@ TEST(DocumentExclude, StartsAtTheCursorOrAtTheRoot)
     document.exclude("x", other);
 
     EXPECT_EQ(other.currentValueAsInt32(0), 1);
-    EXPECT_EQ(textOf(document), R"({ "a" : {  } })");
+    EXPECT_EQ(jsonOf(document), R"({ "a" : {  } })");
 }
 
 TEST(DocumentExclude, OfAValueMakesTheOtherDocumentThatValue)
@@ -392,7 +385,7 @@ TEST(DocumentExclude, WithItselfIsReducedToTheSubtree)
 
     document.exclude("/y", document);
 
-    EXPECT_EQ(textOf(document), R"({ "z" : ")" + longText + R"(" })");
+    EXPECT_EQ(jsonOf(document), R"({ "z" : ")" + longText + R"(" })");
     EXPECT_EQ(document.group(), "");
     expectSoundTree(document.root());
 }
@@ -403,7 +396,7 @@ TEST(DocumentExclude, WithItselfAndAMissingKeyChangesNothing)
 
     document.exclude("missing", document);
 
-    EXPECT_EQ(textOf(document), membersText);
+    EXPECT_EQ(jsonOf(document), membersText);
 }
 
 TEST(DocumentExclude, WithItselfAndTheKeyOfAValueIsThatValue)
@@ -443,5 +436,5 @@ TEST(DocumentExclude, ThenIncludeBringsTheSubtreeBack)
     document.exclude("y", other);
     document.include("y", other);
 
-    EXPECT_EQ(textOf(document), membersText);
+    EXPECT_EQ(jsonOf(document), membersText);
 }

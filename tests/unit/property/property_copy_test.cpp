@@ -3,6 +3,7 @@
 
 #include "property.h"
 #include "property_kinds.h"
+#include "tree_text.h"
 
 #include <gtest/gtest.h>
 
@@ -12,6 +13,7 @@
 namespace {
 
 using NodePointer = std::shared_ptr<Property>;
+using test_support::treeText;
 
 NodePointer sampleTree()
 {
@@ -25,18 +27,6 @@ NodePointer sampleTree()
         list->setValueInt32("same key", value);
     root->createProperty("values/String/child of a value")->setValueInt32(3);
     return root;
-}
-
-// Everything below and including a node, but for its own key.
-std::string contentOf(Property& node)
-{
-    std::string text = std::to_string(node.type());
-    for (const ValueKind& kind : valueKinds())
-        text += kind.hasSample(node) ? "=" : "-";
-    text += std::to_string(node.currentValueAsInt32(-1)) + "{";
-    for (const auto& [key, child] : node)
-        text += key + "|" + child->key() + ":" + contentOf(*child) + ",";
-    return text + "}";
 }
 
 void expectParentLinksBelow(const NodePointer& node)
@@ -57,14 +47,14 @@ TEST(PropertyCopy, HasTheWholeContentOfTheSource)
 
     copy->copy(*source);
 
-    EXPECT_EQ(contentOf(*copy), contentOf(*source));
+    EXPECT_EQ(treeText(*copy), treeText(*source));
     expectParentLinksBelow(copy);
 }
 
 TEST(PropertyCopy, SharesNoNodeWithTheSource)
 {
     const NodePointer source = sampleTree();
-    const std::string before = contentOf(*source);
+    const std::string before = treeText(*source);
     const NodePointer copy = Property::create();
     copy->copy(*source);
 
@@ -73,19 +63,19 @@ TEST(PropertyCopy, SharesNoNodeWithTheSource)
     copy->propertyByKey("list")->remove(0);
     copy->createGroup("new");
 
-    EXPECT_EQ(contentOf(*source), before);
+    EXPECT_EQ(treeText(*source), before);
 }
 
 TEST(PropertyCopy, OutlivesTheSource)
 {
     NodePointer source = sampleTree();
-    const std::string expected = contentOf(*source);
+    const std::string expected = treeText(*source);
     const NodePointer copy = Property::create();
     copy->copy(*source);
 
     source.reset();
 
-    EXPECT_EQ(contentOf(*copy), expected);
+    EXPECT_EQ(treeText(*copy), expected);
 }
 
 TEST(PropertyCopy, ReplacesValueAndChildrenOfTheTarget)
@@ -99,7 +89,7 @@ TEST(PropertyCopy, ReplacesValueAndChildrenOfTheTarget)
 
         target->copy(*source);
 
-        EXPECT_EQ(contentOf(*target), contentOf(*source)) << kind;
+        EXPECT_EQ(treeText(*target), treeText(*source)) << kind;
     }
 }
 
@@ -170,12 +160,12 @@ TEST(PropertyCopy, KeepsEqualKeysInTheirOrder)
 TEST(PropertyCopy, OfANodeIntoItselfChangesNothing)
 {
     const NodePointer root = sampleTree();
-    const std::string before = contentOf(*root);
+    const std::string before = treeText(*root);
     const NodePointer member = root->propertyByKey("values");
 
     root->copy(*root);
 
-    EXPECT_EQ(contentOf(*root), before);
+    EXPECT_EQ(treeText(*root), before);
     EXPECT_EQ(root->propertyByKey("values"), member);
     EXPECT_EQ(root->key(), "root key");
 }
@@ -183,12 +173,12 @@ TEST(PropertyCopy, OfANodeIntoItselfChangesNothing)
 TEST(PropertyCopy, OfANodeIntoItsOwnSubtreeIsTheTreeAsItWasBefore)
 {
     const NodePointer root = sampleTree();
-    const std::string before = contentOf(*root);
+    const std::string before = treeText(*root);
     const NodePointer inner = root->propertyByKey("groups/empty");
 
     inner->copy(*root);
 
-    EXPECT_EQ(contentOf(*inner), before);
+    EXPECT_EQ(treeText(*inner), before);
     EXPECT_EQ(root->propertyByKey("groups/empty"), inner);
     EXPECT_EQ(inner->propertyByKey("groups/empty")->childCount(), 0U);
     expectParentLinksBelow(root);
@@ -197,11 +187,11 @@ TEST(PropertyCopy, OfANodeIntoItsOwnSubtreeIsTheTreeAsItWasBefore)
 TEST(PropertyCopy, OfADescendantBecomesThatSubtree)
 {
     const NodePointer root = sampleTree();
-    const std::string expected = contentOf(*root->propertyByKey("values"));
+    const std::string expected = treeText(*root->propertyByKey("values"));
 
     root->copy(*root->propertyByKey("values"));
 
-    EXPECT_EQ(contentOf(*root), expected);
+    EXPECT_EQ(treeText(*root), expected);
     EXPECT_EQ(root->key(), "values");
     expectParentLinksBelow(root);
 }
@@ -222,21 +212,21 @@ TEST(PropertyCopy, OfADeepDescendantThatNothingElseOwnsBecomesThatNode)
 TEST(PropertyCopy, OfASiblingDoesNotChangeTheSibling)
 {
     const NodePointer root = sampleTree();
-    const std::string expected = contentOf(*root->propertyByKey("list"));
+    const std::string expected = treeText(*root->propertyByKey("list"));
 
     root->propertyByKey("groups")->copy(*root->propertyByKey("list"));
 
-    EXPECT_EQ(contentOf(*root->propertyByKey("groups")), expected);
-    EXPECT_EQ(contentOf(*root->propertyByKey("list")), expected);
+    EXPECT_EQ(treeText(*root->propertyByKey("groups")), expected);
+    EXPECT_EQ(treeText(*root->propertyByKey("list")), expected);
 }
 
 TEST(PropertyCopy, KeepsAChildOfTheTargetAliveThatIsOwnedElsewhere)
 {
     const NodePointer target = sampleTree();
     const NodePointer held = target->propertyByKey("values");
-    const std::string before = contentOf(*held);
+    const std::string before = treeText(*held);
 
     target->copy(*Property::create());
 
-    EXPECT_EQ(contentOf(*held), before);
+    EXPECT_EQ(treeText(*held), before);
 }

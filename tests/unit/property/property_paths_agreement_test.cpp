@@ -5,6 +5,7 @@
 // operations for one key, and both must leave the same tree and give the same node.
 
 #include "property.h"
+#include "tree_text.h"
 
 #include <gtest/gtest.h>
 
@@ -17,6 +18,7 @@
 namespace {
 
 using NodePointer = std::shared_ptr<Property>;
+using test_support::treeText;
 
 bool containsStepwise(NodePointer node, const std::list<std::string>& segments)
 {
@@ -76,14 +78,6 @@ std::string placeOf(const NodePointer& root, NodePointer node)
         node = parent;
     }
     return "root" + place;
-}
-
-std::string dump(const Property& node)
-{
-    std::string text = node.key() + ":" + std::to_string(node.type()) + "{";
-    for (const auto& [key, child] : node)
-        text += key + "=" + dump(*child) + ",";
-    return text + "}";
 }
 
 class PathMaker
@@ -154,7 +148,7 @@ TEST(PropertyPathsAgreement, PathOperationsDoWhatTheirSegmentsDoOneByOne)
             const std::string path = make.path();
             const Pair reached = apply(make.below(7), from.fast, from.slow, path);
             ASSERT_EQ(placeOf(fastRoot, reached.fast), placeOf(slowRoot, reached.slow)) << path;
-            ASSERT_EQ(dump(*fastRoot), dump(*slowRoot)) << path;
+            ASSERT_EQ(treeText(*fastRoot), treeText(*slowRoot)) << path;
             // Now and then the next step starts inside the tree; a value may have cut that node off, so not for long.
             const bool goInside = reached.fast && make.below(3) == 0;
             from = goInside ? reached : Pair{fastRoot, slowRoot};
