@@ -58,8 +58,6 @@ protected:
 
 const std::string notConnected = "invalid_argument: Connection is not established. Run connect before";
 
-} // namespace
-
 TEST_F(LoadedLibrary, EveryFactoryCallReturnsANewObject)
 {
     EXPECT_NE(document, create<ObjectProperties>("createObjectProperties"));
@@ -214,3 +212,5 @@ TEST_F(LoadedLibrary, AClientConnectsAnswersAndDisconnects)
     EXPECT_FALSE(client->isConnected());
     client->disconnect();
 }
+
+} // namespace

@@ -53,8 +53,6 @@ using TextPair = std::pair<std::string, std::string>;
 using Texts = std::list<std::string>;
 using Results = std::list<ObjectProperties*>;
 
-} // namespace
-
 TEST(SlotOrder, OfPropertyIsFixedAndHasNoDestructor)
 {
     using P = Property;
@@ -212,3 +210,5 @@ TEST(SlotOrder, OfDataBaseClientIsFixed)
     };
     expectTable("_ZTV14DataBaseClient", operations, behindTheDestructor);
 }
+
+} // namespace

@@ -33,8 +33,6 @@ ObjectProperties nested(int depth)
     return document;
 }
 
-} // namespace
-
 TEST(WritingWithoutMemory, LeavesATargetThatCanBeDestroyed)
 {
     const ObjectProperties document = nested(130);
@@ -103,3 +101,5 @@ TEST(ReadingWithoutMemory, OfJsonReleasesTheObjectsOfTheDriver)
 
     EXPECT_GT(failures, 20U);
 }
+
+} // namespace

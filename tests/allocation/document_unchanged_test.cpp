@@ -53,8 +53,6 @@ ObjectProperties other()
     return document;
 }
 
-} // namespace
-
 TEST(DocumentWithoutMemory, IsNotConstructed)
 {
     const std::size_t failures = failEveryAllocation([] { return 0; }, [](int) { ObjectProperties(); }, [](int) {});
@@ -155,3 +153,5 @@ TEST(DocumentWithoutMemory, KeepsTheValueAtTheCursor)
     for (const Work& work : works)
         EXPECT_GE(failEveryAllocation(onTheText, work, expectText), 1U);
 }
+
+} // namespace

@@ -43,8 +43,6 @@ void checkEveryFailure(Work work)
     EXPECT_GT(failures, 0U);
 }
 
-} // namespace
-
 TEST(FilterWithoutMemory, CanBeAssignedAfterAFailedCondition)
 {
     checkEveryFailure([](auto& f) { f->setFilterString(OperationTypeRegex, longKey, longText, longText); });
@@ -98,3 +96,5 @@ TEST(FilterWithoutMemory, DoesNotChangeTheSourceOfAFailedCopy)
                   [&before](const auto& filter) { EXPECT_EQ(query::of(*filter), before); }),
               0U);
 }
+
+} // namespace

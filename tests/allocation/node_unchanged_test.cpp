@@ -41,8 +41,6 @@ void expectGroupWithMembers(const NodePointer& node)
 class NodeValueWithoutMemory : public testing::TestWithParam<ValueKind>
 {};
 
-} // namespace
-
 TEST_P(NodeValueWithoutMemory, SetOnAGroupLeavesTheGroup)
 {
     failEveryAllocation(
@@ -173,3 +171,5 @@ TEST(TreeWithoutMemory, CreateFailsWithoutANode)
     const std::size_t failures = failEveryAllocation([] { return 0; }, [](int) { Property::create(); }, [](int) {});
     EXPECT_EQ(failures, 1U);
 }
+
+} // namespace

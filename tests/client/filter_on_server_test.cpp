@@ -323,8 +323,6 @@ protected:
     Records m_records;
 };
 
-} // namespace
-
 TEST_P(FilterOnServer, FindsTheDocumentsOfAPlainLoop)
 {
     EXPECT_EQ(numbersFound(query()), expected(true));
@@ -400,3 +398,5 @@ TEST(FilterOnTheWire, IsTheQueryByteForByte)
 }
 
 INSTANTIATE_TEST_SUITE_P(Queries, FilterOnServer, testing::ValuesIn(rows), RowName());
+
+} // namespace

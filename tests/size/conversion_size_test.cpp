@@ -40,8 +40,6 @@ std::vector<std::uint8_t> nestedBytes(int levels)
     return bytes;
 }
 
-} // namespace
-
 TEST_P(DeepConversion, FromBsonAndBackReturnsTheSameBytes)
 {
     test_support::runWithStack(GetParam().bytes, [] {
@@ -113,3 +111,5 @@ TEST(WideConversion, OfAMillionElementsGoesBothWays)
     ASSERT_EQ(document.childCount(), 1000000U);
     EXPECT_EQ(written(document), BsonBytes(bson.get()));
 }
+
+} // namespace

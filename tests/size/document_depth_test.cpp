@@ -44,8 +44,6 @@ int depthOf(const ObjectProperties& document)
     return levels;
 }
 
-} // namespace
-
 TEST_P(DeepDocument, IsWrittenAndReadWithTheCursor)
 {
     test_support::runWithStack(GetParam().bytes, [] { EXPECT_EQ(depthOf(nested()), depth + 1); });
@@ -94,3 +92,5 @@ TEST_P(DeepDocument, IsFreedWhileTheCursorIsAtTheLastLevel)
 }
 
 INSTANTIATE_TEST_SUITE_P(Stacks, DeepDocument, stackRows(), RowName());
+
+} // namespace

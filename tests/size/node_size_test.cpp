@@ -39,8 +39,6 @@ int depthOf(const Property& root)
     return levels;
 }
 
-} // namespace
-
 TEST_P(DeepTree, IsBuiltAndFreed)
 {
     test_support::runWithStack(GetParam().bytes, [] {
@@ -191,3 +189,5 @@ TEST(WideAndDeepTree, IsFreedWhereEveryLevelHasManyMembers)
         EXPECT_TRUE(last.expired());
     });
 }
+
+} // namespace

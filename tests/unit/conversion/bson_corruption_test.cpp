@@ -161,8 +161,6 @@ Bytes sampleBytes()
     return BsonBytes(bson.get()).bytes();
 }
 
-} // namespace
-
 TEST(CorruptBson, UnchangedIsReadInFull)
 {
     const Bytes bytes = sampleBytes();
@@ -276,3 +274,5 @@ TEST(CorruptBson, InsideAGroupStopsThatGroupAndTheRestIsRead)
     EXPECT_EQ(treeText(readBson(borrowed.get())), "Group{\"g\":Group{\"a\":Int32=1},\"z\":Int32=26}");
     expectReadAsFarAsTheDriverGoes(bytes);
 }
+
+} // namespace

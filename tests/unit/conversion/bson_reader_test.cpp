@@ -152,8 +152,6 @@ const BuildBson allSkipped = [](bson_t* b) {
     }
 };
 
-} // namespace
-
 TEST_P(ReadDocument, HasTheElementsOfTheBson)
 {
     const ObjectProperties document = readBuilt(between(GetParam().build));
@@ -394,3 +392,5 @@ TEST(BsonReader, DrivesADocumentThroughItsVirtualOperations)
 
     EXPECT_EQ(recorder.calls, (std::list<std::string>{"a=1", "begin g", "array l", "0=2", "end array", "end"}));
 }
+
+} // namespace

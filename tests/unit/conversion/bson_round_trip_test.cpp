@@ -68,8 +68,6 @@ void fill(ObjectProperties& document, std::mt19937& numbers, int depth)
     }
 }
 
-} // namespace
-
 TEST(BsonRoundTrip, ADocumentComesBackUnchanged)
 {
     for (unsigned seed = 1; seed <= 300; ++seed)
@@ -166,3 +164,5 @@ TEST(BsonRoundTrip, ElementsWithOneKeyComeBackInTheirOrder)
 
     EXPECT_EQ(treeText(roundTrip(document)), treeText(document));
 }
+
+} // namespace

@@ -176,8 +176,6 @@ const WriterRow writerRows[] = {
 };
 // clang-format on
 
-} // namespace
-
 TEST_P(WrittenDocument, EqualsTheBsonOfTheDriverByteForByte)
 {
     ObjectProperties document;
@@ -378,8 +376,6 @@ TEST(BsonWriter, EveryDepthUpToMoreThanServersAcceptIsWritten)
     }
 }
 
-namespace {
-
 // A document that has almost reached the driver's greatest size. Its bytes are never touched but at the end.
 class AlmostFullBson
 {
@@ -413,8 +409,6 @@ private:
     BsonPointer m_bson;
 };
 
-} // namespace
-
 TEST(BsonWriter, WritesWhatFitsAndReturnsTrueIfADocumentIsTooLarge)
 {
     ObjectProperties document;
@@ -432,3 +426,5 @@ TEST(BsonWriter, WritesWhatFitsAndReturnsTrueIfADocumentIsTooLarge)
 
     EXPECT_EQ(bson.length(), before + 7 + 8 + 8);
 }
+
+} // namespace

@@ -141,8 +141,6 @@ const InvalidRow invalidRows[] = {
 };
 // clang-format on
 
-} // namespace
-
 TEST_P(WrittenJson, HasTheLegacyFormatOfTheDriver)
 {
     ObjectProperties document;
@@ -274,3 +272,5 @@ TEST(JsonRoundTrip, KeepsEveryTypeExceptTheWidthOfSmallNumbers)
     ASSERT_TRUE(JsonToProperties::convert(jsonOf(document), &copy));
     EXPECT_EQ(copy.type("int64"), static_cast<int>(Int32));
 }
+
+} // namespace

@@ -113,8 +113,6 @@ void forEveryOperationAndKind(Check check)
     }
 }
 
-} // namespace
-
 TEST_P(FilterCondition, IsWrittenUnderItsKey)
 {
     const auto& [operation, kind] = GetParam();
@@ -390,3 +388,5 @@ TEST(FilterConditions, AreAddedToAnArrayUnderTheirKey)
     EXPECT_EQ(query::of(filter),
               expected({query::list("list", {query::int32("", 2), query::int32("", 3), query::int32("0", 1)})}));
 }
+
+} // namespace

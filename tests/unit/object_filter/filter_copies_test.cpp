@@ -30,8 +30,6 @@ void add(ObjectFilter& filter, int value)
     filter.setFilterInt(OperationTypeEqual, "k", value);
 }
 
-} // namespace
-
 TEST(FilterCopies, AreIndependentWithoutOpenLists)
 {
     ObjectFilter source;
@@ -213,8 +211,6 @@ TEST(FilterCopies, WorkIfTheListOfTheCursorWasRemoved)
     EXPECT_EQ(query::of(copy), expected({query::int32("$or", 1), query::int32("z", 2)}));
 }
 
-namespace {
-
 // One of the calls that build a filter. Groups are opened inside lists only, where a copy stands in them too.
 void randomCall(ObjectFilter& filter, std::mt19937& random, std::vector<char>& open)
 {
@@ -246,8 +242,6 @@ void randomCall(ObjectFilter& filter, std::mt19937& random, std::vector<char>& o
         return filter.setFilterInt(static_cast<OperationType>(pick(11)), key, pick(100));
     }
 }
-
-} // namespace
 
 TEST(FilterCopies, HaveTheQueryOfTheirSourceAtEveryStep)
 {
@@ -284,3 +278,5 @@ TEST(FilterFactory, ReturnsAnEmptyFilterThatTheCallerDeletes)
 
     EXPECT_EQ(query::of(*filter), query::expected({query::int32("a", 1)}));
 }
+
+} // namespace

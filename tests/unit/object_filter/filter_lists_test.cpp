@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+namespace {
+
 using query::Bytes;
 using query::expected;
 
@@ -209,8 +211,6 @@ TEST(FilterLists, WrapTheConditionsOfASubDocumentInside)
         expected({query::list("$or", {query::group("$or", {query::int32("c", 3)}), query::group("sub", {wrapped})})}));
 }
 
-namespace {
-
 // Opens lists, "$and" and "$or" in turn, with one condition before the next one opens.
 void openLists(ObjectFilter& filter, int count)
 {
@@ -257,8 +257,6 @@ query::Query nestedLists(int count)
 class FilterNesting : public testing::TestWithParam<int>
 {};
 
-} // namespace
-
 TEST_P(FilterNesting, PairsEveryEndWithItsList)
 {
     ObjectFilter filter;
@@ -303,3 +301,5 @@ TEST(FilterNesting, OpensTheHundredthListAgainAfterOneIsClosed)
         inner = query::list("$and", {query::group("$and", {inner})});
     EXPECT_EQ(query::of(filter), expected({inner}));
 }
+
+} // namespace

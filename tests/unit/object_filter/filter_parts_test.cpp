@@ -25,8 +25,6 @@ Bytes orElement(const std::string& key, int value)
     return query::group("$or", {query::int32(key, value)});
 }
 
-} // namespace
-
 TEST(FilterInclude, AddsAnElementToAnEmptyList)
 {
     ObjectFilter filter;
@@ -283,3 +281,5 @@ TEST(FilterEmptiness, IsThatOfTheWholeQueryWhereverTheCursorIs)
     EXPECT_FALSE(filter.isEmpty());
     EXPECT_EQ(query::of(filter), expected({query::group("a", {})}));
 }
+
+} // namespace

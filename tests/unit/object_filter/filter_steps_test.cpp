@@ -104,8 +104,6 @@ query::Query queryOf(const ObjectFilterPrivate& filter)
     return query::of(filter.toObjectProeprties());
 }
 
-} // namespace
-
 TEST(FilterSteps, KeepTheirSlotOrder)
 {
     using F = ObjectFilterPrivate;
@@ -375,3 +373,5 @@ TEST(FilterSteps, StayInASubDocumentWhenAFilterIsCopiedOntoItself)
 
     EXPECT_EQ(queryOf(filter), expected({query::group("sub", {query::int32("a", 1)})}));
 }
+
+} // namespace

@@ -31,8 +31,6 @@ Keys visitedKeys(const ObjectProperties& document)
     return keys;
 }
 
-} // namespace
-
 TEST(ChildVisitor, VisitsEveryChildInIndexOrderWithTheCursorOnIt)
 {
     const ObjectProperties document = threeMembers();
@@ -170,3 +168,5 @@ TEST(ChildVisitor, MayBeAFunctionObjectWithState)
 
     EXPECT_EQ(counter.count, 3);
 }
+
+} // namespace

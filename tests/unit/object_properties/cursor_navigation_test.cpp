@@ -27,8 +27,6 @@ std::string wayOut(const ObjectProperties& document)
     return way;
 }
 
-} // namespace
-
 TEST(Cursor, OfANewDocumentIsAtTheRootGroup)
 {
     const ObjectProperties document;
@@ -612,3 +610,5 @@ TEST(Cursor, OnARemovedNodeOutlivesTheDocumentsRoot)
 
     EXPECT_EQ(document.valueAsString("v", ""), "a text that is long enough for the heap");
 }
+
+} // namespace

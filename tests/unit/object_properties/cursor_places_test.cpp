@@ -31,8 +31,6 @@ ObjectProperties sample()
     return document;
 }
 
-} // namespace
-
 TEST(CurrentNode, IsTheRootOfANewDocumentAndThenTheNodeAtTheCursor)
 {
     const ObjectProperties document = sample();
@@ -152,3 +150,5 @@ TEST(CopyWithCursor, OfItselfChangesNothing)
     EXPECT_EQ(document.current(), here);
     EXPECT_EQ(treeText(document), treeText(sample()));
 }
+
+} // namespace

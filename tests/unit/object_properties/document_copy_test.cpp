@@ -46,8 +46,6 @@ std::string dump(const ObjectProperties& document)
     return output.text();
 }
 
-} // namespace
-
 TEST(DocumentCopy, HasTheContentOfTheSourceAndItsCursorAtTheRoot)
 {
     const ObjectProperties source = sample();
@@ -254,3 +252,5 @@ TEST(DocumentPrint, PrintsAnEmptyDocumentAsTwoBraces)
 {
     EXPECT_EQ(dump(ObjectProperties()), "{\n}\n");
 }
+
+} // namespace

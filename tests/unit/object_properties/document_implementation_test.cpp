@@ -11,6 +11,8 @@
 #include <memory>
 #include <type_traits>
 
+namespace {
+
 TEST(DocumentImplementation, HasOnlyTheRootAndTheCursorAsMembers)
 {
     EXPECT_TRUE((std::is_same_v<decltype(ObjectPropertiesPrivate::root), std::shared_ptr<Property>>));
@@ -81,3 +83,5 @@ TEST(DocumentImplementation, ACopyKeepsTheRootNodeAndMovesTheCursorThere)
     EXPECT_EQ(target.valueAsInt32("a/v", 0), 1);
     EXPECT_EQ(source.current->key(), "a");
 }
+
+} // namespace

@@ -38,8 +38,6 @@ void expectSoundTree(const std::shared_ptr<Property>& node)
     }
 }
 
-} // namespace
-
 TEST(DocumentInclude, CreatesTheGroupAndFillsItWithTheMembers)
 {
     ObjectProperties document;
@@ -438,3 +436,5 @@ TEST(DocumentExclude, ThenIncludeBringsTheSubtreeBack)
 
     EXPECT_EQ(jsonOf(document), membersText);
 }
+
+} // namespace

@@ -16,8 +16,6 @@ namespace {
 class DocumentValue : public testing::TestWithParam<DocumentKind>
 {};
 
-} // namespace
-
 TEST_P(DocumentValue, SetByKeyHasItsTypeAndIsReadByKey)
 {
     ObjectProperties document;
@@ -358,3 +356,5 @@ TEST(DocumentRemoval, OfTheNodeAtTheCursorLeavesTheCursorOnIt)
     document.endGroup();
     EXPECT_TRUE(document.isEmpty());
 }
+
+} // namespace

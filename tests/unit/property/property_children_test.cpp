@@ -44,8 +44,6 @@ std::vector<int> valuesOf(const Property& node)
     return values;
 }
 
-} // namespace
-
 TEST(PropertyNode, CreateReturnsANodeWithoutKeyParentTypeAndChildren)
 {
     const NodePointer node = Property::create();
@@ -435,8 +433,6 @@ TEST(PropertyRemoval, ClearMakesAnUndefinedNodeWithItsKeyAndParentKept)
     EXPECT_EQ(node->childCount(), 0U);
 }
 
-namespace {
-
 void addOneChildOfEachKind(Property& node)
 {
     node.createSingleGroup("group 2");
@@ -447,8 +443,6 @@ void addOneChildOfEachKind(Property& node)
     for (const ValueKind& kind : valueKinds())
         kind.set(*node.createSingleProperty(kind.name));
 }
-
-} // namespace
 
 TEST(PropertyChildLists, SortTheChildrenOfAGroupByTheirType)
 {
@@ -511,3 +505,5 @@ TEST(PropertyChildLists, ReturnTheEntryKeyOfValuesAndGroupsAndTheOwnKeyOfArrays)
     EXPECT_EQ(group->childGroups(), Keys{"2"});
     EXPECT_EQ(group->childArrays(), Keys{"elements"});
 }
+
+} // namespace

@@ -38,8 +38,6 @@ void expectParentLinksBelow(const NodePointer& node)
     }
 }
 
-} // namespace
-
 TEST(PropertyCopy, HasTheWholeContentOfTheSource)
 {
     const NodePointer source = sampleTree();
@@ -230,3 +228,5 @@ TEST(PropertyCopy, KeepsAChildOfTheTargetAliveThatIsOwnedElsewhere)
 
     EXPECT_EQ(treeText(*held), before);
 }
+
+} // namespace

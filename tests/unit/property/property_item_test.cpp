@@ -31,8 +31,6 @@ Item itemOfKind(const ValueKind& kind)
 class PropertyItemOfKind : public testing::TestWithParam<ValueKind>
 {};
 
-} // namespace
-
 TEST(PropertyItem, StartsUndefinedAndEmpty)
 {
     Item item;
@@ -324,3 +322,5 @@ TEST(PropertyItem, CopyingAReleasedStringCopiesAnEmptyString)
     EXPECT_EQ(copy->currentValueAsString("default"), "");
     EXPECT_STREQ(copy->textView(), "");
 }
+
+} // namespace

@@ -132,8 +132,6 @@ Pair apply(unsigned operation, const NodePointer& fast, const NodePointer& slow,
     }
 }
 
-} // namespace
-
 TEST(PropertyPathsAgreement, PathOperationsDoWhatTheirSegmentsDoOneByOne)
 {
     for (unsigned seed = 1; seed <= 200; ++seed)
@@ -155,3 +153,5 @@ TEST(PropertyPathsAgreement, PathOperationsDoWhatTheirSegmentsDoOneByOne)
         }
     }
 }
+
+} // namespace

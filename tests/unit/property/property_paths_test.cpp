@@ -64,8 +64,6 @@ NodePointer follow(NodePointer node, const Segments& segments)
     return node;
 }
 
-} // namespace
-
 TEST_P(PropertyPath, IsSplitAtSlashesAndEmptySegmentsAreDropped)
 {
     EXPECT_EQ(Property::create()->splitKey(GetParam().path), GetParam().segments);
@@ -372,3 +370,5 @@ TEST(PropertyPathSetters, ReplaceAGroupByAValue)
     EXPECT_EQ(root->type("a"), static_cast<int>(Int32));
     EXPECT_FALSE(root->contains("a/b"));
 }
+
+} // namespace

@@ -98,8 +98,6 @@ const PrintRow printRows[] = {
 class PrintedEntry : public testing::TestWithParam<PrintRow>
 {};
 
-} // namespace
-
 TEST_P(PrintedEntry, HasIndentationKeyValueAndAComma)
 {
     const NodePointer root = Property::create();
@@ -271,3 +269,5 @@ TEST(PropertyPrint, DoesNotChangeTheTree)
     EXPECT_EQ(root->childCount(), 2U);
     EXPECT_EQ(root->type("u"), static_cast<int>(Undefined));
 }
+
+} // namespace

@@ -44,8 +44,6 @@ NodePointer scalarWithAChild()
 class PropertyValueOfKind : public testing::TestWithParam<ValueKind>
 {};
 
-} // namespace
-
 TEST_P(PropertyValueOfKind, TheSetterSetsTypeAndValue)
 {
     const NodePointer node = Property::create();
@@ -524,3 +522,5 @@ TEST(PropertyViews, AreEmptyForEveryOtherType)
         }
     }
 }
+
+} // namespace
