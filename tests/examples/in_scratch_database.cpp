@@ -5,6 +5,7 @@
 //
 // Runs CMD with one more argument, the address of a database of its own on the server of scripts/with-server, which is
 // dropped with its users when CMD has ended. Ends with CMD's status.
+#include "environment.h"
 #include "mongoc_handles.h"
 #include "test_server.h"
 
@@ -12,7 +13,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <cstdlib>
 #include <cstring>
 #include <iostream>
 #include <stdexcept>
@@ -21,14 +21,6 @@
 #include <vector>
 
 namespace {
-
-std::string variable(const char* name)
-{
-    const char* const value = std::getenv(name);
-    if (value == nullptr)
-        throw std::runtime_error(std::string(name) + " is not set: run this through scripts/with-server");
-    return value;
-}
 
 // The address with another database in it. A user is known to the database that the address named before.
 std::string withDatabase(const std::string& address, const std::string& database)
@@ -40,7 +32,7 @@ std::string withDatabase(const std::string& address, const std::string& database
     const std::size_t path = address.find_first_of("/?", host);
     const std::size_t question = address.find('?', host);
     std::string options = question == std::string::npos ? "" : address.substr(question + 1);
-    if (mongoc_uri_get_username(uri.get()) != nullptr && options.find("authSource=") == std::string::npos)
+    if (mongoc_uri_get_username(uri.get()) && options.find("authSource=") == std::string::npos)
         options += (options.empty() ? "" : "&") + std::string("authSource=") + mongoc_uri_get_auth_source(uri.get());
     return address.substr(0, path) + "/" + database + (options.empty() ? "" : "?" + options);
 }
@@ -48,7 +40,7 @@ std::string withDatabase(const std::string& address, const std::string& database
 int run(char** command, std::string address)
 {
     std::vector<char*> arguments;
-    for (; *command != nullptr; ++command)
+    for (; *command; ++command)
         arguments.push_back(*command);
     arguments.push_back(address.data());
     arguments.push_back(nullptr);
@@ -77,7 +69,8 @@ try
         return 2;
     }
     const bool auth = std::strcmp(argv[1], "auth") == 0;
-    const std::string address = variable(auth ? "DATABASE_CLIENT_TEST_AUTH_URI" : "DATABASE_CLIENT_TEST_URI");
+    const std::string address =
+        test_support::requiredVariable(auth ? "DATABASE_CLIENT_TEST_AUTH_URI" : "DATABASE_CLIENT_TEST_URI");
     const test_support::ScratchDatabase database(address);
     return run(argv + 2, withDatabase(address, database.name()));
 }

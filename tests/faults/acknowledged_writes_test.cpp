@@ -8,7 +8,7 @@
 #include "connection_options.h"
 #include "database_client.h"
 #include "dbc/results.h"
-#include "environment_number.h"
+#include "environment.h"
 #include "object_properties.h"
 #include "test_server.h"
 #include "thrown_text.h"

@@ -6,7 +6,7 @@
 
 #include "dbc/collection.h"
 #include "dbc/file_store.h"
-#include "environment_number.h"
+#include "environment.h"
 #include "test_server.h"
 
 #include <gtest/gtest.h>

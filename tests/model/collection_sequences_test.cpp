@@ -8,7 +8,7 @@
 
 #include "comparison.h"
 #include "dbc/collection.h"
-#include "environment_number.h"
+#include "environment.h"
 #include "sequences.h"
 #include "shared_client.h"
 

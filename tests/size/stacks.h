@@ -3,7 +3,7 @@
 
 #pragma once
 
-#include "environment_number.h"
+#include "environment.h"
 #include "row_name.h"
 #include "small_stack.h"
 

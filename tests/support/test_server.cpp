@@ -3,6 +3,7 @@
 
 #include "test_server.h"
 
+#include "environment.h"
 #include "spawn_settings.h"
 
 #include <poll.h>
@@ -25,14 +26,6 @@
 
 namespace test_support {
 namespace {
-
-std::string required(const char* variable)
-{
-    const char* value = std::getenv(variable);
-    if (!value || *value == '\0')
-        throw std::runtime_error(std::string(variable) + " is not set: run the tests through scripts/with-server");
-    return value;
-}
 
 [[noreturn]] void fail(const std::string& what, const bson_error_t& error)
 {
@@ -65,7 +58,7 @@ ClientHandle openClient(const std::string& address)
 /// @param address  address of the server that DATABASE_CLIENT_TEST_SERVER describes
 ServerKind kindOf(const std::string& address)
 {
-    const std::string named = required("DATABASE_CLIENT_TEST_SERVER");
+    const std::string named = requiredVariable("DATABASE_CLIENT_TEST_SERVER");
     if (named == "given")
         return serverKindAt(address);
     return named == "ferretdb" ? ServerKind::FerretDbV1 : ServerKind::MongoDb;
@@ -116,9 +109,9 @@ TestServer& TestServer::instance()
 }
 
 TestServer::TestServer()
-    : m_directUri(required("DATABASE_CLIENT_TEST_URI")), m_directAuthUri(required("DATABASE_CLIENT_TEST_AUTH_URI")),
-      m_kind(kindOf(m_directUri)), m_gateway(m_directUri, rewriteFor(m_kind)),
-      m_authGateway(m_directAuthUri, rewriteFor(m_kind))
+    : m_directUri(requiredVariable("DATABASE_CLIENT_TEST_URI")),
+      m_directAuthUri(requiredVariable("DATABASE_CLIENT_TEST_AUTH_URI")), m_kind(kindOf(m_directUri)),
+      m_gateway(m_directUri, rewriteFor(m_kind)), m_authGateway(m_directAuthUri, rewriteFor(m_kind))
 {}
 
 ScratchDatabase::ScratchDatabase() : ScratchDatabase(TestServer::instance().directUri()) {}
@@ -241,7 +234,7 @@ ServerProcess::ServerProcess() : ServerProcess(Tls()) {}
 
 ServerProcess::ServerProcess(Tls tls) : m_tls(std::move(tls)), m_reservation(reservePort(m_port))
 {
-    required("DATABASE_CLIENT_TEST_SERVER_BINARY");
+    requiredVariable("DATABASE_CLIENT_TEST_SERVER_BINARY");
     std::string directory = (std::filesystem::temp_directory_path() / "database_client-own-server.XXXXXX").string();
     if (!::mkdtemp(directory.data()))
         throw std::system_error(errno, std::generic_category(), "cannot make a directory for a server");
@@ -270,10 +263,10 @@ WireGateway::Rewrite ServerProcess::rewrite() const
 
 std::vector<std::string> ServerProcess::commandLine() const
 {
-    const std::string program = required("DATABASE_CLIENT_TEST_SERVER_BINARY");
+    const std::string program = requiredVariable("DATABASE_CLIENT_TEST_SERVER_BINARY");
     const std::string port = std::to_string(m_port);
     std::vector<std::string> line{"setpriv", "--pdeathsig", "KILL", program};
-    if (required("DATABASE_CLIENT_TEST_SERVER") == "mongod")
+    if (requiredVariable("DATABASE_CLIENT_TEST_SERVER") == "mongod")
     {
         line.insert(line.end(),
                     {"--dbpath", m_directory + "/data", "--bind_ip", "127.0.0.1", "--port", port, "--nounixsocket"});
@@ -345,9 +338,9 @@ void ServerProcess::stop()
 {
     if (m_process < 0)
         return;
-    // SIGTERM for mongod, because it writes its journal with a delay. FerretDB writes its file at once, and would wait
-    // three seconds for open connections to end.
-    ::kill(m_process, required("DATABASE_CLIENT_TEST_SERVER") == "mongod" ? SIGTERM : SIGKILL);
+    // mongod writes its journal with a delay. FerretDB has everything in its file at once, and would wait three seconds
+    // for open connections to end.
+    ::kill(m_process, requiredVariable("DATABASE_CLIENT_TEST_SERVER") == "mongod" ? SIGTERM : SIGKILL);
     int status = 0;
     while (::waitpid(m_process, &status, 0) < 0 && errno == EINTR)
     {}

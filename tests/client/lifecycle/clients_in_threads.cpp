@@ -4,6 +4,7 @@
 // After the first client was made, every thread makes and uses one of its own.
 
 #include "database_client.h"
+#include "dbc/results.h"
 #include "driver_calls.h"
 #include "server.h"
 
@@ -26,9 +27,8 @@ int main()
             client.connect(serverUri());
             for (int round = 0; round < 5; ++round)
             {
-                std::list<ObjectProperties*> results;
+                dbc::Results results;
                 client.read("lifecycle", "missing", ObjectProperties(), results);
-                deleteAll(results);
             }
             ++finished;
         });

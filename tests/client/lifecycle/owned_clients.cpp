@@ -4,6 +4,7 @@
 // Clients of the program's own, deleted before it ends.
 
 #include "database_client.h"
+#include "dbc/results.h"
 #include "driver_calls.h"
 #include "factories.h"
 #include "server.h"
@@ -17,9 +18,8 @@ int main()
     {
         const std::unique_ptr<DataBaseClient> client(createDataBaseClient());
         client->connect(serverUri());
-        std::list<ObjectProperties*> results;
+        dbc::Results results;
         client->read("lifecycle", "missing", ObjectProperties(), results);
-        deleteAll(results);
     }
     return driver_calls::liveClients() == 0 ? 0 : 1;
 }

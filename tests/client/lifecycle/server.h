@@ -3,24 +3,12 @@
 
 #pragma once
 
-#include "object_properties.h"
+#include "environment.h"
 
-#include <cstdlib>
-#include <list>
 #include <string>
 
-/// The server that scripts/with-server put into the environment; ends the program where there is none.
+/// The server that scripts/with-server put into the environment.
 inline std::string serverUri()
 {
-    const char* const uri = std::getenv("DATABASE_CLIENT_TEST_URI");
-    if (!uri)
-        std::abort();
-    return uri;
-}
-
-inline void deleteAll(std::list<ObjectProperties*>& results)
-{
-    for (const ObjectProperties* const document : results)
-        delete document;
-    results.clear();
+    return test_support::requiredVariable("DATABASE_CLIENT_TEST_URI");
 }

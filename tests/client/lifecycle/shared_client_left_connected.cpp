@@ -4,6 +4,7 @@
 // The shared client is the first one made, and nobody disconnects it.
 
 #include "database_client.h"
+#include "dbc/results.h"
 #include "driver_calls.h"
 #include "server.h"
 
@@ -12,8 +13,7 @@ int main()
     driver_calls::expect(1, 1);
     DataBaseClient& client = *DataBaseClient::instance();
     client.connect(serverUri());
-    std::list<ObjectProperties*> results;
+    dbc::Results results;
     client.read("lifecycle", "missing", ObjectProperties(), results);
-    deleteAll(results);
     return client.isConnected() ? 0 : 1;
 }
