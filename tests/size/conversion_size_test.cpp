@@ -5,7 +5,7 @@
 #include "json_to_properties.h"
 #include "little_endian.h"
 #include "properties_to_json.h"
-#include "stacks.h"
+#include "small_stack.h"
 
 #include <gtest/gtest.h>
 
@@ -15,9 +15,6 @@
 #include <vector>
 
 namespace {
-
-class DeepConversion : public testing::TestWithParam<StackRow>
-{};
 
 const int depth = many();
 
@@ -40,9 +37,9 @@ std::vector<std::uint8_t> nestedBytes(int levels)
     return bytes;
 }
 
-TEST_P(DeepConversion, FromBsonAndBackReturnsTheSameBytes)
+TEST(DeepConversion, FromBsonAndBackReturnsTheSameBytes)
 {
-    test_support::runWithStack(GetParam().bytes, [] {
+    runOnSmallStack([] {
         const std::vector<std::uint8_t> bytes = nestedBytes(depth);
         const test_support::BorrowedBson bson(bytes);
         ASSERT_TRUE(bson.isValid());
@@ -54,9 +51,9 @@ TEST_P(DeepConversion, FromBsonAndBackReturnsTheSameBytes)
     });
 }
 
-TEST_P(DeepConversion, ToJsonEndsWhereTheDriverDoes)
+TEST(DeepConversion, ToJsonEndsWhereTheDriverDoes)
 {
-    test_support::runWithStack(GetParam().bytes, [] {
+    runOnSmallStack([] {
         const ObjectProperties document = readBson(test_support::BorrowedBson(nestedBytes(depth)).get());
         std::string json;
 
@@ -66,9 +63,9 @@ TEST_P(DeepConversion, ToJsonEndsWhereTheDriverDoes)
     });
 }
 
-TEST_P(DeepConversion, FromJsonDeeperThanTheDriverReadsIsRefused)
+TEST(DeepConversion, FromJsonDeeperThanTheDriverReadsIsRefused)
 {
-    test_support::runWithStack(GetParam().bytes, [] {
+    runOnSmallStack([] {
         const auto levels = static_cast<std::size_t>(depth);
         std::string groups;
         for (std::size_t level = 0; level < levels; ++level)
@@ -82,8 +79,6 @@ TEST_P(DeepConversion, FromJsonDeeperThanTheDriverReadsIsRefused)
         }
     });
 }
-
-INSTANTIATE_TEST_SUITE_P(Stacks, DeepConversion, stackRows(), RowName());
 
 TEST(WideConversion, OfAMillionFieldsGoesBothWays)
 {

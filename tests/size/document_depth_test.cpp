@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "object_properties.h"
-#include "stacks.h"
+#include "small_stack.h"
 
 #include <gtest/gtest.h>
 
@@ -11,9 +11,6 @@
 #include <utility>
 
 namespace {
-
-class DeepDocument : public testing::TestWithParam<StackRow>
-{};
 
 const int depth = many();
 
@@ -44,14 +41,14 @@ int depthOf(const ObjectProperties& document)
     return levels;
 }
 
-TEST_P(DeepDocument, IsWrittenAndReadWithTheCursor)
+TEST(DeepDocument, IsWrittenAndReadWithTheCursor)
 {
-    test_support::runWithStack(GetParam().bytes, [] { EXPECT_EQ(depthOf(nested()), depth + 1); });
+    runOnSmallStack([] { EXPECT_EQ(depthOf(nested()), depth + 1); });
 }
 
-TEST_P(DeepDocument, IsCopiedMovedAndAssigned)
+TEST(DeepDocument, IsCopiedMovedAndAssigned)
 {
-    test_support::runWithStack(GetParam().bytes, [] {
+    runOnSmallStack([] {
         ObjectProperties document = nested();
         ObjectProperties copy(document);
         copy = document;
@@ -62,9 +59,9 @@ TEST_P(DeepDocument, IsCopiedMovedAndAssigned)
     });
 }
 
-TEST_P(DeepDocument, IsIncludedAndExcluded)
+TEST(DeepDocument, IsIncludedAndExcluded)
 {
-    test_support::runWithStack(GetParam().bytes, [] {
+    runOnSmallStack([] {
         const ObjectProperties document = nested();
         ObjectProperties outer;
         outer.include("a/b/c", document);
@@ -80,9 +77,9 @@ TEST_P(DeepDocument, IsIncludedAndExcluded)
     });
 }
 
-TEST_P(DeepDocument, IsFreedWhileTheCursorIsAtTheLastLevel)
+TEST(DeepDocument, IsFreedWhileTheCursorIsAtTheLastLevel)
 {
-    test_support::runWithStack(GetParam().bytes, [] {
+    runOnSmallStack([] {
         ObjectProperties document = nested();
         while (document.beginObject(0))
         {}
@@ -90,7 +87,5 @@ TEST_P(DeepDocument, IsFreedWhileTheCursorIsAtTheLastLevel)
         EXPECT_EQ(document.key(), "v");
     });
 }
-
-INSTANTIATE_TEST_SUITE_P(Stacks, DeepDocument, stackRows(), RowName());
 
 } // namespace

@@ -9,7 +9,7 @@
 #include "object_filter.h"
 #include "object_properties.h"
 #include "properties_to_bson.h"
-#include "stacks.h"
+#include "small_stack.h"
 
 #include <gtest/gtest.h>
 

@@ -3,7 +3,7 @@
 
 #include "captured_output.h"
 #include "property.h"
-#include "stacks.h"
+#include "small_stack.h"
 
 #include <gtest/gtest.h>
 
@@ -14,9 +14,6 @@
 namespace {
 
 using NodePointer = std::shared_ptr<Property>;
-
-class DeepTree : public testing::TestWithParam<StackRow>
-{};
 
 const int depth = many();
 
@@ -39,9 +36,9 @@ int depthOf(const Property& root)
     return levels;
 }
 
-TEST_P(DeepTree, IsBuiltAndFreed)
+TEST(DeepTree, IsBuiltAndFreed)
 {
-    test_support::runWithStack(GetParam().bytes, [] {
+    runOnSmallStack([] {
         NodePointer root = nested(depth);
         EXPECT_EQ(depthOf(*root), depth);
         const std::weak_ptr<Property> child = root->begin()->second;
@@ -50,9 +47,9 @@ TEST_P(DeepTree, IsBuiltAndFreed)
     });
 }
 
-TEST_P(DeepTree, OfAMillionLevelsIsCopiedAndFreed)
+TEST(DeepTree, OfAMillionLevelsIsCopiedAndFreed)
 {
-    test_support::runWithStack(GetParam().bytes, [] {
+    runOnSmallStack([] {
         constexpr int million = 1000000;
         const NodePointer root = nested(million);
         const NodePointer copy = Property::create();
@@ -61,9 +58,9 @@ TEST_P(DeepTree, OfAMillionLevelsIsCopiedAndFreed)
     });
 }
 
-TEST_P(DeepTree, IsCopiedOverAnotherOne)
+TEST(DeepTree, IsCopiedOverAnotherOne)
 {
-    test_support::runWithStack(GetParam().bytes, [] {
+    runOnSmallStack([] {
         const NodePointer root = nested(depth);
         const NodePointer copy = nested(depth / 2);
         copy->copy(*root);
@@ -71,9 +68,9 @@ TEST_P(DeepTree, IsCopiedOverAnotherOne)
     });
 }
 
-TEST_P(DeepTree, IsReplacedByItsOwnSubtreeAndGrowsByItsOwnCopy)
+TEST(DeepTree, IsReplacedByItsOwnSubtreeAndGrowsByItsOwnCopy)
 {
-    test_support::runWithStack(GetParam().bytes, [] {
+    runOnSmallStack([] {
         const NodePointer root = nested(depth);
         root->copy(*root->childByIndex(0));
         EXPECT_EQ(depthOf(*root), depth - 1);
@@ -82,9 +79,9 @@ TEST_P(DeepTree, IsReplacedByItsOwnSubtreeAndGrowsByItsOwnCopy)
     });
 }
 
-TEST_P(DeepTree, IsFreedByEveryOperationThatDropsChildren)
+TEST(DeepTree, IsFreedByEveryOperationThatDropsChildren)
 {
-    test_support::runWithStack(GetParam().bytes, [] {
+    runOnSmallStack([] {
         const NodePointer root = Property::create();
         root->createGroup("0")->copy(*nested(depth));
         root->createGroup("1")->copy(*nested(depth));
@@ -98,9 +95,9 @@ TEST_P(DeepTree, IsFreedByEveryOperationThatDropsChildren)
     });
 }
 
-TEST_P(DeepTree, IsFreedExceptForNodesThatAreOwnedElsewhere)
+TEST(DeepTree, IsFreedExceptForNodesThatAreOwnedElsewhere)
 {
-    test_support::runWithStack(GetParam().bytes, [] {
+    runOnSmallStack([] {
         NodePointer root = nested(depth);
         NodePointer held = root;
         for (int level = 0; level < depth / 2; ++level)
@@ -110,9 +107,9 @@ TEST_P(DeepTree, IsFreedExceptForNodesThatAreOwnedElsewhere)
     });
 }
 
-TEST_P(DeepTree, IsCreatedAndFoundByItsPath)
+TEST(DeepTree, IsCreatedAndFoundByItsPath)
 {
-    test_support::runWithStack(GetParam().bytes, [] {
+    runOnSmallStack([] {
         std::string path;
         for (int level = 0; level < depth; ++level)
             path += "/g";
@@ -124,9 +121,9 @@ TEST_P(DeepTree, IsCreatedAndFoundByItsPath)
     });
 }
 
-TEST_P(DeepTree, IsPrinted)
+TEST(DeepTree, IsPrinted)
 {
-    test_support::runWithStack(GetParam().bytes, [] {
+    runOnSmallStack([] {
         const NodePointer root = nested(depth);
         test_support::CapturedOutput output;
         // A negative start level, so that no line is indented. Otherwise the output would not fit in memory.
@@ -138,8 +135,6 @@ TEST_P(DeepTree, IsPrinted)
         EXPECT_EQ(text.substr(text.size() - 6), "],\n},\n");
     });
 }
-
-INSTANTIATE_TEST_SUITE_P(Stacks, DeepTree, stackRows(), RowName());
 
 TEST(WideTree, OfAMillionMembersIsBuiltReadCopiedAndFreed)
 {
@@ -175,7 +170,7 @@ TEST(WideTree, OfAMillionElementsWithOneKeyKeepsTheirOrder)
 
 TEST(WideAndDeepTree, IsFreedWhereEveryLevelHasManyMembers)
 {
-    test_support::runWithStack(256U << 10U, [] {
+    runOnSmallStack([] {
         NodePointer root = Property::create();
         Property* node = root.get();
         for (int level = 0; level < 2000; ++level)

@@ -16,8 +16,7 @@ namespace {
 
 using dbc::Value;
 
-constexpr int levels = 1000001; // an odd number, so that the outermost level is an object
-constexpr std::size_t stackSize = 256 * 1024;
+constexpr int levels = 1000001; // an odd number: the outermost is an object
 
 Value deep(int depth)
 {
@@ -39,7 +38,7 @@ Value deep(int depth)
 
 TEST(ValueDepth, IsLimitedByMemoryOnly)
 {
-    test_support::runWithStack(stackSize, [] {
+    runOnSmallStack([] {
         const Value value = deep(levels);
         Value copied;
         copied = value;
@@ -53,7 +52,7 @@ TEST(ValueDepth, IsLimitedByMemoryOnly)
 
 TEST(ValueDepth, OfDocumentsIsLimitedByMemoryOnly)
 {
-    test_support::runWithStack(stackSize, [] {
+    runOnSmallStack([] {
         const Value value = {{"root", deep(100000)}};
         EXPECT_TRUE(Value::fromProperties(value.toProperties()) == value);
     });
@@ -61,7 +60,7 @@ TEST(ValueDepth, OfDocumentsIsLimitedByMemoryOnly)
 
 TEST(ValueDepth, OfScopesIsLimitedByMemoryOnly)
 {
-    test_support::runWithStack(stackSize, [] {
+    runOnSmallStack([] {
         Value value;
         for (int level = 0; level < 300; ++level)
             value = Value({{"code", dbc::CodeWithScope{"f()", std::move(value)}}});
@@ -72,7 +71,7 @@ TEST(ValueDepth, OfScopesIsLimitedByMemoryOnly)
 
 TEST(ValueDepth, OfMalformedBytesNeedsNoStack)
 {
-    test_support::runWithStack(stackSize, [] {
+    runOnSmallStack([] {
         std::vector<std::uint8_t> bytes = deep(100001).toBson();
         bytes[bytes.size() / 2 - 4] = 0x55;
         EXPECT_THROW(static_cast<void>(Value::fromBson(bytes.data(), bytes.size())), dbc::FormatError);

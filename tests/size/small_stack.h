@@ -3,17 +3,24 @@
 
 #pragma once
 
+#include "environment.h"
+
 #include <cstddef>
 #include <stdexcept>
 
 #include <pthread.h>
 
-namespace test_support {
-
-/// Runs @p work in a thread with a stack of this number of bytes. A stack overflow ends the process.
-template <typename Work>
-void runWithStack(std::size_t bytes, Work work)
+/// Levels, fields or elements. scripts/soak asks for a million.
+inline int many()
 {
+    return static_cast<int>(test_support::environmentNumber("DATABASE_CLIENT_TEST_SIZE", 100000));
+}
+
+/// Runs @p work to its end in a thread with a stack of 256 KiB, which a recursion soon exhausts: that ends the process.
+template <typename Work>
+void runOnSmallStack(Work work)
+{
+    constexpr std::size_t bytes = 256U << 10U;
     pthread_attr_t attributes;
     pthread_attr_init(&attributes);
     pthread_t thread{};
@@ -28,5 +35,3 @@ void runWithStack(std::size_t bytes, Work work)
         throw std::runtime_error("no thread with a stack of this size");
     pthread_join(thread, nullptr);
 }
-
-} // namespace test_support
