@@ -154,7 +154,7 @@ const test_support::AllocatingOperation<Setting> operations[] = {
          s.update.arrayFilters.clear();
          s.collection.updateMany(s.filter, s.change, s.update);
      }},
-    // The server of the tests has no array filters.
+    // Fails because the test server does not support array filters.
     {"updateThatFails", [](Setting& s) { thrownText([&] { s.collection.updateOne(s.filter, s.change, s.update); }); }},
     {"replaceOne", [](Setting& s) { s.collection.replaceOne(s.filter, s.document); }},
     {"removeOne", [](Setting& s) { s.collection.removeOne(s.filter); }},

@@ -43,7 +43,7 @@ struct BulkRow
     const char* command;
     std::size_t number;
     Fault fault;
-    // What the error tells.
+    // Expected contents of the error.
     ErrorKind kind;
     bool mayRetry;
     std::vector<IndexAndCode> errors;
@@ -228,7 +228,7 @@ TEST_F(UnorderedBulkFault, ReportsTheIdsBesideARefusedOne)
     EXPECT_EQ(error.errors()[0].kind, ErrorKind::DuplicateKey);
 }
 
-// The driver counts two inserts and does not say of which command.
+// The driver reports that two documents were inserted, but not by which command.
 TEST_F(UnorderedBulkFault, ReportsTheIdsOfTheCommandThatWasNotRefused)
 {
     Bulk bulk;

@@ -41,7 +41,7 @@ std::string everythingSaid(Call call)
     return said + testing::internal::GetCapturedStdout() + testing::internal::GetCapturedStderr();
 }
 
-// Host and port of the gateway before the server that wants authentication.
+// Returns host and port of the gateway to the server with authentication.
 std::string authHost()
 {
     return "127.0.0.1:" + std::to_string(TestServer::instance().authGateway().port());

@@ -206,7 +206,7 @@ TEST_F(ServerRestart, MakesEveryOperationThrowItsOwnExceptionWhileTheServerIsDow
     EXPECT_TRUE(client.isConnected());
 }
 
-// No clock is read: the server never answers, so only the limit of the connection string can end the operation.
+// Measures no time: the server never replies, so only the socket timeout can end the operation.
 TEST_F(ServerRestart, EndsAnOperationAtTheServerSelectionTimeoutIfNothingAccepts)
 {
     WireGateway gateway(m_server->uri(), m_server->rewrite());

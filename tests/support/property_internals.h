@@ -12,7 +12,7 @@ struct RevealMember
     friend typename Tag::Member revealed(Tag /*tag*/) { return Pointer; }
 };
 
-/// The kind that an item stores.
+/// The stored type of an item.
 struct StoredKind
 {
     using Member = PropertyType Property::PropertyItem::*;

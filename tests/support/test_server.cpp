@@ -338,8 +338,8 @@ void ServerProcess::stop()
 {
     if (m_process < 0)
         return;
-    // mongod writes its journal with a delay. FerretDB has everything in its file at once, and would wait three seconds
-    // for open connections to end.
+    // SIGTERM for mongod, because it writes its journal with a delay. FerretDB writes its file at once, and would wait
+    // three seconds for open connections to end.
     ::kill(m_process, requiredVariable("DATABASE_CLIENT_TEST_SERVER") == "mongod" ? SIGTERM : SIGKILL);
     int status = 0;
     while (::waitpid(m_process, &status, 0) < 0 && errno == EINTR)

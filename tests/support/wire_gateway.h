@@ -70,11 +70,11 @@ public:
     /// Cuts the reply to @p bytes, at least 16, and sets the length in the header to it. The message then ends inside
     /// its document.
     static Fault shortenReply(std::size_t bytes);
-    /// These bytes, whatever they are, and nothing else.
+    /// Replaces the whole reply by these bytes.
     static Fault rawReply(Bytes bytes);
     /// Calls @p change with the whole reply, header included. The call is in a thread of the gateway.
     static Fault changeReply(std::function<void(Bytes&)> change);
-    /// The reply is kept until releaseReplies() or until the client gives up.
+    /// Holds the reply until releaseReplies() is called or the client closes the connection.
     static Fault holdReply();
 
     /// Affects only commands with this name, also if they are handshakes.

@@ -84,7 +84,7 @@ TEST_F(FileCommand, OfAWriteOfSixtyFourMebibytesCarriesEveryByteOnce)
 {
     const std::string text = patternText(64U * 1024 * 1024);
     const ScratchFolder folder;
-    // Answered here: some servers take a time that grows with the square of the number of chunks.
+    // The gateway replies, because some servers need time proportional to the square of the number of chunks.
     gateway().inject(Fault::answer(R"({"ok": 1, "n": 1, "nModified": 1})").onCommand("update").andLater());
 
     client().writeFile(database(), "fs", "large", folder.write("large", text));
