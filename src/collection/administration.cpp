@@ -10,9 +10,17 @@
 #include "collection/driver_error.h"
 #include "collection/names.h"
 #include "collection/options_bson.h"
+#include "dbc/collection.h"
+#include "dbc/cursor.h"
+#include "dbc/document_ref.h"
+#include "dbc/errors.h"
+#include "driver/bson_handles.h"
+#include "driver/mongoc_handles.h"
 
 #include <stdexcept>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace dbc {
 namespace {

@@ -4,6 +4,8 @@
 #include "collection/bson_reader.h"
 
 #include <cstdint>
+#include <string>
+#include <vector>
 
 namespace dbc {
 

@@ -5,8 +5,11 @@
 
 #include "collection/value_access.h"
 #include "database_client/sendable.h"
+#include "dbc/value.h"
+#include "dbc/value_type.h"
 #include "driver/bson_handles.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <stdexcept>
 #include <utility>

@@ -6,8 +6,14 @@
 #include "collection/bulk_state.h"
 #include "collection/options_bson.h"
 #include "collection/outgoing.h"
+#include "dbc/document_ref.h"
+#include "dbc/errors.h"
 
+#include <cstddef>
+#include <memory>
+#include <string>
 #include <utility>
+#include <vector>
 
 namespace dbc {
 namespace {

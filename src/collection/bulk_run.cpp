@@ -5,9 +5,14 @@
 
 #include "collection/bson_reader.h"
 #include "collection/bson_value.h"
+#include "collection/bulk_state.h"
 #include "collection/driver_error.h"
+#include "dbc/bulk.h"
+#include "dbc/errors.h"
+#include "driver/mongoc_handles.h"
 
 #include <cstring>
+#include <vector>
 
 namespace dbc {
 namespace {

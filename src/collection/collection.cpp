@@ -5,6 +5,8 @@
 
 #include "collection/collection_state.h"
 #include "collection/names.h"
+#include "database_client.h"
+#include "driver/mongoc_handles.h"
 
 #include <utility>
 

@@ -6,7 +6,11 @@
 #include "collection/bson_value.h"
 #include "collection/cursor_state.h"
 #include "collection/driver_error.h"
+#include "dbc/document_ref.h"
+#include "dbc/value.h"
+#include "object_properties.h"
 
+#include <memory>
 #include <stdexcept>
 #include <utility>
 

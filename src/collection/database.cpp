@@ -9,11 +9,21 @@
 #include "collection/names.h"
 #include "collection/options_bson.h"
 #include "collection/outgoing.h"
+#include "database_client.h"
 #include "database_client/client_access.h"
+#include "dbc/collection.h"
+#include "dbc/document_ref.h"
+#include "dbc/options.h"
+#include "dbc/value.h"
+#include "driver/bson_handles.h"
 #include "driver/mongoc_handles.h"
 
+#include <cstddef>
+#include <optional>
 #include <stdexcept>
+#include <string>
 #include <utility>
+#include <vector>
 
 namespace dbc {
 

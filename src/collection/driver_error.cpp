@@ -4,11 +4,12 @@
 #include "collection/driver_error.h"
 
 #include "collection/bson_reader.h"
+#include "dbc/errors.h"
 
 #include <mongoc/mongoc.h>
 
 #include <algorithm>
-#include <cstring>
+#include <iterator>
 
 namespace dbc {
 namespace {

@@ -4,7 +4,11 @@
 #include "dbc/errors.h"
 
 #include <algorithm>
+#include <memory>
+#include <stdexcept>
+#include <string>
 #include <utility>
+#include <vector>
 
 namespace dbc {
 namespace {

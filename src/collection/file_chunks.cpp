@@ -6,9 +6,18 @@
 #include "collection/bson_reader.h"
 #include "collection/bson_value.h"
 #include "collection/relabel.h"
+#include "dbc/collection.h"
+#include "dbc/cursor.h"
+#include "dbc/document_ref.h"
+#include "dbc/errors.h"
+#include "dbc/file_store.h"
+#include "dbc/value.h"
+#include "dbc/values.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <utility>
 

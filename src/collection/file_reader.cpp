@@ -3,8 +3,15 @@
 
 #include "collection/file_reader.h"
 
+#include "collection/file_chunks.h"
+#include "dbc/file_store.h"
+
 #include <cstdint>
+#include <ios>
+#include <istream>
 #include <limits>
+#include <memory>
+#include <utility>
 
 namespace dbc {
 

@@ -3,7 +3,6 @@
 
 #include "dbc/file_store.h"
 
-#include "collection/bson_reader.h"
 #include "collection/bson_value.h"
 #include "collection/file_chunks.h"
 #include "collection/file_reader.h"
@@ -11,17 +10,31 @@
 #include "collection/options_bson.h"
 #include "collection/outgoing.h"
 #include "collection/relabel.h"
+#include "database_client.h"
 #include "database_client/client_access.h"
-#include "dbc/files.h"
+#include "dbc/collection.h"
+#include "dbc/document_ref.h"
+#include "dbc/errors.h"
+#include "dbc/options.h"
+#include "dbc/value.h"
+#include "dbc/values.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
+#include <exception>
 #include <fstream>
+#include <ios>
+#include <istream>
+#include <memory>
+#include <optional>
+#include <ostream>
 #include <stdexcept>
 #include <system_error>
 #include <utility>
+#include <vector>
 
 namespace dbc {
 namespace {

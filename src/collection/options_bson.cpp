@@ -5,9 +5,17 @@
 
 #include "collection/bson_value.h"
 #include "collection/names.h"
+#include "dbc/bulk.h"
+#include "dbc/options.h"
+#include "dbc/value.h"
+#include "dbc/value_type.h"
+#include "driver/mongoc_handles.h"
 
+#include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
+#include <vector>
 
 namespace dbc {
 

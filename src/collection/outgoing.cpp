@@ -4,11 +4,14 @@
 #include "collection/outgoing.h"
 
 #include "database_client/sendable.h"
+#include "dbc/document_ref.h"
+#include "dbc/value.h"
 #include "object_properties.h"
 
 #include <cstdint>
 #include <cstring>
 #include <stdexcept>
+#include <vector>
 
 namespace dbc {
 

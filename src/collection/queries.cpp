@@ -12,11 +12,20 @@
 #include "collection/options_bson.h"
 #include "collection/outgoing.h"
 #include "database_client/cursors.h"
+#include "dbc/collection.h"
+#include "dbc/cursor.h"
+#include "dbc/document_ref.h"
+#include "dbc/value.h"
+#include "driver/bson_handles.h"
+#include "driver/mongoc_handles.h"
 
 #include <cstdint>
 #include <memory>
+#include <optional>
+#include <string>
 #include <type_traits>
 #include <utility>
+#include <vector>
 
 namespace dbc {
 namespace {

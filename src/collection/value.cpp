@@ -4,11 +4,21 @@
 #include "dbc/value.h"
 
 #include "collection/value_access.h"
+#include "dbc/value_type.h"
 
 #include <algorithm>
 #include <charconv>
+#include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <functional>
+#include <new>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <system_error>
+#include <utility>
+#include <vector>
 
 namespace dbc {
 inline namespace v1 {

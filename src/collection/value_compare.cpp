@@ -4,12 +4,17 @@
 #include "dbc/value.h"
 
 #include "collection/value_access.h"
+#include "dbc/value_type.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
 
 namespace dbc {
 inline namespace v1 {

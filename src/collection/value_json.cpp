@@ -4,6 +4,7 @@
 #include "dbc/value.h"
 
 #include "collection/value_access.h"
+#include "dbc/value_type.h"
 #include "driver/bson_handles.h"
 #include "driver/driver.h"
 
@@ -15,7 +16,12 @@
 #include <cstdlib>
 #include <optional>
 #include <ostream>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <system_error>
 #include <utility>
+#include <vector>
 
 namespace dbc {
 inline namespace v1 {

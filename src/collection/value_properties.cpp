@@ -5,9 +5,18 @@
 
 #include "collection/value_access.h"
 #include "dbc/access.h"
+#include "dbc/value_type.h"
+#include "dbc/values.h"
+#include "object_properties.h"
+#include "property.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <memory>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace dbc {
 inline namespace v1 {

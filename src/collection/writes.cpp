@@ -7,15 +7,27 @@
 #include "collection/bson_reader.h"
 #include "collection/bson_value.h"
 #include "collection/bulk_run.h"
+#include "collection/bulk_state.h"
 #include "collection/collection_state.h"
 #include "collection/options_bson.h"
 #include "collection/outgoing.h"
+#include "dbc/bulk.h"
+#include "dbc/collection.h"
+#include "dbc/document_ref.h"
+#include "dbc/errors.h"
+#include "dbc/value.h"
+#include "driver/mongoc_handles.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
+#include <functional>
+#include <initializer_list>
 #include <list>
+#include <optional>
 #include <type_traits>
 #include <utility>
+#include <vector>
 
 namespace dbc {
 namespace {

@@ -4,12 +4,15 @@
 #include "conversion/document_refill.h"
 
 #include "bson_to_properties.h"
+#include "conversion/bson_element.h"
 #include "object_properties.h"
 #include "property/nesting_stack.h"
 
 #include <cstring>
 #include <optional>
+#include <string>
 #include <unordered_map>
+#include <vector>
 
 namespace {
 

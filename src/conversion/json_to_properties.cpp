@@ -7,6 +7,7 @@
 #include "driver/bson_handles.h"
 
 #include <cstdint>
+#include <string>
 
 bool JsonToProperties::convert(const std::string& json, ObjectProperties* properties)
 {

@@ -6,6 +6,7 @@
 #include "conversion/bson_writer.h"
 #include "driver/driver.h"
 #include "object_properties.h"
+#include "property.h"
 #include "property/nesting_stack.h"
 
 #include <bson/bson.h>
@@ -13,6 +14,9 @@
 #include <cstdint>
 #include <cstring>
 #include <limits>
+#include <memory>
+#include <string>
+#include <vector>
 
 namespace {
 

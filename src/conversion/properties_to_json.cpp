@@ -8,6 +8,9 @@
 #include "object_properties.h"
 #include "properties_to_bson.h"
 
+#include <cstddef>
+#include <string>
+
 bool PropertiesToJson::convert(const ObjectProperties& properties, std::string& json)
 {
     return properties_to_json(properties, json);

@@ -3,6 +3,9 @@
 
 #include "database_client/cursors.h"
 
+#include "driver/bson_handles.h"
+#include "driver/mongoc_handles.h"
+
 #include <cstdint>
 #include <cstring>
 #include <utility>

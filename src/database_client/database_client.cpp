@@ -7,6 +7,10 @@
 #include "database_client/database_client_d.h"
 #include "object_properties.h"
 
+#include <istream>
+#include <list>
+#include <memory>
+#include <string>
 #include <utility>
 
 void parseOldCollectionName(const std::string& fullName, std::string& database, std::string& collection)

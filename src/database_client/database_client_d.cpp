@@ -5,8 +5,11 @@
 
 #include "database_client/DatabaseDriverManager.h"
 #include "database_client/sendable.h"
+#include "driver/bson_handles.h"
+#include "driver/mongoc_handles.h"
 
 #include <stdexcept>
+#include <string>
 
 DataBaseClientPrivate::DataBaseClientPrivate() { DatabaseDriverManager::init(); }
 DataBaseClientPrivate::~DataBaseClientPrivate() = default;

@@ -3,10 +3,14 @@
 
 // Operations that change documents: insert, update, remove.
 
+#include "database_client.h"
 #include "database_client/database_client_d.h"
+#include "driver/bson_handles.h"
+#include "driver/mongoc_handles.h"
 #include "object_properties.h"
 
 #include <stdexcept>
+#include <string>
 
 namespace {
 

@@ -6,10 +6,15 @@
 #include "bson_to_properties.h"
 #include "database_client/cursors.h"
 #include "database_client/database_client_d.h"
+#include "driver/bson_handles.h"
+#include "driver/mongoc_handles.h"
 #include "object_properties.h"
 
 #include <cstring>
+#include <list>
+#include <memory>
 #include <stdexcept>
+#include <string>
 
 namespace {
 

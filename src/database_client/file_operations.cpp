@@ -4,13 +4,19 @@
 // GridFS files.
 
 #include "database_client/database_client_d.h"
+#include "driver/bson_handles.h"
+#include "driver/mongoc_handles.h"
 
 #include <strings.h>
+#include <sys/types.h>
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cstdint>
+#include <cstdio>
 #include <iostream>
+#include <list>
 #include <string>
 
 namespace {

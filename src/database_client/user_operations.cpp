@@ -4,7 +4,11 @@
 // Users of a database.
 
 #include "database_client/database_client_d.h"
+#include "driver/bson_handles.h"
+#include "driver/mongoc_handles.h"
 #include "object_properties.h"
+
+#include <string>
 
 namespace {
 

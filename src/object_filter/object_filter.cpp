@@ -6,6 +6,9 @@
 #include "factories.h"
 #include "object_filter/object_filter_d.h"
 
+#include <memory>
+#include <string>
+
 // All functions forward to ObjectFilterPrivate.
 
 ObjectFilter::ObjectFilter() : d(std::make_unique<ObjectFilterPrivate>()) {}

@@ -3,8 +3,12 @@
 
 #include "object_filter/object_filter_d.h"
 
+#include "object_filter.h"
+
 #include <algorithm>
+#include <cstddef>
 #include <limits>
+#include <string>
 
 ObjectFilterPrivate::~ObjectFilterPrivate() = default;
 

@@ -4,6 +4,14 @@
 #include "object_properties.h"
 
 #include "object_properties_d.h"
+#include "property.h"
+
+#include <cstddef>
+#include <list>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
 
 // All functions forward to ObjectPropertiesPrivate.
 

@@ -3,7 +3,14 @@
 
 #include "object_properties_d.h"
 
+#include "property.h"
 #include "property/property_paths.h"
+#include "property/property_tree.h"
+
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace {
 

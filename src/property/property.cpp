@@ -1,7 +1,14 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
+#include "property.h"
+
 #include "property/property_tree.h"
+
+#include <cstddef>
+#include <list>
+#include <memory>
+#include <string>
 
 namespace {
 

@@ -3,7 +3,13 @@
 
 #include "property/property_paths.h"
 
+#include "property.h"
 #include "property/path_segments.h"
+#include "property/property_tree.h"
+
+#include <list>
+#include <memory>
+#include <string>
 
 namespace {
 

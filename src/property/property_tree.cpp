@@ -3,11 +3,14 @@
 
 #include "property/property_tree.h"
 
+#include "property.h"
 #include "property/nesting_stack.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <iterator>
+#include <memory>
+#include <string>
 #include <utility>
 
 PropertyTree::LookUp PropertyTree::lookUp(const Property& node, const std::string& key)

@@ -1,7 +1,13 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
+#include "property.h"
 #include "property/property_paths.h"
+#include "property/property_tree.h"
+
+#include <string>
+#include <utility>
+#include <vector>
 
 using property_paths::valueNode;
 using property_paths::valueNodeToRead;

@@ -5,6 +5,8 @@
 
 #include <mongoc/mongoc.h>
 
+#include <cstdint>
+
 namespace {
 
 long live = 0;

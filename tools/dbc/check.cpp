@@ -3,6 +3,10 @@
 
 #include "commands.h"
 
+#include "connection.h"
+#include "dbc/collection.h"
+#include "dbc/cursor.h"
+#include "dbc/value.h"
 #include "document_walk.h"
 #include "failure.h"
 #include "losses.h"

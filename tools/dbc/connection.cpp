@@ -4,19 +4,21 @@
 #include "connection.h"
 
 #include "connection_uri.h"
+#include "database_client.h"
+#include "dbc/collection.h"
 #include "dbc/connection_string.h"
 #include "dbc/log.h"
 #include "failure.h"
 #include "interrupt.h"
 
-#include <fcntl.h>
 #include <termios.h>
-#include <unistd.h>
 
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
+#include <memory>
+#include <string>
 
 namespace {
 

@@ -7,6 +7,11 @@
 #include "interrupt.h"
 #include "json_syntax.h"
 
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
 namespace {
 
 // A limit, because a record without its closing quote extends to the end of the input.

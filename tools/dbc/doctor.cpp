@@ -3,9 +3,12 @@
 
 #include "commands.h"
 
+#include "connection.h"
 #include "connection_uri.h"
+#include "database_client.h"
 #include "dbc/database.h"
 #include "dbc/errors.h"
+#include "dbc/value.h"
 #include "failure.h"
 #include "host_walk.h"
 

@@ -3,9 +3,15 @@
 
 #include "commands.h"
 
+#include "connection.h"
+#include "dbc/bulk.h"
+#include "dbc/collection.h"
+#include "dbc/cursor.h"
+#include "dbc/value.h"
 #include "document_walk.h"
 #include "failure.h"
 #include "input.h"
+#include "output.h"
 #include "query_words.h"
 #include "texts.h"
 

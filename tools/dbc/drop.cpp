@@ -3,6 +3,9 @@
 
 #include "commands.h"
 
+#include "connection.h"
+#include "database_client.h"
+#include "dbc/collection.h"
 #include "dbc/database.h"
 #include "failure.h"
 

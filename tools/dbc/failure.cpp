@@ -5,6 +5,8 @@
 
 #include "dbc/errors.h"
 
+#include <exception>
+
 namespace {
 
 // The server has lost the cursor. The kind of this error is NotFound, but the exit status must not mean "no result".

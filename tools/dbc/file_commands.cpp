@@ -3,9 +3,15 @@
 
 #include "commands.h"
 
+#include "connection.h"
+#include "database_client.h"
+#include "dbc/collection.h"
+#include "dbc/cursor.h"
 #include "dbc/errors.h"
 #include "dbc/file_store.h"
 #include "dbc/files.h"
+#include "dbc/value.h"
+#include "dbc/values.h"
 #include "document_walk.h"
 #include "failure.h"
 #include "interrupt.h"

@@ -3,11 +3,15 @@
 
 #include "host_walk.h"
 
+#include "database_client.h"
 #include "dbc/connection_string.h"
 #include "dbc/database.h"
+#include "dbc/value.h"
 
 #include <netdb.h>
+#include <sys/socket.h>
 #include <sys/un.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -15,7 +19,9 @@
 #include <iostream>
 #include <memory>
 #include <stdexcept>
+#include <string>
 #include <utility>
+#include <vector>
 
 namespace {
 

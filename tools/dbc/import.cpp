@@ -3,6 +3,14 @@
 
 #include "import.h"
 
+#include "commands.h"
+#include "connection.h"
+#include "dbc/bulk.h"
+#include "dbc/collection.h"
+#include "dbc/document_ref.h"
+#include "dbc/errors.h"
+#include "dbc/value.h"
+#include "dbc/values.h"
 #include "failure.h"
 #include "input.h"
 #include "interrupt.h"
@@ -19,6 +27,7 @@
 #include <iostream>
 #include <memory>
 #include <optional>
+#include <string>
 #include <utility>
 #include <vector>
 

@@ -3,18 +3,25 @@
 
 #include "input.h"
 
+#include "dbc/value.h"
 #include "failure.h"
 #include "interrupt.h"
 #include "json_syntax.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/types.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cctype>
 #include <cerrno>
+#include <cstddef>
 #include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
 #include <system_error>
 
 namespace {

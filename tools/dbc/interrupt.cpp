@@ -12,6 +12,7 @@
 #include <csignal>
 #include <cstring>
 #include <ctime>
+#include <string>
 #include <system_error>
 #include <utility>
 

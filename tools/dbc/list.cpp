@@ -3,8 +3,11 @@
 
 #include "commands.h"
 
+#include "connection.h"
+#include "database_client.h"
 #include "dbc/database.h"
 #include "dbc/errors.h"
+#include "dbc/value.h"
 #include "failure.h"
 #include "texts.h"
 
@@ -14,7 +17,6 @@
 #include <iomanip>
 #include <iostream>
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 

@@ -3,19 +3,23 @@
 
 #include "command_line.h"
 #include "commands.h"
+#include "connection.h"
 #include "dbc/version.h"
 #include "failure.h"
 #include "interrupt.h"
+#include "output.h"
 #include "self_description.h"
 
 #include <fcntl.h>
 #include <unistd.h>
 
 #include <cstdio>
-#include <cstdlib>
 #include <exception>
 #include <iostream>
 #include <map>
+#include <optional>
+#include <string>
+#include <vector>
 
 namespace {
 

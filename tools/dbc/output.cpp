@@ -3,6 +3,7 @@
 
 #include "output.h"
 
+#include "dbc/value.h"
 #include "failure.h"
 
 #include <unistd.h>
@@ -11,6 +12,9 @@
 #include <cstdlib>
 #include <ostream>
 #include <stdexcept>
+#include <string>
+#include <string_view>
+#include <utility>
 
 namespace {
 

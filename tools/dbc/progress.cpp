@@ -6,8 +6,10 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstdint>
 #include <cstdio>
+#include <string>
 #include <utility>
 
 Progress::Progress(std::string what, std::uint64_t total, bool quiet, Unit unit, bool isForced)

@@ -3,16 +3,24 @@
 
 #include "query_words.h"
 
+#include "dbc/options.h"
+#include "dbc/value.h"
+#include "dbc/value_type.h"
+#include "dbc/values.h"
 #include "failure.h"
 #include "input.h"
 #include "json_syntax.h"
+#include "object_properties.h"
 #include "scalar_text.h"
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 const char* const queryHelp =
     "Query: one JSON document, or conditions that must all match:\n"

@@ -7,12 +7,16 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/types.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstdio>
 #include <filesystem>
+#include <ios>
+#include <optional>
 #include <random>
+#include <string>
 #include <system_error>
 
 namespace {

@@ -3,12 +3,18 @@
 
 #include "scalar_text.h"
 
+#include "dbc/values.h"
+
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <chrono>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
+#include <optional>
+#include <string>
+#include <string_view>
 #include <system_error>
 
 namespace {

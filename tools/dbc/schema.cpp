@@ -3,15 +3,23 @@
 
 #include "commands.h"
 
+#include "connection.h"
+#include "dbc/collection.h"
+#include "dbc/cursor.h"
 #include "dbc/errors.h"
+#include "dbc/value.h"
+#include "dbc/value_type.h"
+#include "dbc/values.h"
 #include "document_walk.h"
 #include "failure.h"
+#include "interrupt.h"
 #include "progress.h"
 #include "query_words.h"
 #include "texts.h"
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <iomanip>
 #include <iostream>

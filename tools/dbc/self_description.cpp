@@ -8,9 +8,12 @@
 #include <algorithm>
 #include <cctype>
 #include <cstddef>
+#include <ostream>
 #include <set>
 #include <sstream>
+#include <string>
 #include <string_view>
+#include <vector>
 
 namespace {
 

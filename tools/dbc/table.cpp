@@ -3,7 +3,12 @@
 
 #include "table.h"
 
+#include "csv.h"
+#include "dbc/value.h"
+#include "dbc/value_type.h"
+#include "dbc/values.h"
 #include "failure.h"
+#include "input.h"
 #include "json_syntax.h"
 #include "scalar_text.h"
 #include "texts.h"
@@ -11,12 +16,17 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cstddef>
 #include <cstdint>
-#include <limits>
+#include <optional>
+#include <ostream>
 #include <stdexcept>
+#include <string>
+#include <string_view>
 #include <system_error>
 #include <unordered_set>
 #include <utility>
+#include <vector>
 
 namespace {
 

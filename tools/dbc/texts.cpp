@@ -3,12 +3,17 @@
 
 #include "texts.h"
 
+#include "dbc/value.h"
+#include "dbc/values.h"
+
 #include <array>
 #include <chrono>
 #include <cstddef>
 #include <ctime>
 #include <iomanip>
+#include <ios>
 #include <sstream>
+#include <string>
 
 std::string idText(const dbc::Value& id)
 {

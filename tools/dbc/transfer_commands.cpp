@@ -2,10 +2,15 @@
 // SPDX-License-Identifier: MIT
 
 #include "commands.h"
+#include "connection.h"
+#include "database_client.h"
+#include "dbc/cursor.h"
+#include "dbc/value.h"
 #include "document_walk.h"
 #include "failure.h"
 #include "import.h"
 #include "losses.h"
+#include "output.h"
 #include "progress.h"
 #include "query_words.h"
 #include "replaced_file.h"
@@ -17,7 +22,6 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace {

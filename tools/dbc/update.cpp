@@ -3,6 +3,9 @@
 
 #include "commands.h"
 
+#include "connection.h"
+#include "dbc/collection.h"
+#include "dbc/value.h"
 #include "failure.h"
 #include "input.h"
 #include "query_words.h"

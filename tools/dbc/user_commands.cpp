@@ -3,10 +3,14 @@
 
 #include "commands.h"
 
+#include "connection.h"
 #include "dbc/build.h"
 #include "dbc/database.h"
+#include "dbc/value.h"
+#include "dbc/values.h"
 #include "failure.h"
 #include "input.h"
+#include "object_properties.h"
 #include "query_words.h"
 
 #include <cstdlib>
