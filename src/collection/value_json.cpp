@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <optional>
 #include <ostream>
@@ -100,8 +101,24 @@ bool isDouble(const std::string& text)
     return !text.empty() && end == text.c_str() + text.size();
 }
 
+/// Returns false if the text begins with a day such as 2023-02-30, of which libbson makes a day of the next month.
+bool hasValidDay(const std::string& text)
+{
+    int year = 0;
+    int month = 0;
+    int day = 0;
+    int end = 0;
+    if (std::sscanf(text.c_str(), "%4d-%2d-%2d%n", &year, &month, &day, &end) != 3 || end != 10)
+        return true; // libbson reports other mistakes
+    const bool isLeap = year % 4 == 0 && (year % 100 != 0 || year % 400 == 0);
+    const int longest = month == 2                                              ? (isLeap ? 29 : 28)
+                        : month == 4 || month == 6 || month == 9 || month == 11 ? 30
+                                                                                : 31;
+    return day <= longest;
+}
+
 /// Detects what libbson's reader accepts by mistake: several values, too many levels, integers out of range, and
-/// $numberDouble and $numberDecimal of a string that is not a number.
+/// $numberDouble, $numberDecimal and $date of a string that is not a number or not a day.
 class JsonScanner
 {
 public:
@@ -123,7 +140,7 @@ public:
                 const std::size_t begin = m_next;
                 skipString();
                 m_string = m_json.substr(begin + 1, m_next - begin - 1);
-                checkNumber(begin);
+                checkString(begin);
             }
             else if (character == '{' || character == '[')
             {
@@ -151,12 +168,15 @@ public:
 
 private:
     /// @param begin  where the string begins
-    void checkNumber(std::size_t begin)
+    void checkString(std::size_t begin)
     {
         const std::string_view key = std::exchange(m_key, std::string_view());
-        if ((key != "$numberDouble" && key != "$numberDecimal") || m_string.find('\\') != std::string_view::npos)
+        const bool isSpecial = key == "$numberDouble" || key == "$numberDecimal" || key == "$date";
+        if (!isSpecial || m_string.find('\\') != std::string_view::npos)
             return;
         const std::string text(m_string);
+        if (key == "$date" && !hasValidDay(text))
+            throw FormatError("JSON: " + text.substr(0, 10) + " is not a day", begin);
         if (key == "$numberDouble" && !isDouble(text))
             throw FormatError("JSON: \"" + text.substr(0, 40) + "\" is not a double", begin);
         if (key == "$numberDecimal" && !decimalOf(text))

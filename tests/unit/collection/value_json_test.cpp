@@ -81,11 +81,23 @@ INSTANTIATE_TEST_SUITE_P(
         Fault{"{\"a\": 9223372036854775808}", 6, "JSON: the integer 9223372036854775808 is out of range, at byte 6"},
         Fault{"[-9223372036854775809]", 1, "JSON: the integer -9223372036854775809 is out of range, at byte 1"},
         Fault{"{\"$numberDouble\": \"x\"}", 18, "JSON: \"x\" is not a double"},
+        Fault{"{\"$date\": \"2023-02-29T00:00:00Z\"}", 10, "JSON: 2023-02-29 is not a day"},
+        Fault{"{\"$date\": \"1900-02-29T00:00:00Z\"}", 10, "JSON: 1900-02-29 is not a day"},
+        Fault{"{\"$date\": \"2023-04-31T00:00:00Z\"}", 10, "JSON: 2023-04-31 is not a day"},
         Fault{"{\"$numberDouble\": \"1.5x\"}", 18, "JSON: \"1.5x\" is not a double"},
         Fault{"[{\"$numberDecimal\": \"1E99999\"}]", 20, "JSON: \"1E99999\" is not a decimal number"},
         Fault{"{\"a\": }", 6, "JSON: "}, Fault{"{\"a\": [1, 2}", 11, "JSON: \"}\" closes nothing, at byte 11"},
         Fault{"{\"a\": tru}", 9, "JSON: "}, Fault{"{'a': 1}", 1, "JSON: "},
         Fault{"{\"a\": {\"$oid\": \"zz\"}}", 18, "JSON: Invalid input string \"zz\", looking for OID"}));
+
+TEST(ValueJson, ReadsTheLastDayOfEveryMonth)
+{
+    for (const char* const day : {"2023-01-31", "2023-02-28", "2024-02-29", "2000-02-29", "2023-04-30", "2023-12-31"})
+    {
+        const std::string json = "{ \"$date\" : \"" + std::string(day) + "T00:00:00Z\" }";
+        EXPECT_EQ(Value::fromJson(json).toJson(), json);
+    }
+}
 
 TEST(ValueJson, IsReadUpToNinetySixLevels)
 {
