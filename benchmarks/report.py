@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
-"""Makes the tables of ratios, and a chart, from the JSON output of a benchmark run.
+"""Makes the tables of ratios from the JSON output of a benchmark run.
 
-usage: report.py [BENCHMARKS.json...] [--memory FILE] [--server FILE] [--svg FILE] [--markdown]
+usage: report.py [BENCHMARKS.json...] [--memory FILE] [--server FILE] [--markdown]
 
 A ratio is the median time of the library divided by the median time of the peer, both from the repetitions of one run;
 below 1 the library is faster. A goal is the largest acceptable ratio.
@@ -140,44 +140,11 @@ def print_table(titles, rows, markdown):
     print()
 
 
-def svg(rows):
-    """Bars on a logarithmic scale from 1/32 to 32; the goal is a tick on the bar, the line in the middle is 1."""
-    import math
-    from xml.sax.saxutils import escape
-
-    row_height, left, width = 20, 430, 480
-    def place(ratio):
-        return left + width * (math.log2(min(max(ratio, 1 / 32), 32)) + 5) / 10
-    height = row_height * len(rows) + 70
-    lines = [f'<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 {left + width + 90} {height}" '
-             'font-family="sans-serif" font-size="12">',
-             f'<rect width="{left + width + 90}" height="{height}" fill="#ffffff"/>',
-             '<text x="10" y="20" font-size="14">Time of the library divided by time of the peer '
-             '(left of 1: faster; black tick: goal)</text>']
-    for power in range(-5, 6):
-        x = place(2.0 ** power)
-        label = str(2 ** power) if power >= 0 else f"1/{2 ** -power}"
-        lines.append(f'<line x1="{x:.1f}" y1="45" x2="{x:.1f}" y2="{height - 15}" '
-                     f'stroke="{"#444444" if power == 0 else "#dddddd"}"/>')
-        lines.append(f'<text x="{x:.1f}" y="40" text-anchor="middle" fill="#666666">{label}</text>')
-    for index, (operation, shape, peer, ratio, goal, _) in enumerate(rows):
-        y = 52 + index * row_height
-        begin, end = sorted((place(1), place(ratio)))
-        colour = "#8888aa" if goal is None else "#3a8a5f" if ratio <= goal else "#c06030"
-        lines.append(f'<text x="10" y="{y + 12}">{escape(f"{operation}, {shape}, {peer}")}</text>')
-        lines.append(f'<rect x="{begin:.1f}" y="{y}" width="{max(end - begin, 1):.1f}" height="14" fill="{colour}"/>')
-        if goal is not None:
-            lines.append(f'<rect x="{place(goal) - 1:.1f}" y="{y - 2}" width="2" height="18" fill="#000000"/>')
-        lines.append(f'<text x="{left + width + 10}" y="{y + 12}">{number(ratio)}</text>')
-    return "\n".join([*lines, "</svg>", ""])
-
-
 def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("json", nargs="*")
     parser.add_argument("--memory", help="output of memory_of_a_document")
     parser.add_argument("--server", help="lines of the programs that need a client")
-    parser.add_argument("--svg", help="file for the chart")
     parser.add_argument("--markdown", action="store_true")
     arguments = parser.parse_args()
 
@@ -205,9 +172,6 @@ def main():
     if server:
         print("With a server:\n")
         print("".join(f"- {line}\n" for line in server.splitlines()))
-    if arguments.svg:
-        with open(arguments.svg, "w", encoding="utf-8") as file:
-            file.write(svg(rows))
 
 
 if __name__ == "__main__":
