@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <string>
 
 namespace test_support {
@@ -59,6 +60,26 @@ TEST_F(ImportCutOff, ContinuesWithoutStoringADocumentTwice)
     EXPECT_EQ(second.wait(), 0) << second.messages();
 
     EXPECT_EQ(second.messages(), "imported 0\nskipped 10 with a duplicate key\n");
+    EXPECT_EQ(m_database.count("c"), 20U);
+}
+
+TEST_F(ImportCutOff, KilledInItsFirstBatchStoresNoDocumentTwice)
+{
+    const std::vector<std::string> arguments = line({"--state", m_folder.path("state")});
+    gateway().inject(Fault::holdReply().onCommand("insert"));
+    {
+        ToolProcess first(arguments);
+        ASSERT_TRUE(gateway().waitForHeldReplies(1));
+        first.signal(SIGKILL);
+        ASSERT_EQ(first.wait(), 128 + SIGKILL);
+    }
+    gateway().clearFaults();
+    ASSERT_EQ(m_database.count("c"), 10U) << "the first batch was to be stored";
+
+    ToolProcess second(arguments);
+    EXPECT_EQ(second.wait(), 0) << second.messages();
+
+    EXPECT_EQ(second.messages(), "imported 10\nskipped 10 with a duplicate key\n");
     EXPECT_EQ(m_database.count("c"), 20U);
 }
 

@@ -274,6 +274,10 @@ private:
     {
         if (m_batch.empty())
             return;
+        // If the process is killed in its first batch, the next one must know the run, and so the ids of the documents.
+        if (!m_isRecorded)
+            m_state.save(m_mark);
+        m_isRecorded = true;
         try
         {
             m_upsertFields.empty() ? insertBatch() : upsertBatch();
@@ -368,7 +372,8 @@ private:
     const std::vector<std::string> m_upsertFields;
     const StateFile m_state;
     Mark m_mark;
-    const bool m_isResumed; // documents after the mark may be stored
+    const bool m_isResumed;    // documents after the mark may be stored
+    bool m_isRecorded = false; // the state file has the run
     std::unique_ptr<DataBaseClient> m_client;
     dbc::Collection m_collection;
     LossCounter m_losses;
