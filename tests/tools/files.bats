@@ -55,3 +55,13 @@ load helper
     expect_status 2
     expect_err "the name of a database"
 }
+
+@test "files rm --partial ignores chunks without an id" {
+    "$program" -q insert "$database.fs.chunks" '{"n": 0}'
+    "$program" -q insert "$database.fs.chunks" '{"n": 0, "files_id": 7}'
+    dbc files rm "$database" --partial
+    expect_status 0
+    expect_out "removed 1"
+    dbc count "$database.fs.chunks"
+    expect_out 1
+}

@@ -243,9 +243,10 @@ std::uint64_t removeContentWithoutRecord(dbc::FileStore& store, dbc::Collection&
             return chunks.find({{"n", 0}}, firstChunk);
         },
         [&](dbc::Cursor& cursor) {
-            const dbc::Value id = cursor.value().at("files_id");
-            if (records.count({{"_id", id}}) == 0)
-                ids.push_back(id);
+            const dbc::Value chunk = cursor.value();
+            const dbc::Value* const id = chunk.find("files_id");
+            if (id && records.count({{"_id", *id}}) == 0)
+                ids.push_back(*id);
         });
     for (const dbc::Value& id : ids)
         store.removeById(id);
