@@ -102,7 +102,6 @@ Cursor::Iterator Cursor::begin()
 void Cursor::close() noexcept
 {
     d->fetched = nullptr;
-    d->hasBegun = true;
     d->cursor = CursorHandle(); // also ends the session of its deleter, before the client is released
     d->client.reset();
 }

@@ -72,6 +72,12 @@ Fault refusedUpdate()
                              "writeErrors": [{"index": 1, "code": 121, "errmsg": "no"}]})");
 }
 
+// A reply with an error of a document that was not sent.
+Fault errorWithALargeIndex()
+{
+    return Fault::answer(R"({"ok": 1, "n": 1, "writeErrors": [{"index": 1000000000, "code": 121, "errmsg": "no"}]})");
+}
+
 Fault unconfirmedRemoval()
 {
     return Fault::replaceReply(R"({"ok": 1, "n": 1, "writeConcernError": {"code": 64, "errmsg": "too slow"}})");
@@ -243,19 +249,47 @@ TEST_F(UnorderedBulkFault, ReportsTheIdsOfTheCommandThatWasNotRefused)
     EXPECT_EQ(indexesOf(error.result().insertedIds), (std::vector<std::size_t>{3, 4}));
 }
 
+TEST_F(UnorderedBulkFault, ReportsARefusalAlsoIfTheNextCommandSucceeds)
+{
+    Bulk bulk;
+    bulk.insertOne({{"_id", 1}}).removeOne({{"_id", 7}});
+    gateway().clear();
+    gateway().inject(refusal(13).onCommand("insert"));
+
+    EXPECT_STREQ(failed(bulk).what(), "Bulk write failed: no(code: 13)");
+    EXPECT_EQ(gateway().names(), (std::vector<std::string>{"insert", "delete"}));
+}
+
+TEST_F(UnorderedBulkFault, ReportsAnErrorWhoseIndexIsTooLarge)
+{
+    Bulk bulk;
+    bulk.insertOne({{"_id", 1}});
+    gateway().inject(errorWithALargeIndex().onCommand("insert"));
+
+    const BulkError error = failed(bulk);
+
+    ASSERT_EQ(error.errors().size(), 1U);
+    EXPECT_EQ(error.errors()[0].index, 1000000000U);
+    EXPECT_EQ(indexesOf(error.result().insertedIds), std::vector<std::size_t>{0});
+}
+
 TEST_F(UnorderedBulkFault, ReportsARefusalAlsoIfItNeedsSeveralCommandsOfOneType)
 {
     Bulk many;
     for (int id = 0; id <= 100000; ++id) // one more than a server accepts in one command
         many.insertOne({{"_id", id}});
-    Bulk large;
-    const std::string text(12U << 20U, 'x');
-    for (int id = 0; id < 4; ++id) // more bytes than a server accepts in one command
-        large.insertOne({{"_id", id}, {"text", text}});
-    for (const Bulk* const bulk : {&many, &large})
+    const auto large = [text = std::string(12U << 20U, 'x')](int count) {
+        Bulk bulk;
+        for (int id = 0; id < count; ++id) // one command has two of them
+            bulk.insertOne({{"_id", id}, {"text", text}});
+        return bulk;
+    };
+    const Bulk three = large(3);
+    const Bulk four = large(4);
+    using Indexes = std::vector<std::size_t>;
+    const std::pair<const Bulk*, Indexes> bulks[] = {{&many, {100000}}, {&three, {2}}, {&four, {2, 3}}};
+    for (const auto& [bulk, behind] : bulks)
     {
-        const std::vector<std::size_t> behind =
-            bulk == &many ? std::vector<std::size_t>{100000} : std::vector<std::size_t>{2, 3};
         const std::string reply = R"({"ok": 1, "n": )" + std::to_string(behind.size()) + "}";
         gateway().inject(refusal(13).onCommand("insert"));
         gateway().inject(Fault::answer(reply).onCommand("insert").number(2));
@@ -281,6 +315,11 @@ public:
         std::vector<Value> documents;
         for (const int id : ids)
             documents.push_back(Value{{"_id", id}, {"text", text}});
+        return failedDocuments(documents, isOrdered);
+    }
+
+    BulkError failedDocuments(const std::vector<Value>& documents, bool isOrdered)
+    {
         dbc::InsertManyOptions options;
         options.ordered = isOrdered;
         return thrownError<BulkError>([&] { m_collection.insertMany(documents, options); });
@@ -336,11 +375,36 @@ TEST_F(InsertManyFault, LetsAnUnorderedWriteInsertTheRest)
 TEST_F(InsertManyFault, LetsAnUnorderedWriteContinueWithTheNextBatch)
 {
     scratch().insert("c", R"({"_id": 2})");
+    scratch().insert("c", R"({"_id": 6})");
 
-    const BulkError error = failed({1, 2, 3, 4, 5, 6}, false, mebibyte());
+    const BulkError error = failed({1, 2, 3, 4, 5, 6, 7, 8, 9, 10}, false, mebibyte());
 
-    EXPECT_EQ(inserted(error), (std::vector<Value>{1, 3, 4, 5, 6}));
-    EXPECT_EQ(refused(error), std::vector<std::size_t>{1});
+    EXPECT_EQ(inserted(error), (std::vector<Value>{1, 3, 4, 5, 7, 8, 9, 10}));
+    EXPECT_EQ(refused(error), (std::vector<std::size_t>{1, 5}));
+}
+
+TEST_F(InsertManyFault, OfTheDriverHasTheIndexOfTheDocument)
+{
+    std::vector<Value> documents;
+    for (int id = 1; id <= 5; ++id)
+        documents.push_back(Value{{"_id", id}, {"text", mebibyte()}});
+    documents.push_back(Value{{"", "the driver refuses an empty key"}});
+
+    const BulkError error = failedDocuments(documents, true);
+
+    EXPECT_EQ(inserted(error), (std::vector<Value>{1, 2, 3, 4}));
+    EXPECT_EQ(refused(error), std::vector<std::size_t>{5});
+    EXPECT_EQ(scratch().count("c"), 4U);
+}
+
+TEST_F(InsertManyFault, ReportsAnErrorWhoseIndexIsTooLarge)
+{
+    gateway().inject(errorWithALargeIndex().onCommand("insert"));
+
+    const BulkError error = failed({1}, true);
+
+    EXPECT_EQ(inserted(error), std::vector<Value>{1});
+    EXPECT_EQ(refused(error), std::vector<std::size_t>{1000000000});
 }
 
 TEST_F(InsertManyFault, OfTheConnectionReportsTheBatchesBefore)

@@ -219,5 +219,13 @@ TEST_F(CollectionQuery, DropAndRenameChangeTheCollectionAsAWhole)
     EXPECT_EQ(scratch().collections(), std::vector<std::string>{"third"});
 }
 
+TEST_F(CollectionQuery, DropFailsIfSomethingElseThanTheCollectionDoesNotExist)
+{
+    reply("drop", R"({"ok": 0, "errmsg": "no", "code": 26})");
+    EXPECT_EQ(thrownText([&] { collection().drop(); }), "");
+    reply("drop", R"({"ok": 0, "errmsg": "no", "code": 27})");
+    EXPECT_EQ(thrownText([&] { collection().drop(); }), "runtime_error: Dropping the collection failed: no(code: 27)");
+}
+
 } // namespace
 } // namespace test_support

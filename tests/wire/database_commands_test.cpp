@@ -61,6 +61,23 @@ TEST_F(DatabaseCommand, OfACollectionWithRulesCarriesThem)
         R"("validationLevel" : "moderate", "validationAction" : "warn", "capped" : true, "size" : 4096, "max" : 10 })");
 }
 
+TEST_F(DatabaseCommand, OfACollectionWithoutRulesIsTheNameAlone)
+{
+    dbc::CreateCollectionOptions options;
+    options.validationLevel = dbc::ValidationLevel::Moderate;
+    options.warnOnly = true;
+    reply("create", R"({"ok": 1})");
+    target().createCollection("c", options); // without a validator, its level and its action have no meaning
+    EXPECT_PRED2(isSameCommand, sent("create"), R"({ "create" : "c" })");
+
+    gateway().clear();
+    options = {};
+    options.validator = {{"a", 1}};
+    reply("create", R"({"ok": 1})");
+    target().createCollection("c", options);
+    EXPECT_PRED2(isSameCommand, sent("create"), R"({ "create" : "c", "validator" : { "a" : 1 } })");
+}
+
 TEST_F(DatabaseCommand, RunsAnyCommandAndReturnsTheReply)
 {
     reply("ping", R"({"ok": 1, "b": 2, "a": "x"})");
@@ -103,6 +120,7 @@ TEST_F(DatabaseCommand, OfUsersCarriesNameRolesAndPassword)
     reply("usersInfo", R"({"ok": 1, "users": [{"_id": "d.ada", "user": "ada", "db": "d",
                                                "roles": [{"role": "read", "db": "other"}]}]})");
     const std::vector<dbc::UserInfo> users = target().users();
+    EXPECT_EQ(sent("usersInfo"), R"({ "usersInfo" : 1 })");
     ASSERT_EQ(users.size(), 1U);
     EXPECT_EQ(users[0].name, "ada");
     EXPECT_EQ(users[0].database, "d");

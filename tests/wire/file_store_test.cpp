@@ -3,6 +3,7 @@
 
 #include "connected_client.h"
 
+#include "command_text.h"
 #include "dbc/file_store.h"
 #include "dbc/files.h"
 
@@ -128,6 +129,23 @@ TEST_F(FileStoreOnServer, WritesIndexesThenContentAndTheRecordWhenTheContentWasC
     EXPECT_EQ(gateway().names(), (std::vector<std::string>{"insert", "aggregate", "insert"}));
 }
 
+TEST_F(FileStoreOnServer, FirstUploadLooksForOneFileAndCreatesTheIndexes)
+{
+    gateway().clear();
+    upload("f", "x");
+
+    EXPECT_PRED2(isSameCommand, sent("find"),
+                 R"({ "find" : "fs.files", "filter" : {  }, "projection" : { "_id" : 1 }, "limit" : 1 })");
+    const std::vector<RecordedCommand> indexes = gateway().commands("createIndexes");
+    ASSERT_EQ(indexes.size(), 2U);
+    EXPECT_EQ(indexes[0].target, "fs.files");
+    EXPECT_EQ(indexes[0].json("indexes"),
+              R"([ { "key" : { "filename" : 1, "uploadDate" : 1 }, "name" : "filename_1_uploadDate_1" } ])");
+    EXPECT_EQ(indexes[1].target, "fs.chunks");
+    EXPECT_EQ(indexes[1].json("indexes"),
+              R"([ { "key" : { "files_id" : 1, "n" : 1 }, "name" : "files_id_1_n_1", "unique" : true } ])");
+}
+
 TEST_F(FileStoreOnServer, DownloadReadsAnyPart)
 {
     upload("f", letters(35));
@@ -148,8 +166,39 @@ TEST_F(FileStoreOnServer, DownloadReadsAnyPart)
     options.offset = 12;
     options.length = 3;
     download("f", options);
+    const std::vector<RecordedCommand> finds = gateway().commands("find");
+    EXPECT_EQ(finds.at(0).json("sort"), R"({ "uploadDate" : -1 })");
+    EXPECT_EQ(finds.at(0).json("limit"), "1");
+    EXPECT_EQ(finds.at(1).json("sort"), R"({ "n" : 1 })");
+    EXPECT_EQ(finds.at(1).json("limit"), "1");
+    EXPECT_EQ(finds.at(1).json("filter.n"), R"({ "$gte" : 1 })");
+
+    options.offset = 0;
+    options.length = 10;
+    gateway().clear();
+    download("f", options);
     EXPECT_EQ(gateway().commands("find").at(1).json("limit"), "1");
-    EXPECT_EQ(gateway().commands("find").at(1).json("filter.n"), R"({ "$gte" : 1 })");
+}
+
+TEST_F(FileStoreOnServer, ChunksHaveOneByteTo15MiB)
+{
+    dbc::UploadOptions options;
+    for (const std::uint32_t chunkSize : {1U, 15U << 20U})
+    {
+        options.chunkSize = chunkSize;
+        std::istringstream source("content");
+        store().upload("f", source, options);
+        gateway().clear();
+
+        EXPECT_EQ(download("f"), "content");
+
+        // A reply has at most 4 MiB, but at least one chunk.
+        EXPECT_EQ(gateway().commands("find").at(1).json("batchSize"), chunkSize == 1 ? "4194304" : "1");
+    }
+    options.chunkSize = (15U << 20U) + 1;
+    std::istringstream source("content");
+    EXPECT_EQ(thrownText([&] { store().upload("f", source, options); }),
+              "invalid_argument: Chunk size is out of range");
 }
 
 TEST_F(FileStoreOnServer, ReaderReadsAndSeeks)
@@ -177,6 +226,41 @@ TEST_F(FileStoreOnServer, ReaderReadsAndSeeks)
     EXPECT_EQ(reader->get(), std::char_traits<char>::eof());
     reader->clear();
     EXPECT_TRUE(reader->seekg(36).fail());
+}
+
+TEST_F(FileStoreOnServer, ReaderSeeksToBothEndsAndNoFurther)
+{
+    upload("f", letters(35));
+    const std::unique_ptr<dbc::FileReader> reader = store().open("f");
+
+    EXPECT_EQ(reader->seekg(0, std::ios::end).tellg(), std::streampos(35));
+    EXPECT_EQ(reader->seekg(-35, std::ios::cur).tellg(), std::streampos(0));
+    EXPECT_EQ(reader->seekg(35, std::ios::beg).tellg(), std::streampos(35));
+    EXPECT_EQ(reader->seekg(-35, std::ios::end).tellg(), std::streampos(0));
+
+    const std::streampos failed(std::streamoff(-1));
+    std::streambuf* const buffer = reader->rdbuf();
+    EXPECT_EQ(buffer->pubseekoff(-1, std::ios::beg), failed);
+    EXPECT_EQ(buffer->pubseekoff(1, std::ios::end), failed);
+    EXPECT_EQ(buffer->pubseekoff(-1, std::ios::cur), failed);
+    EXPECT_EQ(buffer->pubseekpos(-1), failed);
+    EXPECT_EQ(buffer->pubseekpos(36), failed);
+    EXPECT_EQ(buffer->pubseekoff(0, std::ios::beg, std::ios::out), failed);
+    EXPECT_EQ(reader->get(), 'a');
+}
+
+TEST_F(FileStoreOnServer, ReaderSeeksWithoutACommandInsideTheCurrentChunk)
+{
+    upload("f", letters(35));
+    const std::unique_ptr<dbc::FileReader> reader = store().open("f");
+    reader->get();
+    gateway().clear();
+
+    for (const int position : {9, 0, 10, 5})
+        EXPECT_EQ(reader->seekg(position).tellg(), std::streampos(position));
+    EXPECT_EQ(reader->get(), 'f');
+
+    EXPECT_EQ(gateway().names(), std::vector<std::string>{});
 }
 
 TEST_F(FileStoreOnServer, ByNameIsTheNewestFile)
@@ -212,6 +296,8 @@ TEST_F(FileStoreOnServer, ListIsFilteredAndSorted)
         names += info.name;
 
     EXPECT_EQ(names, "cb");
+    options.skip = 1;
+    EXPECT_EQ(store().list({}, options).front().name, "b");
     EXPECT_EQ(store().list({{"filename", "a"}}).size(), 1U);
 }
 
@@ -263,6 +349,33 @@ TEST_F(FileStoreOnServer, UploadFailsIfItsContentIsNoLongerThere)
     EXPECT_EQ(records(), 1U);
 }
 
+TEST_F(FileStoreOnServer, UploadOfOneChunkFailsIfItIsNoLongerThere)
+{
+    upload("first", "x"); // creates the indexes
+    gateway().inject(Fault::answer(R"({"ok": 1, "n": 1})").onCommand("insert").onTarget("fs.chunks"));
+    EXPECT_EQ(thrownText([&] { upload("f", "content"); }),
+              "runtime_error: Upload failed: the content was removed while it was being stored");
+}
+
+TEST_F(FileStoreOnServer, FailedUploadRemovesOnlyWhatItMayHaveStored)
+{
+    upload("first", "x"); // creates the indexes
+    const auto failedUpload = [this](const char* target) {
+        gateway().inject(
+            Fault::answer(R"({"ok": 0, "errmsg": "no", "code": 13})").onCommand("insert").onTarget(target));
+        gateway().clear();
+        EXPECT_EQ(thrownText([&] { upload("f", "content"); }), "runtime_error: Upload failed: no(code: 13)");
+        std::string removals;
+        for (const RecordedCommand& removal : gateway().commands("delete"))
+            removals += removal.target + ' ';
+        return removals;
+    };
+
+    EXPECT_EQ(failedUpload("fs.chunks"), "fs.chunks ");
+    EXPECT_EQ(failedUpload("fs.files"), "fs.files fs.chunks ");
+    EXPECT_EQ(chunks(), 1U);
+}
+
 TEST_F(FileStoreOnServer, UploadWithAnIdThatIsTakenLeavesTheOtherFile)
 {
     dbc::UploadOptions options;
@@ -300,6 +413,49 @@ TEST_F(FileStoreOnServer, BrokenFileIsAnErrorAfterWhatCameBefore)
               "runtime_error: Download failed: the record of a stored file is malformed");
     EXPECT_EQ(thrownText([&] { store().list(); }),
               "runtime_error: Listing files failed: the record of a stored file is malformed");
+}
+
+TEST_F(FileStoreOnServer, ChunkOfOneByteWhoseDataIsNotBinaryHasAWrongLength)
+{
+    upload("f", "x");
+    scratch().run(R"({"update": "fs.chunks", "updates": [{"q": {}, "u": {"$set": {"data": 5}}}]})");
+
+    EXPECT_EQ(thrownText([&] { download("f"); }),
+              "runtime_error: Download failed: chunk 0 of the stored file has a wrong length");
+}
+
+TEST_F(FileStoreOnServer, OptionalFieldOfAnotherTypeIsLeftOut)
+{
+    upload("f", "x");
+    scratch().run(R"({"update": "fs.files", "updates": [{"q": {}, "u": {"$set": {
+                      "contentType": 1, "metadata": [2], "uploadDate": {"$numberLong": "3"}}}}]})");
+
+    const std::optional<FileInfo> info = store().find("f");
+
+    ASSERT_TRUE(info);
+    EXPECT_EQ(info->contentType, "");
+    EXPECT_EQ(info->metadata, Value());
+    EXPECT_EQ(info->uploaded.time_since_epoch().count(), 0);
+    EXPECT_EQ(download("f"), "x");
+}
+
+TEST_F(FileStoreOnServer, RecordWithANumberOutOfRangeIsMalformed)
+{
+    upload("f", "x");
+    const auto listed = [this](const char* field, const char* number) {
+        scratch().run(std::string(R"({"update": "fs.files", "updates": [{"q": {}, "u": {"$set": {")") + field +
+                      "\": " + number + "}}}]}");
+        return thrownText([&] { store().list(); });
+    };
+    const char* const malformed = "runtime_error: Listing files failed: the record of a stored file is malformed";
+
+    EXPECT_EQ(listed("length", "-1"), malformed);
+    EXPECT_EQ(listed("length", "0"), "");
+    EXPECT_EQ(listed("chunkSize", "-1"), malformed);
+    EXPECT_EQ(listed("chunkSize", "1"), "");
+    EXPECT_EQ(listed("chunkSize", "16777217"), malformed);
+    EXPECT_EQ(listed("chunkSize", "16777216"), "");
+    EXPECT_EQ(listed("chunkSize", "\"text\""), malformed);
 }
 
 TEST_F(FileStoreOnServer, StreamsThatFailEndTheCopy)

@@ -73,6 +73,18 @@ TEST(ServerError, IsARuntimeErrorThatDescribeReadsExactly)
     EXPECT_EQ(dbc::describe(dbc::ServerError("X", {})).code, std::nullopt);
 }
 
+TEST(ServerError, MayBeRetriedForTheCodesThatServersSpecify)
+{
+    std::vector<std::uint32_t> codes;
+    for (std::uint32_t code = 0; code < 20000; ++code)
+    {
+        if (dbc::errorDetails(driverError(MONGOC_ERROR_SERVER, code, "x"), nullptr).mayRetry)
+            codes.push_back(code);
+    }
+    EXPECT_EQ(codes,
+              (std::vector<std::uint32_t>{6, 7, 89, 91, 112, 134, 189, 262, 9001, 10107, 11600, 11602, 13435, 13436}));
+}
+
 TEST(ServerError, TakesTheTextOfAWriteErrorWithoutCodeFromTheReply)
 {
     const dbc::ServerError error =

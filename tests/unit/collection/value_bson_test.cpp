@@ -213,6 +213,17 @@ TEST(ValueBson, IsReadAndWrittenByteForByteWithAFieldOfEveryType)
     EXPECT_EQ(again, value);
 }
 
+TEST(ValueBson, ReservesExactlyTheBytesThatItWrites)
+{
+    const Bytes bytes = test_support::everyType().toBson();
+    EXPECT_EQ(bytes.capacity(), bytes.size());
+    for (const std::size_t count : {0U, 1U, 10U, 11U, 100U, 101U, 1001U})
+    {
+        const Bytes list = Value(std::vector<int>(count, 1)).toBson();
+        EXPECT_EQ(list.capacity(), list.size()) << count;
+    }
+}
+
 TEST(ValueBson, IsReadOrRefusedWhateverByteIsChanged)
 {
     const Bytes bytes = test_support::everyType().toBson();

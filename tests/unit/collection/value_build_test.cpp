@@ -129,7 +129,9 @@ TEST(ValueBuild, ThrowsForAnInvalidObjectId)
 {
     EXPECT_THROW(Value(dbc::ObjectId{"507f1f77bcf86cd79943901"}), std::invalid_argument);
     EXPECT_THROW(Value(dbc::ObjectId{"507f1f77bcf86cd79943901g"}), std::invalid_argument);
-    EXPECT_EQ(Value(dbc::ObjectId{"507F1F77BCF86CD799439011"}).get<dbc::ObjectId>()->text, "507f1f77bcf86cd799439011");
+    for (const char wrong : {'/', ':', '@', 'G', '`', 'g', '\0'})
+        EXPECT_THROW(Value(dbc::ObjectId{std::string(23, '0') + wrong}), std::invalid_argument) << wrong;
+    EXPECT_EQ(Value(dbc::ObjectId{"0123456789abcdefABCDEF11"}).get<dbc::ObjectId>()->text, "0123456789abcdefabcdef11");
 }
 
 TEST(ValueBuild, ThrowsForAScopeThatIsNotAnObject)
