@@ -160,6 +160,18 @@ TEST_F(CursorCommand, KeepsOnlyTheFieldsOfTheCurrentDocumentInItsObjectPropertie
     EXPECT_FALSE(cursor.properties().contains("/text"));
 }
 
+TEST_F(CursorCommand, ConvertsEachDocumentOnce)
+{
+    scratch().insert("c", R"({"_id": 11, "other": {"a": 1}})");
+    Cursor cursor = collection().find({{"_id", 11}});
+    ASSERT_TRUE(cursor.next());
+
+    cursor.properties().beginGroup("other");
+    EXPECT_EQ(cursor.properties().valueAsInt32("a", 0), 1) << "the second call has moved the cursor of the document";
+    const Value* const field = &cursor.value().at("other");
+    EXPECT_EQ(&cursor.value().at("other"), field);
+}
+
 TEST_F(CursorCommand, HasNoDocumentBeforeTheFirstAndAfterTheLast)
 {
     dbc::FindOptions options;

@@ -424,11 +424,14 @@ TEST_F(FileStoreOnServer, ChunkOfOneByteWhoseDataIsNotBinaryHasAWrongLength)
               "runtime_error: Download failed: chunk 0 of the stored file has a wrong length");
 }
 
-TEST_F(FileStoreOnServer, OptionalFieldOfAnotherTypeIsLeftOut)
+TEST_F(FileStoreOnServer, OptionalFieldThatIsMissingOrOfAnotherTypeIsLeftOut)
 {
-    upload("f", "x");
-    scratch().run(R"({"update": "fs.files", "updates": [{"q": {}, "u": {"$set": {
-                      "contentType": 1, "metadata": [2], "uploadDate": {"$numberLong": "3"}}}}]})");
+    dbc::UploadOptions options;
+    options.id = Value(dbc::timeFromMilliseconds(7));
+    std::istringstream source("x");
+    store().upload("f", source, options);
+    scratch().run(R"({"update": "fs.files", "updates": [{"q": {}, "u": {"$set": {"contentType": 1, "metadata": [2]},
+                                                                       "$unset": {"uploadDate": ""}}}]})");
 
     const std::optional<FileInfo> info = store().find("f");
 

@@ -115,4 +115,19 @@ TEST(ValueChange, ReserveKeepsTheItems)
     EXPECT_EQ(value, Value());
 }
 
+TEST(ValueChange, ItemsStayWhereTheyAreUpToTheReservedNumber)
+{
+    for (Value list : {Value(), dbc::array()})
+    {
+        const auto add = [&list]() -> Value& { return list.isObject() ? list.append("a", 1) : list.push(1); };
+        list.reserve(3);
+        const Value* const first = &add();
+        add();
+        add();
+        EXPECT_EQ(&list.at(std::size_t{0}), first);
+        list.reserve(3);
+        EXPECT_EQ(&list.at(std::size_t{0}), first);
+    }
+}
+
 } // namespace

@@ -126,6 +126,8 @@ TEST(ValueEquality, IsThatOfNumbersWhateverTheirTypes)
     EXPECT_EQ(Value(Decimal128::parse("-0")), Value(0));
     EXPECT_EQ(Value(Decimal128::parse("NaN")), Value(std::numeric_limits<double>::quiet_NaN()));
     EXPECT_EQ(Value(Decimal128::parse("Infinity")), Value(infinity));
+    EXPECT_EQ(Value(Decimal128::parse("1E+13")), Value(10000000000000L));
+    EXPECT_EQ(Value(std::numeric_limits<long>::min()), Value(-9223372036854775808.0));
     EXPECT_EQ(Value(-0.0), Value(0));
     EXPECT_EQ(Value({{"a", array({1L})}}), Value({{"a", array({1.0})}}));
 }

@@ -133,8 +133,13 @@ TEST(ValueRead, FindsEveryKeyOfALargeObjectHoweverOftenItIsAsked)
     for (int number = 0; number < 1000; ++number)
         value.append((number % 2 == 0 ? "k" : "a key that is not stored in place ") + std::to_string(number), number);
     value.append("k0", "second");
+    const int lengths[] = {13, 14, 15}; // around the longest key that is stored in place
+    for (const int length : lengths)
+        value.append(std::string(static_cast<std::size_t>(length), 'x'), length);
     for (int round = 0; round < 3; ++round)
     {
+        for (const int length : lengths)
+            EXPECT_EQ(value.at(std::string(static_cast<std::size_t>(length), 'x')), Value(length));
         for (int number = 0; number < 1000; ++number)
         {
             const std::string suffix = std::to_string(number);
