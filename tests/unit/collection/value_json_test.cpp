@@ -86,6 +86,12 @@ INSTANTIATE_TEST_SUITE_P(
         Fault{"{\"$date\": \"2023-04-31T00:00:00Z\"}", 10, "JSON: 2023-04-31 is not a day"},
         Fault{"{\"$numberDouble\": \"1.5x\"}", 18, "JSON: \"1.5x\" is not a double"},
         Fault{"[{\"$numberDecimal\": \"1E99999\"}]", 20, "JSON: \"1E99999\" is not a decimal number"},
+        Fault{"{\"$numberDouble\": \"123456789012345678901234567890123456789xy\"}", 18,
+              "JSON: \"123456789012345678901234567890123456789x\" is not a double"},
+        Fault{"{\"$numberDecimal\": \"123456789012345678901234567890123456789xy\"}", 19,
+              "JSON: \"123456789012345678901234567890123456789x\" is not a decimal number"},
+        Fault{"1234567890123456789012345678901234567890123", 0,
+              "JSON: the integer 1234567890123456789012345678901234567890 is out of range, at byte 0"},
         Fault{"{\"a\": }", 6, "JSON: "}, Fault{"{\"a\": [1, 2}", 11, "JSON: \"}\" closes nothing, at byte 11"},
         Fault{"{\"a\": tru}", 9, "JSON: "}, Fault{"{'a': 1}", 1, "JSON: "},
         Fault{"{\"a\": {\"$oid\": \"zz\"}}", 18, "JSON: Invalid input string \"zz\", looking for OID"}));
