@@ -11,6 +11,7 @@
 
 #include <cstdint>
 #include <ostream>
+#include <utility>
 
 namespace test_support {
 namespace {
