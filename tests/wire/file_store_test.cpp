@@ -238,7 +238,7 @@ TEST_F(FileStoreOnServer, ReaderSeeksToBothEndsAndNoFurther)
     EXPECT_EQ(reader->seekg(35, std::ios::beg).tellg(), std::streampos(35));
     EXPECT_EQ(reader->seekg(-35, std::ios::end).tellg(), std::streampos(0));
 
-    const std::streampos failed(std::streamoff(-1));
+    const std::streampos failed(-1);
     std::streambuf* const buffer = reader->rdbuf();
     EXPECT_EQ(buffer->pubseekoff(-1, std::ios::beg), failed);
     EXPECT_EQ(buffer->pubseekoff(1, std::ios::end), failed);
