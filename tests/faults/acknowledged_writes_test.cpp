@@ -3,7 +3,7 @@
 
 // Writes through a connection with random faults at random times. Every acknowledged write must be stored.
 //
-// DATABASE_CLIENT_TEST_FAULTS is the number of faults, DATABASE_CLIENT_TEST_SEED the seed of the random numbers.
+// DATABASE_CLIENT_TEST_FAULTS: number of faults. DATABASE_CLIENT_TEST_SEED: start value of the random numbers.
 
 #include "connection_options.h"
 #include "database_client.h"

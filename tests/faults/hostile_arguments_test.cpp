@@ -4,7 +4,7 @@
 // Calls every operation of a client with random documents and names, with a real driver and server. Each operation must
 // return or throw one of its two exceptions. The process must never end.
 //
-// DATABASE_CLIENT_TEST_ROUNDS is the number of rounds, DATABASE_CLIENT_TEST_SEED the seed of the random numbers.
+// DATABASE_CLIENT_TEST_ROUNDS: number of rounds. DATABASE_CLIENT_TEST_SEED: start value of the random numbers.
 
 #include "database_client.h"
 #include "dbc/results.h"
