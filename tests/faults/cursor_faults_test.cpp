@@ -3,10 +3,9 @@
 
 // A cursor whose getMore goes wrong, and one that receives a malformed document.
 
-#include "connected_client.h"
-
 #include "connection_options.h"
 #include "dbc/collection.h"
+#include "ten_documents.h"
 
 #include <algorithm>
 #include <stdexcept>
@@ -14,45 +13,22 @@
 namespace test_support {
 namespace {
 
-using dbc::Collection;
 using dbc::Cursor;
 using dbc::ErrorKind;
 using dbc::ServerError;
 using dbc::Value;
 
-/// A collection "c" of ten documents {_id: 1, text: "t1"} and so on, read in batches of four.
-class CursorFault : public ConnectedClient
+class CursorFault : public TenDocuments
 {
 public:
-    CursorFault() : m_collection(client(), database(), "c")
-    {
-        std::vector<Value> documents;
-        for (int id = 1; id <= 10; ++id)
-            documents.push_back(Value{{"_id", id}, {"text", "t" + std::to_string(id)}});
-        m_collection.insertMany(documents);
-        gateway().clear();
-    }
-    ~CursorFault() override { gateway().clearFaults(); }
-
-    Collection& collection() { return m_collection; }
-
-    Cursor find()
-    {
-        dbc::FindOptions options;
-        options.sort = {{"_id"}};
-        options.batchSize = 4;
-        return m_collection.find({}, options);
-    }
+    Cursor find() { return openInBatchesOf(4); }
 
     Cursor aggregate()
     {
         dbc::AggregateOptions options;
         options.batchSize = 4;
-        return m_collection.aggregate(dbc::array({Value{{"$sort", {{"_id", 1}}}}}), options);
+        return collection().aggregate(dbc::array({Value{{"$sort", {{"_id", 1}}}}}), options);
     }
-
-private:
-    Collection m_collection;
 };
 
 struct MiddleFault

@@ -1,10 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The database_client authors
 // SPDX-License-Identifier: MIT
 
-#include "connected_client.h"
-
 #include "command_text.h"
 #include "dbc/collection.h"
+#include "ten_documents.h"
 
 #include <chrono>
 #include <stdexcept>
@@ -12,37 +11,11 @@
 namespace test_support {
 namespace {
 
-using dbc::Collection;
 using dbc::Cursor;
 using dbc::Value;
 
-/// A collection "c" of ten documents {_id: 1, text: "t1"} and so on.
-class CursorCommand : public ConnectedClient
-{
-public:
-    CursorCommand() : m_collection(client(), database(), "c")
-    {
-        std::vector<Value> documents;
-        for (int id = 1; id <= 10; ++id)
-            documents.push_back(Value{{"_id", id}, {"text", "t" + std::to_string(id)}});
-        m_collection.insertMany(documents);
-        gateway().clear();
-    }
-    ~CursorCommand() override { gateway().clearFaults(); }
-
-    Collection& collection() { return m_collection; }
-
-    Cursor openInBatchesOf(int count)
-    {
-        dbc::FindOptions options;
-        options.sort = {{"_id"}};
-        options.batchSize = count;
-        return m_collection.find({}, options);
-    }
-
-private:
-    Collection m_collection;
-};
+class CursorCommand : public TenDocuments
+{};
 
 constexpr const char* noDocuments = R"({"ok": 1, "cursor": {"id": 0, "ns": "d.c", "firstBatch": []}})";
 
