@@ -13,6 +13,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <optional>
+#include <ratio>
 #include <string>
 #include <string_view>
 #include <system_error>
