@@ -298,4 +298,34 @@ TEST(Decimal128, ThrowsForAStringThatIsNotANumber)
     EXPECT_EQ(dbc::Decimal128().text(), "0");
 }
 
+TEST(TypeName, IsThatOfTheTypeOperator)
+{
+    const std::vector<std::pair<dbc::Type, std::string>> names = {
+        {dbc::Type::Double, "double"},
+        {dbc::Type::String, "string"},
+        {dbc::Type::Object, "object"},
+        {dbc::Type::Array, "array"},
+        {dbc::Type::Binary, "binData"},
+        {dbc::Type::Undefined, "undefined"},
+        {dbc::Type::ObjectId, "objectId"},
+        {dbc::Type::Bool, "bool"},
+        {dbc::Type::Time, "date"},
+        {dbc::Type::Null, "null"},
+        {dbc::Type::RegularExpression, "regex"},
+        {dbc::Type::DbPointer, "dbPointer"},
+        {dbc::Type::Code, "javascript"},
+        {dbc::Type::Symbol, "symbol"},
+        {dbc::Type::CodeWithScope, "javascriptWithScope"},
+        {dbc::Type::Int32, "int"},
+        {dbc::Type::Timestamp, "timestamp"},
+        {dbc::Type::Int64, "long"},
+        {dbc::Type::Decimal128, "decimal"},
+        {dbc::Type::MaxKey, "maxKey"},
+        {dbc::Type::MinKey, "minKey"},
+    };
+    for (const auto& [type, name] : names)
+        EXPECT_EQ(nameOf(type), name);
+    EXPECT_STREQ(nameOf(static_cast<dbc::Type>(99)), "");
+}
+
 } // namespace
