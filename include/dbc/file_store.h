@@ -123,7 +123,7 @@ public:
     /// Stores the bytes of @p source from its read position on. Memory use does not depend on the length. A stored file
     /// with the same name is not replaced. The first upload to an empty bucket creates the indexes of GridFS.
     /// @throws std::invalid_argument "Chunk size is out of range"; "Bad properties" if the metadata cannot be sent
-    /// @throws std::runtime_error    "The source of the file cannot be read"; also if @p source has failed before
+    /// @throws std::runtime_error    "The source of the file cannot be read", or could not be opened
     /// @throws Cancelled             progress() returned false
     /// @throws ServerError           "Upload failed..."
     FileInfo upload(const std::string& name, std::istream& source, const UploadOptions& options = {});

@@ -233,6 +233,13 @@ inline void giveFinalName(DataBaseClient& client, const std::string& database, c
     require(!findOne(client, database, files, renamed).empty());
 }
 
+// A stream that was read to its end has failed too, but it only has no more bytes.
+inline void requireReadable(const std::istream& source)
+{
+    if (source.bad() || (source.fail() && !source.eof()))
+        throw std::runtime_error("The source of the file cannot be read");
+}
+
 } // namespace detail
 
 /// Stores the bytes of @p generator so that no other program sees an incomplete file under this name. A stored file
@@ -275,20 +282,15 @@ inline void writeFile(DataBaseClient& client, const std::string& database, const
 }
 
 /// Stores the bytes of @p source from its read position on, as the overload above does.
-/// @throws std::runtime_error  "The source of the file cannot be read"; otherwise as the overload above
+/// @throws std::runtime_error  "The source of the file cannot be read", or could not be opened; otherwise as the
+///                             overload above
 inline void writeFile(DataBaseClient& client, const std::string& database, const std::string& gridFsCollection,
                       const std::string& fileName, std::istream& source)
 {
-    const auto requireThat = [](bool isReadable) {
-        if (!isReadable)
-            throw std::runtime_error("The source of the file cannot be read");
-    };
-    // Otherwise a file that could not be opened would be stored as an empty one. A stream that was read to its end has
-    // failed too.
-    requireThat(!source.fail() || source.eof());
-    writeFile(client, database, gridFsCollection, fileName, [&](char* buffer, std::size_t capacity) {
+    detail::requireReadable(source); // otherwise a file that could not be opened would be stored as an empty one
+    writeFile(client, database, gridFsCollection, fileName, [&source](char* buffer, std::size_t capacity) {
         source.read(buffer, static_cast<std::streamsize>(capacity));
-        requireThat(!source.bad());
+        detail::requireReadable(source);
         return static_cast<std::size_t>(source.gcount());
     });
 }

@@ -15,6 +15,7 @@
 #include "dbc/collection.h"
 #include "dbc/document_ref.h"
 #include "dbc/errors.h"
+#include "dbc/files.h"
 #include "dbc/options.h"
 #include "dbc/value.h"
 #include "dbc/values.h"
@@ -56,12 +57,6 @@ bson_t viewOf(const BsonView& view)
     bson_t bson;
     bson_init_static(&bson, view.data, view.size);
     return bson;
-}
-
-void requireReadable(bool isReadable)
-{
-    if (!isReadable)
-        throw std::runtime_error("The source of the file cannot be read");
 }
 
 [[noreturn]] void throwNotFound()
@@ -223,7 +218,7 @@ private:
     std::optional<BsonView> nextChunk(std::istream& source)
     {
         source.read(m_buffer.data(), static_cast<std::streamsize>(m_buffer.size()));
-        requireReadable(!source.bad());
+        detail::requireReadable(source);
         const auto count = static_cast<std::uint32_t>(source.gcount());
         if (count == 0)
             return std::nullopt;
@@ -357,9 +352,7 @@ FileInfo FileStore::upload(const std::string& name, std::istream& source, const 
     if (options.chunkSize == 0 || options.chunkSize > largestChunk)
         throw std::invalid_argument("Chunk size is out of range");
     checkNoZeroByte(options.contentType, "Content type");
-    // Otherwise a file that could not be opened would be stored as an empty one. A stream that was read to its end has
-    // failed too.
-    requireReadable(!source.fail() || source.eof());
+    detail::requireReadable(source); // otherwise a file that could not be opened would be stored as an empty one
     const OutgoingBson checked(options.metadata, "Bad properties"); // throws before anything is sent
     return relabelled(uploadFailed, [&] {
         d->createIndexes();

@@ -94,6 +94,7 @@ std::optional<bson_decimal128_t> decimalOf(const std::string& text)
     return isNumber ? std::optional<bson_decimal128_t>(decimal) : std::nullopt;
 }
 
+/// Uses strtod() as libbson does, so both stop at the same character, in any locale.
 bool isDouble(const std::string& text)
 {
     char* end = nullptr;
