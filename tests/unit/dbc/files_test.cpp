@@ -271,6 +271,19 @@ TEST(StoringAStream, ThatIsNotOpenStoresNothing)
     EXPECT_TRUE(client.steps.empty());
 }
 
+TEST(StoringAStream, ThatWasReadToItsEndStoresAnEmptyFile)
+{
+    LocalFiles client;
+    client.content = "before";
+    std::istringstream source("abc");
+    std::string word;
+    source >> word >> word; // the second one fails
+
+    dbc::writeFile(client, "d", "fs", "name", source);
+
+    EXPECT_EQ(client.content, "");
+}
+
 TEST(StoringAStream, StoresItFromItsReadPositionOn)
 {
     LocalFiles client;
